@@ -1,0 +1,93 @@
+/* The DDS entities of the logger: participant, topics, publisher, writers, subscriber, reader.
+ *
+ * Made when the logger is created, unchanged until it is finalised. The accessors read a field and
+ * take no lock; the record must not be NULL.
+ */
+#ifndef VUR_DL_DDSENTITIES_H
+#define VUR_DL_DDSENTITIES_H
+
+#include "kolt/domain.h"
+#include "vur_dl/DistLogger.h"
+#include "vur_dl/Options.h"
+#include "vur_dl/distlogSupport.h"
+#include "vur_dl/export.h"
+
+VUR_DL_EXTERN_C_BEGIN
+
+typedef struct VUR_DL_DDSEntities VUR_DL_DDSEntities;
+
+#define VUR_DL_LOG_TOPIC_NAME "vur/distlog"
+#define VUR_DL_STATE_TOPIC_NAME "vur/distlog/administration/state"
+#define VUR_DL_COMMAND_REQUEST_TOPIC_NAME "vur/distlog/administration/command_request"
+#define VUR_DL_COMMAND_RESPONSE_TOPIC_NAME "vur/distlog/administration/command_response"
+#define VUR_DL_LOG_TYPE_NAME "com::vur::dl::LogMessage"
+#define VUR_DL_STATE_TYPE_NAME "com::vur::dl::admin::State"
+#define VUR_DL_COMMAND_REQUEST_TYPE_NAME "com::vur::dl::admin::CommandRequest"
+#define VUR_DL_COMMAND_RESPONSE_TYPE_NAME "com::vur::dl::admin::CommandResponse"
+
+/* Creates all entities as the logger's options ask. NULL, with a printed line, on failure. */
+VUR_DL_EXPORT VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *distLogger,
+                                                            DDS_DomainParticipantFactory *factory);
+/* Deletes the entities and frees the record. NULL is allowed. */
+VUR_DL_EXPORT void VUR_DL_DDSEntities_destroy(VUR_DL_DDSEntities *self);
+/* Zero-fills the record; NULL prints a line. */
+VUR_DL_EXPORT void VUR_DL_DDSEntities_initialize(VUR_DL_DDSEntities *self);
+/* Deletes what the record created and nothing that it was handed or only looked up. Goes on after a
+ * failure, with a printed line; the result is that of the last deletion. */
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_deleteContainedEntities(VUR_DL_DDSEntities *self);
+
+/* The QoS that each entity is created with: from the options' profile if it exists, else the
+ * default, with the logger's own needs on top. Each fills a record that the caller finalises; an
+ * error of the middleware is returned as it is. Topic names are compared without regard to case. */
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDomainParticipantQos(
+    VUR_DL_DDSEntities *self, DDS_DomainParticipantQos *qos, const VUR_DL_Options *options);
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getSubscriberQos(VUR_DL_DDSEntities *self,
+                                                                   DDS_SubscriberQos *qos);
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getPublisherQos(VUR_DL_DDSEntities *self,
+                                                                  DDS_PublisherQos *qos);
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getTopicQos(VUR_DL_DDSEntities *self,
+                                                              DDS_TopicQos *qos,
+                                                              const char *topicName);
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDataWriterQos(VUR_DL_DDSEntities *self,
+                                                                   DDS_DataWriterQos *qos,
+                                                                   const char *topicName);
+VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDataReaderQos(VUR_DL_DDSEntities *self,
+                                                                   DDS_DataReaderQos *qos,
+                                                                   const char *topicName);
+/* 1 when the factory knows the library and, in it, the profile (exact names); else 0. */
+VUR_DL_EXPORT int VUR_DL_DDSEntities_doesQosLibraryAndProfileExist(VUR_DL_DDSEntities *self,
+                                                                   const char *library,
+                                                                   const char *profile);
+/* 1 once the first State sample has been written, which the first matching reader triggers. The
+ * argument is not used. */
+VUR_DL_EXPORT int VUR_DL_DDSEntities_hasInitialStateBeenSent(const VUR_DL_DDSEntities *self);
+
+/* First and second 4 bytes of the participant's RTPS GUID prefix, as signed numbers. */
+VUR_DL_EXPORT int VUR_DL_DDSEntities_getRtpsHostId(const VUR_DL_DDSEntities *self);
+VUR_DL_EXPORT int VUR_DL_DDSEntities_getRtpsAppId(const VUR_DL_DDSEntities *self);
+VUR_DL_EXPORT DDS_DomainParticipant *VUR_DL_DDSEntities_getDomainParticipant(
+    const VUR_DL_DDSEntities *self);
+VUR_DL_EXPORT VUR_DL_LogMessageDataWriter *VUR_DL_DDSEntities_getLogMessageWriter(
+    const VUR_DL_DDSEntities *self);
+VUR_DL_EXPORT VUR_DL_ADMIN_StateDataWriter *VUR_DL_DDSEntities_getStateWriter(
+    const VUR_DL_DDSEntities *self);
+/* NULL when remote administration is disabled, like the next one. */
+VUR_DL_EXPORT VUR_DL_ADMIN_CommandRequestDataReader *VUR_DL_DDSEntities_getCommandRequestReader(
+    const VUR_DL_DDSEntities *self);
+VUR_DL_EXPORT VUR_DL_ADMIN_CommandResponseDataWriter *VUR_DL_DDSEntities_getCommandResponseWriter(
+    const VUR_DL_DDSEntities *self);
+
+/* Callbacks of the State writer; `distLogger` is the logger. The first reader that matches triggers
+ * the first State sample, a deferred write whose data are the logger's live State. */
+VUR_DL_EXPORT void VUR_DL_DDSEntities_stateWriterOnPublicationMatched(
+    void *distLogger, DDS_DataWriter *writer, const DDS_PublicationMatchedStatus *status);
+VUR_DL_EXPORT void *VUR_DL_DDSEntities_stateWriterOnDataRequest(void *distLogger,
+                                                                DDS_DataWriter *writer,
+                                                                const DDS_Cookie_t *cookie);
+VUR_DL_EXPORT void VUR_DL_DDSEntities_stateWriterOnDataReturn(void *distLogger,
+                                                              DDS_DataWriter *writer, void *sample,
+                                                              const DDS_Cookie_t *cookie);
+
+VUR_DL_EXTERN_C_END
+
+#endif /* VUR_DL_DDSENTITIES_H */

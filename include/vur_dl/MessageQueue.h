@@ -1,0 +1,54 @@
+/* The bounded queue between the threads that log and the one thread that publishes.
+ *
+ * Any number of threads push; one consumer waits with _front, publishes what it points at, and then
+ * calls _pop. A push onto a full queue drops the message instead of waiting, but still uses up a
+ * message number. Elements come from one block that is made with the queue; texts of at most 127
+ * characters and categories of at most 31 lie in the element, longer ones on the heap.
+ */
+#ifndef VUR_DL_MESSAGEQUEUE_H
+#define VUR_DL_MESSAGEQUEUE_H
+
+#include "kolt/infrastructure.h"
+#include "vur_dl/distlog.h"
+#include "vur_dl/export.h"
+
+VUR_DL_EXTERN_C_BEGIN
+
+/* A message and the time stamp to publish it with. */
+typedef struct VUR_DL_LogMessagePlusTime {
+    VUR_DL_LogMessage message;
+    DDS_Time_t writeTime;
+} VUR_DL_LogMessagePlusTime;
+
+typedef struct VUR_DL_MessageQueueProperty {
+    DDS_Long queueSize; /* capacity in messages, 1 or more */
+} VUR_DL_MessageQueueProperty;
+
+typedef struct VUR_DL_MessageQueue VUR_DL_MessageQueue;
+
+/* A new, empty queue. NULL, with a printed line, when a part of it cannot be made. */
+VUR_DL_EXPORT VUR_DL_MessageQueue *VUR_DL_MessageQueue_new(
+    const VUR_DL_MessageQueueProperty *property);
+/* Frees the queue and the messages in it. No thread may be in one of its functions. NULL is
+ * allowed. */
+VUR_DL_EXPORT void VUR_DL_MessageQueue_delete(VUR_DL_MessageQueue *self);
+/* Copies `item` to the back and numbers it: 1, 2, 3 ... in the order of the pushes. Texts are cut
+ * to 4096 and categories to 512 characters. 1 when queued; 0 when the queue is full (silently) or,
+ * with a printed line, when memory or a lock fails. Any thread. */
+VUR_DL_EXPORT int VUR_DL_MessageQueue_push(VUR_DL_MessageQueue *self,
+                                           const VUR_DL_LogMessagePlusTime *item);
+/* The oldest message, still in the queue, after waiting for one at most `timeout`; NULL when none
+ * came. Each message is handed out once: a second _front without a _pop waits for another push and
+ * then gives the same, oldest message. The pointer is valid until _pop. Consumer only. */
+VUR_DL_EXPORT VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
+                                                                   const DDS_Duration_t *timeout);
+/* Removes the oldest message; nothing on an empty queue. Consumer only. */
+VUR_DL_EXPORT void VUR_DL_MessageQueue_pop(VUR_DL_MessageQueue *self);
+/* The capacity. */
+VUR_DL_EXPORT int VUR_DL_MessageQueue_getMessageQueueProperty(const VUR_DL_MessageQueue *self);
+/* The number of pushes so far, successful or not. Any thread; takes no lock. */
+VUR_DL_EXPORT DDS_LongLong VUR_DL_MessageQueue_getMessageId(const VUR_DL_MessageQueue *self);
+
+VUR_DL_EXTERN_C_END
+
+#endif /* VUR_DL_MESSAGEQUEUE_H */

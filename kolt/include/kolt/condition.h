@@ -1,0 +1,82 @@
+/* Conditions and waitsets (DDS 1.4, 2.2.2.1.6 to 2.2.2.1.9, 2.2.2.5.8, 2.2.2.5.9). */
+#ifndef KOLT_CONDITION_H
+#define KOLT_CONDITION_H
+
+#include "kolt/entity.h"
+
+KOLT_EXTERN_C_BEGIN
+
+struct KOLT_ConditionImpl;
+/* Any condition; every kind of condition begins with one. */
+typedef struct DDS_Condition {
+    struct KOLT_ConditionImpl *_impl;
+} DDS_Condition;
+struct DDS_StatusCondition {
+    DDS_Condition _condition;
+};
+typedef struct DDS_GuardCondition {
+    DDS_Condition _condition;
+} DDS_GuardCondition;
+typedef struct DDS_ReadCondition {
+    DDS_Condition _condition;
+} DDS_ReadCondition;
+typedef struct DDS_QueryCondition {
+    DDS_ReadCondition _read_condition;
+} DDS_QueryCondition;
+typedef DDS_Condition *DDS_ConditionPtr;
+KOLT_SEQUENCE_DECLARE(DDS_ConditionSeq, DDS_ConditionPtr, KOLT_EXPORT);
+typedef struct DDS_WaitSet DDS_WaitSet;
+
+KOLT_EXPORT DDS_Boolean DDS_Condition_get_trigger_value(DDS_Condition *self);
+
+KOLT_EXPORT DDS_Condition *DDS_StatusCondition_as_condition(DDS_StatusCondition *self);
+/* The statuses that trigger it; all at first. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_StatusCondition_set_enabled_statuses(DDS_StatusCondition *self,
+                                                                      DDS_StatusMask mask);
+KOLT_EXPORT DDS_StatusMask DDS_StatusCondition_get_enabled_statuses(DDS_StatusCondition *self);
+KOLT_EXPORT DDS_Entity *DDS_StatusCondition_get_entity(DDS_StatusCondition *self);
+
+/* A condition that the application triggers. NULL when memory runs out. */
+KOLT_EXPORT DDS_GuardCondition *DDS_GuardCondition_new(void);
+/* PRECONDITION_NOT_MET while it is attached to a waitset. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_GuardCondition_delete(DDS_GuardCondition *self);
+KOLT_EXPORT DDS_Condition *DDS_GuardCondition_as_condition(DDS_GuardCondition *self);
+KOLT_EXPORT DDS_ReturnCode_t DDS_GuardCondition_set_trigger_value(DDS_GuardCondition *self,
+                                                                  DDS_Boolean value);
+
+KOLT_EXPORT DDS_Condition *DDS_ReadCondition_as_condition(DDS_ReadCondition *self);
+KOLT_EXPORT DDS_DataReader *DDS_ReadCondition_get_datareader(DDS_ReadCondition *self);
+KOLT_EXPORT DDS_SampleStateMask DDS_ReadCondition_get_sample_state_mask(DDS_ReadCondition *self);
+KOLT_EXPORT DDS_ViewStateMask DDS_ReadCondition_get_view_state_mask(DDS_ReadCondition *self);
+KOLT_EXPORT DDS_InstanceStateMask
+DDS_ReadCondition_get_instance_state_mask(DDS_ReadCondition *self);
+
+KOLT_EXPORT DDS_ReadCondition *DDS_QueryCondition_as_readcondition(DDS_QueryCondition *self);
+/* The expression, owned by the condition. */
+KOLT_EXPORT const char *DDS_QueryCondition_get_query_expression(DDS_QueryCondition *self);
+/* Copies the parameters into `parameters`. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_QueryCondition_get_query_parameters(DDS_QueryCondition *self,
+                                                                     DDS_StringSeq *parameters);
+/* Replaces the parameters; BAD_PARAMETER (and a log message) when they do not fit. */
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_QueryCondition_set_query_parameters(DDS_QueryCondition *self, const DDS_StringSeq *parameters);
+
+/* NULL when memory runs out. */
+KOLT_EXPORT DDS_WaitSet *DDS_WaitSet_new(void);
+KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_delete(DDS_WaitSet *self);
+/* Attaching twice is OK and has no effect. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_attach_condition(DDS_WaitSet *self,
+                                                          DDS_Condition *condition);
+/* PRECONDITION_NOT_MET when it is not attached. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_detach_condition(DDS_WaitSet *self,
+                                                          DDS_Condition *condition);
+KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_get_conditions(DDS_WaitSet *self,
+                                                        DDS_ConditionSeq *conditions);
+/* Waits until a condition triggers; `active` gets those that did. TIMEOUT when none did (`active`
+ * is then empty); PRECONDITION_NOT_MET when another thread waits on the same waitset. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_wait(DDS_WaitSet *self, DDS_ConditionSeq *active,
+                                              const DDS_Duration_t *timeout);
+
+KOLT_EXTERN_C_END
+
+#endif /* KOLT_CONDITION_H */

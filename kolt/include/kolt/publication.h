@@ -1,0 +1,162 @@
+/* Publishers and data writers (DDS 1.4, 2.2.2.4). */
+#ifndef KOLT_PUBLICATION_H
+#define KOLT_PUBLICATION_H
+
+#include "kolt/entity.h"
+#include "kolt/qos.h"
+#include "kolt/topic.h"
+
+KOLT_EXTERN_C_BEGIN
+
+/* ---- Write parameters ---------------------------------------------------------------------- */
+
+/* What a write, dispose or (un)register carries beside the sample. With an invalid source time
+ * stamp (the default) the time of the call is used. A cookie of length 0 is no cookie. */
+typedef struct DDS_WriteParams_t {
+    DDS_Time_t source_timestamp;
+    DDS_Cookie_t cookie;
+    DDS_InstanceHandle_t handle;
+} DDS_WriteParams_t;
+KOLT_EXPORT extern const DDS_WriteParams_t DDS_WRITEPARAMS_DEFAULT;
+
+/* ---- Listeners ----------------------------------------------------------------------------- */
+
+/* A callback that is NULL is not called. With the property "dds.data_writer.enable_deferred_write"
+ * set to "true", a write that carries a cookie takes its data from `on_data_request` at the moment
+ * when the writer needs them, which is when it serialises the sample for its history, and gives
+ * them back through `on_data_return`; the sample that was passed to the write is not read. */
+typedef struct DDS_DataWriterListener {
+    void *listener_data;
+    void (*on_offered_deadline_missed)(void *listener_data, DDS_DataWriter *writer,
+                                       const DDS_OfferedDeadlineMissedStatus *status);
+    void (*on_offered_incompatible_qos)(void *listener_data, DDS_DataWriter *writer,
+                                        const DDS_OfferedIncompatibleQosStatus *status);
+    void (*on_liveliness_lost)(void *listener_data, DDS_DataWriter *writer,
+                               const DDS_LivelinessLostStatus *status);
+    void (*on_publication_matched)(void *listener_data, DDS_DataWriter *writer,
+                                   const DDS_PublicationMatchedStatus *status);
+    void *(*on_data_request)(void *listener_data, DDS_DataWriter *writer,
+                             const DDS_Cookie_t *cookie);
+    void (*on_data_return)(void *listener_data, DDS_DataWriter *writer, void *sample,
+                           const DDS_Cookie_t *cookie);
+} DDS_DataWriterListener;
+/* A publisher's listener is told what its writers' own listeners do not handle. */
+typedef DDS_DataWriterListener DDS_PublisherListener;
+
+/* ---- Publisher ----------------------------------------------------------------------------- */
+
+/* NULL (and a log message) for inconsistent QoS, a topic of another participant, or no memory. With
+ * NULL for `qos`, or DDS_DATAWRITER_QOS_DEFAULT, the publisher's default is used; with
+ * DDS_DATAWRITER_QOS_USE_TOPIC_QOS that default with the topic's policies copied in. */
+KOLT_EXPORT DDS_DataWriter *DDS_Publisher_create_datawriter(DDS_Publisher *self, DDS_Topic *topic,
+                                                            const DDS_DataWriterQos *qos,
+                                                            const DDS_DataWriterListener *listener,
+                                                            DDS_StatusMask mask);
+KOLT_EXPORT extern const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT;
+KOLT_EXPORT extern const DDS_DataWriterQos DDS_DATAWRITER_QOS_USE_TOPIC_QOS;
+/* PRECONDITION_NOT_MET when the writer is not one of this publisher's. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_delete_datawriter(DDS_Publisher *self,
+                                                             DDS_DataWriter *writer);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_delete_contained_entities(DDS_Publisher *self);
+/* Any one writer for the topic name; NULL when there is none. */
+KOLT_EXPORT DDS_DataWriter *DDS_Publisher_lookup_datawriter(DDS_Publisher *self,
+                                                            const char *topic_name);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_get_qos(DDS_Publisher *self, DDS_PublisherQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_set_qos(DDS_Publisher *self,
+                                                   const DDS_PublisherQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_set_listener(DDS_Publisher *self,
+                                                        const DDS_PublisherListener *listener,
+                                                        DDS_StatusMask mask);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_get_default_datawriter_qos(DDS_Publisher *self,
+                                                                      DDS_DataWriterQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_set_default_datawriter_qos(DDS_Publisher *self,
+                                                                      const DDS_DataWriterQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_copy_from_topic_qos(DDS_Publisher *self,
+                                                               DDS_DataWriterQos *writer_qos,
+                                                               const DDS_TopicQos *topic_qos);
+/* Waits until reliable readers have acknowledged everything. TIMEOUT when they have not. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_wait_for_acknowledgments(DDS_Publisher *self,
+                                                                    const DDS_Duration_t *max_wait);
+KOLT_EXPORT DDS_DomainParticipant *DDS_Publisher_get_participant(DDS_Publisher *self);
+
+/* ---- Data writer --------------------------------------------------------------------------- */
+
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_qos(DDS_DataWriter *self, DDS_DataWriterQos *qos);
+/* IMMUTABLE_POLICY when a policy that cannot change would change. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_qos(DDS_DataWriter *self,
+                                                    const DDS_DataWriterQos *qos);
+/* Replaces the listener (the record is copied; NULL removes it). When a status in `mask` has
+ * changed already (a reader matched before the listener came), its callback is called at once. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_listener(DDS_DataWriter *self,
+                                                         const DDS_DataWriterListener *listener,
+                                                         DDS_StatusMask mask);
+KOLT_EXPORT DDS_DataWriterListener DDS_DataWriter_get_listener(DDS_DataWriter *self);
+KOLT_EXPORT DDS_Topic *DDS_DataWriter_get_topic(DDS_DataWriter *self);
+KOLT_EXPORT DDS_Publisher *DDS_DataWriter_get_publisher(DDS_DataWriter *self);
+/* The endpoint type name of the writer's type plugin, by which typed writers narrow. */
+KOLT_EXPORT const char *DDS_DataWriter_get_endpoint_type_name(DDS_DataWriter *self);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_DataWriter_wait_for_acknowledgments(DDS_DataWriter *self, const DDS_Duration_t *max_wait);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_assert_liveliness(DDS_DataWriter *self);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_DataWriter_get_liveliness_lost_status(DDS_DataWriter *self, DDS_LivelinessLostStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_offered_deadline_missed_status(
+    DDS_DataWriter *self, DDS_OfferedDeadlineMissedStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_offered_incompatible_qos_status(
+    DDS_DataWriter *self, DDS_OfferedIncompatibleQosStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_publication_matched_status(
+    DDS_DataWriter *self, DDS_PublicationMatchedStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter *self, DDS_InstanceHandleSeq *handles);
+
+/* Samples are records of the writer's type. Writing: BAD_PARAMETER for a NULL sample or a handle of
+ * another instance, NOT_ENABLED, TIMEOUT when room in the history does not come up in the writer's
+ * max_blocking_time, ERROR when the sample cannot be serialised (a string longer than its bound).
+ * `handle` may be DDS_HANDLE_NIL: the instance is then found by the sample's key. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter *self, const void *sample,
+                                                  DDS_InstanceHandle_t handle);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *self,
+                                                              const void *sample,
+                                                              DDS_InstanceHandle_t handle,
+                                                              const DDS_Time_t *source_timestamp);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter *self, const void *sample,
+                                                           const DDS_WriteParams_t *params);
+/* DDS_HANDLE_NIL on failure and for unkeyed types. */
+KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance(DDS_DataWriter *self,
+                                                                  const void *sample);
+KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_timestamp(
+    DDS_DataWriter *self, const void *sample, const DDS_Time_t *source_timestamp);
+KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_params(
+    DDS_DataWriter *self, const void *sample, const DDS_WriteParams_t *params);
+/* With a handle the sample may be NULL. PRECONDITION_NOT_MET for an instance that is not
+ * registered. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_unregister_instance(DDS_DataWriter *self,
+                                                                const void *sample,
+                                                                DDS_InstanceHandle_t handle);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_unregister_instance_w_timestamp(
+    DDS_DataWriter *self, const void *sample, DDS_InstanceHandle_t handle,
+    const DDS_Time_t *source_timestamp);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_unregister_instance_w_params(
+    DDS_DataWriter *self, const void *sample, const DDS_WriteParams_t *params);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_dispose(DDS_DataWriter *self, const void *sample,
+                                                    DDS_InstanceHandle_t handle);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_dispose_w_timestamp(DDS_DataWriter *self,
+                                                                const void *sample,
+                                                                DDS_InstanceHandle_t handle,
+                                                                const DDS_Time_t *source_timestamp);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_dispose_w_params(DDS_DataWriter *self,
+                                                             const void *sample,
+                                                             const DDS_WriteParams_t *params);
+/* Fills the key members of `key_holder`. BAD_PARAMETER for a handle that is no instance. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_key_value(DDS_DataWriter *self, void *key_holder,
+                                                          DDS_InstanceHandle_t handle);
+/* The handle of the key's instance; DDS_HANDLE_NIL when the writer does not know it. */
+KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_lookup_instance(DDS_DataWriter *self,
+                                                                const void *key_holder);
+/* A sample of the writer's type, made and freed by its type plugin. */
+KOLT_EXPORT void *DDS_DataWriter_create_data(DDS_DataWriter *self);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_delete_data(DDS_DataWriter *self, void *sample);
+
+KOLT_EXTERN_C_END
+
+#endif /* KOLT_PUBLICATION_H */

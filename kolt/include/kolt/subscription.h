@@ -1,0 +1,175 @@
+/* Subscribers and data readers (DDS 1.4, 2.2.2.5). */
+#ifndef KOLT_SUBSCRIPTION_H
+#define KOLT_SUBSCRIPTION_H
+
+#include "kolt/condition.h"
+#include "kolt/entity.h"
+#include "kolt/publication.h"
+#include "kolt/qos.h"
+#include "kolt/topic.h"
+
+KOLT_EXTERN_C_BEGIN
+
+/* ---- Listeners: a callback that is NULL is not called --------------------------------------- */
+
+typedef struct DDS_DataReaderListener {
+    void *listener_data;
+    void (*on_requested_deadline_missed)(void *listener_data, DDS_DataReader *reader,
+                                         const DDS_RequestedDeadlineMissedStatus *status);
+    void (*on_requested_incompatible_qos)(void *listener_data, DDS_DataReader *reader,
+                                          const DDS_RequestedIncompatibleQosStatus *status);
+    void (*on_sample_rejected)(void *listener_data, DDS_DataReader *reader,
+                               const DDS_SampleRejectedStatus *status);
+    void (*on_liveliness_changed)(void *listener_data, DDS_DataReader *reader,
+                                  const DDS_LivelinessChangedStatus *status);
+    void (*on_data_available)(void *listener_data, DDS_DataReader *reader);
+    void (*on_subscription_matched)(void *listener_data, DDS_DataReader *reader,
+                                    const DDS_SubscriptionMatchedStatus *status);
+    void (*on_sample_lost)(void *listener_data, DDS_DataReader *reader,
+                           const DDS_SampleLostStatus *status);
+} DDS_DataReaderListener;
+
+/* A subscriber's listener is told what its readers' own listeners do not handle. */
+typedef struct DDS_SubscriberListener {
+    DDS_DataReaderListener reader_listener;
+    void (*on_data_on_readers)(void *listener_data, DDS_Subscriber *subscriber);
+} DDS_SubscriberListener;
+
+/* ---- Subscriber ---------------------------------------------------------------------------- */
+
+/* NULL (and a log message) for a NULL or foreign topic, inconsistent QoS, or no memory. */
+KOLT_EXPORT DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self,
+                                                             DDS_TopicDescription *topic,
+                                                             const DDS_DataReaderQos *qos,
+                                                             const DDS_DataReaderListener *listener,
+                                                             DDS_StatusMask mask);
+KOLT_EXPORT extern const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT;
+KOLT_EXPORT extern const DDS_DataReaderQos DDS_DATAREADER_QOS_USE_TOPIC_QOS;
+/* PRECONDITION_NOT_MET when the reader is not one of this subscriber's, has loans out, or has
+ * conditions. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self,
+                                                              DDS_DataReader *reader);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_delete_contained_entities(DDS_Subscriber *self);
+KOLT_EXPORT DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self,
+                                                             const char *topic_name);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_set_qos(DDS_Subscriber *self,
+                                                    const DDS_SubscriberQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_set_listener(DDS_Subscriber *self,
+                                                         const DDS_SubscriberListener *listener,
+                                                         DDS_StatusMask mask);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
+                                                                       DDS_DataReaderQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self, const DDS_DataReaderQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
+                                                                DDS_DataReaderQos *reader_qos,
+                                                                const DDS_TopicQos *topic_qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self);
+KOLT_EXPORT DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self);
+
+/* ---- Data reader --------------------------------------------------------------------------- */
+
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_DataReaderQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self,
+                                                    const DDS_DataReaderQos *qos);
+/* Replaces the listener (the record is copied; NULL removes it). When a status in `mask` has
+ * changed already (data arrived before the listener came), its callback is called at once. A NULL
+ * reader is an absent reader and gives OK: there is nothing to listen to. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
+                                                         const DDS_DataReaderListener *listener,
+                                                         DDS_StatusMask mask);
+KOLT_EXPORT DDS_DataReaderListener DDS_DataReader_get_listener(DDS_DataReader *self);
+KOLT_EXPORT DDS_TopicDescription *DDS_DataReader_get_topicdescription(DDS_DataReader *self);
+KOLT_EXPORT DDS_Subscriber *DDS_DataReader_get_subscriber(DDS_DataReader *self);
+KOLT_EXPORT const char *DDS_DataReader_get_endpoint_type_name(DDS_DataReader *self);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_delete_contained_entities(DDS_DataReader *self);
+/* Waits until the history of all matched writers has arrived. */
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_DataReader_wait_for_historical_data(DDS_DataReader *self, const DDS_Duration_t *max_wait);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_DataReader_get_sample_rejected_status(DDS_DataReader *self, DDS_SampleRejectedStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_liveliness_changed_status(
+    DDS_DataReader *self, DDS_LivelinessChangedStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_requested_deadline_missed_status(
+    DDS_DataReader *self, DDS_RequestedDeadlineMissedStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_requested_incompatible_qos_status(
+    DDS_DataReader *self, DDS_RequestedIncompatibleQosStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_subscription_matched_status(
+    DDS_DataReader *self, DDS_SubscriptionMatchedStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_sample_lost_status(DDS_DataReader *self,
+                                                                   DDS_SampleLostStatus *status);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_DataReader_get_matched_publications(DDS_DataReader *self, DDS_InstanceHandleSeq *handles);
+
+/* Conditions. NULL (and a log message) for a wrong query expression or no memory. */
+KOLT_EXPORT DDS_ReadCondition *DDS_DataReader_create_readcondition(
+    DDS_DataReader *self, DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
+    DDS_InstanceStateMask instance_states);
+KOLT_EXPORT DDS_QueryCondition *DDS_DataReader_create_querycondition(
+    DDS_DataReader *self, DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
+    DDS_InstanceStateMask instance_states, const char *query_expression,
+    const DDS_StringSeq *query_parameters);
+/* PRECONDITION_NOT_MET when it is not one of this reader's or is attached to a waitset. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader *self,
+                                                                 DDS_ReadCondition *condition);
+
+/* Which samples a read or take is about. */
+typedef enum KOLT_ReadScope {
+    KOLT_READ_ALL = 0,          /* every instance */
+    KOLT_READ_INSTANCE = 1,     /* the instance `handle` */
+    KOLT_READ_NEXT_INSTANCE = 2 /* the first instance with data after `handle` */
+} KOLT_ReadScope;
+typedef struct KOLT_ReadSelection {
+    DDS_Boolean take;
+    KOLT_ReadScope scope;
+    DDS_InstanceHandle_t handle;
+    DDS_ReadCondition *condition; /* NULL: the three masks count */
+    DDS_SampleStateMask sample_states;
+    DDS_ViewStateMask view_states;
+    DDS_InstanceStateMask instance_states;
+    DDS_Long max_samples; /* 1 or more, or DDS_LENGTH_UNLIMITED */
+} KOLT_ReadSelection;
+
+/* The one untyped read and take, under all typed ones (DDS 1.4, 2.2.2.5.3.8).
+ * `data` describes the caller's data sequence: when it owns a buffer (maximum above 0) samples are
+ * copied into it, at most its maximum; when its maximum is 0 samples are loaned: `*loan` becomes an
+ * array of `*count` sample pointers, `info_seq` is loaned, too, and both go back through
+ * DDS_DataReader_return_loan_untypedI. OK, NO_DATA, or: BAD_PARAMETER (a NULL, max_samples of 0 or
+ * below -1, a foreign condition), PRECONDITION_NOT_MET (the sequences do not fit each other:
+ * lengths, maxima and ownership must agree; a data or info sequence that still holds a loan;
+ * max_samples larger than the maximum of an owning one), OUT_OF_RESOURCES, NOT_ENABLED. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
+    DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
+    DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
+    size_t element_size, void ***loan, DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq);
+/* Gives a loan back. PRECONDITION_NOT_MET when the arrays are not a loan of this reader. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
+                                                                 DDS_UnsignedLong count,
+                                                                 DDS_SampleInfoSeq *info_seq);
+/* The next sample that was not read, copied into the caller's initialised record. NO_DATA. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DDS_DataReader *self,
+                                                                              DDS_Boolean take,
+                                                                              void *sample,
+                                                                              DDS_SampleInfo *info);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
+                                                          DDS_InstanceHandle_t handle);
+KOLT_EXPORT DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self,
+                                                                const void *key_holder);
+/* Loaned samples are copies that nothing overwrites: always consistent. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_is_data_consistent(DDS_DataReader *self,
+                                                               DDS_Boolean *is_data_consistent,
+                                                               const void *sample,
+                                                               const DDS_SampleInfo *info);
+/* Injecting samples on behalf of remote writers is not something that the engine offers:
+ * UNSUPPORTED (and a log message) after the arguments were checked. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_add_sample_to_remote_writer_queue(
+    DDS_DataReader *self, const void *sample, const DDS_WriteParams_t *params);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_add_dispose_to_remote_writer_queue(
+    DDS_DataReader *self, const void *sample, const DDS_WriteParams_t *params);
+KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_add_unregister_to_remote_writer_queue(
+    DDS_DataReader *self, const void *sample, const DDS_WriteParams_t *params);
+
+KOLT_EXTERN_C_END
+
+#endif /* KOLT_SUBSCRIPTION_H */

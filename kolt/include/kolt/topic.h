@@ -1,0 +1,48 @@
+/* Topics and content-filtered topics (DDS 1.4, 2.2.2.3). */
+#ifndef KOLT_TOPIC_H
+#define KOLT_TOPIC_H
+
+#include "kolt/entity.h"
+#include "kolt/qos.h"
+
+KOLT_EXTERN_C_BEGIN
+
+typedef struct DDS_TopicListener {
+    void *listener_data;
+    void (*on_inconsistent_topic)(void *listener_data, DDS_Topic *topic,
+                                  const DDS_InconsistentTopicStatus *status);
+} DDS_TopicListener;
+
+KOLT_EXPORT const char *DDS_TopicDescription_get_name(DDS_TopicDescription *self);
+KOLT_EXPORT const char *DDS_TopicDescription_get_type_name(DDS_TopicDescription *self);
+KOLT_EXPORT DDS_DomainParticipant *DDS_TopicDescription_get_participant(DDS_TopicDescription *self);
+
+KOLT_EXPORT DDS_TopicDescription *DDS_Topic_as_topicdescription(DDS_Topic *self);
+/* The topic behind a description; NULL when it is NULL or a content-filtered topic. */
+KOLT_EXPORT DDS_Topic *DDS_Topic_narrow(DDS_TopicDescription *self);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Topic_get_qos(DDS_Topic *self, DDS_TopicQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Topic_set_qos(DDS_Topic *self, const DDS_TopicQos *qos);
+KOLT_EXPORT DDS_ReturnCode_t DDS_Topic_set_listener(DDS_Topic *self,
+                                                    const DDS_TopicListener *listener,
+                                                    DDS_StatusMask mask);
+KOLT_EXPORT DDS_ReturnCode_t
+DDS_Topic_get_inconsistent_topic_status(DDS_Topic *self, DDS_InconsistentTopicStatus *status);
+
+KOLT_EXPORT DDS_TopicDescription *DDS_ContentFilteredTopic_as_topicdescription(
+    DDS_ContentFilteredTopic *self);
+KOLT_EXPORT DDS_ContentFilteredTopic *DDS_ContentFilteredTopic_narrow(DDS_TopicDescription *self);
+KOLT_EXPORT DDS_Topic *DDS_ContentFilteredTopic_get_related_topic(DDS_ContentFilteredTopic *self);
+/* Owned by the topic. */
+KOLT_EXPORT const char *DDS_ContentFilteredTopic_get_filter_expression(
+    DDS_ContentFilteredTopic *self);
+/* Copies the parameters into `parameters`. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_ContentFilteredTopic_get_expression_parameters(
+    DDS_ContentFilteredTopic *self, DDS_StringSeq *parameters);
+/* Replaces the parameters, also while readers exist: samples that arrive from then on are judged by
+ * the new ones. BAD_PARAMETER (and a log message) when they do not fit; the old ones then stay. */
+KOLT_EXPORT DDS_ReturnCode_t DDS_ContentFilteredTopic_set_expression_parameters(
+    DDS_ContentFilteredTopic *self, const DDS_StringSeq *parameters);
+
+KOLT_EXTERN_C_END
+
+#endif /* KOLT_TOPIC_H */

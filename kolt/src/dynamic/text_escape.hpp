@@ -1,0 +1,21 @@
+// Strings from records, which may hold any bytes, as parts of well-formed UTF-8 texts.
+#ifndef KOLT_SRC_DYNAMIC_TEXT_ESCAPE_HPP
+#define KOLT_SRC_DYNAMIC_TEXT_ESCAPE_HPP
+
+#include <string>
+#include <string_view>
+
+namespace kolt::dynamic {
+
+// Both append to `text`. A byte that is no part of a UTF-8 character becomes U+FFFD.
+
+// In double quotes, with the escapes of JSON (RFC 8259, clause 7).
+void append_json_string(std::string &text, std::string_view characters);
+
+// As character data of XML 1.0, where control characters other than tabulator and line feeds cannot
+// stand in any form: they become U+FFFD, too.
+void append_xml_text(std::string &text, std::string_view characters);
+
+}  // namespace kolt::dynamic
+
+#endif  // KOLT_SRC_DYNAMIC_TEXT_ESCAPE_HPP

@@ -1,0 +1,535 @@
+#include "engine/participant_impl.hpp"
+
+#include <algorithm>
+#include <string_view>
+
+#include "engine/convert.hpp"
+#include "engine/publisher_impl.hpp"
+#include "engine/qos_check.hpp"
+#include "engine/qos_map.hpp"
+#include "engine/subscriber_impl.hpp"
+#include "engine/topic_impl.hpp"
+
+namespace kolt::engine {
+
+namespace {
+
+DDS_UnsignedLong big_endian(const uint8_t *bytes) {
+    return static_cast<DDS_UnsignedLong>(bytes[0]) << 24 |
+           static_cast<DDS_UnsignedLong>(bytes[1]) << 16 |
+           static_cast<DDS_UnsignedLong>(bytes[2]) << 8 | bytes[3];
+}
+
+// What a topic may be called (DDS 1.4, B.2, with the slash that is in general use).
+bool is_topic_name(std::string_view name) {
+    const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+    return !name.empty() && !is_digit(name[0]) && !name.starts_with("DCPS") &&
+           std::all_of(name.begin(), name.end(),
+                       [&](char c) { return is_letter(c) || is_digit(c) || c == '_' || c == '/'; });
+}
+
+}  // namespace
+
+Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos)
+    : Entity(EntityKind::kParticipant, &handle_._entity, 0), domain_id_(domain_id) {
+    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
+}
+
+Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos,
+                         dds_entity_t wrapped)
+    : Entity(EntityKind::kParticipant, &handle_._entity, 0), domain_id_(domain_id), wrapped_(true) {
+    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
+    set_engine(wrapped);
+}
+
+Participant::~Participant() {
+    close("DDS_DomainParticipantFactory_delete_participant");
+}
+
+void Participant::close(const char *method) {
+    listener_.set(nullptr, 0);
+    if (wrapped_) {
+        release_engine();
+    } else {
+        delete_engine(method);
+    }
+}
+
+bool Participant::autoenables() {
+    const std::lock_guard lock(tree_);
+    return is_enabled() && (*qos_).entity_factory.autoenable_created_entities != 0;
+}
+
+// ---- Enabling and QoS
+// -------------------------------------------------------------------------------
+
+DDS_ReturnCode_t Participant::enable(const char *method) {
+    EngineQos engine_qos;
+    {
+        const std::lock_guard lock(tree_);
+        engine_qos = to_engine(*qos_);
+    }
+    prepare_engine();
+    const dds_entity_t entity =
+        dds_create_participant(static_cast<dds_domainid_t>(domain_id_), engine_qos.get(), nullptr);
+    if (entity < 0) {
+        return fail(to_return_code(entity), method, "the engine refuses a participant in domain %d",
+                    static_cast<int>(domain_id_));
+    }
+    set_engine(entity);
+    return autoenables() ? enable_contained(method) : DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t Participant::enable_contained(const char *method) {
+    std::vector<Entity *> contained;
+    {
+        const std::lock_guard lock(tree_);
+        for (const auto &topic : topics_) contained.push_back(topic.get());
+        for (const auto &topic : filtered_topics_) contained.push_back(topic.get());
+        for (const auto &publisher : publishers_) contained.push_back(publisher.get());
+        for (const auto &subscriber : subscribers_) contained.push_back(subscriber.get());
+    }
+    DDS_ReturnCode_t result = DDS_RETCODE_OK;
+    for (Entity *const entity : contained) {
+        if (entity->is_enabled()) continue;
+        const DDS_ReturnCode_t enabled = entity->enable(method);
+        if (enabled != DDS_RETCODE_OK) result = enabled;
+    }
+    return result;
+}
+
+DDS_ReturnCode_t Participant::get_qos(DDS_DomainParticipantQos *qos) {
+    {
+        const std::lock_guard lock(tree_);
+        const DDS_ReturnCode_t result = DDS_DomainParticipantQos_copy(qos, qos_.get());
+        if (result != DDS_RETCODE_OK) return result;
+    }
+    dds_guid_t guid{};
+    if (is_enabled() && dds_get_guid(engine(), &guid) >= 0) {
+        qos->wire_protocol.rtps_host_id = big_endian(guid.v);
+        qos->wire_protocol.rtps_app_id = big_endian(guid.v + 4);
+    }
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t Participant::set_qos(const DDS_DomainParticipantQos &qos, const char *method) {
+    const DDS_ReturnCode_t checked = check_qos(qos, method);
+    if (checked != DDS_RETCODE_OK) return checked;
+    EngineQos engine_qos;
+    {
+        const std::lock_guard lock(tree_);
+        if (is_enabled()) {
+            const DDS_ReturnCode_t changed = check_change(*qos_, qos, method);
+            if (changed != DDS_RETCODE_OK) return changed;
+            // The rest cannot change.
+            engine_qos.reset(dds_create_qos());
+            if (engine_qos == nullptr) return DDS_RETCODE_OUT_OF_RESOURCES;
+            const size_t size = DDS_OctetSeq_get_length(&qos.user_data.value);
+            dds_qset_userdata(
+                engine_qos.get(),
+                size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&qos.user_data.value) : nullptr,
+                size);
+        }
+    }
+    if (engine_qos != nullptr) {
+        const dds_return_t result = dds_set_qos(engine(), engine_qos.get());
+        if (result < 0) return fail(to_return_code(result), method, "the engine refuses the QoS");
+    }
+    const std::lock_guard lock(tree_);
+    return DDS_DomainParticipantQos_copy(qos_.get(), &qos);
+}
+
+// ---- Types
+// ------------------------------------------------------------------------------------------
+
+DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlugin &plugin,
+                                            void *registration_data, const char *method) {
+    const std::lock_guard creation(topic_creation_);
+    {
+        const std::lock_guard lock(tree_);
+        const auto found = types_.find(name);
+        if (found != types_.end()) {
+            if (found->second->is_same(plugin)) return DDS_RETCODE_OK;
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the name %s is taken by another type", name);
+        }
+    }
+    auto type = RegisteredType::create(name, plugin, registration_data, domain_id_);
+    if (type == nullptr) {
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the type plugin of %s cannot be attached", name);
+    }
+    const std::lock_guard lock(tree_);
+    types_.emplace(name, std::move(type));
+    note_entity(method, "registered", "type", name);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t Participant::unregister_type(const char *name, const char *method) {
+    std::shared_ptr<RegisteredType> removed;  // goes, and calls the plugin, after the lock
+    const std::lock_guard creation(topic_creation_);
+    const std::lock_guard lock(tree_);
+    const auto found = types_.find(name);
+    if (found == types_.end()) {
+        return fail(DDS_RETCODE_BAD_PARAMETER, method, "no type is registered as %s", name);
+    }
+    for (const auto &topic : topics_) {
+        if (topic->registered_type() == found->second) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the topic %s uses the type %s",
+                        topic->name().c_str(), name);
+        }
+    }
+    removed = std::move(found->second);
+    types_.erase(found);
+    return DDS_RETCODE_OK;
+}
+
+// ---- Topics
+// -----------------------------------------------------------------------------------------
+
+bool Participant::is_name_taken(const char *name) const {
+    for (const auto &topic : topics_) {
+        if (topic->name() == name) return true;
+    }
+    for (const auto &topic : filtered_topics_) {
+        if (topic->name() == name) return true;
+    }
+    return false;
+}
+
+DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
+                                     const DDS_TopicQos *qos, const DDS_TopicListener *listener,
+                                     DDS_StatusMask mask, const char *method) {
+    if (!is_topic_name(name)) {
+        fail(DDS_RETCODE_BAD_PARAMETER, method,
+             "the topic name %s: a name is made of letters, digits, '_' and '/', does not begin "
+             "with a digit and not with DCPS",
+             name);
+        return nullptr;
+    }
+    kolt::qos::OwnedQos<DDS_TopicQos> chosen;
+    if (!choose_qos(qos, DDS_TOPIC_QOS_DEFAULT, chosen.get(),
+                    [&](DDS_TopicQos *q) { return get_default(q, name); })) {
+        fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "memory ran out");
+        return nullptr;
+    }
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+
+    const std::lock_guard creation(topic_creation_);
+    std::shared_ptr<RegisteredType> type;
+    {
+        const std::lock_guard lock(tree_);
+        if (is_name_taken(name)) {
+            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "there is a topic %s already", name);
+            return nullptr;
+        }
+        const auto found = types_.find(type_name);
+        if (found == types_.end()) {
+            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "no type is registered as %s",
+                 type_name);
+            return nullptr;
+        }
+        type = found->second;
+    }
+    auto topic = std::make_unique<Topic>(*this, name, std::move(type), *chosen);
+    topic->listener().set(listener, mask);
+    if (autoenables() && topic->enable(method) != DDS_RETCODE_OK) return nullptr;
+    DDS_Topic *const handle = topic->handle();
+    {
+        const std::lock_guard lock(tree_);
+        topics_.push_back(std::move(topic));
+    }
+    note_entity(method, "created", "topic", name);
+    return handle;
+}
+
+DDS_ReturnCode_t Participant::delete_topic(Topic *topic, const char *method) {
+    std::unique_ptr<Topic> removed;  // deleted outside the lock
+    {
+        const std::lock_guard lock(tree_);
+        if (!contains_pointer(topics_, topic)) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the topic is not this participant's");
+        }
+        if (topic->users != 0) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%d entities use the topic %s",
+                        topic->users, topic->name().c_str());
+        }
+        removed = extract(topics_, topic);
+    }
+    note_entity(method, "deleted", "topic", removed->name().c_str());
+    return DDS_RETCODE_OK;
+}
+
+DDS_ContentFilteredTopic *Participant::create_filtered_topic(const char *name, Topic *related,
+                                                             const char *expression,
+                                                             const DDS_StringSeq *parameters,
+                                                             const char *method) {
+    const std::lock_guard creation(topic_creation_);
+    {
+        const std::lock_guard lock(tree_);
+        if (!contains_pointer(topics_, related)) {
+            fail(DDS_RETCODE_BAD_PARAMETER, method, "the related topic is not this participant's");
+            return nullptr;
+        }
+        if (is_name_taken(name)) {
+            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "there is a topic %s already", name);
+            return nullptr;
+        }
+        ++related->users;
+    }
+    const auto give_back = [&] {
+        const std::lock_guard lock(tree_);
+        --related->users;
+    };
+    try {
+        auto filter =
+            ContentFilter::create(related->registered_type(), expression, parameters, method);
+        if (filter == nullptr) {
+            give_back();
+            return nullptr;
+        }
+        auto topic =
+            std::make_unique<ContentFilteredTopic>(*this, name, *related, std::move(filter));
+        if (related->is_enabled() && topic->enable(method) != DDS_RETCODE_OK) {
+            give_back();
+            return nullptr;
+        }
+        DDS_ContentFilteredTopic *const handle = topic->handle();
+        const std::lock_guard lock(tree_);
+        filtered_topics_.push_back(std::move(topic));
+        note_entity(method, "created", "content-filtered topic", name);
+        return handle;
+    } catch (...) {
+        give_back();
+        throw;
+    }
+}
+
+DDS_ReturnCode_t Participant::delete_filtered_topic(ContentFilteredTopic *topic,
+                                                    const char *method) {
+    std::unique_ptr<ContentFilteredTopic> removed;
+    {
+        const std::lock_guard lock(tree_);
+        if (!contains_pointer(filtered_topics_, topic)) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the topic is not this participant's");
+        }
+        if (topic->users != 0) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%d readers use the topic %s",
+                        topic->users, topic->name().c_str());
+        }
+        removed = extract(filtered_topics_, topic);
+    }
+    Topic &related = removed->topic();
+    note_entity(method, "deleted", "content-filtered topic", removed->name().c_str());
+    removed.reset();
+    const std::lock_guard lock(tree_);
+    --related.users;
+    return DDS_RETCODE_OK;
+}
+
+DDS_TopicDescription *Participant::lookup_topic(const char *name) {
+    const std::lock_guard lock(tree_);
+    for (const auto &topic : topics_) {
+        if (topic->name() == name) return topic->description();
+    }
+    for (const auto &topic : filtered_topics_) {
+        if (topic->name() == name) return topic->description();
+    }
+    return nullptr;
+}
+
+// ---- Publishers and subscribers
+// ---------------------------------------------------------------------
+
+DDS_Publisher *Participant::create_publisher(const DDS_PublisherQos *qos,
+                                             const DDS_PublisherListener *listener,
+                                             DDS_StatusMask mask, const char *method) {
+    kolt::qos::OwnedQos<DDS_PublisherQos> chosen;
+    if (!choose_qos(qos, DDS_PUBLISHER_QOS_DEFAULT, chosen.get(),
+                    [&](DDS_PublisherQos *q) { return get_default(q, nullptr); })) {
+        throw std::bad_alloc();
+    }
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+    auto publisher = std::make_unique<Publisher>(*this, *chosen);
+    publisher->listener().set(listener, mask);
+    if (autoenables() && publisher->enable(method) != DDS_RETCODE_OK) return nullptr;
+    DDS_Publisher *const handle = publisher->handle();
+    const std::lock_guard lock(tree_);
+    publishers_.push_back(std::move(publisher));
+    note_entity(method, "created", "publisher", "");
+    return handle;
+}
+
+DDS_ReturnCode_t Participant::delete_publisher(Publisher *publisher, const char *method) {
+    std::unique_ptr<Publisher> removed;
+    {
+        const std::lock_guard lock(tree_);
+        if (!contains_pointer(publishers_, publisher)) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the publisher is not this participant's");
+        }
+        if (!publisher->is_empty()) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the publisher has writers");
+        }
+        removed = extract(publishers_, publisher);
+    }
+    note_entity(method, "deleted", "publisher", "");
+    return DDS_RETCODE_OK;
+}
+
+DDS_Subscriber *Participant::create_subscriber(const DDS_SubscriberQos *qos,
+                                               const DDS_SubscriberListener *listener,
+                                               DDS_StatusMask mask, const char *method) {
+    kolt::qos::OwnedQos<DDS_SubscriberQos> chosen;
+    if (!choose_qos(qos, DDS_SUBSCRIBER_QOS_DEFAULT, chosen.get(),
+                    [&](DDS_SubscriberQos *q) { return get_default(q, nullptr); })) {
+        throw std::bad_alloc();
+    }
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+    auto subscriber = std::make_unique<Subscriber>(*this, *chosen);
+    subscriber->listener().set(listener, mask);
+    if (autoenables() && subscriber->enable(method) != DDS_RETCODE_OK) return nullptr;
+    DDS_Subscriber *const handle = subscriber->handle();
+    const std::lock_guard lock(tree_);
+    subscribers_.push_back(std::move(subscriber));
+    note_entity(method, "created", "subscriber", "");
+    return handle;
+}
+
+DDS_ReturnCode_t Participant::delete_subscriber(Subscriber *subscriber, const char *method) {
+    std::unique_ptr<Subscriber> removed;
+    {
+        const std::lock_guard lock(tree_);
+        if (!contains_pointer(subscribers_, subscriber)) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the subscriber is not this participant's");
+        }
+        if (!subscriber->is_empty()) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the subscriber has readers");
+        }
+        removed = extract(subscribers_, subscriber);
+    }
+    note_entity(method, "deleted", "subscriber", "");
+    return DDS_RETCODE_OK;
+}
+
+// ---- The whole
+// --------------------------------------------------------------------------------------
+
+namespace {
+
+template <typename T>
+std::vector<T *> pointers(std::mutex &mutex, const std::vector<std::unique_ptr<T>> &list) {
+    const std::lock_guard lock(mutex);
+    std::vector<T *> result;
+    for (const auto &element : list) result.push_back(element.get());
+    return result;
+}
+
+}  // namespace
+
+// Readers before the filtered topics that they read, these before the topics.
+DDS_ReturnCode_t Participant::delete_contained_entities(const char *method) {
+    DDS_ReturnCode_t result = DDS_RETCODE_OK;
+    const auto keep_failure = [&](DDS_ReturnCode_t code) {
+        if (code != DDS_RETCODE_OK) result = code;
+        return code == DDS_RETCODE_OK;
+    };
+    for (Subscriber *const subscriber : pointers(tree_, subscribers_)) {
+        if (keep_failure(subscriber->delete_contained_entities(method))) {
+            keep_failure(delete_subscriber(subscriber, method));
+        }
+    }
+    for (Publisher *const publisher : pointers(tree_, publishers_)) {
+        if (keep_failure(publisher->delete_contained_entities(method))) {
+            keep_failure(delete_publisher(publisher, method));
+        }
+    }
+    for (ContentFilteredTopic *const topic : pointers(tree_, filtered_topics_)) {
+        keep_failure(delete_filtered_topic(topic, method));
+    }
+    for (Topic *const topic : pointers(tree_, topics_)) {
+        keep_failure(delete_topic(topic, method));
+    }
+    return result;
+}
+
+bool Participant::is_empty() {
+    const std::lock_guard lock(tree_);
+    return topics_.empty() && filtered_topics_.empty() && publishers_.empty() &&
+           subscribers_.empty();
+}
+
+bool Participant::contains(DDS_InstanceHandle_t handle) {
+    if (handle == DDS_HANDLE_NIL) return false;
+    const std::lock_guard lock(tree_);
+    for (const auto &topic : topics_) {
+        if (topic->instance_handle() == handle) return true;
+    }
+    for (const auto &publisher : publishers_) {
+        if (publisher->instance_handle() == handle || publisher->contains(handle)) return true;
+    }
+    for (const auto &subscriber : subscribers_) {
+        if (subscriber->instance_handle() == handle || subscriber->contains(handle)) return true;
+    }
+    return false;
+}
+
+// ---- Defaults
+// ---------------------------------------------------------------------------------------
+
+template <>
+DefaultQos<DDS_TopicQos> &Participant::default_of() {
+    return default_topic_qos_;
+}
+template <>
+DefaultQos<DDS_PublisherQos> &Participant::default_of() {
+    return default_publisher_qos_;
+}
+template <>
+DefaultQos<DDS_SubscriberQos> &Participant::default_of() {
+    return default_subscriber_qos_;
+}
+template <>
+DefaultQos<DDS_DataWriterQos> &Participant::default_of() {
+    return default_writer_qos_;
+}
+template <>
+DefaultQos<DDS_DataReaderQos> &Participant::default_of() {
+    return default_reader_qos_;
+}
+
+template <typename Qos>
+DDS_ReturnCode_t Participant::get_default(Qos *qos, const char *topic_name) {
+    {
+        const std::lock_guard lock(tree_);
+        const DefaultQos<Qos> &own = default_of<Qos>();
+        if (own.is_set()) {
+            return own.get(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
+        }
+    }
+    return profile_default(qos, topic_name) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
+}
+
+template <typename Qos>
+DDS_ReturnCode_t Participant::set_default(const Qos &qos, const char *method) {
+    const DDS_ReturnCode_t checked = check_qos(qos, method);
+    if (checked != DDS_RETCODE_OK) return checked;
+    const std::lock_guard lock(tree_);
+    return default_of<Qos>().set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
+}
+
+#define KOLT_INSTANTIATE_DEFAULTS(Qos)                                            \
+    template DDS_ReturnCode_t Participant::get_default<Qos>(Qos *, const char *); \
+    template DDS_ReturnCode_t Participant::set_default<Qos>(const Qos &, const char *);
+KOLT_INSTANTIATE_DEFAULTS(DDS_TopicQos)
+KOLT_INSTANTIATE_DEFAULTS(DDS_PublisherQos)
+KOLT_INSTANTIATE_DEFAULTS(DDS_SubscriberQos)
+KOLT_INSTANTIATE_DEFAULTS(DDS_DataWriterQos)
+KOLT_INSTANTIATE_DEFAULTS(DDS_DataReaderQos)
+#undef KOLT_INSTANTIATE_DEFAULTS
+
+}  // namespace kolt::engine

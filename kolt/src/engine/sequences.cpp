@@ -1,0 +1,18 @@
+// The typed sequences of the entity API.
+#include "kolt/condition.h"
+#include "kolt/sequence_define.h"
+#include "kolt/status.h"
+
+namespace {
+
+template <typename T>
+constexpr KOLT_SequenceElementType plain(const char *name) {
+    return {name, sizeof(T), nullptr, nullptr, nullptr};
+}
+constexpr KOLT_SequenceElementType kSampleInfo = plain<DDS_SampleInfo>("DDS_SampleInfoSeq");
+constexpr KOLT_SequenceElementType kCondition = plain<DDS_ConditionPtr>("DDS_ConditionSeq");
+
+}  // namespace
+
+KOLT_SEQUENCE_DEFINE(DDS_SampleInfoSeq, DDS_SampleInfo, &kSampleInfo);
+KOLT_SEQUENCE_DEFINE(DDS_ConditionSeq, DDS_ConditionPtr, &kCondition);

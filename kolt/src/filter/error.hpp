@@ -1,0 +1,18 @@
+// What is wrong with a filter expression or a parameter, and where.
+#ifndef KOLT_SRC_FILTER_ERROR_HPP
+#define KOLT_SRC_FILTER_ERROR_HPP
+
+#include <cstddef>
+#include <string>
+
+namespace kolt::filter {
+
+// Thrown inside this folder only; Filter's functions catch it and give it as a value.
+struct Error {
+    std::string text;
+    std::size_t column = 0;  // in the expression, from 1; 0: concerns no place in it
+};
+
+}  // namespace kolt::filter
+
+#endif  // KOLT_SRC_FILTER_ERROR_HPP

@@ -1,0 +1,40 @@
+// Constants of an expression, converted to the type of the field that they are compared with.
+#ifndef KOLT_SRC_FILTER_LITERAL_HPP
+#define KOLT_SRC_FILTER_LITERAL_HPP
+
+#include <string>
+#include <string_view>
+
+#include "filter/lexer.hpp"
+#include "filter/value.hpp"
+
+namespace kolt::filter {
+
+// A value with the memory of its string.
+struct Constant {
+    Value value;       // of a number
+    std::string text;  // of a string
+    bool is_text = false;
+
+    Value get() const { return is_text ? Value(std::string_view(text)) : value; }
+};
+
+// True for a token that can be a constant: a number, a string, TRUE, FALSE, an enumerator's name.
+bool is_literal(const Token &token);
+
+// The constant in a comparison with a field of type `type`. Throws Error (with the token's column)
+// when the two do not go together.
+Constant to_constant(const Token &token, const DDS_TypeCode &type);
+
+// The text of a parameter, in the same role: what could stand in the expression, or, for strings,
+// characters and enumerators, the text itself without quotes. Throws Error without a column.
+Constant parameter_to_constant(std::string_view text, const DDS_TypeCode &type);
+
+// "a long", "an enumeration": a type in a message.
+std::string describe(const DDS_TypeCode &type);
+
+bool is_number(DDS_TCKind kind);
+
+}  // namespace kolt::filter
+
+#endif  // KOLT_SRC_FILTER_LITERAL_HPP

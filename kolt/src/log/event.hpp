@@ -1,0 +1,39 @@
+// What is known of a message before it is formatted.
+#ifndef KOLT_SRC_LOG_EVENT_HPP
+#define KOLT_SRC_LOG_EVENT_HPP
+
+#include <cstdint>
+#include <ctime>
+#include <string_view>
+
+#include "kolt/config_logger.h"
+
+namespace kolt::log {
+
+// Who reports.
+enum class Module { kKolt, kEngine };
+
+struct Event {
+    KOLT_Config_LogCategory category;
+    KOLT_Config_LogLevel level;
+    Module module;
+    const char *method_name;  // may be null
+    std::string_view text;
+    std::uint32_t id;  // running number, 1, 2, 3...
+    timespec time;     // since the epoch
+};
+
+inline bool is_security_message(const Event &event) {
+    return event.category == KOLT_CONFIG_LOG_CATEGORY_SECURITY;
+}
+
+KOLT_Config_LogFacility facility_of(const Event &event);
+
+// Numbers, stamps, formats and delivers a message that passes its category's verbosity. Logging
+// from within is allowed (see device.hpp). errno stays.
+void log_text(KOLT_Config_LogCategory category, KOLT_Config_LogLevel level, Module module,
+              const char *method_name, std::string_view text);
+
+}  // namespace kolt::log
+
+#endif  // KOLT_SRC_LOG_EVENT_HPP

@@ -1,0 +1,23 @@
+// The calling thread's identifier.
+
+#include "os/thread_id.hpp"
+
+#include <unistd.h>
+
+#include "kolt/os.h"
+
+namespace kolt::os {
+
+constinit thread_local std::uint64_t cached_thread_id __attribute__((tls_model("initial-exec"))) =
+    0;
+
+std::uint64_t fetch_thread_id() {
+    cached_thread_id = static_cast<std::uint64_t>(gettid());
+    return cached_thread_id;
+}
+
+}  // namespace kolt::os
+
+DDS_UnsignedLongLong KOLT_Thread_current_id(void) {
+    return kolt::os::current_thread_id();
+}

@@ -1,0 +1,82 @@
+// The codec as the rest of the library sees it: programs of a type, and bodies without their
+// encapsulation header.
+#ifndef KOLT_SRC_TYPE_CDR_CODEC_HPP
+#define KOLT_SRC_TYPE_CDR_CODEC_HPP
+
+#include <array>
+
+#include "type/cdr_program.hpp"
+
+// Everything that is compiled from one type code. Immutable but for the count of references, which
+// the list's lock guards.
+struct KOLT_TypePrograms {
+    const DDS_TypeCode *type = nullptr;
+    size_t references = 0;
+    // By XcdrVersion, from 0: the big-endian identifier, KOLT_ENCAPSULATION_INVALID for a
+    // representation that the type does not allow.
+    DDS_UnsignedShort encapsulation[2] = {KOLT_ENCAPSULATION_INVALID, KOLT_ENCAPSULATION_INVALID};
+    kolt::type::WriteProgram write[2];
+    kolt::type::ReadProgram read[2];
+    // The key inside the frames of the type's own representation, and the plain XCDR2 key.
+    kolt::type::WriteProgram write_key1;
+    kolt::type::ReadProgram read_key[2];
+    kolt::type::WriteProgram write_plain_key;
+    kolt::type::ReadProgram read_plain_key;
+    DDS_UnsignedLong key_max_size = 0;
+    bool key_owns_memory = false;  // a record that holds nothing but a key must be finalised
+};
+
+namespace kolt::type {
+
+// An encapsulation identifier taken apart.
+struct Encapsulation {
+    XcdrVersion version = XcdrVersion::k1;
+    bool big_endian = false;
+    bool plain_key = false;  // plain XCDR2 around the key of a type that is not final
+};
+
+enum class Part { kSample, kKey };
+
+// False for an identifier under which the type is not sent: unknown, of a representation that the
+// type does not allow, or of another extensibility. A key may also come as plain XCDR2.
+bool ResolveEncapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
+                          Part part, Encapsulation *encapsulation);
+
+// Bodies begin at an alignment of 0 and have no padding at their end.
+bool EncodeBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
+                const void *record, DDS_Octet *buffer, size_t capacity, size_t *length);
+bool MeasureBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
+                 const void *record, size_t start, size_t *length);
+// What KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED stands for is UINT64_MAX here.
+uint64_t LargestBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                     Part part, size_t start);
+uint64_t SmallestBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                      Part part, size_t start);
+
+bool DecodeSample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                  const DDS_Octet *bytes, size_t length, void *record);
+// The key members of a sample.
+bool DecodeKeyOfSample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                       const DDS_Octet *bytes, size_t length, void *record);
+// A key-only body.
+bool DecodeKey(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+               const DDS_Octet *bytes, size_t length, void *record);
+
+// The encapsulation header of `bytes`; `*body_length` is what follows it, less the padding that its
+// options tell of.
+bool ReadHeader(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
+                size_t *body_length);
+// The options say how many bytes of padding make the body a multiple of 4 (XTypes 7.6.3.1.2). The
+// padding itself is added where the payload leaves for the wire.
+void WriteHeader(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header);
+
+// The canonical key (big-endian plain XCDR2). `*length` in: capacity, out: bytes needed.
+bool CanonicalKey(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
+                  size_t *length);
+
+// A size for the C functions.
+DDS_UnsignedLong SaturateSize(uint64_t size);
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_CDR_CODEC_HPP

@@ -1,0 +1,138 @@
+// A bounds-checked position in CDR bytes, and the headers that frame members there.
+#ifndef KOLT_SRC_TYPE_CDR_CURSOR_HPP
+#define KOLT_SRC_TYPE_CDR_CURSOR_HPP
+
+#include "type/cdr_sink.hpp"
+
+namespace kolt::type {
+
+// Invariant: origin_ <= ... at() <= end(), and nothing at or behind end() is ever read. Frames
+// narrow end() and give it back; a frame never reaches beyond the one around it.
+template <bool kSwap>
+class Cursor {
+  public:
+    Cursor(const uint8_t *bytes, size_t size) : at_(bytes), end_(bytes + size), origin_(bytes) {}
+
+    const uint8_t *at() const { return at_; }
+    const uint8_t *end() const { return end_; }
+    const uint8_t *origin() const { return origin_; }
+    size_t left() const { return static_cast<size_t>(end_ - at_); }
+    void set_at(const uint8_t *at) { at_ = at; }
+    void set_end(const uint8_t *end) { end_ = end; }
+    void set_origin(const uint8_t *origin) { origin_ = origin; }
+
+    size_t Padding(size_t alignment) const {
+        return static_cast<size_t>(origin_ - at_) & (alignment - 1);
+    }
+    bool Align(size_t alignment) {
+        const size_t padding = Padding(alignment);
+        if (padding > left()) return false;
+        at_ += padding;
+        return true;
+    }
+    // True when no value of this alignment can begin before the end.
+    bool AtEnd(size_t alignment) const { return Padding(alignment) >= left(); }
+
+    bool Skip(size_t size) {
+        if (size > left()) return false;
+        at_ += size;
+        return true;
+    }
+    bool Words(void *to, size_t count, size_t width) {
+        // A division, since the product may not be representable.
+        if (count > left() / width) return false;
+        CopyWords<kSwap>(to, at_, count, width);
+        at_ += count * width;
+        return true;
+    }
+    bool SkipWords(size_t count, size_t width) {
+        if (count > left() / width) return false;
+        at_ += count * width;
+        return true;
+    }
+    bool Word32(uint32_t *value) { return Align(4) && Words(value, 1, 4); }
+
+    // A byte count and the frame that it opens. `*outer` is what CloseFrame gives back.
+    bool OpenCount(const uint8_t **outer) {
+        uint32_t size = 0;
+        return Word32(&size) && OpenFrame(size, outer);
+    }
+    bool OpenFrame(size_t size, const uint8_t **outer) {
+        if (size > left()) return false;
+        *outer = end_;
+        end_ = at_ + size;
+        return true;
+    }
+    // Goes behind the frame, whatever of it was read.
+    void CloseFrame(const uint8_t *outer) {
+        at_ = end_;
+        end_ = outer;
+    }
+
+  private:
+    const uint8_t *at_;
+    const uint8_t *end_;
+    const uint8_t *origin_;
+};
+
+// The header of a member of a mutable type: what follows is `size` bytes of value.
+struct MemberHeader {
+    uint32_t id = 0;
+    size_t size = 0;
+    bool must_understand = false;
+    bool sentinel = false;  // XCDR1: the end of the list
+    bool ignored = false;   // XCDR1: no member
+};
+
+// XTypes 7.4.1.2: a 16-bit id and length, or the extended form of both.
+template <bool kSwap>
+bool ReadParameterHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
+    uint16_t words[2];
+    if (!cursor->Align(4) || !cursor->Words(words, 2, 2)) return false;
+    const uint16_t pid = words[0] & kPidMask;
+    header->must_understand = (words[0] & kPidMustUnderstand) != 0;
+    header->sentinel = pid == kPidSentinel;
+    header->ignored = pid == kPidIgnore;
+    header->id = pid;
+    header->size = words[1];
+    if (pid == kPidExtended) {
+        uint32_t extended[2];
+        if (words[1] != sizeof(extended) || !cursor->Words(extended, 2, 4)) return false;
+        header->must_understand =
+            header->must_understand || (extended[0] & kExtendedMustUnderstand) != 0;
+        header->id = extended[0] & kMemberIdMask;
+        header->size = extended[1];
+    } else if (pid > kPidIgnore) {
+        return false;  // reserved
+    }
+    return header->size <= cursor->left();
+}
+
+// XTypes 7.4.3.4.2: flags, length code and id, and for the upper length codes a NEXTINT. The value
+// begins at the cursor afterwards: with the NEXTINT itself where the value shares it.
+template <bool kSwap>
+bool ReadMemberHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
+    uint32_t word = 0;
+    if (!cursor->Word32(&word)) return false;
+    header->must_understand = (word & kEmheaderMustUnderstand) != 0;
+    header->id = word & kMemberIdMask;
+    const auto code = (word >> kEmheaderLengthShift) & 7U;
+    if (code < kLengthNext) {
+        header->size = size_t{1} << code;
+    } else {
+        uint32_t next = 0;
+        if (!cursor->Words(&next, 1, 4)) return false;
+        static constexpr unsigned kShifts[] = {0, 0, 2, 3};
+        uint64_t size = uint64_t{next} << kShifts[code - kLengthNext];
+        if (code >= kLengthShared) {
+            size += 4;
+            cursor->set_at(cursor->at() - 4);
+        }
+        header->size = size;
+    }
+    return header->size <= cursor->left();
+}
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_CDR_CURSOR_HPP

@@ -1,0 +1,204 @@
+// What the codec compiles a type code into: one program that writes and one that reads, for each
+// representation and for each form of the key.
+//
+// A write program is flat: nested structures are inlined, headers of a constant value are
+// constants, neighbouring primitives of one size are one run. A read program keeps one operation
+// per member, since the bytes may come from another version of the type, and beside it a flat body
+// for what can't differ.
+#ifndef KOLT_SRC_TYPE_CDR_PROGRAM_HPP
+#define KOLT_SRC_TYPE_CDR_PROGRAM_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "kolt/cdr.h"
+#include "kolt/typecode.h"
+
+namespace kolt::type {
+
+// DDS-XTypes 1.3, 7.4.1: version 1 aligns up to 8 bytes, version 2 up to 4.
+enum class XcdrVersion : uint8_t { k1 = 1, k2 = 2 };
+
+inline constexpr uint32_t kUnbounded = UINT32_MAX;
+inline constexpr uint32_t kNone = UINT32_MAX;
+
+enum class OpCode : uint8_t {
+    // Both programs.
+    kRun,                // `count` primitives of `width` bytes, side by side in memory
+    kString,             // a string of at most `count` characters
+    kPrimitiveSequence,  // a sequence of at most `count` primitives of `width` bytes
+    kSequence,           // a sequence of at most `count` elements `index`
+    kElements,           // an array of `count` elements `index`
+    // Write programs.
+    kConstants,     // `count` 32-bit numbers, from place `index` of the constants
+    kDelimited,     // a 32-bit byte count, then element `index` at `offset`
+    kPresenceFlag,  // one byte: is the pointer at `offset` set
+    kIfPresent,     // element `index` where the pointer at `offset` leads, unless it is NULL
+    kParameter,     // XCDR1 parameter `constant` around element `index` at `offset`
+    kSentinel,      // the end of an XCDR1 parameter list
+    kSelect,        // the branch that selection `index` makes
+    // Read programs.
+    kAggregate,       // structure or union `index`
+    kOptional,        // an optional member of a plain structure: element `index`
+    kOptionalPresent  // an optional member whose parameter is there: element `index`
+};
+
+enum OpFlag : uint8_t {
+    kOpHasDheader = 1,      // a byte count precedes the elements (XTypes 7.4.3.5.3, rule 12 and 13)
+    kOpExactString = 2,     // the string fits its buffer exactly and is replaced, not filled
+    kOpMustUnderstand = 4,  // kParameter: the flag of that name
+    kOpOptional = 8,        // kParameter: `offset` holds a pointer; absent is an empty parameter
+    kOpOptionalOmitted = 16  // kParameter: the same, but absent is no parameter at all
+};
+
+struct Op {
+    OpCode code = OpCode::kRun;
+    uint8_t width = 0;
+    uint8_t alignment = 1;  // of the first byte on the wire
+    uint8_t flags = 0;
+    uint32_t count = 0;
+    uint32_t index = kNone;
+    uint32_t constant = 0;
+    size_t offset = 0;  // from the start of the record or element that the operation belongs to
+};
+
+struct Range {
+    uint32_t first = 0;
+    uint32_t count = 0;
+};
+
+// Something that is written more than once, or inside a frame: an array or sequence element, the
+// value of a parameter, the content of a delimiter.
+struct WriteElement {
+    Range ops;
+    size_t stride = 0;  // bytes of an element in memory
+};
+
+struct Selection {
+    DDS_TCKind discriminator_kind = DDS_TK_NULL;
+    size_t discriminator_offset = 0;
+    std::vector<std::pair<int64_t, uint32_t>> cases;  // label, element
+    uint32_t default_element = kNone;
+};
+
+struct WriteProgram {
+    std::vector<Op> ops;
+    std::vector<WriteElement> elements;
+    std::vector<Selection> selections;
+    std::vector<uint32_t> constants;
+    Range root;
+    XcdrVersion version = XcdrVersion::k1;
+
+    const Op *begin(Range range) const { return ops.data() + range.first; }
+    const Op *end(Range range) const { return begin(range) + range.count; }
+};
+
+// How an aggregated type stands on the wire.
+enum class Framing : uint8_t {
+    kPlain,           // members one after the other, all of them
+    kOpen,            // the same, but the end of the surrounding frame may cut the last ones off
+    kDelimited,       // XCDR2 appendable: a byte count, then the members, possibly cut off
+    kParameterList1,  // XCDR1 mutable
+    kParameterList2   // XCDR2 mutable
+};
+
+struct ReadMember {
+    Op op;
+    uint32_t id = 0;
+    DDS_UnsignedLong index = 0;  // in the type code
+    bool is_key = false;
+};
+
+struct Aggregate {
+    const DDS_TypeCode *type = nullptr;
+    Framing framing = Framing::kPlain;
+    bool is_union = false;
+    bool is_keyed = false;
+    Op discriminator;                                  // union
+    uint32_t discriminator_id = 0;                     // mutable union
+    std::vector<ReadMember> members;                   // in the order of the wire
+    std::vector<std::pair<uint32_t, uint32_t>> by_id;  // id and place in `members`, sorted
+    std::vector<Op> body;     // all members, flat; a structure that is kPlain or has a fixed size
+    uint32_t fixed_size = 0;  // bytes of the body if they are always the same, else 0
+};
+
+struct ReadElement {
+    Op op;
+    size_t stride = 0;
+    size_t minimum_size = 1;  // on the wire; never 0, so that bytes bound the number of elements
+    const DDS_TypeCode *type = nullptr;
+};
+
+struct ReadProgram {
+    std::vector<Aggregate> aggregates;
+    std::vector<ReadElement> elements;
+    Op root;
+    XcdrVersion version = XcdrVersion::k1;
+};
+
+// How a program differs from the plain reading of the type code.
+struct CompileOptions {
+    XcdrVersion version = XcdrVersion::k1;
+    bool key_only = false;     // key members only, in the order of their ids (XTypes 7.6.8)
+    bool force_final = false;  // no frames around structures and unions
+};
+
+// Both throw std::bad_alloc. The type code is well formed.
+WriteProgram CompileWrite(const DDS_TypeCode &type, const CompileOptions &options);
+ReadProgram CompileRead(const DDS_TypeCode &type, const CompileOptions &options);
+
+// The extensibility that shows on the wire.
+Framing FramingOf(const DDS_TypeCode &type, const CompileOptions &options);
+// Alignment of a primitive of `width` bytes.
+uint8_t AlignmentOf(XcdrVersion version, size_t width);
+// The members of a structure that a program handles, in its order.
+std::vector<DDS_UnsignedLong> SelectMembers(const DDS_TypeCode &type, bool key_only);
+// The options for the type of a member: within a key, a structure that names keys of its own is
+// reduced to them; collections and unions are keys as a whole.
+CompileOptions NestedOptions(const DDS_TypeCode &type, const CompileOptions &options);
+// Joins `op` to the run before it where both memory and wire allow.
+void AppendOp(std::vector<Op> *ops, const Op &op);
+// Arrays and sequences of anything but primitives carry a byte count in XCDR2.
+bool NeedsDheader(const DDS_TypeCode &element, XcdrVersion version);
+
+// False (logged) for a type code that can't be compiled.
+bool ValidateTypeCode(const DDS_TypeCode &type);
+
+// The largest and the smallest end position of what the program writes from `start`; saturates at
+// UINT64_MAX.
+uint64_t MaximumEnd(const WriteProgram &program, uint64_t start);
+uint64_t MinimumEnd(const WriteProgram &program, uint64_t start);
+
+// The discriminator of a mutable union is its member 0 (XTypes 7.3.1.2.1.1).
+inline constexpr uint32_t kDiscriminatorId = 0;
+
+// XCDR1 parameter headers (XTypes 7.4.1.2).
+inline constexpr uint16_t kPidMustUnderstand = 0x4000;
+inline constexpr uint16_t kPidMask = 0x3fff;
+inline constexpr uint16_t kPidExtended = 0x3f01;
+inline constexpr uint16_t kPidSentinel = 0x3f02;
+inline constexpr uint16_t kPidIgnore = 0x3f03;
+inline constexpr uint32_t kLargestShortId = 0x3f00;
+inline constexpr uint32_t kLargestShortLength = 0xffff;
+inline constexpr uint32_t kExtendedMustUnderstand = 0x40000000;
+inline constexpr uint32_t kMemberIdMask = 0x0fffffff;
+
+// XCDR2 member headers (XTypes 7.4.3.4.2).
+inline constexpr uint32_t kEmheaderMustUnderstand = 0x80000000;
+inline constexpr unsigned kEmheaderLengthShift = 28;
+enum LengthCode : uint32_t {
+    kLength1,
+    kLength2,
+    kLength4,
+    kLength8,
+    kLengthNext,
+    kLengthShared,
+    kLengthShared4,
+    kLengthShared8
+};
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_CDR_PROGRAM_HPP

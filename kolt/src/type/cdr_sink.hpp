@@ -1,0 +1,215 @@
+// Where a write program writes to: a buffer in either byte order, or a counter.
+#ifndef KOLT_SRC_TYPE_CDR_SINK_HPP
+#define KOLT_SRC_TYPE_CDR_SINK_HPP
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "type/cdr_program.hpp"
+
+namespace kolt::type {
+
+inline uint16_t SwapBytes(uint16_t value) {
+    return __builtin_bswap16(value);
+}
+inline uint32_t SwapBytes(uint32_t value) {
+    return __builtin_bswap32(value);
+}
+inline uint64_t SwapBytes(uint64_t value) {
+    return __builtin_bswap64(value);
+}
+
+// Copies `count` numbers of `width` bytes and turns each of them round.
+template <typename Word>
+void CopySwappedWords(uint8_t *to, const uint8_t *from, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        Word word;
+        std::memcpy(&word, from + i * sizeof(word), sizeof(word));
+        word = SwapBytes(word);
+        std::memcpy(to + i * sizeof(word), &word, sizeof(word));
+    }
+}
+
+template <bool kSwap>
+inline void CopyWords(void *to, const void *from, size_t count, size_t width) {
+    if constexpr (kSwap) {
+        auto *const target = static_cast<uint8_t *>(to);
+        const auto *const source = static_cast<const uint8_t *>(from);
+        switch (width) {
+            case 2:
+                CopySwappedWords<uint16_t>(target, source, count);
+                return;
+            case 4:
+                CopySwappedWords<uint32_t>(target, source, count);
+                return;
+            case 8:
+                CopySwappedWords<uint64_t>(target, source, count);
+                return;
+            default:
+                break;
+        }
+    } else if (count == 1 && width == 4) {  // by far the most frequent sizes
+        std::memcpy(to, from, 4);
+        return;
+    } else if (count == 1 && width == 8) {
+        std::memcpy(to, from, 8);
+        return;
+    }
+    std::memcpy(to, from, count * width);
+}
+
+// An open XCDR1 parameter.
+struct ParameterMark {
+    size_t header = 0;  // where its header begins
+    size_t origin = 0;  // the alignment origin around it
+    bool extended = false;
+};
+
+// Bytes into a buffer. Each operation is false when the buffer has no room, or what it is told does
+// not fit a 32-bit length.
+template <bool kSwap>
+class BufferSink {
+  public:
+    BufferSink(uint8_t *buffer, size_t capacity) : buffer_(buffer), capacity_(capacity) {}
+
+    size_t position() const { return position_; }
+
+    bool Align(size_t alignment) {
+        const size_t padding = (origin_ - position_) & (alignment - 1);
+        if (padding > capacity_ - position_) return false;
+        for (size_t i = 0; i < padding; ++i) buffer_[position_ + i] = 0;
+        position_ += padding;
+        return true;
+    }
+
+    bool Words(const void *from, size_t count, size_t width) {
+        const size_t size = count * width;
+        if (size > capacity_ - position_) return false;
+        CopyWords<kSwap>(buffer_ + position_, from, count, width);
+        position_ += size;
+        return true;
+    }
+
+    bool Word32(uint32_t value) { return Words(&value, 1, 4); }
+
+    // Room for a byte count that CloseCount fills in.
+    bool OpenCount(size_t *mark) {
+        *mark = position_;
+        if (4 > capacity_ - position_) return false;
+        position_ += 4;
+        return true;
+    }
+    bool CloseCount(size_t mark) {
+        const size_t size = position_ - mark - 4;
+        if (size > UINT32_MAX) return false;
+        Store32(mark, static_cast<uint32_t>(size));
+        return true;
+    }
+
+    // The alignment of the value starts anew behind the header of a parameter.
+    bool OpenParameter(const Op &op, ParameterMark *mark) {
+        if (!Align(4)) return false;
+        mark->header = position_;
+        mark->origin = origin_;
+        mark->extended = op.constant > kLargestShortId;
+        const size_t size = mark->extended ? 12 : 4;
+        if (size > capacity_ - position_) return false;
+        position_ += size;
+        origin_ = position_;
+        return true;
+    }
+
+    // Short headers hold a length of 16 bits. A value that turns out longer moves up by the 8 bytes
+    // of the extended header, which leaves its own alignment as it is.
+    bool CloseParameter(const Op &op, const ParameterMark &mark) {
+        const bool move = !mark.extended && position_ - mark.header - 4 > kLargestShortLength;
+        const bool extended = mark.extended || move;
+        const size_t start = mark.header + (mark.extended ? 12 : 4);
+        const size_t length = position_ - start;
+        if (length > UINT32_MAX) return false;
+        if (move) {
+            if (8 > capacity_ - position_) return false;
+            std::memmove(buffer_ + start + 8, buffer_ + start, length);
+            position_ += 8;
+        }
+        const bool must_understand = (op.flags & kOpMustUnderstand) != 0;
+        const uint16_t flag = must_understand ? kPidMustUnderstand : uint16_t{0};
+        if (extended) {
+            Store16(mark.header, static_cast<uint16_t>(kPidExtended | flag));
+            Store16(mark.header + 2, 8);
+            Store32(mark.header + 4, op.constant | (must_understand ? kExtendedMustUnderstand : 0));
+            Store32(mark.header + 8, static_cast<uint32_t>(length));
+        } else {
+            Store16(mark.header, static_cast<uint16_t>(op.constant | flag));
+            Store16(mark.header + 2, static_cast<uint16_t>(length));
+        }
+        origin_ = mark.origin;
+        return true;
+    }
+
+    bool Sentinel() {
+        if (!Align(4) || 4 > capacity_ - position_) return false;
+        Store16(position_, kPidSentinel);
+        Store16(position_ + 2, 0);
+        position_ += 4;
+        return true;
+    }
+
+  private:
+    void Store16(size_t at, uint16_t value) { CopyWords<kSwap>(buffer_ + at, &value, 1, 2); }
+    void Store32(size_t at, uint32_t value) { CopyWords<kSwap>(buffer_ + at, &value, 1, 4); }
+
+    uint8_t *buffer_;
+    size_t capacity_;
+    size_t position_ = 0;
+    size_t origin_ = 0;
+};
+
+// The same operations, counting only.
+class CountSink {
+  public:
+    explicit CountSink(size_t start = 0) : position_(start) {}
+
+    size_t position() const { return position_; }
+    bool Align(size_t alignment) {
+        position_ += (origin_ - position_) & (alignment - 1);
+        return true;
+    }
+    bool Words(const void *, size_t count, size_t width) {
+        position_ += count * width;
+        return true;
+    }
+    bool Word32(uint32_t) {
+        position_ += 4;
+        return true;
+    }
+    bool OpenCount(size_t *) { return Word32(0); }
+    bool CloseCount(size_t) { return true; }
+    bool OpenParameter(const Op &op, ParameterMark *mark) {
+        Align(4);
+        mark->extended = op.constant > kLargestShortId;
+        mark->origin = origin_;
+        position_ += mark->extended ? 12 : 4;
+        origin_ = position_;
+        return true;
+    }
+    bool CloseParameter(const Op &, const ParameterMark &mark) {
+        if (!mark.extended && position_ - origin_ > kLargestShortLength) position_ += 8;
+        origin_ = mark.origin;
+        return true;
+    }
+    bool Sentinel() {
+        Align(4);
+        return Word32(0);
+    }
+
+  private:
+    size_t position_;
+    size_t origin_ = 0;
+};
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_CDR_SINK_HPP

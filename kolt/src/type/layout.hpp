@@ -1,0 +1,167 @@
+// How values lie in memory, and questions about type codes that several files ask.
+#ifndef KOLT_SRC_TYPE_LAYOUT_HPP
+#define KOLT_SRC_TYPE_LAYOUT_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "kolt/sequence.h"
+#include "kolt/typecode.h"
+
+namespace kolt::type {
+
+inline bool IsPrimitive(DDS_TCKind kind) {
+    return kind >= DDS_TK_BOOLEAN && kind <= DDS_TK_DOUBLE;
+}
+
+// Bytes of a primitive or an enumeration, in memory and on the wire; 0 for other kinds.
+inline size_t PrimitiveSize(DDS_TCKind kind) {
+    switch (kind) {
+        case DDS_TK_BOOLEAN:
+        case DDS_TK_CHAR:
+        case DDS_TK_OCTET:
+            return 1;
+        case DDS_TK_SHORT:
+        case DDS_TK_USHORT:
+            return 2;
+        case DDS_TK_LONG:
+        case DDS_TK_ULONG:
+        case DDS_TK_FLOAT:
+        case DDS_TK_ENUM:
+            return 4;
+        case DDS_TK_LONGLONG:
+        case DDS_TK_ULONGLONG:
+        case DDS_TK_DOUBLE:
+            return 8;
+        default:
+            return 0;
+    }
+}
+
+inline bool IsSigned(DDS_TCKind kind) {
+    return kind == DDS_TK_SHORT || kind == DDS_TK_LONG || kind == DDS_TK_LONGLONG ||
+           kind == DDS_TK_ENUM || kind == DDS_TK_CHAR;
+}
+
+inline size_t ElementCount(const DDS_TypeCode &array) {
+    size_t count = 1;
+    for (DDS_UnsignedLong i = 0; i < array.dimension_count; ++i) count *= array.dimensions[i];
+    return count;
+}
+
+// Bytes of a value of the type inside a record; 0 for a malformed type code.
+inline size_t ValueSize(const DDS_TypeCode &type) {
+    switch (type.kind) {
+        case DDS_TK_STRING:
+            return sizeof(DDS_Char *);
+        case DDS_TK_SEQUENCE:
+            return sizeof(KOLT_Sequence);
+        case DDS_TK_STRUCT:
+        case DDS_TK_UNION:
+            return type.access == nullptr ? 0 : type.access->record_size;
+        case DDS_TK_ARRAY:
+            return type.content_type == nullptr
+                       ? 0
+                       : ElementCount(type) * ValueSize(*type.content_type);
+        default:
+            return PrimitiveSize(type.kind);
+    }
+}
+
+inline bool IsKeyed(const DDS_TypeCode &type) {
+    if (type.kind != DDS_TK_STRUCT) return false;
+    for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
+        if (type.members[i].is_key) return true;
+    }
+    return false;
+}
+
+// The integer that `value` points to; floating-point kinds give their bits.
+inline int64_t LoadInteger(DDS_TCKind kind, const void *value) {
+    const size_t size = PrimitiveSize(kind);
+    if (size == 1) {
+        uint8_t byte = 0;
+        std::memcpy(&byte, value, 1);
+        return kind == DDS_TK_CHAR ? static_cast<int8_t>(byte) : byte;
+    }
+    if (size == 2) {
+        uint16_t half = 0;
+        std::memcpy(&half, value, 2);
+        return IsSigned(kind) ? static_cast<int16_t>(half) : half;
+    }
+    if (size == 4) {
+        uint32_t word = 0;
+        std::memcpy(&word, value, 4);
+        return IsSigned(kind) ? static_cast<int32_t>(word) : static_cast<int64_t>(word);
+    }
+    int64_t wide = 0;
+    if (size == 8) std::memcpy(&wide, value, 8);
+    return wide;
+}
+
+// Stores the low bytes of `integer` as a value of an integral kind.
+inline void StoreInteger(DDS_TCKind kind, void *value, int64_t integer) {
+    const auto bits = static_cast<uint64_t>(integer);
+    const auto byte = static_cast<uint8_t>(bits);
+    const auto half = static_cast<uint16_t>(bits);
+    const auto word = static_cast<uint32_t>(bits);
+    switch (PrimitiveSize(kind)) {
+        case 1:
+            std::memcpy(value, &byte, 1);
+            break;
+        case 2:
+            std::memcpy(value, &half, 2);
+            break;
+        case 4:
+            std::memcpy(value, &word, 4);
+            break;
+        case 8:
+            std::memcpy(value, &bits, 8);
+            break;
+        default:
+            break;
+    }
+}
+
+// The member that a discriminator selects, or member_count when it selects none.
+inline DDS_UnsignedLong SelectedMember(const DDS_TypeCode &type, int64_t discriminator) {
+    DDS_UnsignedLong fallback = type.member_count;
+    for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
+        const DDS_TypeCodeMember &member = type.members[i];
+        for (DDS_UnsignedLong j = 0; j < member.label_count; ++j) {
+            if (member.labels[j] == discriminator) return i;
+        }
+        if (member.is_default_label) fallback = i;
+    }
+    return fallback;
+}
+
+inline int64_t LoadDiscriminator(const DDS_TypeCode &type, const void *record) {
+    return LoadInteger(type.discriminator_type->kind,
+                       static_cast<const char *>(record) + type.access->discriminator_offset);
+}
+
+inline char *MemberAddress(const DDS_TypeCode &type, void *record, DDS_UnsignedLong index) {
+    return static_cast<char *>(record) + type.access->member_offsets[index];
+}
+
+inline const char *MemberAddress(const DDS_TypeCode &type, const void *record,
+                                 DDS_UnsignedLong index) {
+    return static_cast<const char *>(record) + type.access->member_offsets[index];
+}
+
+// A pointer that lies in a record, whatever its type there.
+inline void *LoadPointer(const void *place) {
+    void *pointer = nullptr;
+    std::memcpy(&pointer, place, sizeof(pointer));
+    return pointer;
+}
+
+inline void StorePointer(void *place, const void *pointer) {
+    std::memcpy(place, &pointer, sizeof(pointer));
+}
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_LAYOUT_HPP

@@ -1,0 +1,78 @@
+// The pools of endpoint data: records for readers and keys, buffers for writers.
+#ifndef KOLT_SRC_TYPE_PLUGIN_POOLS_HPP
+#define KOLT_SRC_TYPE_PLUGIN_POOLS_HPP
+
+#include <array>
+#include <cstddef>
+#include <mutex>
+#include <vector>
+
+#include "kolt/infrastructure.h"
+
+namespace kolt::type {
+
+// Records that are made by a type's own functions and kept for reuse. Thread-safe.
+class RecordPool {
+  public:
+    using Create = void *(*)();
+    using Destroy = void (*)(void *record);
+
+    // Keeps up to `idle_limit` records that are not in use. May throw std::bad_alloc.
+    RecordPool(Create create, Destroy destroy, size_t idle_limit);
+    ~RecordPool();
+    RecordPool(const RecordPool &) = delete;
+    RecordPool &operator=(const RecordPool &) = delete;
+
+    // Makes `count` records in advance. False when one can't be made.
+    bool Fill(size_t count);
+    // NULL when a new record can't be made.
+    void *Get();
+    void Return(void *record);
+
+  private:
+    const Create create_;
+    const Destroy destroy_;
+    std::mutex mutex_;
+    std::vector<void *> idle_;  // guarded by mutex_; never beyond its capacity
+};
+
+// Buffers of a writer, in size classes of powers of two. Thread-safe. The pool outlives its owner
+// until the last buffer is back: a sample may be held longer than the writer that wrote it.
+class BufferPool {
+  public:
+    // No buffer is larger than `largest` bytes, if that is not 0. NULL when memory runs out.
+    static BufferPool *Create(size_t largest);
+    // The owner's farewell.
+    void Release();
+
+    // At least `size` bytes, `*capacity` in fact. NULL when memory runs out or `size` is more than
+    // the largest.
+    DDS_Octet *Get(size_t size, size_t *capacity);
+    // Gives back a buffer of any pool.
+    static void Return(DDS_Octet *buffer);
+
+  private:
+    struct Block;  // the header in front of each buffer
+
+    static constexpr size_t kSmallest = 128;
+    static constexpr size_t kClassCount = 11;  // 128 bytes to 128 KiB
+    static constexpr size_t kIdlePerClass = 32;
+
+    explicit BufferPool(size_t largest) : largest_(largest) {}
+    ~BufferPool();
+
+    void TakeBack(Block *block);
+    Block *NewBlock(size_t size_class, size_t capacity);
+
+    const size_t largest_;
+    std::mutex mutex_;
+    // All guarded by mutex_.
+    std::array<Block *, kClassCount> idle_{};  // linked lists
+    std::array<size_t, kClassCount> idle_count_{};
+    size_t outstanding_ = 0;
+    bool released_ = false;
+};
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_PLUGIN_POOLS_HPP

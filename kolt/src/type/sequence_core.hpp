@@ -1,0 +1,64 @@
+// The one implementation of sequences, over elements described by an ElementOps.
+#ifndef KOLT_SRC_TYPE_SEQUENCE_CORE_HPP
+#define KOLT_SRC_TYPE_SEQUENCE_CORE_HPP
+
+#include <cstddef>
+
+#include "kolt/sequence.h"
+
+namespace kolt::type {
+
+// What sequences must know of their elements. An implementation for which plain() holds has
+// elements that are bytes: zero when new, nothing to free.
+class ElementOps {
+  public:
+    ElementOps(const char *sequence_name, size_t size, bool plain)
+        : sequence_name_(sequence_name), size_(size), plain_(plain) {}
+    virtual ~ElementOps() = default;
+    ElementOps(const ElementOps &) = delete;
+    ElementOps &operator=(const ElementOps &) = delete;
+
+    // `element` is zero bytes on entry.
+    virtual bool Initialize(void *element, const DDS_TypeAllocationParams_t &params) const = 0;
+    virtual void Finalize(void *element, const DDS_TypeDeallocationParams_t &params) const = 0;
+    virtual bool Copy(void *destination, const void *source) const = 0;
+
+    const char *sequence_name() const { return sequence_name_; }
+    size_t size() const { return size_; }
+    bool plain() const { return plain_; }
+
+  private:
+    const char *sequence_name_;
+    size_t size_;
+    bool plain_;
+};
+
+// The operations of kolt/sequence_ops.h; `self` is never NULL here.
+void SequenceReset(KOLT_Sequence *self);
+void SequenceEnsureInitialized(const KOLT_Sequence *self);
+bool SequenceCheckInvariants(const KOLT_Sequence *self, const char *function_name);
+bool SequenceSetMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum);
+bool SequenceSetLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length);
+bool SequenceEnsureLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
+                          DDS_Long maximum);
+bool SequenceSetAbsoluteMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit);
+bool SequenceCopyElements(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
+bool SequenceCopyNoAlloc(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
+bool SequenceCopy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
+bool SequenceLoanContiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+                            DDS_Long new_length, DDS_Long new_maximum);
+bool SequenceLoanDiscontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
+                               DDS_Long new_length, DDS_Long new_maximum);
+bool SequenceUnloan(KOLT_Sequence *self, const ElementOps &ops);
+void SequenceDeleteBuffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+                          size_t count);
+
+// Element `index` of either kind of buffer. The buffer holds more than `index` elements.
+void *SequenceElement(const KOLT_Sequence *self, const ElementOps &ops, size_t index);
+
+// Reports `text` under "<sequence name>_<operation>".
+void LogSequenceError(const ElementOps &ops, const char *operation, const char *text);
+
+}  // namespace kolt::type
+
+#endif  // KOLT_SRC_TYPE_SEQUENCE_CORE_HPP

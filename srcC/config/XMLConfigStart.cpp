@@ -1,0 +1,137 @@
+// Starting the logger from parsed options, and from a file.
+
+#include <cstdarg>
+#include <cstdio>
+#include <memory>
+
+#include "distlogger/levels.hpp"
+#include "kolt/domain.h"
+#include "vur_dl/DistLogger.h"
+#include "vur_dl/XMLConfig.h"
+
+namespace {
+
+constexpr const char *kFromFileMethod = "VUR_DL_XMLConfig_startFromFile";
+
+void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
+    VUR_DL_DistLogger_printMessage(message, method, level);
+}
+
+__attribute__((format(printf, 1, 2))) void report_from_file(const char *format, ...) {
+    char message[1024];
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(message, sizeof(message), format, arguments);
+    va_end(arguments);
+    report(message, kFromFileMethod);
+}
+
+void report_parse_error(const char *message, const char *method, DDS_UnsignedLong line) {
+    char text[1024];
+    std::snprintf(text, sizeof(text), "line %u: %s", line, message);
+    report(text, method);
+}
+
+// True when there is nothing to start, which is reported.
+bool has_nothing_to_start(const VUR_DL_Options &options, const char *method) {
+    if (options.enabled == 0) {
+        report("DL not enabled in XML Options. It won't be created", method, vur_dl::kLevelInfo);
+        return true;
+    }
+    if (VUR_DL_DistLogger_isDistLoggerRunning()) {
+        report("DL already running. XML Options don't apply", method, vur_dl::kLevelInfo);
+        return true;
+    }
+    return false;
+}
+
+int start(VUR_DL_Options &options, const char *application_kind, const char *method) {
+    if (application_kind != nullptr &&
+        VUR_DL_Options_setApplicationKind(&options, application_kind) != DDS_RETCODE_OK) {
+        report("could not set the application kind", method);
+        return 0;
+    }
+    if (!VUR_DL_DistLogger_setOptions(&options)) {
+        report("could not set DL options; instance already created", method);
+        return 0;
+    }
+    if (VUR_DL_DistLogger_getInstance() == nullptr) {
+        report("Distributed Logger could not be started", method);
+        return 0;
+    }
+    return 1;
+}
+
+// The same without a participant: the logger makes its own.
+int start_in_domain(VUR_DL_Options &options, int domain_id, const char *application_kind) {
+    if (has_nothing_to_start(options, kFromFileMethod)) {
+        return 1;
+    }
+    if (VUR_DL_Options_setDomainId(&options, domain_id) != DDS_RETCODE_OK) {
+        report("invalid domain id", kFromFileMethod);
+        return 0;
+    }
+    return start(options, application_kind, kFromFileMethod);
+}
+
+}  // namespace
+
+int VUR_DL_XMLConfig_startWithXMLConfiguration(DDS_DomainParticipant *domainParticipant,
+                                               VUR_DL_Options *options,
+                                               const char *applicationKind) {
+    if (options == nullptr) {
+        report("no options found in XML configuration", __func__);
+        return 0;
+    }
+    if (domainParticipant == nullptr) {
+        report("invalid DomainParticipant", __func__);
+        return 0;
+    }
+    if (has_nothing_to_start(*options, __func__)) {
+        return 1;
+    }
+    VUR_DL_Options_setDomainParticipant(options, domainParticipant);
+    return start(*options, applicationKind, __func__);
+}
+
+int VUR_DL_XMLConfig_startFromFile(const char *path, DDS_DomainParticipant *domainParticipant,
+                                   int domainId, const char *applicationKind) {
+    using ClassPtr = std::unique_ptr<DDS_XMLExtensionClass, void (*)(DDS_XMLExtensionClass *)>;
+    using ParserPtr = std::unique_ptr<DDS_XMLParser, void (*)(DDS_XMLParser *)>;
+
+    if (path == nullptr) {
+        report("no path given", __func__);
+        return 0;
+    }
+    const ClassPtr extension_class(VUR_DL_XMLConfig_createXMLExtensionClass(report_parse_error),
+                                   VUR_DL_XMLConfig_destroyXMLExtensionClass);
+    const ParserPtr parser(DDS_XMLParser_new(), DDS_XMLParser_delete);
+    if (extension_class == nullptr || parser == nullptr ||
+        DDS_XMLParser_register_extension_class(parser.get(), extension_class.get()) !=
+            DDS_RETCODE_OK) {
+        report("could not create the XML parser", __func__);
+        return 0;
+    }
+    if (DDS_XMLParser_parse_file(parser.get(), path) != DDS_RETCODE_OK) {
+        report_from_file("%s, line %u: %s", path, DDS_XMLParser_get_error_line(parser.get()),
+                         DDS_XMLParser_get_error_message(parser.get()));
+        return 0;
+    }
+    if (KOLT_DomainParticipantFactory_add_profiles(DDS_DomainParticipantFactory_get_instance(),
+                                                   path) != DDS_RETCODE_OK) {
+        report_from_file("%s: could not load the QoS profiles", path);
+        return 0;
+    }
+    const VUR_DL_XMLConfig *config =
+        VUR_DL_XMLConfig_getXMLConfigFromXMLRoot(DDS_XMLParser_get_root(parser.get()));
+    if (config == nullptr) {
+        report_from_file("%s: no element <distributed_logger>", path);
+        return 0;
+    }
+    VUR_DL_Options *options = VUR_DL_XMLConfig_getDLOptions(config);
+    if (domainParticipant != nullptr) {
+        return VUR_DL_XMLConfig_startWithXMLConfiguration(domainParticipant, options,
+                                                          applicationKind);
+    }
+    return start_in_domain(*options, domainId, applicationKind);
+}

@@ -1,0 +1,37 @@
+// The record of the logger's DDS entities.
+#pragma once
+
+#include "vur_dl/DDSEntities.h"
+
+namespace vur_dl {
+
+// Slots of the topics that this record created.
+enum TopicSlot { kLogSlot = 0, kStateSlot, kCommandRequestSlot, kCommandResponseSlot, kTopicSlots };
+
+}  // namespace vur_dl
+
+struct VUR_DL_DDSEntities {
+    int participantCreatedLocally;
+    DDS_DomainParticipantFactory *factory;
+    DDS_DomainParticipant *domainParticipant;  // owned if created locally, else borrowed
+    DDS_Topic *logTopic;
+    DDS_Publisher *publisher;
+    DDS_Subscriber *subscriber;  // NULL without remote administration
+    VUR_DL_LogMessageDataWriter *logMessageWriter;
+    DDS_Topic *stateTopic;
+    VUR_DL_ADMIN_StateDataWriter *stateWriter;
+    struct DDS_DataWriterListener stateWriterListener;
+    DDS_Topic *commandRequestTopic;
+    DDS_ContentFilteredTopic *commandRequestContentFilteredTopic;
+    VUR_DL_ADMIN_CommandRequestDataReader *commandRequestReader;
+    DDS_Topic *commandResponseTopic;
+    VUR_DL_ADMIN_CommandResponseDataWriter *commandResponseWriter;
+    DDS_Topic *locallyCreatedTopics[vur_dl::kTopicSlots];  // NULL: looked up, not ours to delete
+    int rtpsHostId;
+    int rtpsAppId;
+    const char *qosLibrary;  // the options' strings
+    const char *qosProfile;
+};
+
+// 0 until the first State sample has been written; one per process, reset by each creation.
+extern int VUR_DL_DDSEntities_gInitialStateSent;

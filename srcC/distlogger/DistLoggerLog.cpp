@@ -1,0 +1,215 @@
+// The log path: stamp, check, echo, filter, queue. It runs on the caller's thread.
+#include <atomic>
+#include <climits>
+#include <cstdint>
+
+#include "DistLoggerRecord.hpp"
+#include "levels.hpp"
+
+namespace {
+
+std::atomic<int> effect_threshold{INT_MAX};
+std::atomic<KOLT_Clock *> process_clock{nullptr};
+
+void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
+    VUR_DL_DistLogger_printMessage(message, method, level);
+}
+
+// Whether a call that is right in every other respect would have no effect. A record that is not
+// the logger, or a wrong argument, is left to the checks under the lock.
+bool has_no_effect(const VUR_DL_DistLogger *self, int level) {
+    return level > effect_threshold.load(std::memory_order_relaxed) && self != nullptr &&
+           self == vur_dl::load_relaxed(VUR_DL_DistLogger_instance);
+}
+
+// Seconds and 2^-32 seconds to seconds and nanoseconds, rounding up what is no whole nanosecond.
+DDS_Time_t to_dds_time(DDS_LongLong seconds, DDS_UnsignedLong fraction) {
+    // 2^61 / 10^9, to the nearest: fraction * 2^29 divided by it is fraction * 10^9 / 2^32.
+    constexpr std::uint64_t kUnitsPerNanosecond = 2305843009U;
+    constexpr DDS_UnsignedLong kMaxNanoseconds = 999'999'999U;
+    constexpr DDS_LongLong kMaxCarrySeconds = 4294967294LL;
+    auto nanoseconds = static_cast<DDS_UnsignedLong>((static_cast<std::uint64_t>(fraction) << 29U) /
+                                                     kUnitsPerNanosecond);
+    if (fraction != 0 && fraction != kUnitsPerNanosecond) {
+        ++nanoseconds;
+    }
+    if (nanoseconds > kMaxNanoseconds && seconds <= kMaxCarrySeconds) {
+        nanoseconds -= kMaxNanoseconds + 1;
+        ++seconds;
+    }
+    return {seconds, nanoseconds};
+}
+
+const char *refusal(const VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *params) {
+    if (self == nullptr) {
+        return "self is NULL";
+    }
+    if (params == nullptr) {
+        return "Message params is NULL";
+    }
+    if (params->message == nullptr) {
+        return "Message to be logged is NULL";
+    }
+    if (params->category == nullptr) {
+        return "Message category is NULL";
+    }
+    if (params->timestamp.sec < 0) {
+        return "Invalid message timestamp";
+    }
+    return nullptr;
+}
+
+void enqueue(VUR_DL_DistLogger &self, const VUR_DL_DistLogger_MessageParams &params) {
+    VUR_DL_LogMessagePlusTime item;
+    item.message.hostAndAppId.rtps_host_id = VUR_DL_DDSEntities_getRtpsHostId(self._ddsEntities);
+    item.message.hostAndAppId.rtps_app_id = VUR_DL_DDSEntities_getRtpsAppId(self._ddsEntities);
+    item.message.level = params.log_level;
+    // The queue copies the texts and does not write to them.
+    item.message.category = const_cast<DDS_Char *>(params.category);
+    item.message.message = const_cast<DDS_Char *>(params.message);
+    item.message.messageId = 0;  // given by the queue
+    item.writeTime = params.timestamp;
+    static_cast<void>(VUR_DL_MessageQueue_push(self.q, &item));
+}
+
+// Under the lock.
+void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *params) {
+    constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
+    if (const char *why = refusal(self, params)) {
+        report(why, kMethodName);
+        return;
+    }
+    if (self != VUR_DL_DistLogger_instance || gVUR_DL_DistLogger_beingDestroyed != 0) {
+        return;
+    }
+    const DDS_UnsignedLongLong thread_id = KOLT_Thread_current_id();
+    if (thread_id == 0) {
+        report("Unable to get current thread Id, message missed", kMethodName,
+               vur_dl::kLevelWarning);
+        return;
+    }
+    // What the middleware says while the write thread publishes must not cause more to publish.
+    if (vur_dl::load_relaxed(self->logMessageWriteThread->threadId) == thread_id) {
+        return;
+    }
+    if (vur_dl::load_relaxed(self->options->echoToStdout) == 1 && params->message[0] != '\0') {
+        static_cast<void>(VUR_DL_DistLogger_printMessage(params->message, "", params->log_level));
+    }
+    if (vur_dl::is_operational(*self) &&
+        params->log_level <= vur_dl::load_relaxed(self->filterLevel)) {
+        enqueue(*self, *params);
+    }
+}
+
+}  // namespace
+
+KOLT_Clock *vur_dl::log_clock() {
+    return process_clock.load(std::memory_order_acquire);
+}
+
+KOLT_Clock *vur_dl::create_log_clock() {
+    KOLT_Clock *clock = log_clock();
+    if (clock == nullptr) {
+        clock = KOLT_Clock_new();
+        process_clock.store(clock, std::memory_order_release);
+    }
+    return clock;
+}
+
+void vur_dl::refresh_threshold(const VUR_DL_DistLogger *self) {
+    int value = INT_MAX;
+    if (self != nullptr && load_relaxed(self->options->echoToStdout) != 1) {
+        value = is_operational(*self) ? load_relaxed(self->filterLevel) : INT_MIN;
+    }
+    effect_threshold.store(value, std::memory_order_relaxed);
+}
+
+void vur_dl::refresh_threshold_after(const VUR_DL_Options *options) {
+    const VUR_DL_DistLogger *self = load_acquire(VUR_DL_DistLogger_instance);
+    if (self != nullptr && self->options == options) {
+        refresh_threshold(self);
+    }
+}
+
+void VUR_DL_DistLogger_fatal(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelFatal, message, "");
+}
+void VUR_DL_DistLogger_severe(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelSevere, message, "");
+}
+void VUR_DL_DistLogger_error(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelError, message, "");
+}
+void VUR_DL_DistLogger_warning(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelWarning, message, "");
+}
+void VUR_DL_DistLogger_notice(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelNotice, message, "");
+}
+void VUR_DL_DistLogger_info(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelInfo, message, "");
+}
+void VUR_DL_DistLogger_debug(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelDebug, message, "");
+}
+void VUR_DL_DistLogger_trace(VUR_DL_DistLogger *self, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelTrace, message, "");
+}
+void VUR_DL_DistLogger_log(VUR_DL_DistLogger *self, int level, const char *message) {
+    VUR_DL_DistLogger_logMessageWithLevelCategory(self, level, message, "");
+}
+
+int VUR_DL_DistLogger_get_fatal_log_level(void) {
+    return vur_dl::kLevelFatal;
+}
+int VUR_DL_DistLogger_get_error_log_level(void) {
+    return vur_dl::kLevelError;
+}
+int VUR_DL_DistLogger_get_warning_log_level(void) {
+    return vur_dl::kLevelWarning;
+}
+int VUR_DL_DistLogger_get_notice_log_level(void) {
+    return vur_dl::kLevelNotice;
+}
+int VUR_DL_DistLogger_get_info_log_level(void) {
+    return vur_dl::kLevelInfo;
+}
+int VUR_DL_DistLogger_get_debug_log_level(void) {
+    return vur_dl::kLevelDebug;
+}
+
+void VUR_DL_DistLogger_logMessageWithLevelCategory(VUR_DL_DistLogger *self, int logLevel,
+                                                   const char *message, const char *category) {
+    if (message != nullptr && category != nullptr && has_no_effect(self, logLevel)) {
+        return;
+    }
+    DDS_LongLong seconds = 0;
+    DDS_UnsignedLong fraction = 0;
+    // Not through the record, which another thread may be finalising. Without a clock there never
+    // was a logger, and the checks that follow turn the call away.
+    KOLT_Clock *clock = vur_dl::log_clock();
+    if (clock != nullptr && KOLT_Clock_get_time(clock, &seconds, &fraction) != 0) {
+        report("Unable to get current Time from internal clock",
+               "VUR_DL_DistLogger_logMessageWithLevelCategory");
+        return;
+    }
+    const VUR_DL_DistLogger_MessageParams params{logLevel, message, category,
+                                                 to_dds_time(seconds, fraction)};
+    VUR_DL_DistLogger_logMessageWithParams(self, &params);
+}
+
+void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,
+                                            const VUR_DL_DistLogger_MessageParams *params) {
+    constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
+    if (refusal(self, params) == nullptr && has_no_effect(self, params->log_level)) {
+        return;
+    }
+    if (KOLT_GlobalLock_take(&gVUR_DL_DistLogger_lock) != 0) {
+        report("Unable to lock: It is not safe to log message", kMethodName);
+        return;
+    }
+    log_locked(self, params);
+    if (KOLT_GlobalLock_give(&gVUR_DL_DistLogger_lock) != 0) {
+        report("Unable to unlock when logging message.", kMethodName);
+    }
+}

@@ -1,0 +1,109 @@
+// The middleware's own log: forwarded into the distributed log, and silenced during creation.
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+
+#include "DistLoggerRecord.hpp"
+#include "levels.hpp"
+#include "vur_dl/EnumTranslators.h"
+
+namespace {
+
+constexpr char kForwardedCategory[] = "com.vur.kolt.config.Logger";
+
+// One word, so that to see the gate open and to be counted is one step: kClosed, or how many
+// threads are forwarding.
+constexpr int kClosed = 1 << 30;
+std::atomic<int> gate{kClosed};
+
+void print_as_it_stands(const char *text) {
+    const std::size_t length = std::strlen(text);
+    if (length > 0) {
+        std::printf("%s%s", text, text[length - 1] == '\n' ? "" : "\n");
+    }
+}
+
+}  // namespace
+
+bool vur_dl::MiddlewareLogGate::enter() {
+    if ((gate.fetch_add(1, std::memory_order_acquire) & kClosed) != 0) {
+        leave();
+        return false;
+    }
+    return true;
+}
+
+void vur_dl::MiddlewareLogGate::leave() {
+    // The last one to leave a gate that is being closed wakes the one who closes it.
+    if (gate.fetch_sub(1, std::memory_order_release) == kClosed + 1) {
+        gate.notify_all();
+    }
+}
+
+void vur_dl::MiddlewareLogGate::close() {
+    int seen = gate.fetch_or(kClosed, std::memory_order_acq_rel) | kClosed;
+    while (seen != kClosed) {
+        gate.wait(seen, std::memory_order_acquire);
+        seen = gate.load(std::memory_order_acquire);
+    }
+}
+
+bool vur_dl::MiddlewareLogGate::is_closed() {
+    return (gate.load(std::memory_order_acquire) & kClosed) != 0;
+}
+
+void vur_dl::MiddlewareLogGate::open() {
+    gate.fetch_and(~kClosed, std::memory_order_release);
+}
+
+KOLT_Config_LoggerDevice VUR_DL_DistLogger_localDevice = {nullptr, VUR_DL_DistLogger_writeDevice,
+                                                          nullptr};
+
+void VUR_DL_DistLogger_writeDevice(KOLT_Config_LoggerDevice *,
+                                   const KOLT_Config_LogMessage *message) {
+    if (!VUR_DL_DistLogger_isDistLoggerRunning() || !vur_dl::MiddlewareLogGate::enter()) {
+        print_as_it_stands(message->text);
+        return;
+    }
+    VUR_DL_DistLogger_logMessageWithLevelCategory(
+        vur_dl::load_acquire(VUR_DL_DistLogger_instance),
+        VUR_DL_translateFromVURLoggerLogLevelToDLLevel(message->level), message->text,
+        kForwardedCategory);
+    vur_dl::MiddlewareLogGate::leave();
+}
+
+void VUR_DL_DistLogger_maskSystemVerbosity(KOLT_Config_LogVerbosity mask[8],
+                                           DDS_DomainParticipantFactory *factory) {
+    constexpr char kMethodName[] = "VUR_DL_DistLogger_maskSystemVerbosity";
+    // First, because profiles may configure the verbosities that are saved here.
+    if (DDS_DomainParticipantFactory_load_profiles(factory) != DDS_RETCODE_OK) {
+        VUR_DL_DistLogger_printMessage("Unable to load profiles", kMethodName,
+                                       vur_dl::kLevelWarning);
+    }
+    KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
+    if (logger == nullptr) {
+        VUR_DL_DistLogger_printMessage("Unable to get VUR Logger", kMethodName,
+                                       vur_dl::kLevelError);
+        return;
+    }
+    for (int category = 0; category < KOLT_CONFIG_LOG_CATEGORY_COUNT; ++category) {
+        mask[category] = KOLT_Config_Logger_get_verbosity_by_category(
+            logger, static_cast<KOLT_Config_LogCategory>(category));
+    }
+    KOLT_Config_Logger_set_verbosity(logger, KOLT_CONFIG_LOG_VERBOSITY_SILENT);
+}
+
+void VUR_DL_DistLogger_unmaskSystemVerbosity(const KOLT_Config_LogVerbosity mask[8]) {
+    KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
+    if (logger == nullptr) {
+        VUR_DL_DistLogger_printMessage("Unable to get VUR Logger",
+                                       "VUR_DL_DistLogger_unmaskSystemVerbosity",
+                                       vur_dl::kLevelError);
+        return;
+    }
+    for (int category = 0; category < KOLT_CONFIG_LOG_CATEGORY_COUNT; ++category) {
+        KOLT_Config_Logger_set_verbosity_by_category(
+            logger, static_cast<KOLT_Config_LogCategory>(category), mask[category]);
+    }
+}

@@ -1,0 +1,37 @@
+// The one routine through which the library prints: its own diagnostics and echoed messages.
+#include <cstdio>
+#include <cstring>
+
+#include "vur_dl/DistLogger.h"
+#include "vur_dl/EnumTranslators.h"
+
+namespace {
+
+constexpr char kMethodName[] = "VUR_DL_DistLogger_printMessage";
+constexpr unsigned int kMessageIsEmpty = 3;
+constexpr unsigned int kTextIsNull = 4;
+
+}  // namespace
+
+unsigned int VUR_DL_DistLogger_printMessage(const char *message, const char *methodName,
+                                            int logLevel) {
+    if (message == nullptr || methodName == nullptr) {
+        std::printf("DL Error: %s: String passed as parameter is NULL.\n", kMethodName);
+        return kTextIsNull;
+    }
+    const std::size_t length = std::strlen(message);
+    if (length == 0) {
+        std::printf("DL Error: %s: Message to print is empty.\n", kMethodName);
+        return kMessageIsEmpty;
+    }
+    char level_name[16];
+    static_assert(sizeof level_name >= VUR_DL_LOG_LEVEL_LABEL_SIZE);
+    const DDS_ReturnCode_t result = VUR_DL_translateFromDLLogLevelToString(logLevel, level_name);
+    const char *newline = message[length - 1] == '\n' ? "" : "\n";
+    if (result == DDS_RETCODE_OK) {
+        std::printf("%s: %s: %s%s", level_name, methodName, message, newline);
+    } else {
+        std::printf("DL Warning: %s: %s%s", methodName, message, newline);
+    }
+    return static_cast<unsigned int>(result);
+}

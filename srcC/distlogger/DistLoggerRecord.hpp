@@ -1,0 +1,74 @@
+// The logger's record and what the files of the logger share about it.
+#pragma once
+
+#include <mutex>
+
+#include "relaxed.hpp"
+#include "vur_dl/DDSEntities.h"
+#include "vur_dl/DistLogger.h"
+
+struct VUR_DL_DistLogger {
+    VUR_DL_Options *options;  // the stored options, shared; or defaults of this logger's own
+    DDS_Long filterLevel;     // read by log calls, written by remote commands
+    VUR_DL_DDSEntities *_ddsEntities;
+    VUR_DL_ADMIN_State *state;  // what is published; guarded by state_lock()
+    DDS_Cookie_t stateCookie;
+    DDS_InstanceHandle_t loggerStateInstanceHandle;
+    VUR_DL_LogMessageWriteThread *logMessageWriteThread;
+    VUR_DL_MessageQueue *q;                     // the write thread's
+    KOLT_Config_LoggerDevice *ddsLoggerDevice;  // installed device, or NULL
+    KOLT_Clock *clock;                          // log_clock()
+};
+
+// The singleton; NULL when there is none. Written under gVUR_DL_DistLogger_lock.
+extern VUR_DL_DistLogger *VUR_DL_DistLogger_instance;
+// The stored options. Written under gVUR_DL_DistLogger_lock, or during finalisation.
+extern VUR_DL_Options *gVUR_DL_DistLogger_currentOptions;
+
+namespace vur_dl {
+
+// Guards the State record: the application's thread fills it, the command reader's thread changes
+// it, and the State writer serialises it on either of them or on the thread that found a reader.
+// Recursive, because a State sample that is delivered within the process may come back as a command
+// on the same thread. Taken after gVUR_DL_DistLogger_lock, never before it.
+std::recursive_mutex &state_lock();
+
+inline VUR_DL_ADMIN_StateKind state_kind(const VUR_DL_DistLogger &self) {
+    return load_relaxed(self.state->state);
+}
+
+inline bool is_operational(const VUR_DL_DistLogger &self) {
+    return state_kind(self) == VUR_DL_STATE_OPERATIONAL;
+}
+
+// ---- The threshold ------------------------------------------------------------------------------
+// The level above which log calls have no effect at all: neither an echo nor a queued message. Log
+// calls compare with it before they read a clock or take a lock. It is derived from the options'
+// echo, the filter level and the State, and is refreshed whenever one of them changes.
+void refresh_threshold(const VUR_DL_DistLogger *self);
+// The same after a change in an options record, if it is the running logger's.
+void refresh_threshold_after(const VUR_DL_Options *options);
+
+// ---- The clock
+// ------------------------------------------------------------------------------------ Log calls
+// read the clock before they take the lock, when another thread may be finalising the logger: so
+// the clock, once made, lives as long as the process and is shared by one logger after another.
+KOLT_Clock *create_log_clock();  // under gVUR_DL_DistLogger_lock; NULL when memory runs out
+KOLT_Clock *log_clock();         // NULL before the first logger
+
+// ---- The gate of the middleware's log
+// ------------------------------------------------------------ Finalisation calls the middleware
+// while it holds the logger lock, and the middleware may log, with locks of its own held, on
+// another thread, which then waits for the logger lock: a deadlock. So finalisation closes the gate
+// first and waits until every forwarded message has left; from then on the middleware's messages
+// are printed and not logged.
+class MiddlewareLogGate {
+  public:
+    static bool enter();
+    static void leave();
+    static void close();
+    static void open();
+    static bool is_closed();
+};
+
+}  // namespace vur_dl

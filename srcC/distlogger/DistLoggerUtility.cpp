@@ -1,0 +1,13 @@
+// The sleep that applications may use.
+#include "vur_dl/DistLoggerUtility.h"
+
+#include "kolt/os.h"
+
+void VUR_DL_Utility_sleep(int milliseconds) {
+    constexpr int kMillisecondsPerSecond = 1000;
+    // The remainder goes in unscaled: programs that were tuned with this function rely on it.
+    const DDS_Duration_t duration{
+        milliseconds / kMillisecondsPerSecond,
+        static_cast<DDS_UnsignedLong>(milliseconds % kMillisecondsPerSecond)};
+    KOLT_Utility_sleep(&duration);
+}

@@ -1,0 +1,201 @@
+// Getters and setters of the options record, each with its own bounds and messages.
+#include "DistLoggerRecord.hpp"
+#include "levels.hpp"
+#include "vur_dl/DistLogger.h"
+#include "vur_dl/Options.h"
+
+namespace {
+
+void report(const char *message, const char *method) {
+    VUR_DL_DistLogger_printMessage(message, method, vur_dl::kLevelError);
+}
+
+template <typename T, typename Result>
+Result get(const VUR_DL_Options *self, T VUR_DL_Options::*field, Result sentinel,
+           const char *method) {
+    if (self == nullptr) {
+        report("VUR_DL_Options is null", method);
+        return sentinel;
+    }
+    return static_cast<Result>(self->*field);
+}
+
+// Sets a field unless `refusal` says why the value is out of bounds.
+template <typename T, typename V>
+DDS_ReturnCode_t set(VUR_DL_Options *self, T VUR_DL_Options::*field, V value, const char *refusal,
+                     const char *method) {
+    if (self == nullptr) {
+        report("VUR_DL_Options is null", method);
+        return DDS_RETCODE_NO_DATA;
+    }
+    if (refusal != nullptr) {
+        report(refusal, method);
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    self->*field = static_cast<T>(value);
+    return DDS_RETCODE_OK;
+}
+
+struct StringMessages {
+    const char *absent;
+    const char *out_of_memory;
+    const char *method;
+};
+
+DDS_ReturnCode_t set_string(VUR_DL_Options *self, DDS_Char *VUR_DL_Options::*field,
+                            const char *value, const StringMessages &messages) {
+    if (self == nullptr) {
+        report("VUR_DL_Options is null", messages.method);
+        return DDS_RETCODE_NO_DATA;
+    }
+    if (value == nullptr) {
+        report(messages.absent, messages.method);
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    if (value == self->*field) {
+        return DDS_RETCODE_OK;  // the record's own string: freeing it first would lose it
+    }
+    DDS_String_free(self->*field);
+    self->*field = DDS_String_dup(value);
+    if (self->*field == nullptr) {
+        report(messages.out_of_memory, messages.method);
+        return DDS_RETCODE_ERROR;
+    }
+    return DDS_RETCODE_OK;
+}
+
+}  // namespace
+
+DDS_DomainParticipant *VUR_DL_Options_getDomainParticipant(const VUR_DL_Options *self) {
+    return get<DDS_DomainParticipant *, DDS_DomainParticipant *>(
+        self, &VUR_DL_Options::domainParticipant, nullptr, "VUR_DL_Options_getDomainParticipant");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setDomainParticipant(VUR_DL_Options *self,
+                                                     DDS_DomainParticipant *domainParticipant) {
+    return set(self, &VUR_DL_Options::domainParticipant, domainParticipant,
+               domainParticipant == nullptr ? "domainParticipant is null" : nullptr,
+               "VUR_DL_Options_setDomainParticipant");
+}
+
+int VUR_DL_Options_isRemoteAdministrationEnabled(const VUR_DL_Options *self) {
+    return get(self, &VUR_DL_Options::remoteAdministrationEnabled, 0,
+               "VUR_DL_Options_isRemoteAdministrationEnabled");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setRemoteAdministrationEnabled(VUR_DL_Options *self, int enabled) {
+    return set(self, &VUR_DL_Options::remoteAdministrationEnabled, enabled, nullptr,
+               "VUR_DL_Options_setRemoteAdministrationEnabled");
+}
+
+int VUR_DL_Options_getFilterLevel(const VUR_DL_Options *self) {
+    return get(self, &VUR_DL_Options::filterLevel, -1, "VUR_DL_Options_getFilterLevel");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setFilterLevel(VUR_DL_Options *self, int filterLevel) {
+    return set(self, &VUR_DL_Options::filterLevel, filterLevel,
+               filterLevel < 0 ? "Filter Level must be positive or zero" : nullptr,
+               "VUR_DL_Options_setFilterLevel");
+}
+
+int VUR_DL_Options_getDomainId(const VUR_DL_Options *self) {
+    return get(self, &VUR_DL_Options::domainId, -1, "VUR_DL_Options_hetDomainId");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setDomainId(VUR_DL_Options *self, int domainId) {
+    return set(self, &VUR_DL_Options::domainId, domainId,
+               domainId < 0 ? "Domain Id must be positive or zero" : nullptr,
+               "VUR_DL_Options_setDomainId");
+}
+
+const char *VUR_DL_Options_getQosLibrary(const VUR_DL_Options *self) {
+    return get<DDS_Char *, const char *>(self, &VUR_DL_Options::qosLibrary, nullptr,
+                                         "VUR_DL_Options_getQoSLibrary");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setQosLibrary(VUR_DL_Options *self, const char *qosLibrary) {
+    return set_string(self, &VUR_DL_Options::qosLibrary, qosLibrary,
+                      {"QoS Library is NULL", "Unable to allocate memory for qosLibrary",
+                       "VUR_DL_Options_setQoSLibrary"});
+}
+
+const char *VUR_DL_Options_getQosProfile(const VUR_DL_Options *self) {
+    return get<DDS_Char *, const char *>(self, &VUR_DL_Options::qosProfile, nullptr,
+                                         "VUR_DL_Options_getQoSProfile");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setQosProfile(VUR_DL_Options *self, const char *qosProfile) {
+    return set_string(self, &VUR_DL_Options::qosProfile, qosProfile,
+                      {"QoS Profile is NULL", "Unable to allocate memory for qosProfile",
+                       "VUR_DL_Options_setQoSProfile"});
+}
+
+int VUR_DL_Options_getQueueSize(const VUR_DL_Options *self) {
+    return get(self, &VUR_DL_Options::queueSize, -1, "VUR_DL_Options_getQueueSize");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setQueueSize(VUR_DL_Options *self, int queueSize) {
+    return set(self, &VUR_DL_Options::queueSize, queueSize,
+               queueSize < 1 ? "Queue Size must be positive" : nullptr,
+               "VUR_DL_Options_setQueueSize");
+}
+
+DDS_ThreadSettings_t *VUR_DL_Options_getThreadSettings(VUR_DL_Options *self) {
+    if (self == nullptr) {
+        report("VUR_DL_Options is null", "VUR_DL_Options_getThreadSettings");
+        return nullptr;
+    }
+    return &self->threadSettings;
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setThreadSettings(VUR_DL_Options *self,
+                                                  const DDS_ThreadSettings_t *threadSettings) {
+    constexpr char kMethodName[] = "VUR_DL_Options_setThreadSettings";
+    if (self == nullptr) {
+        report("VUR_DL_Options is null", kMethodName);
+        return DDS_RETCODE_NO_DATA;
+    }
+    if (!DDS_ThreadSettings_t_copy(&self->threadSettings, threadSettings)) {
+        report("couldn't copy thread settings", kMethodName);
+        return DDS_RETCODE_ERROR;
+    }
+    return DDS_RETCODE_OK;
+}
+
+const char *VUR_DL_Options_getApplicationKind(const VUR_DL_Options *self) {
+    return get<DDS_Char *, const char *>(self, &VUR_DL_Options::applicationKind, nullptr,
+                                         "VUR_DL_Options_getApplicationKind");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setApplicationKind(VUR_DL_Options *self,
+                                                   const char *applicationKind) {
+    return set_string(self, &VUR_DL_Options::applicationKind, applicationKind,
+                      {"application kind is NULL", "Unable to allocate memory for Application Kind",
+                       "VUR_DL_Options_setApplicationKind"});
+}
+
+int VUR_DL_Options_getEchoToStdout(const VUR_DL_Options *self) {
+    return get(self, &VUR_DL_Options::echoToStdout, 0, "VUR_DL_Options_getEchoToStdout");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setEchoToStdout(VUR_DL_Options *self, int echoToStdout) {
+    constexpr char kMethodName[] = "VUR_DL_Options_setEchoToStdout";
+    if (self == nullptr) {
+        report("VUR_DL_Options is null", kMethodName);
+        return DDS_RETCODE_NO_DATA;
+    }
+    // The running logger shares this record, so the echo may be switched while others log.
+    vur_dl::store_relaxed(self->echoToStdout, echoToStdout);
+    vur_dl::refresh_threshold_after(self);
+    return DDS_RETCODE_OK;
+}
+
+int VUR_DL_Options_getLogInfrastructureMessages(const VUR_DL_Options *self) {
+    return get(self, &VUR_DL_Options::logInfrastructureMessages, 0,
+               "VUR_DL_Options_getLogInfrastructureMessages");
+}
+
+DDS_ReturnCode_t VUR_DL_Options_setLogInfrastructureMessages(VUR_DL_Options *self, int log) {
+    return set(self, &VUR_DL_Options::logInfrastructureMessages, log, nullptr,
+               "VUR_DL_Options_setLogInfrastructureMessages");
+}

@@ -1,0 +1,179 @@
+// The write thread, with the middleware's write replaced by one that the test controls.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "support/process.h"
+#include "vur_dl/LogMessageWriteThread.h"
+
+namespace {
+
+using support::StdoutCapture;
+using namespace std::chrono_literals;
+
+struct Write {
+    DDS_LongLong id;
+    DDS_Time_t time;
+    std::string text;
+};
+
+// What the replaced write does and saw.
+struct Writes {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<Write> seen;
+    std::vector<DDS_ReturnCode_t> results;  // of the next writes; OK when it runs out
+
+    bool wait_for(std::size_t count, std::chrono::milliseconds within = support::kPatience) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, within, [&] { return seen.size() >= count; });
+    }
+};
+Writes writes;
+
+}  // namespace
+
+extern "C" DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *, const void *sample,
+                                                             DDS_InstanceHandle_t handle,
+                                                             const DDS_Time_t *time) {
+    EXPECT_EQ(DDS_HANDLE_NIL, handle);
+    const auto &message = *static_cast<const VUR_DL_LogMessage *>(sample);
+    const std::lock_guard lock(writes.mutex);
+    writes.seen.push_back({message.messageId, *time, message.message});
+    writes.changed.notify_all();
+    DDS_ReturnCode_t result = DDS_RETCODE_OK;
+    if (!writes.results.empty()) {
+        result = writes.results.front();
+        writes.results.erase(writes.results.begin());
+    }
+    return result;
+}
+
+namespace {
+
+class WriteThread : public testing::Test {
+  protected:
+    void SetUp() override {
+        writes.seen.clear();
+        writes.results.clear();
+    }
+    void start() {
+        const DDS_ThreadSettings_t settings = DDS_THREAD_SETTINGS_DEFAULT;
+        self_ = LogMessageWriteThread_create(&writer_, 10, &settings);
+        ASSERT_NE(nullptr, self_);
+    }
+    void TearDown() override {
+        if (self_ != nullptr) {
+            __atomic_store_n(&self_->shouldRun, 0, __ATOMIC_RELAXED);
+            LogMessageWriteThread_delete(self_);
+        }
+    }
+    int push(std::string text, DDS_Time_t time = {1, 2}) {
+        std::string category;
+        VUR_DL_LogMessagePlusTime item{};
+        item.message.message = text.data();
+        item.message.category = category.data();
+        item.writeTime = time;
+        return VUR_DL_MessageQueue_push(self_->q, &item);
+    }
+    VUR_DL_LogMessageDataWriter writer_{};
+    VUR_DL_LogMessageWriteThread *self_ = nullptr;
+};
+
+TEST_F(WriteThread, PublishesInOrderWithTheTimeOfTheLogCall) {
+    start();
+    push("one", {100, 5});
+    push("two", {200, 6});
+    ASSERT_TRUE(writes.wait_for(2));
+    EXPECT_EQ(1, writes.seen[0].id);
+    EXPECT_EQ("one", writes.seen[0].text);
+    EXPECT_EQ(100, writes.seen[0].time.sec);
+    EXPECT_EQ(5U, writes.seen[0].time.nanosec);
+    EXPECT_EQ(2, writes.seen[1].id);
+    EXPECT_EQ(200, writes.seen[1].time.sec);
+}
+
+TEST_F(WriteThread, AnIdleThreadEndsSoonAfterItIsToldTo) {
+    start();
+    const auto before = std::chrono::steady_clock::now();
+    __atomic_store_n(&self_->shouldRun, 0, __ATOMIC_RELAXED);
+    LogMessageWriteThread_delete(self_);
+    self_ = nullptr;
+    // One wait of 100 ms; the rest is for a machine that has other things to do.
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 5s);
+}
+
+TEST_F(WriteThread, AnErrorLosesThatMessageOnly) {
+    writes.results = {DDS_RETCODE_ERROR};
+    StdoutCapture capture;
+    start();
+    push("lost");
+    push("next");
+    ASSERT_TRUE(writes.wait_for(2));
+    EXPECT_EQ("next", writes.seen[1].text);
+    const std::string line =
+        "DL Error: LogMessageWriteThread_run: Unable to write LogMessage in DataWriter";
+    EXPECT_TRUE(support::eventually([&] { return capture.count(line) == 1; })) << capture.text();
+}
+
+TEST_F(WriteThread, AMessageThatTimedOutIsWrittenAgainAfterTheNextPush) {
+    writes.results = {DDS_RETCODE_TIMEOUT};
+    StdoutCapture capture;
+    start();
+    push("first");
+    ASSERT_TRUE(writes.wait_for(1));
+    EXPECT_FALSE(writes.wait_for(2, 400ms)) << "retried without a push";
+    push("second");
+    ASSERT_TRUE(writes.wait_for(2));
+    EXPECT_EQ("first", writes.seen[1].text);
+    push("third");
+    ASSERT_TRUE(writes.wait_for(3));
+    EXPECT_EQ("second", writes.seen[2].text);
+    EXPECT_EQ("", capture.text());
+}
+
+TEST_F(WriteThread, MessagesLeftAtTheEndAreNotPublished) {
+    start();
+    __atomic_store_n(&self_->shouldRun, 0, __ATOMIC_RELAXED);
+    // Until the thread has noticed, a push may still be taken; afterwards none is.
+    ASSERT_TRUE(support::eventually([&] {
+        const std::size_t before = writes.seen.size();
+        push("late");
+        return !writes.wait_for(before + 1, 300ms);
+    }));
+}
+
+TEST_F(WriteThread, KeepsTheCommunicationVerbosity) {
+    start();
+    KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
+    EXPECT_EQ(logger, self_->vurLogger);
+    EXPECT_EQ(KOLT_Config_Logger_get_verbosity_by_category(logger,
+                                                           KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION),
+              self_->logVerbosity);
+    LogMessageWriteThread_setCommunicationsLogVerbosity(self_,
+                                                        KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL);
+    EXPECT_EQ(KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL, self_->logVerbosity);
+    EXPECT_EQ(KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL,
+              KOLT_Config_Logger_get_verbosity_by_category(logger,
+                                                           KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION));
+}
+
+TEST_F(WriteThread, ItsIdIsThatOfAThread) {
+    start();
+    EXPECT_TRUE(support::eventually(
+        [&] { return __atomic_load_n(&self_->threadId, __ATOMIC_RELAXED) != 0; }));
+    EXPECT_NE(KOLT_Thread_current_id(), __atomic_load_n(&self_->threadId, __ATOMIC_RELAXED));
+}
+
+TEST(WriteThreadRecord, DeletingNothingDoesNothing) {
+    LogMessageWriteThread_delete(nullptr);
+    StdoutCapture capture;
+    EXPECT_EQ("", capture.text());
+}
+
+}  // namespace

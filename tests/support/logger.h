@@ -1,0 +1,45 @@
+// The process's logger for tests: created with given options, finalised with the scope.
+#ifndef TESTS_SUPPORT_LOGGER_H
+#define TESTS_SUPPORT_LOGGER_H
+
+#include <vur_dl/DistLogger.h>
+#include <vur_dl/Options.h>
+
+#include <string>
+
+namespace support {
+
+// Quiet by default: neither echo nor forwarding, so that a test sees what it asks for.
+struct LoggerOptions {
+    int domain = 0;
+    int filter_level = 600;
+    int queue_size = 128;
+    bool echo = false;
+    bool forward = false;
+    bool remote = true;
+    std::string kind = {};
+    DDS_DomainParticipant *participant = nullptr;
+};
+
+// Stores the options for the next creation; false when they are refused.
+bool storeOptions(const LoggerOptions &options);
+
+class Logger {
+  public:
+    // `get` is NULL when the creation failed.
+    explicit Logger(const LoggerOptions &options);
+    ~Logger();
+    Logger(const Logger &) = delete;
+    Logger &operator=(const Logger &) = delete;
+
+    VUR_DL_DistLogger *get() const { return logger_; }
+    // NULL-safe ways to say the usual.
+    void log(int level, const std::string &message, const std::string &category = "") const;
+
+  private:
+    VUR_DL_DistLogger *logger_;
+};
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_LOGGER_H

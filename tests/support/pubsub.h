@@ -1,0 +1,129 @@
+// Participants, writers and readers of support::Message for tests of the entity API.
+#ifndef TESTS_SUPPORT_PUBSUB_H
+#define TESTS_SUPPORT_PUBSUB_H
+
+#include <kolt/dds_c.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/process.h"
+#include "support/test_types.h"
+
+namespace support {
+
+constexpr const char *kMessageTypeName = "test::Message";
+
+// `name` made unique to this process: tests that run at the same time do not hear each other.
+std::string own(const std::string &name);
+
+// Plugins made of KOLT's generic operations: of support::Message, keyed by id and level, and of
+// support::Point and support::Large, which have no key.
+const KOLT_TypePlugin &messagePlugin();
+const KOLT_TypePlugin &pointPlugin();
+const KOLT_TypePlugin &largePlugin();
+// How many of the endpoint data that the plugins made exist.
+int liveEndpoints();
+
+// A participant with the Message type and one topic of it. Deletes everything with the scope.
+class Node {
+  public:
+    explicit Node(DDS_DomainId_t domain, const std::string &topic_name = own("messages"),
+                  const DDS_TopicQos *topic_qos = nullptr);
+    ~Node();
+    Node(const Node &) = delete;
+    Node &operator=(const Node &) = delete;
+
+    // A writer or reader of the topic. `adjust` changes the default QoS, which is reliable here.
+    DDS_DataWriter *writer(const std::function<void(DDS_DataWriterQos &)> &adjust = {},
+                           DDS_Topic *topic = nullptr,
+                           const DDS_DataWriterListener *listener = nullptr,
+                           DDS_StatusMask mask = DDS_STATUS_MASK_NONE);
+    DDS_DataReader *reader(const std::function<void(DDS_DataReaderQos &)> &adjust = {},
+                           DDS_TopicDescription *topic = nullptr,
+                           const DDS_DataReaderListener *listener = nullptr,
+                           DDS_StatusMask mask = DDS_STATUS_MASK_NONE);
+
+    // A topic of another plugin's type, under the type's own name.
+    DDS_Topic *topicOf(const KOLT_TypePlugin &plugin, const std::string &name);
+
+    DDS_DomainParticipantFactory *factory;
+    DDS_DomainParticipant *participant;
+    DDS_Topic *topic;
+    DDS_Publisher *publisher;
+    DDS_Subscriber *subscriber;
+};
+
+// A message by value.
+struct Text {
+    int host = 0;
+    int level = 0;
+    long long number = 0;
+    std::string text;
+    DDS_SampleInfo info{};
+};
+
+// Writes one message. With a handle other than NIL it is passed on.
+DDS_ReturnCode_t write(DDS_DataWriter *writer, int host, int level, long long number,
+                       const std::string &text = "hello",
+                       DDS_InstanceHandle_t handle = DDS_HANDLE_NIL);
+
+// Which samples, for the functions below.
+KOLT_ReadSelection selection(bool take);
+
+// Reads or takes through a loan, which is returned. `code` gets the result of the read.
+std::vector<Text> access(DDS_DataReader *reader, const KOLT_ReadSelection &selection,
+                         DDS_ReturnCode_t *code = nullptr);
+std::vector<Text> take(DDS_DataReader *reader);
+// Takes until there are `count` messages or the deadline has passed.
+std::vector<Text> takeAtLeast(DDS_DataReader *reader, size_t count);
+
+// Waits until the endpoints know of `count` peers.
+bool isMatched(DDS_DataWriter *writer, int count = 1);
+bool isMatched(DDS_DataReader *reader, int count = 1);
+
+// A sequence of strings for a filter.
+class Strings {
+  public:
+    Strings(std::initializer_list<const char *> texts);
+    ~Strings() { DDS_StringSeq_finalize(&seq_); }
+    Strings(const Strings &) = delete;
+    Strings &operator=(const Strings &) = delete;
+    DDS_StringSeq *get() { return &seq_; }
+    std::string at(DDS_Long index) const;
+    DDS_UnsignedLong size() const { return DDS_StringSeq_get_length(&seq_); }
+
+  private:
+    DDS_StringSeq seq_{};
+};
+
+// A QoS record that frees itself.
+template <typename T, auto kInitialize, auto kFinalize>
+class Qos {
+  public:
+    Qos() { kInitialize(&value_); }
+    ~Qos() { kFinalize(&value_); }
+    Qos(const Qos &) = delete;
+    Qos &operator=(const Qos &) = delete;
+    T *get() { return &value_; }
+    T *operator->() { return &value_; }
+    T &operator*() { return value_; }
+
+  private:
+    T value_;
+};
+using ParticipantQos = Qos<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
+                           DDS_DomainParticipantQos_finalize>;
+using FactoryQos = Qos<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
+                       DDS_DomainParticipantFactoryQos_finalize>;
+using TopicQos = Qos<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
+using PublisherQos = Qos<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
+using SubscriberQos =
+    Qos<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
+using WriterQos = Qos<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
+using ReaderQos = Qos<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_PUBSUB_H

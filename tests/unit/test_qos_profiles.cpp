@@ -1,0 +1,726 @@
+// QoS profiles: where they come from, what their elements say, inheritance, topic filters,
+// defaults, and errors with file, line and the names that would have been right.
+#include <gtest/gtest.h>
+#include <kolt/config_logger.h>
+#include <kolt/domain.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+DDS_DomainParticipantFactory *factory() {
+    return DDS_DomainParticipantFactory_get_instance();
+}
+
+// A QoS record and its functions.
+template <typename Qos, auto initialize, auto finalize>
+class Owned {
+  public:
+    Owned() { EXPECT_EQ(initialize(&qos_), DDS_RETCODE_OK); }
+    ~Owned() { EXPECT_EQ(finalize(&qos_), DDS_RETCODE_OK); }
+    Owned(const Owned &) = delete;
+    Owned &operator=(const Owned &) = delete;
+    Qos *operator->() { return &qos_; }
+    Qos *get() { return &qos_; }
+
+  private:
+    Qos qos_;
+};
+using FactoryQos =
+    Owned<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
+          DDS_DomainParticipantFactoryQos_finalize>;
+using ParticipantQos = Owned<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
+                             DDS_DomainParticipantQos_finalize>;
+using PublisherQos =
+    Owned<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
+using SubscriberQos =
+    Owned<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
+using TopicQos = Owned<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
+using WriterQos =
+    Owned<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
+using ReaderQos =
+    Owned<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
+using Strings = std::vector<std::string>;
+
+// Every test has a working directory of its own, and the factory as it is at the start of a
+// process.
+class QosProfiles : public testing::Test {
+  protected:
+    void SetUp() override {
+        char folder[] = "/tmp/kolt_profiles_XXXXXX";
+        ASSERT_NE(mkdtemp(folder), nullptr);
+        folder_ = folder;
+        ASSERT_EQ(chdir(folder), 0);
+        unsetenv("KOLT_QOS_PROFILES");
+        messages().clear();
+        device_.write = [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
+            messages().emplace_back(message->text);
+        };
+        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device_);
+    }
+    void TearDown() override {
+        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
+        ASSERT_EQ(chdir("/"), 0);
+        std::filesystem::remove_all(folder_);
+    }
+
+    static Strings &messages() {
+        static Strings all;
+        return all;
+    }
+    static bool logged(const std::string &part) {
+        for (const std::string &message : messages()) {
+            if (message.find(part) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+    static std::string allMessages() {
+        std::string all;
+        for (const std::string &message : messages()) {
+            all += message + "\n";
+        }
+        return all;
+    }
+
+    std::string write(const std::string &name, const std::string &content) const {
+        const std::string path = folder_ + "/" + name;
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
+    DDS_ReturnCode_t add(const std::string &content, const std::string &name = "a.xml") const {
+        return KOLT_DomainParticipantFactory_add_profiles(factory(), write(name, content).c_str());
+    }
+    // A document with one library `L` of the given profiles.
+    DDS_ReturnCode_t addLibrary(const std::string &profiles,
+                                const std::string &name = "a.xml") const {
+        return add("<dds>\n<qos_library name=\"L\">\n" + profiles + "\n</qos_library>\n</dds>",
+                   name);
+    }
+
+    static Strings libraries() {
+        DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
+        EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profile_libraries(factory(), &names),
+                  DDS_RETCODE_OK);
+        return take(names);
+    }
+    static Strings profiles(const char *library, DDS_ReturnCode_t expected = DDS_RETCODE_OK) {
+        DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
+        EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profiles(factory(), &names, library),
+                  expected);
+        return take(names);
+    }
+    static Strings take(DDS_StringSeq &names) {
+        Strings result;
+        for (DDS_UnsignedLong i = 0; i < DDS_StringSeq_get_length(&names); ++i) {
+            result.emplace_back(DDS_StringSeq_get(&names, static_cast<DDS_Long>(i)));
+        }
+        DDS_StringSeq_finalize(&names);
+        return result;
+    }
+    static DDS_Long depth(const char *profile, const char *topic = nullptr) {
+        WriterQos qos;
+        const DDS_ReturnCode_t result =
+            topic == nullptr
+                ? DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                               "L", profile)
+                : DDS_DomainParticipantFactory_get_datawriter_qos_from_profile_w_topic_name(
+                      factory(), qos.get(), "L", profile, topic);
+        EXPECT_EQ(result, DDS_RETCODE_OK);
+        return qos->history.depth;
+    }
+    static std::string profile(const std::string &attributes, int depth) {
+        return "<qos_profile " + attributes + "><datawriter_qos><history><depth>" +
+               std::to_string(depth) + "</depth></history></datawriter_qos></qos_profile>";
+    }
+
+    std::string folder_;
+    KOLT_Config_LoggerDevice device_ = {};
+};
+
+// ---- What elements say
+// ---------------------------------------------------------------------------
+
+constexpr const char *kEverything = R"(
+<qos_profile name="P">
+  <domain_participant_qos>
+    <user_data><value>AQID</value></user_data>
+    <entity_factory><autoenable_created_entities>false</autoenable_created_entities></entity_factory>
+    <property><value>
+      <element><name>a</name><value> 1 </value><propagate>true</propagate></element>
+      <element><name>b</name></element>
+      <element><name>a</name><value>2</value></element>
+    </value></property>
+    <participant_name><name>the name</name></participant_name>
+    <protocol><vendor_specific_entity>1</vendor_specific_entity></protocol>
+  </domain_participant_qos>
+  <publisher_qos>
+    <presentation>
+      <access_scope>TOPIC_PRESENTATION_QOS</access_scope>
+      <coherent_access>true</coherent_access>
+      <ordered_access>1</ordered_access>
+    </presentation>
+    <partition><name><element>one</element><element>two/*</element></name></partition>
+    <group_data><value><element>1</element><element>0xff</element></value></group_data>
+  </publisher_qos>
+  <subscriber_qos>
+    <presentation><access_scope>GROUP_PRESENTATION_QOS</access_scope></presentation>
+  </subscriber_qos>
+  <topic_qos>
+    <topic_data><value/></topic_data>
+    <durability><kind>PERSISTENT_DURABILITY_QOS</kind></durability>
+    <durability_service>
+      <service_cleanup_delay><sec>1</sec><nanosec>2</nanosec></service_cleanup_delay>
+      <history_kind>KEEP_ALL_HISTORY_QOS</history_kind>
+      <history_depth>3</history_depth>
+      <max_samples>4</max_samples>
+      <max_instances>LENGTH_UNLIMITED</max_instances>
+      <max_samples_per_instance>6</max_samples_per_instance>
+    </durability_service>
+    <lifespan><duration><sec>7</sec></duration></lifespan>
+    <transport_priority><value>-8</value></transport_priority>
+  </topic_qos>
+  <datawriter_qos>
+    <durability><kind>TRANSIENT_LOCAL_DURABILITY_QOS</kind></durability>
+    <deadline><period><sec>DURATION_ZERO_SEC</sec><nanosec>500000000</nanosec></period></deadline>
+    <latency_budget><duration><sec>DURATION_INFINITE_SEC</sec>
+      <nanosec>DURATION_INFINITE_NSEC</nanosec></duration></latency_budget>
+    <liveliness>
+      <kind>MANUAL_BY_PARTICIPANT_LIVELINESS_QOS</kind>
+      <lease_duration><sec>10</sec></lease_duration>
+    </liveliness>
+    <reliability>
+      <kind> BEST_EFFORT_RELIABILITY_QOS </kind>
+      <max_blocking_time><sec>DURATION_INFINITY</sec></max_blocking_time>
+    </reliability>
+    <destination_order><kind>BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS</kind></destination_order>
+    <history><kind>KEEP_ALL_HISTORY_QOS</kind><depth>9</depth></history>
+    <resource_limits><max_samples>10</max_samples><max_instances>11</max_instances>
+      <max_samples_per_instance>LENGTH_UNLIMITED</max_samples_per_instance></resource_limits>
+    <ownership><kind>EXCLUSIVE_OWNERSHIP_QOS</kind></ownership>
+    <ownership_strength><value>12</value></ownership_strength>
+    <writer_data_lifecycle><autodispose_unregistered_instances>0</autodispose_unregistered_instances>
+    </writer_data_lifecycle>
+    <representation><value><element>XCDR2_DATA_REPRESENTATION</element>
+      <element>XCDR_DATA_REPRESENTATION</element><element>AUTO_DATA_REPRESENTATION</element></value>
+    </representation>
+  </datawriter_qos>
+  <datareader_qos>
+    <time_based_filter><minimum_separation><nanosec>1</nanosec></minimum_separation></time_based_filter>
+    <reader_data_lifecycle>
+      <autopurge_nowriter_samples_delay><sec>1</sec></autopurge_nowriter_samples_delay>
+    </reader_data_lifecycle>
+    <type_consistency>
+      <kind>DISALLOW_TYPE_COERCION</kind>
+      <ignore_sequence_bounds>false</ignore_sequence_bounds>
+      <ignore_string_bounds>false</ignore_string_bounds>
+      <ignore_member_names>true</ignore_member_names>
+      <prevent_type_widening>true</prevent_type_widening>
+      <force_type_validation>true</force_type_validation>
+    </type_consistency>
+  </datareader_qos>
+</qos_profile>)";
+
+TEST_F(QosProfiles, EveryEntityAndPolicyIsRead) {
+    ASSERT_EQ(addLibrary(kEverything), DDS_RETCODE_OK) << allMessages();
+
+    ParticipantQos participant;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_participant_qos_from_profile(
+                  factory(), participant.get(), "L", "P"),
+              DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_OctetSeq_get_length(&participant->user_data.value), 3U);
+    EXPECT_EQ(DDS_OctetSeq_get(&participant->user_data.value, 2), 3);
+    EXPECT_FALSE(participant->entity_factory.autoenable_created_entities);
+    EXPECT_STREQ(participant->participant_name.name, "the name");
+    EXPECT_TRUE(participant->protocol.vendor_specific_entity);
+    ASSERT_EQ(DDS_PropertySeq_get_length(&participant->property.value), 2U);
+    const DDS_Property_t *a =
+        DDS_PropertyQosPolicyHelper_lookup_property(&participant->property, "a");
+    ASSERT_NE(a, nullptr);
+    EXPECT_STREQ(a->value, "2");
+    EXPECT_FALSE(a->propagate);
+    const DDS_Property_t *b =
+        DDS_PropertyQosPolicyHelper_lookup_property(&participant->property, "b");
+    ASSERT_NE(b, nullptr);
+    EXPECT_STREQ(b->value, "");
+
+    PublisherQos publisher;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_publisher_qos_from_profile(
+                  factory(), publisher.get(), "L", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(publisher->presentation.access_scope, DDS_TOPIC_PRESENTATION_QOS);
+    EXPECT_TRUE(publisher->presentation.coherent_access);
+    EXPECT_TRUE(publisher->presentation.ordered_access);
+    ASSERT_EQ(DDS_StringSeq_get_length(&publisher->partition.name), 2U);
+    EXPECT_STREQ(DDS_StringSeq_get(&publisher->partition.name, 1), "two/*");
+    ASSERT_EQ(DDS_OctetSeq_get_length(&publisher->group_data.value), 2U);
+    EXPECT_EQ(DDS_OctetSeq_get(&publisher->group_data.value, 1), 255);
+
+    SubscriberQos subscriber;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_subscriber_qos_from_profile(
+                  factory(), subscriber.get(), "L", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(subscriber->presentation.access_scope, DDS_GROUP_PRESENTATION_QOS);
+
+    TopicQos topic;
+    ASSERT_EQ(
+        DDS_DomainParticipantFactory_get_topic_qos_from_profile(factory(), topic.get(), "L", "P"),
+        DDS_RETCODE_OK);
+    EXPECT_EQ(topic->durability.kind, DDS_PERSISTENT_DURABILITY_QOS);
+    EXPECT_EQ(topic->durability_service.service_cleanup_delay.sec, 1);
+    EXPECT_EQ(topic->durability_service.service_cleanup_delay.nanosec, 2U);
+    EXPECT_EQ(topic->durability_service.history_kind, DDS_KEEP_ALL_HISTORY_QOS);
+    EXPECT_EQ(topic->durability_service.history_depth, 3);
+    EXPECT_EQ(topic->durability_service.max_samples, 4);
+    EXPECT_EQ(topic->durability_service.max_instances, DDS_LENGTH_UNLIMITED);
+    EXPECT_EQ(topic->durability_service.max_samples_per_instance, 6);
+    EXPECT_EQ(topic->lifespan.duration.sec, 7);
+    EXPECT_EQ(topic->lifespan.duration.nanosec, 0U);
+    EXPECT_EQ(topic->transport_priority.value, -8);
+}
+
+TEST_F(QosProfiles, EveryEndpointPolicyIsRead) {
+    ASSERT_EQ(addLibrary(kEverything), DDS_RETCODE_OK) << allMessages();
+
+    WriterQos writer;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), writer.get(),
+                                                                           "L", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(writer->durability.kind, DDS_TRANSIENT_LOCAL_DURABILITY_QOS);
+    EXPECT_EQ(writer->deadline.period.sec, 0);
+    EXPECT_EQ(writer->deadline.period.nanosec, 500000000U);
+    EXPECT_TRUE(DDS_Duration_is_infinite(&writer->latency_budget.duration));
+    EXPECT_EQ(writer->liveliness.kind, DDS_MANUAL_BY_PARTICIPANT_LIVELINESS_QOS);
+    EXPECT_EQ(writer->liveliness.lease_duration.sec, 10);
+    EXPECT_EQ(writer->reliability.kind, DDS_BEST_EFFORT_RELIABILITY_QOS);
+    EXPECT_TRUE(DDS_Duration_is_infinite(&writer->reliability.max_blocking_time));
+    EXPECT_EQ(writer->destination_order.kind, DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS);
+    EXPECT_EQ(writer->history.kind, DDS_KEEP_ALL_HISTORY_QOS);
+    EXPECT_EQ(writer->history.depth, 9);
+    EXPECT_EQ(writer->resource_limits.max_samples, 10);
+    EXPECT_EQ(writer->resource_limits.max_instances, 11);
+    EXPECT_EQ(writer->resource_limits.max_samples_per_instance, DDS_LENGTH_UNLIMITED);
+    EXPECT_EQ(writer->ownership.kind, DDS_EXCLUSIVE_OWNERSHIP_QOS);
+    EXPECT_EQ(writer->ownership_strength.value, 12);
+    EXPECT_FALSE(writer->writer_data_lifecycle.autodispose_unregistered_instances);
+    ASSERT_EQ(DDS_ShortSeq_get_length(&writer->representation.value), 3U);
+    EXPECT_EQ(DDS_ShortSeq_get(&writer->representation.value, 0), DDS_XCDR2_DATA_REPRESENTATION);
+    EXPECT_EQ(DDS_ShortSeq_get(&writer->representation.value, 1), DDS_XCDR_DATA_REPRESENTATION);
+    EXPECT_EQ(DDS_ShortSeq_get(&writer->representation.value, 2), DDS_AUTO_DATA_REPRESENTATION);
+
+    ReaderQos reader;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_datareader_qos_from_profile(factory(), reader.get(),
+                                                                           "L", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(reader->time_based_filter.minimum_separation.nanosec, 1U);
+    const auto &lifecycle = reader->reader_data_lifecycle;
+    EXPECT_EQ(lifecycle.autopurge_nowriter_samples_delay.sec, 1);
+    EXPECT_TRUE(DDS_Duration_is_infinite(&lifecycle.autopurge_disposed_samples_delay));
+    EXPECT_EQ(reader->type_consistency.kind, DDS_DISALLOW_TYPE_COERCION);
+    EXPECT_FALSE(reader->type_consistency.ignore_sequence_bounds);
+    EXPECT_TRUE(reader->type_consistency.force_type_validation);
+    // What the profile does not mention is the standard's default.
+    EXPECT_EQ(reader->reliability.kind, DDS_BEST_EFFORT_RELIABILITY_QOS);
+}
+
+TEST_F(QosProfiles, EntityThatIsNotMentionedHasTheDefault) {
+    ASSERT_EQ(addLibrary("<qos_profile name=\"P\"/>"), DDS_RETCODE_OK);
+    WriterQos qos;
+    WriterQos fresh;
+    qos->history.depth = 77;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                           "L", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_TRUE(DDS_DataWriterQos_equals(qos.get(), fresh.get()));
+}
+
+// ---- Errors
+// --------------------------------------------------------------------------------------
+
+struct WrongProfile {
+    std::string content;  // of a profile, from line 4
+    std::string message;
+    int line;
+};
+
+TEST_F(QosProfiles, WhatIsWrongIsToldWithLineAndNames) {
+    const auto writer = [](const std::string &policy) {
+        return "<datawriter_qos>\n" + policy + "\n</datawriter_qos>";
+    };
+    const WrongProfile rows[] = {
+        {"<data_writer_qos/>",
+         "unknown element <data_writer_qos> in <qos_profile>; expected: domain_participant_qos, "
+         "participant_qos, publisher_qos, subscriber_qos, topic_qos, datawriter_qos, "
+         "datareader_qos",
+         4},
+        {writer("<histroy/>"),
+         "unknown element <histroy> in <datawriter_qos>; expected: durability, durability_service, "
+         "deadline, latency_budget, liveliness, reliability, destination_order, history, "
+         "resource_limits, transport_priority, lifespan, user_data, ownership, "
+         "ownership_strength, writer_data_lifecycle, representation, property, protocol",
+         5},
+        {writer("<history>\n<kind>KEEP_SOME</kind></history>"),
+         "wrong value of <kind>: \"KEEP_SOME\"; expected: KEEP_LAST_HISTORY_QOS, "
+         "KEEP_ALL_HISTORY_QOS",
+         6},
+        {writer("<history>\n<length>3</length></history>"),
+         "unknown element <length> in <history>; expected: kind, depth", 6},
+        {writer("<history>\n<depth>many</depth></history>"),
+         "wrong value of <depth>: \"many\"; expected: a 32-bit integer, LENGTH_UNLIMITED", 6},
+        {writer("<history><depth>2147483648</depth></history>"), "wrong value of <depth>", 5},
+        {writer("<history><depth></depth></history>"), "wrong value of <depth>: \"\"", 5},
+        {writer("<history>\n<depth>0</depth></history>"), "<depth> must be 1 or more", 6},
+        {writer("<resource_limits>\n<max_samples>-2</max_samples></resource_limits>"),
+         "<max_samples> must be 1 or more, or LENGTH_UNLIMITED", 6},
+        {writer("<history><kind><x/></kind></history>"), "element <x> in <kind>; expected: a value",
+         5},
+        {writer("<history>KEEP_LAST_HISTORY_QOS</history>"),
+         "text in <history>: \"KEEP_LAST_HISTORY_QOS\"; expected: elements", 5},
+        {writer("<history kind=\"x\"/>"), "unknown attribute \"kind\" of <history>; expected: none",
+         5},
+        {writer("<deadline><period><seconds>1</seconds></period></deadline>"),
+         "unknown element <seconds> in <period>; expected: sec, nanosec", 5},
+        {writer("<deadline><period><sec>-1</sec></period></deadline>"),
+         "wrong value of <sec>: \"-1\"; expected: an integer from 0 to 2147483647, "
+         "DURATION_INFINITY, DURATION_INFINITE_SEC, DURATION_ZERO_SEC",
+         5},
+        {writer("<deadline><period><nanosec>1000000000</nanosec></period></deadline>"),
+         "expected: an integer from 0 to 999999999, DURATION_INFINITY, DURATION_INFINITE_NSEC, "
+         "DURATION_ZERO_NSEC",
+         5},
+        {writer("<deadline><period><sec>1</sec><nanosec>DURATION_INFINITY</nanosec></period>"
+                "</deadline>"),
+         "<period>: infinite nanosec needs infinite sec", 5},
+        {writer("<protocol><vendor_specific_entity>yes</vendor_specific_entity></protocol>"),
+         "expected: true, false, 1, 0", 5},
+        {writer("<user_data><value>A</value></user_data>"),
+         "expected: Base64 text, or <element> children", 5},
+        {writer("<user_data><value><element>256</element></value></user_data>"),
+         "expected: an integer from 0 to 255", 5},
+        {writer("<representation><value><element>CDR</element></value></representation>"),
+         "expected: XCDR_DATA_REPRESENTATION, XML_DATA_REPRESENTATION, "
+         "XCDR2_DATA_REPRESENTATION, AUTO_DATA_REPRESENTATION",
+         5},
+        {writer("<representation><value><item/></value></representation>"),
+         "unknown element <item> in <value>; expected: element", 5},
+        {writer("<property><value><element><value>v</value></element></value></property>"),
+         "a property without a <name>", 5},
+        {"<domain_participant_qos><wire_protocol/></domain_participant_qos>",
+         "unknown element <wire_protocol> in <domain_participant_qos>; expected: user_data, "
+         "entity_factory, property, participant_name, protocol",
+         4},
+        {"<publisher_qos topic_filter=\"*\"/>",
+         "unknown attribute \"topic_filter\" of <publisher_qos>; expected: name", 4},
+    };
+    for (const WrongProfile &row : rows) {
+        SCOPED_TRACE(row.content);
+        messages().clear();
+        EXPECT_EQ(addLibrary("<qos_profile name=\"P\">\n" + row.content + "</qos_profile>"),
+                  DDS_RETCODE_ERROR);
+        const std::string expected = "/a.xml:" + std::to_string(row.line) + ": ";
+        EXPECT_TRUE(logged(expected)) << allMessages();
+        EXPECT_TRUE(logged(row.message)) << allMessages();
+        EXPECT_TRUE(libraries().empty());
+    }
+}
+
+TEST_F(QosProfiles, WrongLibrariesAndProfilesAreRefused) {
+    const WrongProfile rows[] = {
+        {"<dds><qos_library/></dds>", "<qos_library> needs the attribute \"name\"", 1},
+        {"<dds><qos_library name=\"\"/></dds>", "<qos_library> needs the attribute \"name\"", 1},
+        {"<dds><qos_library name=\"a::b\"/></dds>", "a name must not contain \"::\": \"a::b\"", 1},
+        {"<dds><qos_library name=\"L\" x=\"y\"/></dds>",
+         "unknown attribute \"x\" of <qos_library>; expected: name", 1},
+        {"<dds><qos_library name=\"L\">\n<profile/></qos_library></dds>",
+         "unknown element <profile> in <qos_library>; expected: qos_profile", 2},
+        {"<dds><qos_library name=\"L\">\n<qos_profile/></qos_library></dds>",
+         "<qos_profile> needs the attribute \"name\"", 2},
+        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" is_default_qos=\"yes\"/>"
+         "</qos_library></dds>",
+         "wrong value of is_default_qos: \"yes\"; expected: true, false, 1, 0", 1},
+        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base=\"Q\"/></qos_library></dds>",
+         "unknown attribute \"base\" of <qos_profile>; expected: name, base_name, is_default_qos",
+         1},
+        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\"/>\n<qos_profile name=\"P\"/>"
+         "</qos_library></dds>",
+         "the profile L::P is defined already", 2},
+        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"Q\"/>"
+         "</qos_library></dds>",
+         "unknown base profile L::Q; expected: a profile of this document or of one loaded before",
+         1},
+        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"::Q\"/>"
+         "</qos_library></dds>",
+         "wrong base_name \"::Q\"; expected: Profile or Library::Profile", 1},
+        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"P\"/>"
+         "</qos_library></dds>",
+         "the profile L::P is a base of itself", 1},
+        {"<dds><qos_library name=\"L\">\n<qos_profile name=\"A\" base_name=\"B\"/>\n"
+         "<qos_profile name=\"B\" base_name=\"C\"/>\n<qos_profile name=\"C\" base_name=\"B\"/>"
+         "</qos_library></dds>",
+         "the profile L::B is a base of itself", 3},
+        {"<dds>\n<a></dds>", "mismatched tag", 2},
+    };
+    for (const WrongProfile &row : rows) {
+        SCOPED_TRACE(row.content);
+        messages().clear();
+        EXPECT_EQ(add(row.content), DDS_RETCODE_ERROR);
+        EXPECT_TRUE(logged("/a.xml:" + std::to_string(row.line) + ": " + row.message))
+            << allMessages();
+        EXPECT_TRUE(libraries().empty());
+    }
+    EXPECT_EQ(KOLT_DomainParticipantFactory_add_profiles(factory(), "/nowhere.xml"),
+              DDS_RETCODE_ERROR);
+    EXPECT_TRUE(logged("/nowhere.xml: cannot open the file")) << allMessages();
+}
+
+TEST_F(QosProfiles, UnknownNamesAreToldWithTheKnownOnes) {
+    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2) + profile("name=\"Q\"", 3)), DDS_RETCODE_OK);
+    WriterQos qos;
+    qos->history.depth = 77;
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                           "M", "P"),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_TRUE(logged("no QoS library \"M\"; libraries: L")) << allMessages();
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                           "L", "p"),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_TRUE(logged("no QoS profile \"p\" in the library \"L\"; profiles: P, Q"))
+        << allMessages();
+    EXPECT_EQ(qos->history.depth, 77);
+    EXPECT_EQ(profiles("M", DDS_RETCODE_BAD_PARAMETER), Strings{});
+}
+
+TEST_F(QosProfiles, ElementsOfOthersAreLeftAlone) {
+    EXPECT_EQ(add("<dds><distributed_logger><enabled>true</enabled></distributed_logger>"
+                  "<types/><qos_library name=\"L\"/></dds>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), Strings{"L"});
+    EXPECT_EQ(profiles("L"), Strings{});
+}
+
+// ---- Names, inheritance, filters
+// -----------------------------------------------------------------
+
+TEST_F(QosProfiles, NamesComeInTheOrderOfLoading) {
+    ASSERT_EQ(add("<dds><qos_library name=\"Z\"><qos_profile name=\"2\"/><qos_profile name=\"1\"/>"
+                  "</qos_library><qos_library name=\"A\"/></dds>",
+                  "1.xml"),
+              DDS_RETCODE_OK);
+    ASSERT_EQ(
+        add("<dds><qos_library name=\"Z\"><qos_profile name=\"0\"/></qos_library></dds>", "2.xml"),
+        DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), (Strings{"Z", "A"}));
+    EXPECT_EQ(profiles("Z"), (Strings{"2", "1", "0"}));
+    EXPECT_EQ(profiles("A"), Strings{});
+}
+
+TEST_F(QosProfiles, BasesApplyFromTheOutermostOn) {
+    ASSERT_EQ(
+        addLibrary("<qos_profile name=\"Derived\" base_name=\"Middle\"><datawriter_qos>"
+                   "<history><depth>3</depth></history></datawriter_qos></qos_profile>"
+                   "<qos_profile name=\"Middle\" base_name=\"L::Base\"/>"
+                   "<qos_profile name=\"Base\"><datawriter_qos><history><kind>KEEP_ALL_HISTORY_QOS"
+                   "</kind><depth>2</depth></history><ownership_strength><value>5</value>"
+                   "</ownership_strength></datawriter_qos></qos_profile>"),
+        DDS_RETCODE_OK)
+        << allMessages();
+    ASSERT_EQ(add("<dds><qos_library name=\"M\"><qos_profile name=\"P\" base_name=\"L::Derived\">"
+                  "<datawriter_qos><ownership_strength><value>6</value></ownership_strength>"
+                  "</datawriter_qos></qos_profile></qos_library></dds>",
+                  "b.xml"),
+              DDS_RETCODE_OK)
+        << allMessages();
+    EXPECT_EQ(depth("Base"), 2);
+    EXPECT_EQ(depth("Middle"), 2);
+    EXPECT_EQ(depth("Derived"), 3);
+    WriterQos qos;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                           "M", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(qos->history.kind, DDS_KEEP_ALL_HISTORY_QOS);
+    EXPECT_EQ(qos->history.depth, 3);
+    EXPECT_EQ(qos->ownership_strength.value, 6);
+}
+
+TEST_F(QosProfiles, ListsOfABaseAreReplacedAndItsPropertiesKept) {
+    ASSERT_EQ(addLibrary(
+                  "<qos_profile name=\"B\"><publisher_qos><partition><name><element>a</element>"
+                  "<element>b</element></name></partition></publisher_qos><participant_qos>"
+                  "<property><value><element><name>x</name><value>1</value></element><element>"
+                  "<name>y</name><value>1</value></element></value></property></participant_qos>"
+                  "</qos_profile><qos_profile name=\"D\" base_name=\"B\"><publisher_qos><partition>"
+                  "<name><element>c</element></name></partition></publisher_qos><participant_qos>"
+                  "<property><value><element><name>y</name><value>2</value></element></value>"
+                  "</property></participant_qos></qos_profile>"),
+              DDS_RETCODE_OK)
+        << allMessages();
+    PublisherQos publisher;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_publisher_qos_from_profile(
+                  factory(), publisher.get(), "L", "D"),
+              DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_StringSeq_get_length(&publisher->partition.name), 1U);
+    EXPECT_STREQ(DDS_StringSeq_get(&publisher->partition.name, 0), "c");
+    ParticipantQos participant;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_participant_qos_from_profile(
+                  factory(), participant.get(), "L", "D"),
+              DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_PropertySeq_get_length(&participant->property.value), 2U);
+    EXPECT_STREQ(DDS_PropertyQosPolicyHelper_lookup_property(&participant->property, "x")->value,
+                 "1");
+    EXPECT_STREQ(DDS_PropertyQosPolicyHelper_lookup_property(&participant->property, "y")->value,
+                 "2");
+}
+
+std::string filtered(const char *filter, int depth) {
+    return "<datawriter_qos topic_filter=\"" + std::string(filter) + "\"><history><depth>" +
+           std::to_string(depth) + "</depth></history></datawriter_qos>";
+}
+
+TEST_F(QosProfiles, FirstMatchingTopicFilterIsTaken) {
+    ASSERT_EQ(addLibrary("<qos_profile name=\"P\">" + filtered("vur/distlog", 2) +
+                         filtered("vur/*/s?ate", 3) + filtered("vur/*", 4) + "</qos_profile>" +
+                         "<qos_profile name=\"D\" base_name=\"P\">" + filtered("*/state", 5) +
+                         filtered("*", 6) + "</qos_profile>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(depth("P", "vur/distlog"), 2);
+    EXPECT_EQ(depth("P", "vur/distlog/administration/state"), 3);
+    EXPECT_EQ(depth("P", "vur/distlog/administration/command_request"), 4);
+    EXPECT_EQ(depth("P", "VUR/distlog"), 1);
+    EXPECT_EQ(depth("P"), 1) << "elements with a filter need a topic";
+    EXPECT_EQ(depth("D", "a/state"), 5);
+    EXPECT_EQ(depth("D", "vur/distlog"), 6);
+    EXPECT_EQ(depth("D"), 6);
+}
+
+// ---- Sources
+// -------------------------------------------------------------------------------------
+
+TEST_F(QosProfiles, EnvironmentAndUserFileAreLoadedOnTheFirstLookUp) {
+    const auto document = [](const char *library) {
+        return "<dds><qos_library name=\"" + std::string(library) + "\"/></dds>";
+    };
+    const std::string one = write("one.xml", document("One"));
+    const std::string two = write("two.xml", document("Two"));
+    write("KOLT_QOS_PROFILES.xml", document("User"));
+    setenv("KOLT_QOS_PROFILES", (one + ";; file://" + two + " ;" + one).c_str(), 1);
+    EXPECT_EQ(libraries(), (Strings{"One", "Two", "User"}));
+    EXPECT_TRUE(messages().empty()) << allMessages();
+}
+
+TEST_F(QosProfiles, AbsentFileOfTheEnvironmentIsAnErrorOfLoadOnly) {
+    setenv("KOLT_QOS_PROFILES", "/nowhere/profiles.xml", 1);
+    EXPECT_EQ(libraries(), Strings{});
+    EXPECT_TRUE(logged("/nowhere/profiles.xml: cannot open the file")) << allMessages();
+    messages().clear();
+    EXPECT_EQ(libraries(), Strings{});
+    EXPECT_TRUE(messages().empty()) << "a look-up tries once only";
+    EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(factory()), DDS_RETCODE_ERROR);
+    unsetenv("KOLT_QOS_PROFILES");
+    EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(factory()), DDS_RETCODE_OK);
+}
+
+TEST_F(QosProfiles, WrongDocumentIsLeftOutAndTriedAgainByLoad) {
+    const std::string wrong = write("wrong.xml", "<dds><qos_library/></dds>");
+    const std::string right = write("right.xml", "<dds><qos_library name=\"Right\"/></dds>");
+    setenv("KOLT_QOS_PROFILES", (wrong + ";" + right).c_str(), 1);
+    EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(factory()), DDS_RETCODE_ERROR);
+    EXPECT_EQ(libraries(), Strings{"Right"});
+    write("wrong.xml", "<dds><qos_library name=\"Mended\"/></dds>");
+    EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(factory()), DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), (Strings{"Right", "Mended"}));
+}
+
+TEST_F(QosProfiles, ReloadReadsAnewAndUnloadForgets) {
+    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2)), DDS_RETCODE_OK);
+    EXPECT_EQ(depth("P"), 2);
+    ASSERT_EQ(addLibrary(profile("name=\"P\"", 3)), DDS_RETCODE_OK) << "loaded already";
+    EXPECT_EQ(depth("P"), 2);
+    EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(factory()), DDS_RETCODE_OK);
+    EXPECT_EQ(depth("P"), 3);
+    EXPECT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), Strings{});
+    EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(factory()), DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), Strings{});
+}
+
+TEST_F(QosProfiles, FactoryQosNamesDocuments) {
+    const std::string path = write("url.xml", "<dds><qos_library name=\"Url\"/></dds>");
+    write("KOLT_QOS_PROFILES.xml", "<dds><qos_library name=\"User\"/></dds>");
+    setenv("KOLT_QOS_PROFILES", "/nowhere.xml", 1);
+    FactoryQos qos;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_qos(factory(), qos.get()), DDS_RETCODE_OK);
+    qos->profile.ignore_environment_profile = DDS_BOOLEAN_TRUE;
+    qos->profile.ignore_user_profile = DDS_BOOLEAN_TRUE;
+    const std::string url = "file://" + path;
+    const char *urls[] = {url.c_str()};
+    const char *fragments[] = {"<dds><qos_library name=\"Te", "xt\"/></dds>"};
+    ASSERT_TRUE(DDS_StringSeq_from_array(&qos->profile.url_profile, const_cast<char **>(urls), 1));
+    ASSERT_TRUE(
+        DDS_StringSeq_from_array(&qos->profile.string_profile, const_cast<char **>(fragments), 2));
+    ASSERT_EQ(DDS_DomainParticipantFactory_set_qos(factory(), qos.get()), DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), (Strings{"Url", "Text"})) << allMessages();
+    EXPECT_TRUE(messages().empty()) << allMessages();
+
+    qos->profile.ignore_user_profile = DDS_BOOLEAN_FALSE;
+    ASSERT_TRUE(DDS_StringSeq_set_length(&qos->profile.url_profile, 0));
+    ASSERT_EQ(DDS_DomainParticipantFactory_set_qos(factory(), qos.get()), DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), (Strings{"Url", "Text", "User"})) << "what is loaded stays";
+    EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(factory()), DDS_RETCODE_OK);
+    EXPECT_EQ(libraries(), (Strings{"User", "Text"}));
+}
+
+TEST_F(QosProfiles, NullIsRefused) {
+    DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
+    WriterQos qos;
+    EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(nullptr), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(nullptr), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_unload_profiles(nullptr), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(KOLT_DomainParticipantFactory_add_profiles(factory(), nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profile_libraries(factory(), nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profiles(factory(), &names, nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(
+        DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), nullptr, "L", "P"),
+        DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                           nullptr, "P"),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile_w_topic_name(
+                  factory(), qos.get(), "L", "P", nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DomainParticipantFactory_create_participant_with_profile(factory(), 50, "no",
+                                                                           "such", nullptr, 0U),
+              nullptr);
+}
+
+TEST_F(QosProfiles, BearLookUpsFromManyThreads) {
+    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2)), DDS_RETCODE_OK);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int n = 0; n < 50; ++n) {
+                EXPECT_EQ(depth("P"), 2);
+            }
+        });
+    }
+    for (int n = 0; n < 20; ++n) {
+        // The profile is there before and after; in between nobody looks.
+        EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(factory()), DDS_RETCODE_OK);
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace

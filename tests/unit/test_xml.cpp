@@ -1,0 +1,682 @@
+// The XML facility: trees, extension classes, errors with their lines, limits, writing.
+#include <gtest/gtest.h>
+#include <kolt/config_logger.h>
+#include <kolt/xml.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct DeleteParser {
+    void operator()(DDS_XMLParser *parser) const { DDS_XMLParser_delete(parser); }
+};
+using ParserPtr = std::unique_ptr<DDS_XMLParser, DeleteParser>;
+
+DDS_ReturnCode_t parse(const ParserPtr &parser, const std::string &text) {
+    return DDS_XMLParser_parse_string(parser.get(), text.data(),
+                                      static_cast<DDS_LongLong>(text.size()), nullptr);
+}
+
+std::string tagOf(const DDS_XMLObject *object) {
+    const char *name = DDS_XMLObject_get_tag_name(object);
+    return name == nullptr ? "(none)" : name;
+}
+
+std::string textOf(const DDS_XMLObject *object) {
+    const char *text = DDS_XMLObject_get_text(object);
+    return text == nullptr ? "(none)" : text;
+}
+
+std::string save(const DDS_XMLObject *object, int *error = nullptr) {
+    DDS_XMLSaveContext context;
+    EXPECT_TRUE(DDS_XMLSaveContext_initialize(&context));
+    DDS_XMLObject_save(object, &context);
+    std::string text = DDS_XMLSaveContext_get_text(&context);
+    if (error != nullptr) {
+        *error = context.error;
+    }
+    EXPECT_EQ(context.depth, 0);
+    DDS_XMLSaveContext_finalize(&context);
+    return text;
+}
+
+TEST(XmlTree, HasTagsTextsAttributesAndLines) {
+    const ParserPtr parser(DDS_XMLParser_new());
+    ASSERT_EQ(parse(parser,
+                    "<?xml version=\"1.0\"?>\n"
+                    "<dds xmlns=\"urn:x\">\n"
+                    "  <a one=\"1\" two=\"&lt;2&gt;\"> some <b/> text </a>\n"
+                    "  <c><![CDATA[<raw>&]]></c>\n"
+                    "</dds>\n"),
+              DDS_RETCODE_OK);
+    EXPECT_STREQ(DDS_XMLParser_get_error_message(parser.get()), "");
+    EXPECT_EQ(DDS_XMLParser_get_error_line(parser.get()), 0U);
+    const DDS_XMLObject *root = DDS_XMLParser_get_root(parser.get());
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(tagOf(root), "dds");
+    EXPECT_EQ(DDS_XMLObject_get_line_number(root), 2U);
+    EXPECT_EQ(DDS_XMLObject_get_parent(root), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_next_sibling(root), nullptr);
+    EXPECT_STREQ(DDS_XMLObject_get_attribute(root, "xmlns"), "urn:x");
+
+    const DDS_XMLObject *a = DDS_XMLObject_get_first_child(root);
+    EXPECT_EQ(tagOf(a), "a");
+    EXPECT_EQ(textOf(a), " some  text ");
+    EXPECT_EQ(DDS_XMLObject_get_line_number(a), 3U);
+    EXPECT_EQ(DDS_XMLObject_get_parent(a), root);
+    EXPECT_STREQ(DDS_XMLObject_get_attribute(a, "one"), "1");
+    EXPECT_STREQ(DDS_XMLObject_get_attribute(a, "two"), "<2>");
+    EXPECT_EQ(DDS_XMLObject_get_attribute(a, "three"), nullptr);
+    EXPECT_EQ(tagOf(DDS_XMLObject_get_first_child(a)), "b");
+    EXPECT_EQ(textOf(DDS_XMLObject_get_first_child(a)), "");
+
+    const DDS_XMLObject *c = DDS_XMLObject_get_next_sibling(a);
+    EXPECT_EQ(textOf(c), "<raw>&");
+    EXPECT_EQ(DDS_XMLObject_find_child(root, "c"), c);
+    EXPECT_EQ(DDS_XMLObject_find_child(root, "d"), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_attributes(c), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_extension_class(c), nullptr);
+}
+
+TEST(XmlTree, NextParseReplacesTheDocument) {
+    const ParserPtr parser(DDS_XMLParser_new());
+    ASSERT_EQ(parse(parser, "<dds><a/></dds>"), DDS_RETCODE_OK);
+    EXPECT_EQ(parse(parser, "<dds><a></dds>"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(DDS_XMLParser_get_root(parser.get()), nullptr);
+    ASSERT_EQ(parse(parser, "<dds><b/></dds>"), DDS_RETCODE_OK);
+    EXPECT_STREQ(DDS_XMLParser_get_error_message(parser.get()), "");
+    EXPECT_EQ(tagOf(DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser.get()))), "b");
+}
+
+TEST(XmlTree, ReadsEncodings) {
+    const ParserPtr parser(DDS_XMLParser_new());
+    ASSERT_EQ(parse(parser, "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><dds>\xE4</dds>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(textOf(DDS_XMLParser_get_root(parser.get())), "\xC3\xA4");
+    const std::string ascii = "<?xml version=\"1.0\"?><dds>x</dds>";
+    std::string utf16 = "\xFF\xFE";
+    for (const char character : ascii) {
+        utf16 += character;
+        utf16 += '\0';
+    }
+    ASSERT_EQ(parse(parser, utf16), DDS_RETCODE_OK)
+        << DDS_XMLParser_get_error_message(parser.get());
+    EXPECT_EQ(textOf(DDS_XMLParser_get_root(parser.get())), "x");
+}
+
+struct WrongDocument {
+    const char *name;
+    std::string text;
+    const char *message;  // part of it
+    DDS_UnsignedLong line;
+};
+
+std::string repeated(const std::string &text, std::size_t count) {
+    std::string result;
+    for (std::size_t i = 0; i < count; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+std::vector<WrongDocument> wrongDocuments() {
+    const std::string head = "<?xml version=\"1.0\"?>\n";
+    return {
+        {"empty", "", "no element found", 1},
+        {"blank", " \n\n", "no element found", 3},
+        {"no markup", "hello", "syntax error", 1},
+        {"root", head + "<config/>", "the root element is <config>; expected: <dds>", 2},
+        {"truncated", "<dds>\n<a>\n<b>text",
+         "the document ends too early (<b> is open since line 3)", 3},
+        {"truncated tag", "<dds>\n<a", "unclosed token (<dds> is open since line 1)", 2},
+        {"mismatch", "<dds>\n<a>\n</b></dds>", "mismatched tag (<a> is open since line 2)", 3},
+        {"two roots", "<dds/>\n<dds/>", "junk after document element", 2},
+        {"two attributes", "<dds><a b=\"1\" b=\"2\"/></dds>", "duplicate attribute", 1},
+        {"bad utf-8", "<dds>\n\xC3\x28</dds>", "not well-formed (invalid token)", 2},
+        {"bad character", "<dds>\x01</dds>", "not well-formed (invalid token)", 1},
+        {"nul", std::string("<dds>\0</dds>", 12), "not well-formed (invalid token)", 1},
+        {"encoding", "<?xml version=\"1.0\" encoding=\"EBCDIC-37\"?><dds/>", "unknown encoding", 1},
+        {"wrong encoding", "<?xml version=\"1.0\" encoding=\"UTF-16\"?><dds/>",
+         "encoding specified in XML declaration is incorrect", 1},
+        {"undeclared entity", "<dds>\n\n&nothing;</dds>", "undefined entity", 3},
+        {"entity", head + "<!DOCTYPE dds [\n<!ENTITY a \"b\">\n]><dds>&a;</dds>",
+         "document type declarations with content (entities, attribute defaults) are not allowed",
+         2},
+        {"billion laughs",
+         "<!DOCTYPE dds [<!ENTITY a \"ha\"><!ENTITY b \"&a;&a;\"><!ENTITY c \"&b;&b;\">]>"
+         "<dds>&c;</dds>",
+         "document type declarations with content", 1},
+        {"external entity",
+         "<!DOCTYPE dds [<!ENTITY a SYSTEM \"file:///etc/passwd\">]>\n<dds>&a;</dds>",
+         "document type declarations with content", 1},
+        {"attribute defaults", "<!DOCTYPE dds [<!ATTLIST a b CDATA \"c\">]><dds/>",
+         "document type declarations with content", 1},
+        {"entity of an external subset", "<!DOCTYPE dds SYSTEM \"x.dtd\">\n<dds>\n&a;</dds>",
+         "undeclared entity \"&a;\"", 3},
+        {"depth", "<dds>\n" + repeated("<a>", DDS_XML_MAX_DEPTH) + "x",
+         "elements are nested more than 64 deep", 2},
+        {"text", "<dds>\n" + std::string(DDS_XML_MAX_TEXT_LENGTH, 'x') + "</dds>",
+         "the text of <dds> is longer than 1048576 bytes", 2},
+        {"elements", "<dds>" + repeated("<a/>", DDS_XML_MAX_ELEMENTS) + "</dds>",
+         "the document has more than 100000 elements", 1},
+        {"size", "<dds>" + std::string(DDS_XML_MAX_DOCUMENT_SIZE, ' ') + "</dds>",
+         "the document is larger than 4194304 bytes", 0},
+    };
+}
+
+TEST(XmlErrors, TellWhatAndWhere) {
+    for (const WrongDocument &document : wrongDocuments()) {
+        SCOPED_TRACE(document.name);
+        const ParserPtr parser(DDS_XMLParser_new());
+        EXPECT_EQ(parse(parser, document.text), DDS_RETCODE_ERROR);
+        const std::string message = DDS_XMLParser_get_error_message(parser.get());
+        EXPECT_NE(message.find(document.message), std::string::npos) << message;
+        if (document.line != 0U) {
+            EXPECT_EQ(DDS_XMLParser_get_error_line(parser.get()), document.line);
+        }
+        EXPECT_EQ(DDS_XMLParser_get_root(parser.get()), nullptr);
+    }
+}
+
+TEST(XmlErrors, LimitsThemselvesAreAllowed) {
+    const ParserPtr parser(DDS_XMLParser_new());
+    const std::size_t inner = DDS_XML_MAX_DEPTH - 1;
+    EXPECT_EQ(parse(parser, "<dds>" + repeated("<a>", inner) + repeated("</a>", inner) + "</dds>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(parse(parser, "<dds>" + repeated("<a/>", DDS_XML_MAX_ELEMENTS - 1) + "</dds>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(parse(parser, "<dds>" + std::string(DDS_XML_MAX_TEXT_LENGTH, 'x') + "</dds>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(parse(parser, "<!DOCTYPE dds SYSTEM \"dds.dtd\"><dds/>"), DDS_RETCODE_OK);
+}
+
+TEST(XmlErrors, EveryPrefixOfADocumentIsRefused) {
+    const std::string text =
+        "<?xml version=\"1.0\"?><!-- c --><dds a=\"b\"><x>t&amp;<![CDATA[u]]></x><y/></dds>";
+    const ParserPtr parser(DDS_XMLParser_new());
+    for (std::size_t length = 0; length < text.size(); ++length) {
+        EXPECT_EQ(parse(parser, text.substr(0, length)), DDS_RETCODE_ERROR) << length;
+    }
+    EXPECT_EQ(parse(parser, text), DDS_RETCODE_OK);
+}
+
+// ---- Files
+// ---------------------------------------------------------------------------------------
+
+class XmlFile : public testing::Test {
+  protected:
+    void SetUp() override {
+        char folder[] = "/tmp/kolt_xml_XXXXXX";
+        ASSERT_NE(mkdtemp(folder), nullptr);
+        folder_ = folder;
+    }
+    void TearDown() override {
+        for (const std::string &path : written_) {
+            std::remove(path.c_str());
+        }
+        std::remove(folder_.c_str());
+    }
+    std::string write(const std::string &name, const std::string &content) {
+        const std::string path = folder_ + "/" + name;
+        std::ofstream(path, std::ios::binary) << content;
+        written_.push_back(path);
+        return path;
+    }
+    DDS_ReturnCode_t parse(const std::string &path) {
+        return DDS_XMLParser_parse_file(parser_.get(), path.c_str());
+    }
+    std::string message() const { return DDS_XMLParser_get_error_message(parser_.get()); }
+
+    const ParserPtr parser_{DDS_XMLParser_new()};
+    std::string folder_;
+    std::vector<std::string> written_;
+};
+
+TEST_F(XmlFile, IsReadByPathAndByUrl) {
+    const std::string path = write("with blank.xml", "<dds><a/></dds>");
+    EXPECT_EQ(parse(path), DDS_RETCODE_OK);
+    EXPECT_EQ(parse("file://" + path), DDS_RETCODE_OK) << message();
+    EXPECT_EQ(parse("file://localhost" + path), DDS_RETCODE_OK) << message();
+    EXPECT_EQ(parse("file://" + folder_ + "/with%20blank.xml"), DDS_RETCODE_OK) << message();
+    EXPECT_NE(DDS_XMLParser_get_root(parser_.get()), nullptr);
+}
+
+TEST_F(XmlFile, SaysWhyItCannotBeRead) {
+    EXPECT_EQ(parse(folder_ + "/absent.xml"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "cannot open the file: No such file or directory");
+    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 0U);
+    EXPECT_EQ(parse(folder_), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "cannot read the file: Is a directory");
+    for (const char *path :
+         {"", "http://example.com/a.xml", "file:///tmp/%zz", "file:///tmp/%00"}) {
+        EXPECT_EQ(parse(path), DDS_RETCODE_ERROR);
+        EXPECT_EQ(message(), "not a path or a file:// URL") << path;
+    }
+}
+
+TEST_F(XmlFile, LargerThanAllowedIsRefusedWithoutReadingItAll) {
+    // A gigabyte that takes no room on the disk: were it read whole, this test would be slow at
+    // least.
+    const std::string path = write("large.xml", "<dds>");
+    ASSERT_EQ(truncate(path.c_str(), 1073741824), 0);
+    EXPECT_EQ(parse(path), DDS_RETCODE_ERROR);
+    const std::string spaces = write("spaces.xml", "<dds>" + std::string(5000000, ' ') + "</dds>");
+    EXPECT_EQ(parse(spaces), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "the text of <dds> is longer than 1048576 bytes");
+    const std::string comments =
+        write("comments.xml", "<dds><!--" + std::string(5000000, ' ') + "--></dds>");
+    EXPECT_EQ(parse(comments), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "the document is larger than 4194304 bytes");
+}
+
+TEST_F(XmlFile, ErrorsAreLoggedWithFileAndLine) {
+    static std::vector<std::string> messages;
+    messages.clear();
+    KOLT_Config_LoggerDevice device = {};
+    device.write = [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
+        messages.emplace_back(message->text);
+    };
+    ASSERT_TRUE(KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device));
+    const std::string path = write("wrong.xml", "<dds>\n<a>\n</dds>");
+    EXPECT_EQ(parse(path), DDS_RETCODE_ERROR);
+    KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_NE(messages[0].find(path + ":3: mismatched tag"), std::string::npos) << messages[0];
+}
+
+// ---- Extension classes
+// ---------------------------------------------------------------------------
+
+// An element that writes down what it is told.
+struct Recorder {
+    std::vector<std::string> events;
+    int live = 0;
+    std::string refuse;        // the callback that refuses: "new", "start x", "end x"
+    bool with_message = true;  // says why
+    bool new_fails = false;
+};
+
+struct Recorded {
+    DDS_XMLObject base;
+    Recorder *recorder;
+};
+
+Recorder &recorderOf(DDS_XMLObject *object) {
+    return *reinterpret_cast<Recorded *>(object)->recorder;
+}
+
+void event(Recorder &recorder, const std::string &name, DDS_XMLContext *context,
+           const std::string &text = "") {
+    recorder.events.push_back(name + (text.empty() ? "" : " [" + text + "]") + " @" +
+                              std::to_string(DDS_XMLContext_get_current_line_number(context)));
+    if (recorder.refuse == name) {
+        if (recorder.with_message) {
+            DDS_XMLContext_report_error(context, "refused by %s", "the test");
+            DDS_XMLContext_report_error(context, "not the first reason");
+        } else {
+            context->error = 1;
+        }
+    }
+}
+
+DDS_XMLObject *newRecorded(DDS_XMLExtensionClass *extension, DDS_XMLObject *parent,
+                           const char **attributes, DDS_XMLContext *context) {
+    auto &recorder = *static_cast<Recorder *>(DDS_XMLExtensionClass_get_user_data(extension));
+    event(recorder, "new", context, attributes[0] == nullptr ? "" : attributes[1]);
+    if (recorder.new_fails) {
+        return nullptr;
+    }
+    auto *object = new Recorded{};
+    object->recorder = &recorder;
+    EXPECT_TRUE(DDS_XMLObject_initialize(&object->base, extension, parent,
+                                         DDS_XMLExtensionClass_get_tag_name(extension), nullptr));
+    ++recorder.live;
+    return &object->base;
+}
+
+void deleteRecorded(DDS_XMLObject *object) {
+    --recorderOf(object).live;
+    DDS_XMLObject_finalize(object);
+    delete reinterpret_cast<Recorded *>(object);
+}
+
+void startRecorded(DDS_XMLObject *object, const char *tag, const char **, DDS_XMLContext *context) {
+    event(recorderOf(object), std::string("start ") + tag, context);
+}
+
+void endRecorded(DDS_XMLObject *object, const char *tag, const char *text,
+                 DDS_XMLContext *context) {
+    event(recorderOf(object), std::string("end ") + tag, context, text);
+}
+
+void saveRecorded(const DDS_XMLObject *, DDS_XMLSaveContext *context) {
+    DDS_XMLHelper_save_string("recorded", "saved", nullptr, DDS_BOOLEAN_FALSE, context);
+}
+
+class XmlExtension : public testing::Test {
+  protected:
+    void SetUp() override { use(nullptr, 0U); }
+    void TearDown() override {
+        parser_.reset();
+        EXPECT_EQ(recorder_.live, 0);
+        DDS_XMLExtensionClass_delete(class_);
+    }
+    void use(const char *const *parents, DDS_UnsignedLong count) {
+        parser_.reset(DDS_XMLParser_new());
+        DDS_XMLExtensionClass_delete(class_);
+        class_ = DDS_XMLExtensionClass_new("recorded", &recorder_, parents, count, startRecorded,
+                                           endRecorded, newRecorded, deleteRecorded, saveRecorded);
+        ASSERT_NE(class_, nullptr);
+        ASSERT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), class_), DDS_RETCODE_OK);
+    }
+    std::string message() const { return DDS_XMLParser_get_error_message(parser_.get()); }
+
+    Recorder recorder_;
+    DDS_XMLExtensionClass *class_ = nullptr;
+    ParserPtr parser_;
+};
+
+TEST_F(XmlExtension, IsToldWhatStandsInItsElement) {
+    ASSERT_EQ(parse(parser_,
+                    "<dds>\n"
+                    "<recorded a=\"v\">\n"
+                    "<x>one<y> two </y>three</x>\n"
+                    "<recorded/></recorded>\n"
+                    "</dds>"),
+              DDS_RETCODE_OK);
+    const std::vector<std::string> expected = {
+        "new [v] @2",          "start x @3",        "start y @3",      "end y [ two ] @3",
+        "end x [onethree] @3", "start recorded @4", "end recorded @4", "end recorded [\n\n] @4"};
+    EXPECT_EQ(recorder_.events, expected);
+    const DDS_XMLObject *object =
+        DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser_.get()));
+    EXPECT_EQ(tagOf(object), "recorded");
+    EXPECT_EQ(DDS_XMLObject_get_extension_class(object), class_);
+    EXPECT_EQ(DDS_XMLObject_get_first_child(object), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_line_number(object), 2U);
+    EXPECT_EQ(recorder_.live, 1);
+}
+
+TEST_F(XmlExtension, MayStandAnywhereUnlessItsClassSaysWhere) {
+    EXPECT_EQ(parse(parser_, "<dds><a><recorded/></a><recorded/></dds>"), DDS_RETCODE_OK);
+    EXPECT_EQ(recorder_.live, 2);
+    const char *parents[] = {"b", "c"};
+    use(parents, 2U);
+    EXPECT_EQ(parse(parser_, "<dds><b><recorded/></b><c><recorded/></c></dds>"), DDS_RETCODE_OK);
+    EXPECT_EQ(parse(parser_, "<dds>\n<recorded/></dds>"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "<recorded> may not stand in <dds>; expected: in <b>, <c>");
+    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 2U);
+}
+
+TEST_F(XmlExtension, FirstErrorEndsTheParse) {
+    recorder_.refuse = "end x";
+    EXPECT_EQ(parse(parser_, "<dds><recorded>\n<x/>\n<y/></recorded><recorded/></dds>"),
+              DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "<x>: refused by the test");
+    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 2U);
+    EXPECT_EQ(recorder_.events.back(), "end x @2");
+    EXPECT_EQ(recorder_.live, 0);
+
+    recorder_.refuse = "start x";
+    recorder_.with_message = false;
+    EXPECT_EQ(parse(parser_, "<dds><recorded><x/></recorded></dds>"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "<x> was refused");
+    EXPECT_EQ(recorder_.events.back(), "start x @1");
+
+    recorder_.refuse = "new";
+    EXPECT_EQ(parse(parser_, "<dds><recorded/></dds>"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "<recorded> was refused");
+    EXPECT_EQ(recorder_.live, 0);
+}
+
+TEST_F(XmlExtension, ObjectThatIsNotMadeFailsTheParse) {
+    recorder_.new_fails = true;
+    EXPECT_EQ(parse(parser_, "<dds>\n<recorded/></dds>"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(message(), "<recorded> was refused");
+    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 2U);
+}
+
+TEST_F(XmlExtension, ObjectsAreDeletedWhenTheDocumentEndsEarly) {
+    EXPECT_EQ(parse(parser_, "<dds><recorded><x>"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(recorder_.live, 0);
+}
+
+TEST_F(XmlExtension, SavesItself) {
+    ASSERT_EQ(parse(parser_, "<dds><a/><recorded/></dds>"), DDS_RETCODE_OK);
+    EXPECT_EQ(save(DDS_XMLParser_get_root(parser_.get())),
+              "<dds>\n    <a></a>\n    <recorded>saved</recorded>\n</dds>\n");
+}
+
+TEST_F(XmlExtension, RegistrationIsChecked) {
+    EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), class_),
+              DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_XMLParser_register_extension_class(nullptr, class_), DDS_RETCODE_BAD_PARAMETER);
+    DDS_XMLExtensionClass *root = DDS_XMLExtensionClass_new(
+        "dds", nullptr, nullptr, 0U, nullptr, nullptr, newRecorded, deleteRecorded, nullptr);
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), root),
+              DDS_RETCODE_BAD_PARAMETER);
+    DDS_XMLExtensionClass_delete(root);
+    EXPECT_EQ(DDS_XMLExtensionClass_new(nullptr, nullptr, nullptr, 0U, nullptr, nullptr,
+                                        newRecorded, deleteRecorded, nullptr),
+              nullptr);
+    EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, nullptr,
+                                        deleteRecorded, nullptr),
+              nullptr);
+    EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, newRecorded,
+                                        nullptr, nullptr),
+              nullptr);
+    EXPECT_EQ(DDS_XMLExtensionClass_get_user_data(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLExtensionClass_get_tag_name(nullptr), nullptr);
+}
+
+// ---- Objects made by hand
+// ------------------------------------------------------------------------
+
+TEST(XmlObject, CanBeFinalisedInEveryState) {
+    DDS_XMLObject zero = {};
+    DDS_XMLObject_finalize(&zero);
+    DDS_XMLObject_finalize(nullptr);
+    DDS_XMLObject object;
+    ASSERT_TRUE(DDS_XMLObject_initialize(&object, nullptr, nullptr, "a", nullptr));
+    DDS_XMLObject_finalize(&object);
+    DDS_XMLObject_finalize(&object);
+    EXPECT_EQ(DDS_XMLObject_get_tag_name(&object), nullptr);
+    EXPECT_FALSE(DDS_XMLObject_initialize(nullptr, nullptr, nullptr, "a", nullptr));
+    EXPECT_FALSE(DDS_XMLObject_initialize(&object, nullptr, nullptr, nullptr, nullptr));
+}
+
+TEST(XmlObject, LeavesItsParentWhereverItStands) {
+    for (std::size_t removed = 0; removed < 3; ++removed) {
+        DDS_XMLObject parent;
+        ASSERT_TRUE(DDS_XMLObject_initialize(&parent, nullptr, nullptr, "p", nullptr));
+        DDS_XMLObject children[3];
+        const char *names[] = {"0", "1", "2"};
+        for (std::size_t i = 0; i < 3; ++i) {
+            ASSERT_TRUE(
+                DDS_XMLObject_initialize(&children[i], nullptr, &parent, names[i], nullptr));
+        }
+        DDS_XMLObject_finalize(&children[removed]);
+        std::string left;
+        for (const DDS_XMLObject *child = DDS_XMLObject_get_first_child(&parent); child != nullptr;
+             child = DDS_XMLObject_get_next_sibling(child)) {
+            left += tagOf(child);
+        }
+        EXPECT_EQ(left, std::string("012").erase(removed, 1));
+        for (DDS_XMLObject &child : children) {
+            DDS_XMLObject_finalize(&child);
+        }
+        EXPECT_EQ(DDS_XMLObject_get_first_child(&parent), nullptr);
+        DDS_XMLObject_finalize(&parent);
+    }
+}
+
+TEST(XmlObject, GettersBearNull) {
+    EXPECT_EQ(DDS_XMLObject_get_tag_name(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_text(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_attribute(nullptr, "a"), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_attributes(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_parent(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_first_child(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_next_sibling(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_find_child(nullptr, "a"), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_extension_class(nullptr), nullptr);
+    EXPECT_EQ(DDS_XMLObject_get_line_number(nullptr), 0U);
+    EXPECT_FALSE(DDS_XMLObject_save(nullptr, nullptr));
+    EXPECT_EQ(DDS_XMLParser_get_root(nullptr), nullptr);
+    EXPECT_STREQ(DDS_XMLParser_get_error_message(nullptr), "");
+    EXPECT_EQ(DDS_XMLParser_get_error_line(nullptr), 0U);
+    EXPECT_EQ(DDS_XMLParser_parse_string(nullptr, "<dds/>", -1, nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_XMLParser_parse_file(nullptr, "x"), DDS_RETCODE_BAD_PARAMETER);
+    DDS_XMLParser_delete(nullptr);
+    DDS_XMLExtensionClass_delete(nullptr);
+    EXPECT_EQ(DDS_XMLContext_get_current_line_number(nullptr), 0U);
+    EXPECT_STREQ(DDS_XMLContext_get_source_name(nullptr), "");
+    EXPECT_STREQ(DDS_XMLContext_get_error_message(nullptr), "");
+    DDS_XMLContext_report_error(nullptr, "x");
+}
+
+// ---- Writing
+// -------------------------------------------------------------------------------------
+
+TEST(XmlSave, ParsedTreeComesBack) {
+    const std::string text =
+        "<dds a=\"&lt;&amp;&quot;&#10;&#9;\">\n"
+        "    <b>one &amp; two &lt; three\n line</b>\n"
+        "    <c>\n"
+        "        <d></d>\n"
+        "    </c>\n"
+        "</dds>\n";
+    const ParserPtr parser(DDS_XMLParser_new());
+    ASSERT_EQ(parse(parser, text), DDS_RETCODE_OK);
+    EXPECT_EQ(save(DDS_XMLParser_get_root(parser.get())), text);
+}
+
+TEST(XmlSave, TextBesideChildrenIsKept) {
+    const ParserPtr parser(DDS_XMLParser_new());
+    ASSERT_EQ(parse(parser, "<dds>te<a/>xt</dds>"), DDS_RETCODE_OK);
+    const std::string once = save(DDS_XMLParser_get_root(parser.get()));
+    ASSERT_EQ(parse(parser, once), DDS_RETCODE_OK);
+    EXPECT_NE(textOf(DDS_XMLParser_get_root(parser.get())).find("text"), std::string::npos);
+}
+
+TEST(XmlSave, WhatNoDocumentCanHoldIsAnError) {
+    for (const char *text : {"\x01", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xEF\xBF\xBE",
+                             "\xF4\x90\x80\x80", "ok\xFFnot"}) {
+        DDS_XMLSaveContext context;
+        DDS_XMLSaveContext_initialize(&context);
+        DDS_XMLSaveContext_escaped(&context, text);
+        EXPECT_EQ(context.error, 1) << text;
+        DDS_XMLSaveContext_finalize(&context);
+    }
+    DDS_XMLSaveContext context;
+    DDS_XMLSaveContext_initialize(&context);
+    DDS_XMLSaveContext_escaped(&context, "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\r");
+    EXPECT_EQ(context.error, 0);
+    EXPECT_STREQ(DDS_XMLSaveContext_get_text(&context),
+                 "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80&#13;");
+    DDS_XMLSaveContext_finalize(&context);
+}
+
+TEST(XmlSave, HelpersWriteOneElementALine) {
+    DDS_XMLSaveContext context;
+    DDS_XMLSaveContext_initialize(&context);
+    EXPECT_EQ(DDS_XML_OPEN_TAG, 7);
+    EXPECT_EQ(DDS_XML_CLOSE_TAG, 27);
+    DDS_XMLHelper_save_tag("t", DDS_XML_OPEN_TAG, &context);
+    DDS_XMLHelper_save_long("l", -5, nullptr, DDS_BOOLEAN_FALSE, &context);
+    const DDS_Long same = -5;
+    DDS_XMLHelper_save_long("left_out", -5, &same, DDS_BOOLEAN_FALSE, &context);
+    DDS_XMLHelper_save_long("forced", -5, &same, DDS_BOOLEAN_TRUE, &context);
+    DDS_XMLHelper_save_string("s", "<&>", nullptr, DDS_BOOLEAN_FALSE, &context);
+    DDS_XMLHelper_save_string("left_out", "x", "x", DDS_BOOLEAN_FALSE, &context);
+    DDS_XMLHelper_save_string("n", nullptr, nullptr, DDS_BOOLEAN_FALSE, &context);
+    DDS_LongSeq list = DDS_SEQUENCE_INITIALIZER;
+    DDS_XMLHelper_save_long_seq("empty", &list, nullptr, &context);
+    const DDS_Long values[] = {3, 1};
+    ASSERT_TRUE(DDS_LongSeq_from_array(&list, values, 2));
+    DDS_XMLHelper_save_long_seq("list", &list, nullptr, &context);
+    DDS_XMLHelper_save_long_seq("left_out", &list, &list, &context);
+    DDS_LongSeq_finalize(&list);
+    DDS_XMLHelper_save_tag("t", DDS_XML_CLOSE_TAG, &context);
+    EXPECT_STREQ(DDS_XMLSaveContext_get_text(&context),
+                 "<t>\n"
+                 "    <l>-5</l>\n"
+                 "    <forced>-5</forced>\n"
+                 "    <s>&lt;&amp;&gt;</s>\n"
+                 "    <n></n>\n"
+                 "    <empty></empty>\n"
+                 "    <list>\n"
+                 "        <element>3</element>\n"
+                 "        <element>1</element>\n"
+                 "    </list>\n"
+                 "</t>\n");
+    EXPECT_EQ(context.depth, 0);
+    EXPECT_EQ(context.error, 0);
+    DDS_XMLSaveContext_finalize(&context);
+}
+
+TEST(XmlSave, WritesIntoAFile) {
+    char *text = nullptr;
+    std::size_t size = 0;
+    FILE *file = open_memstream(&text, &size);
+    ASSERT_NE(file, nullptr);
+    DDS_XMLSaveContext context;
+    ASSERT_TRUE(DDS_XMLSaveContext_initialize_w_file(&context, file));
+    context.depth = 20;
+    DDS_XMLSaveContext_indent(&context);
+    DDS_XMLSaveContext_freeform(&context, "%s-%d", "x", 5);
+    EXPECT_EQ(context.error, 0);
+    EXPECT_STREQ(DDS_XMLSaveContext_get_text(&context), "");
+    DDS_XMLSaveContext_finalize(&context);
+    std::fclose(file);
+    EXPECT_EQ(std::string(text), std::string(80, ' ') + "x-5");
+    std::free(text);
+}
+
+TEST(XmlSave, LostOutputIsAnError) {
+    FILE *full = std::fopen("/dev/full", "w");
+    ASSERT_NE(full, nullptr);
+    std::setvbuf(full, nullptr, _IONBF, 0);
+    DDS_XMLSaveContext context;
+    ASSERT_TRUE(DDS_XMLSaveContext_initialize_w_file(&context, full));
+    DDS_XMLSaveContext_freeform(&context, "%s", "text");
+    EXPECT_EQ(context.error, 1);
+    DDS_XMLSaveContext_finalize(&context);
+    std::fclose(full);
+}
+
+TEST(XmlBoolean, AcceptsFourSpellings) {
+    struct Row {
+        const char *text;
+        bool valid;
+        DDS_Boolean value;
+    };
+    const Row rows[] = {{"true", true, 1},  {"1", true, 1},    {" TRUE\n", true, 1},
+                        {"false", true, 0}, {"0", true, 0},    {"\tFalse ", true, 0},
+                        {"", false, 7},     {"yes", false, 7}, {"truee", false, 7},
+                        {"tru", false, 7},  {"2", false, 7},   {nullptr, false, 7}};
+    for (const Row &row : rows) {
+        DDS_Boolean value = 7;
+        DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
+        EXPECT_EQ(DDS_XMLHelper_str_to_boolean(&value, row.text, &context) != 0, row.valid);
+        EXPECT_EQ(value, row.value);
+        EXPECT_EQ(context.error, row.valid ? 0 : 1);
+    }
+    DDS_Boolean value = 7;
+    EXPECT_FALSE(DDS_XMLHelper_str_to_boolean(&value, "x", nullptr));
+    DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
+    EXPECT_FALSE(DDS_XMLHelper_str_to_boolean(&value, "maybe", &context));
+    EXPECT_STREQ(DDS_XMLContext_get_error_message(&context),
+                 "\"maybe\" is no boolean; expected: true, false, 1, 0");
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+// Who a logger is on the network: its participant's RTPS host and app id, as its samples carry
+// them.
+#ifndef DISTLOG_IDENTITY_HPP
+#define DISTLOG_IDENTITY_HPP
+
+#include <vur_dl/distlog.h>
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace distlog {
+
+struct Identity {
+    std::int32_t host = 0;
+    std::int32_t app = 0;
+
+    Identity() = default;
+    Identity(std::int32_t host_id, std::int32_t app_id) : host(host_id), app(app_id) {}
+    explicit Identity(const VUR_DL_HostAndAppId &ids)
+        : host(ids.rtps_host_id), app(ids.rtps_app_id) {}
+
+    auto operator<=>(const Identity &) const = default;
+};
+
+// "HOST:APP" in signed decimal.
+std::string toString(const Identity &identity);
+std::optional<Identity> parseIdentity(std::string_view text);
+
+}  // namespace distlog
+
+#endif  // DISTLOG_IDENTITY_HPP

@@ -1,0 +1,45 @@
+// distlog set format: the print format of the middleware's own log.
+#include <fmt/format.h>
+
+#include "administration.hpp"
+#include "names.hpp"
+
+namespace distlog {
+namespace {
+
+using PrintFormat = VUR_DL_ADMIN_VURLoggerPrintFormat;
+
+PrintFormat formatArgument(const std::string &text) {
+    const std::optional<PrintFormat> format = parsePrintFormat(text);
+    if (!format) {
+        throw CLI::ValidationError(
+            "FORMAT", fmt::format("'{}' is no print format: {}", text, printFormatNames()));
+    }
+    return *format;
+}
+
+}  // namespace
+
+void addSetFormat(CLI::App &set, Action &action) {
+    CLI::App *command =
+        set.add_subcommand("format", "Set the print format of the middleware's own log");
+    const auto options = addSetOptions(*command);
+    const auto format = std::make_shared<PrintFormat>();
+    command
+        ->add_option_function<std::string>(
+            "FORMAT", [format](const std::string &text) { *format = formatArgument(text); },
+            "One of " + printFormatNames())
+        ->required();
+    command->callback([&action, options, format] {
+        action = [options, format] {
+            const FillCommand fill = [format](VUR_DL_ADMIN_Command &request) {
+                request._d = VUR_DL_SET_VUR_LOGGER_PRINT_FORMAT;
+                request._u.printFormat = *format;
+            };
+            return Administration(*options).tellAll(
+                fill, "print format set to " + printFormatName(*format));
+        };
+    });
+}
+
+}  // namespace distlog

@@ -1,0 +1,65 @@
+// Waiting without polling: for samples, for a point in time, and for the user's wish to stop.
+#ifndef DISTLOG_WAITING_HPP
+#define DISTLOG_WAITING_HPP
+
+#include <kolt/condition.h>
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace distlog {
+
+using Clock = std::chrono::steady_clock;
+// Empty: never.
+using Deadline = std::optional<Clock::time_point>;
+
+Deadline deadlineAfter(std::chrono::duration<double> span);
+Deadline earlier(const Deadline &left, const Deadline &right);
+bool isOver(const Deadline &deadline);
+
+// Turns SIGINT and SIGTERM into a condition. A second signal ends the process at once. To be made
+// before any other thread, so that all threads leave the signals to it.
+class StopSignal {
+  public:
+    StopSignal();
+    ~StopSignal();
+    StopSignal(const StopSignal &) = delete;
+    StopSignal &operator=(const StopSignal &) = delete;
+
+    bool raised() const { return raised_.load(); }
+    // For reasons other than a signal: standard output is gone.
+    void raise();
+    DDS_Condition *condition() const { return DDS_GuardCondition_as_condition(guard_); }
+
+  private:
+    void watch();
+
+    int signals_ = -1;  // signalfd
+    int quit_ = -1;     // eventfd that ends the thread
+    std::atomic<bool> raised_{false};
+    DDS_GuardCondition *guard_ = nullptr;
+    std::thread thread_;
+};
+
+// Waits for any of several conditions. The conditions must outlive it.
+class Waiter {
+  public:
+    explicit Waiter(const std::vector<DDS_Condition *> &conditions);
+    ~Waiter();
+    Waiter(const Waiter &) = delete;
+    Waiter &operator=(const Waiter &) = delete;
+
+    // Returns when a condition is triggered (true) or the deadline is over (false).
+    bool wait(const Deadline &deadline);
+
+  private:
+    DDS_WaitSet *set_;
+    std::vector<DDS_Condition *> conditions_;
+};
+
+}  // namespace distlog
+
+#endif  // DISTLOG_WAITING_HPP
