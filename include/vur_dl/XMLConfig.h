@@ -39,8 +39,7 @@
 
 VUR_DL_EXTERN_C_BEGIN
 
-/* ---- Starting the logger from a document -------------------------------------------------------
- */
+/* ---- Starting the logger from a document --------------------------------------------------- */
 
 /* Reads the document at `path` (a path or a file URL), loads the QoS libraries that it contains
  * into the participant factory (kolt/domain.h, KOLT_DomainParticipantFactory_add_profiles), and
@@ -62,8 +61,7 @@ VUR_DL_EXPORT int VUR_DL_XMLConfig_startFromFile(const char *path,
 VUR_DL_EXPORT int VUR_DL_XMLConfig_startWithXMLConfiguration(
     DDS_DomainParticipant *domainParticipant, VUR_DL_Options *options, const char *applicationKind);
 
-/* ---- The configuration object ------------------------------------------------------------------
- */
+/* ---- The configuration object -------------------------------------------------------------- */
 
 /* Told of every error inside the element: the text, the function that found it, and the line. The
  * texts are valid during the call. Called on the parser's thread. */
@@ -113,8 +111,7 @@ VUR_DL_EXPORT DDS_XMLObject *VUR_DL_XMLConfig_getDLXMLObjectFromRoot(DDS_XMLObje
 VUR_DL_EXPORT const VUR_DL_XMLConfig *VUR_DL_XMLConfig_getXMLConfigFromXMLRoot(
     DDS_XMLObject *rootObject);
 
-/* ---- Callbacks of the extension class -----------------------------------------------------------
- */
+/* ---- Callbacks of the extension class ------------------------------------------------------ */
 
 /* Uninitialised memory for an object; NULL, with a printed line, when memory runs out. */
 VUR_DL_EXPORT VUR_DL_XMLConfig *VUR_DL_XMLConfig_create(void);
@@ -135,8 +132,7 @@ VUR_DL_EXPORT void VUR_DL_XMLConfig_onEndElement(DDS_XMLObject *self, const char
 VUR_DL_EXPORT void VUR_DL_XMLConfig_save(const DDS_XMLObject *self,
                                          DDS_XMLSaveContext *saveContext);
 
-/* ---- Conversions of element texts ---------------------------------------------------------------
- */
+/* ---- Conversions of element texts ---------------------------------------------------------- */
 
 /* All of them report an error to `logFunction` (required) and set `context->error`. Numbers are
  * read from the start of the text: leading white space and a sign are accepted, whatever follows

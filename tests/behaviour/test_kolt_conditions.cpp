@@ -58,8 +58,7 @@ DDS_Condition *statusCondition(DDS_Entity *entity, DDS_StatusMask mask) {
     return DDS_StatusCondition_as_condition(condition);
 }
 
-// ---- Waitsets
-// ---------------------------------------------------------------------------------------
+// ---- Waitsets -----------------------------------------------------------------------------------
 
 TEST(KoltConditions, EmptyWaitsetTimesOut) {
     Waiter waiter;
@@ -310,8 +309,7 @@ TEST(KoltConditions, DeletedEntityLeavesTheWaitset) {
     EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
 }
 
-// ---- Listeners
-// --------------------------------------------------------------------------------------
+// ---- Listeners ----------------------------------------------------------------------------------
 
 struct Calls {
     std::atomic<int> matched{0};
@@ -455,8 +453,7 @@ TEST(KoltListeners, CallbackTakesAndAnswers) {
     EXPECT_TRUE(eventually([&] { return calls.data == 200; }));
 }
 
-// ---- Deferred writes
-// --------------------------------------------------------------------------------
+// ---- Deferred writes ----------------------------------------------------------------------------
 
 void writeOnFirstMatch(void *data, DDS_DataWriter *writer, const DDS_PublicationMatchedStatus *) {
     Calls &calls = of(data);

@@ -164,8 +164,7 @@ TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
     EXPECT_EQ(got.size(), 4U);
 }
 
-// ---- Instances
-// --------------------------------------------------------------------------------------
+// ---- Instances ----------------------------------------------------------------------------------
 
 TEST(KoltPubSub, DisposeTellsTheKeyAlone) {
     Node here(1);
@@ -278,8 +277,7 @@ TEST(KoltPubSub, HandlesNameInstances) {
               DDS_RETCODE_BAD_PARAMETER);
 }
 
-// ---- What cannot be written
-// -------------------------------------------------------------------------
+// ---- What cannot be written ---------------------------------------------------------------------
 
 TEST(KoltPubSub, SamplesThatBreakTheirBoundsAreRefused) {
     Node node(1);
@@ -322,8 +320,7 @@ TEST(KoltPubSub, AFullHistoryTimesOut) {
     take(reader);
 }
 
-// ---- Reading
-// ----------------------------------------------------------------------------------------
+// ---- Reading ------------------------------------------------------------------------------------
 
 TEST(KoltPubSub, ReadLeavesAndTakeRemoves) {
     Node node(1);
@@ -500,8 +497,7 @@ TEST(KoltPubSub, CopiesIntoTheCallersRecords) {
     DDS_SampleInfoSeq_finalize(&infos);
 }
 
-// ---- Types without a key
-// ----------------------------------------------------------------------------
+// ---- Types without a key ------------------------------------------------------------------------
 
 TEST(KoltPubSub, UnkeyedTypes) {
     Node here(1);
@@ -525,8 +521,7 @@ TEST(KoltPubSub, UnkeyedTypes) {
     EXPECT_EQ(got.y, -4);
 }
 
-// ---- Another process
-// --------------------------------------------------------------------------------
+// ---- Another process ----------------------------------------------------------------------------
 
 std::vector<std::string> echo(const char *representation) {
     return {helperPath("helper_kolt_echo"), "3", representation, own("")};
@@ -591,8 +586,7 @@ TEST(KoltPubSub, LargeSamplesTravelInFragments) {
     EXPECT_TRUE(KOLT_Record_equals(largeType(), got.get(), large.get()));
 }
 
-// ---- Threads
-// ----------------------------------------------------------------------------------------
+// ---- Threads ------------------------------------------------------------------------------------
 
 TEST(KoltPubSub, ManyThreadsWriteWhileOneTakes) {
     constexpr int kThreads = 4;

@@ -185,8 +185,7 @@ TEST_F(XmlConfigRun, RunsOnAfterItsDocumentIsGone) {
     EXPECT_STREQ(VUR_DL_DistLogger_getOptions()->applicationKind, "kind");
 }
 
-// ---- QoS profiles on entities
-// -----------------------------------------------------------------------
+// ---- QoS profiles on entities -------------------------------------------------------------------
 
 constexpr const char *kLibrary = R"(
 <qos_library name="L">

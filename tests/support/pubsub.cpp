@@ -142,8 +142,7 @@ int liveEndpoints() {
     return g_live_endpoints.load();
 }
 
-// ---- Node
-// -------------------------------------------------------------------------------------------
+// ---- Node ---------------------------------------------------------------------------------------
 
 std::string own(const std::string &name) {
     return name + "_" + std::to_string(getpid());
@@ -204,8 +203,7 @@ DDS_DataReader *Node::reader(const std::function<void(DDS_DataReaderQos &)> &adj
         qos.get(), listener, mask);
 }
 
-// ---- Samples
-// ----------------------------------------------------------------------------------------
+// ---- Samples ------------------------------------------------------------------------------------
 
 DDS_ReturnCode_t write(DDS_DataWriter *writer, int host, int level, long long number,
                        const std::string &text, DDS_InstanceHandle_t handle) {

@@ -188,8 +188,7 @@ TEST(KoltEntities, InjectingSamplesIsNotSupported) {
     EXPECT_TRUE(consistent);
 }
 
-// ---- Disabled entities
-// ------------------------------------------------------------------------------
+// ---- Disabled entities --------------------------------------------------------------------------
 
 TEST(KoltEntities, DisabledWriterAndReader) {
     Node node(12);

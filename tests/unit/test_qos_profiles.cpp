@@ -1,154 +1,29 @@
-// QoS profiles: where they come from, what their elements say, inheritance, topic filters,
-// defaults, and errors with file, line and the names that would have been right.
+// QoS profiles: where they come from, what their elements say, inheritance, topic filters.
 #include <gtest/gtest.h>
-#include <kolt/config_logger.h>
 #include <kolt/domain.h>
 
-#include <unistd.h>
-
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "support/qos_profiles.h"
+
 namespace {
 
-DDS_DomainParticipantFactory *factory() {
-    return DDS_DomainParticipantFactory_get_instance();
-}
+using support::factory;
+using support::FactoryQos;
+using support::ParticipantQos;
+using support::PublisherQos;
+using support::ReaderQos;
+using support::Strings;
+using support::SubscriberQos;
+using support::TopicQos;
+using support::WriterQos;
 
-// A QoS record and its functions.
-template <typename Qos, auto initialize, auto finalize>
-class Owned {
-  public:
-    Owned() { EXPECT_EQ(initialize(&qos_), DDS_RETCODE_OK); }
-    ~Owned() { EXPECT_EQ(finalize(&qos_), DDS_RETCODE_OK); }
-    Owned(const Owned &) = delete;
-    Owned &operator=(const Owned &) = delete;
-    Qos *operator->() { return &qos_; }
-    Qos *get() { return &qos_; }
+class QosProfiles : public support::QosProfilesTest {};
 
-  private:
-    Qos qos_;
-};
-using FactoryQos =
-    Owned<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
-          DDS_DomainParticipantFactoryQos_finalize>;
-using ParticipantQos = Owned<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
-                             DDS_DomainParticipantQos_finalize>;
-using PublisherQos =
-    Owned<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
-using SubscriberQos =
-    Owned<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
-using TopicQos = Owned<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
-using WriterQos =
-    Owned<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
-using ReaderQos =
-    Owned<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
-using Strings = std::vector<std::string>;
-
-// Every test has a working directory of its own, and the factory as it is at the start of a
-// process.
-class QosProfiles : public testing::Test {
-  protected:
-    void SetUp() override {
-        char folder[] = "/tmp/kolt_profiles_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
-        ASSERT_EQ(chdir(folder), 0);
-        unsetenv("KOLT_QOS_PROFILES");
-        messages().clear();
-        device_.write = [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
-            messages().emplace_back(message->text);
-        };
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device_);
-    }
-    void TearDown() override {
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
-        ASSERT_EQ(chdir("/"), 0);
-        std::filesystem::remove_all(folder_);
-    }
-
-    static Strings &messages() {
-        static Strings all;
-        return all;
-    }
-    static bool logged(const std::string &part) {
-        for (const std::string &message : messages()) {
-            if (message.find(part) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-    static std::string allMessages() {
-        std::string all;
-        for (const std::string &message : messages()) {
-            all += message + "\n";
-        }
-        return all;
-    }
-
-    std::string write(const std::string &name, const std::string &content) const {
-        const std::string path = folder_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-    DDS_ReturnCode_t add(const std::string &content, const std::string &name = "a.xml") const {
-        return KOLT_DomainParticipantFactory_add_profiles(factory(), write(name, content).c_str());
-    }
-    // A document with one library `L` of the given profiles.
-    DDS_ReturnCode_t addLibrary(const std::string &profiles,
-                                const std::string &name = "a.xml") const {
-        return add("<dds>\n<qos_library name=\"L\">\n" + profiles + "\n</qos_library>\n</dds>",
-                   name);
-    }
-
-    static Strings libraries() {
-        DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
-        EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profile_libraries(factory(), &names),
-                  DDS_RETCODE_OK);
-        return take(names);
-    }
-    static Strings profiles(const char *library, DDS_ReturnCode_t expected = DDS_RETCODE_OK) {
-        DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
-        EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profiles(factory(), &names, library),
-                  expected);
-        return take(names);
-    }
-    static Strings take(DDS_StringSeq &names) {
-        Strings result;
-        for (DDS_UnsignedLong i = 0; i < DDS_StringSeq_get_length(&names); ++i) {
-            result.emplace_back(DDS_StringSeq_get(&names, static_cast<DDS_Long>(i)));
-        }
-        DDS_StringSeq_finalize(&names);
-        return result;
-    }
-    static DDS_Long depth(const char *profile, const char *topic = nullptr) {
-        WriterQos qos;
-        const DDS_ReturnCode_t result =
-            topic == nullptr
-                ? DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
-                                                                               "L", profile)
-                : DDS_DomainParticipantFactory_get_datawriter_qos_from_profile_w_topic_name(
-                      factory(), qos.get(), "L", profile, topic);
-        EXPECT_EQ(result, DDS_RETCODE_OK);
-        return qos->history.depth;
-    }
-    static std::string profile(const std::string &attributes, int depth) {
-        return "<qos_profile " + attributes + "><datawriter_qos><history><depth>" +
-               std::to_string(depth) + "</depth></history></datawriter_qos></qos_profile>";
-    }
-
-    std::string folder_;
-    KOLT_Config_LoggerDevice device_ = {};
-};
-
-// ---- What elements say
-// ---------------------------------------------------------------------------
+// ---- What elements say --------------------------------------------------------------------------
 
 constexpr const char *kEverything = R"(
 <qos_profile name="P">
@@ -343,172 +218,7 @@ TEST_F(QosProfiles, EntityThatIsNotMentionedHasTheDefault) {
     EXPECT_TRUE(DDS_DataWriterQos_equals(qos.get(), fresh.get()));
 }
 
-// ---- Errors
-// --------------------------------------------------------------------------------------
-
-struct WrongProfile {
-    std::string content;  // of a profile, from line 4
-    std::string message;
-    int line;
-};
-
-TEST_F(QosProfiles, WhatIsWrongIsToldWithLineAndNames) {
-    const auto writer = [](const std::string &policy) {
-        return "<datawriter_qos>\n" + policy + "\n</datawriter_qos>";
-    };
-    const WrongProfile rows[] = {
-        {"<data_writer_qos/>",
-         "unknown element <data_writer_qos> in <qos_profile>; expected: domain_participant_qos, "
-         "participant_qos, publisher_qos, subscriber_qos, topic_qos, datawriter_qos, "
-         "datareader_qos",
-         4},
-        {writer("<histroy/>"),
-         "unknown element <histroy> in <datawriter_qos>; expected: durability, durability_service, "
-         "deadline, latency_budget, liveliness, reliability, destination_order, history, "
-         "resource_limits, transport_priority, lifespan, user_data, ownership, "
-         "ownership_strength, writer_data_lifecycle, representation, property, protocol",
-         5},
-        {writer("<history>\n<kind>KEEP_SOME</kind></history>"),
-         "wrong value of <kind>: \"KEEP_SOME\"; expected: KEEP_LAST_HISTORY_QOS, "
-         "KEEP_ALL_HISTORY_QOS",
-         6},
-        {writer("<history>\n<length>3</length></history>"),
-         "unknown element <length> in <history>; expected: kind, depth", 6},
-        {writer("<history>\n<depth>many</depth></history>"),
-         "wrong value of <depth>: \"many\"; expected: a 32-bit integer, LENGTH_UNLIMITED", 6},
-        {writer("<history><depth>2147483648</depth></history>"), "wrong value of <depth>", 5},
-        {writer("<history><depth></depth></history>"), "wrong value of <depth>: \"\"", 5},
-        {writer("<history>\n<depth>0</depth></history>"), "<depth> must be 1 or more", 6},
-        {writer("<resource_limits>\n<max_samples>-2</max_samples></resource_limits>"),
-         "<max_samples> must be 1 or more, or LENGTH_UNLIMITED", 6},
-        {writer("<history><kind><x/></kind></history>"), "element <x> in <kind>; expected: a value",
-         5},
-        {writer("<history>KEEP_LAST_HISTORY_QOS</history>"),
-         "text in <history>: \"KEEP_LAST_HISTORY_QOS\"; expected: elements", 5},
-        {writer("<history kind=\"x\"/>"), "unknown attribute \"kind\" of <history>; expected: none",
-         5},
-        {writer("<deadline><period><seconds>1</seconds></period></deadline>"),
-         "unknown element <seconds> in <period>; expected: sec, nanosec", 5},
-        {writer("<deadline><period><sec>-1</sec></period></deadline>"),
-         "wrong value of <sec>: \"-1\"; expected: an integer from 0 to 2147483647, "
-         "DURATION_INFINITY, DURATION_INFINITE_SEC, DURATION_ZERO_SEC",
-         5},
-        {writer("<deadline><period><nanosec>1000000000</nanosec></period></deadline>"),
-         "expected: an integer from 0 to 999999999, DURATION_INFINITY, DURATION_INFINITE_NSEC, "
-         "DURATION_ZERO_NSEC",
-         5},
-        {writer("<deadline><period><sec>1</sec><nanosec>DURATION_INFINITY</nanosec></period>"
-                "</deadline>"),
-         "<period>: infinite nanosec needs infinite sec", 5},
-        {writer("<protocol><vendor_specific_entity>yes</vendor_specific_entity></protocol>"),
-         "expected: true, false, 1, 0", 5},
-        {writer("<user_data><value>A</value></user_data>"),
-         "expected: Base64 text, or <element> children", 5},
-        {writer("<user_data><value><element>256</element></value></user_data>"),
-         "expected: an integer from 0 to 255", 5},
-        {writer("<representation><value><element>CDR</element></value></representation>"),
-         "expected: XCDR_DATA_REPRESENTATION, XML_DATA_REPRESENTATION, "
-         "XCDR2_DATA_REPRESENTATION, AUTO_DATA_REPRESENTATION",
-         5},
-        {writer("<representation><value><item/></value></representation>"),
-         "unknown element <item> in <value>; expected: element", 5},
-        {writer("<property><value><element><value>v</value></element></value></property>"),
-         "a property without a <name>", 5},
-        {"<domain_participant_qos><wire_protocol/></domain_participant_qos>",
-         "unknown element <wire_protocol> in <domain_participant_qos>; expected: user_data, "
-         "entity_factory, property, participant_name, protocol",
-         4},
-        {"<publisher_qos topic_filter=\"*\"/>",
-         "unknown attribute \"topic_filter\" of <publisher_qos>; expected: name", 4},
-    };
-    for (const WrongProfile &row : rows) {
-        SCOPED_TRACE(row.content);
-        messages().clear();
-        EXPECT_EQ(addLibrary("<qos_profile name=\"P\">\n" + row.content + "</qos_profile>"),
-                  DDS_RETCODE_ERROR);
-        const std::string expected = "/a.xml:" + std::to_string(row.line) + ": ";
-        EXPECT_TRUE(logged(expected)) << allMessages();
-        EXPECT_TRUE(logged(row.message)) << allMessages();
-        EXPECT_TRUE(libraries().empty());
-    }
-}
-
-TEST_F(QosProfiles, WrongLibrariesAndProfilesAreRefused) {
-    const WrongProfile rows[] = {
-        {"<dds><qos_library/></dds>", "<qos_library> needs the attribute \"name\"", 1},
-        {"<dds><qos_library name=\"\"/></dds>", "<qos_library> needs the attribute \"name\"", 1},
-        {"<dds><qos_library name=\"a::b\"/></dds>", "a name must not contain \"::\": \"a::b\"", 1},
-        {"<dds><qos_library name=\"L\" x=\"y\"/></dds>",
-         "unknown attribute \"x\" of <qos_library>; expected: name", 1},
-        {"<dds><qos_library name=\"L\">\n<profile/></qos_library></dds>",
-         "unknown element <profile> in <qos_library>; expected: qos_profile", 2},
-        {"<dds><qos_library name=\"L\">\n<qos_profile/></qos_library></dds>",
-         "<qos_profile> needs the attribute \"name\"", 2},
-        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" is_default_qos=\"yes\"/>"
-         "</qos_library></dds>",
-         "wrong value of is_default_qos: \"yes\"; expected: true, false, 1, 0", 1},
-        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base=\"Q\"/></qos_library></dds>",
-         "unknown attribute \"base\" of <qos_profile>; expected: name, base_name, is_default_qos",
-         1},
-        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\"/>\n<qos_profile name=\"P\"/>"
-         "</qos_library></dds>",
-         "the profile L::P is defined already", 2},
-        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"Q\"/>"
-         "</qos_library></dds>",
-         "unknown base profile L::Q; expected: a profile of this document or of one loaded before",
-         1},
-        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"::Q\"/>"
-         "</qos_library></dds>",
-         "wrong base_name \"::Q\"; expected: Profile or Library::Profile", 1},
-        {"<dds><qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"P\"/>"
-         "</qos_library></dds>",
-         "the profile L::P is a base of itself", 1},
-        {"<dds><qos_library name=\"L\">\n<qos_profile name=\"A\" base_name=\"B\"/>\n"
-         "<qos_profile name=\"B\" base_name=\"C\"/>\n<qos_profile name=\"C\" base_name=\"B\"/>"
-         "</qos_library></dds>",
-         "the profile L::B is a base of itself", 3},
-        {"<dds>\n<a></dds>", "mismatched tag", 2},
-    };
-    for (const WrongProfile &row : rows) {
-        SCOPED_TRACE(row.content);
-        messages().clear();
-        EXPECT_EQ(add(row.content), DDS_RETCODE_ERROR);
-        EXPECT_TRUE(logged("/a.xml:" + std::to_string(row.line) + ": " + row.message))
-            << allMessages();
-        EXPECT_TRUE(libraries().empty());
-    }
-    EXPECT_EQ(KOLT_DomainParticipantFactory_add_profiles(factory(), "/nowhere.xml"),
-              DDS_RETCODE_ERROR);
-    EXPECT_TRUE(logged("/nowhere.xml: cannot open the file")) << allMessages();
-}
-
-TEST_F(QosProfiles, UnknownNamesAreToldWithTheKnownOnes) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2) + profile("name=\"Q\"", 3)), DDS_RETCODE_OK);
-    WriterQos qos;
-    qos->history.depth = 77;
-    EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
-                                                                           "M", "P"),
-              DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(logged("no QoS library \"M\"; libraries: L")) << allMessages();
-    EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
-                                                                           "L", "p"),
-              DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(logged("no QoS profile \"p\" in the library \"L\"; profiles: P, Q"))
-        << allMessages();
-    EXPECT_EQ(qos->history.depth, 77);
-    EXPECT_EQ(profiles("M", DDS_RETCODE_BAD_PARAMETER), Strings{});
-}
-
-TEST_F(QosProfiles, ElementsOfOthersAreLeftAlone) {
-    EXPECT_EQ(add("<dds><distributed_logger><enabled>true</enabled></distributed_logger>"
-                  "<types/><qos_library name=\"L\"/></dds>"),
-              DDS_RETCODE_OK);
-    EXPECT_EQ(libraries(), Strings{"L"});
-    EXPECT_EQ(profiles("L"), Strings{});
-}
-
-// ---- Names, inheritance, filters
-// -----------------------------------------------------------------
+// ---- Names, inheritance, filters ----------------------------------------------------------------
 
 TEST_F(QosProfiles, NamesComeInTheOrderOfLoading) {
     ASSERT_EQ(add("<dds><qos_library name=\"Z\"><qos_profile name=\"2\"/><qos_profile name=\"1\"/>"
@@ -601,8 +311,7 @@ TEST_F(QosProfiles, FirstMatchingTopicFilterIsTaken) {
     EXPECT_EQ(depth("D"), 6);
 }
 
-// ---- Sources
-// -------------------------------------------------------------------------------------
+// ---- Sources ------------------------------------------------------------------------------------
 
 TEST_F(QosProfiles, EnvironmentAndUserFileAreLoadedOnTheFirstLookUp) {
     const auto document = [](const char *library) {

@@ -1,4 +1,4 @@
-// The XML facility: trees, extension classes, errors with their lines, limits, writing.
+// The XML facility: trees, files, errors with their lines, limits.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
 #include <kolt/xml.h>
@@ -6,44 +6,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "support/xml_document.h"
+
 namespace {
 
-struct DeleteParser {
-    void operator()(DDS_XMLParser *parser) const { DDS_XMLParser_delete(parser); }
-};
-using ParserPtr = std::unique_ptr<DDS_XMLParser, DeleteParser>;
-
-DDS_ReturnCode_t parse(const ParserPtr &parser, const std::string &text) {
-    return DDS_XMLParser_parse_string(parser.get(), text.data(),
-                                      static_cast<DDS_LongLong>(text.size()), nullptr);
-}
-
-std::string tagOf(const DDS_XMLObject *object) {
-    const char *name = DDS_XMLObject_get_tag_name(object);
-    return name == nullptr ? "(none)" : name;
-}
-
-std::string textOf(const DDS_XMLObject *object) {
-    const char *text = DDS_XMLObject_get_text(object);
-    return text == nullptr ? "(none)" : text;
-}
-
-std::string save(const DDS_XMLObject *object, int *error = nullptr) {
-    DDS_XMLSaveContext context;
-    EXPECT_TRUE(DDS_XMLSaveContext_initialize(&context));
-    DDS_XMLObject_save(object, &context);
-    std::string text = DDS_XMLSaveContext_get_text(&context);
-    if (error != nullptr) {
-        *error = context.error;
-    }
-    EXPECT_EQ(context.depth, 0);
-    DDS_XMLSaveContext_finalize(&context);
-    return text;
-}
+using support::parse;
+using support::ParserPtr;
+using support::tagOf;
+using support::textOf;
 
 TEST(XmlTree, HasTagsTextsAttributesAndLines) {
     const ParserPtr parser(DDS_XMLParser_new());
@@ -205,8 +178,7 @@ TEST(XmlErrors, EveryPrefixOfADocumentIsRefused) {
     EXPECT_EQ(parse(parser, text), DDS_RETCODE_OK);
 }
 
-// ---- Files
-// ---------------------------------------------------------------------------------------
+// ---- Files --------------------------------------------------------------------------------------
 
 class XmlFile : public testing::Test {
   protected:
@@ -289,196 +261,7 @@ TEST_F(XmlFile, ErrorsAreLoggedWithFileAndLine) {
     EXPECT_NE(messages[0].find(path + ":3: mismatched tag"), std::string::npos) << messages[0];
 }
 
-// ---- Extension classes
-// ---------------------------------------------------------------------------
-
-// An element that writes down what it is told.
-struct Recorder {
-    std::vector<std::string> events;
-    int live = 0;
-    std::string refuse;        // the callback that refuses: "new", "start x", "end x"
-    bool with_message = true;  // says why
-    bool new_fails = false;
-};
-
-struct Recorded {
-    DDS_XMLObject base;
-    Recorder *recorder;
-};
-
-Recorder &recorderOf(DDS_XMLObject *object) {
-    return *reinterpret_cast<Recorded *>(object)->recorder;
-}
-
-void event(Recorder &recorder, const std::string &name, DDS_XMLContext *context,
-           const std::string &text = "") {
-    recorder.events.push_back(name + (text.empty() ? "" : " [" + text + "]") + " @" +
-                              std::to_string(DDS_XMLContext_get_current_line_number(context)));
-    if (recorder.refuse == name) {
-        if (recorder.with_message) {
-            DDS_XMLContext_report_error(context, "refused by %s", "the test");
-            DDS_XMLContext_report_error(context, "not the first reason");
-        } else {
-            context->error = 1;
-        }
-    }
-}
-
-DDS_XMLObject *newRecorded(DDS_XMLExtensionClass *extension, DDS_XMLObject *parent,
-                           const char **attributes, DDS_XMLContext *context) {
-    auto &recorder = *static_cast<Recorder *>(DDS_XMLExtensionClass_get_user_data(extension));
-    event(recorder, "new", context, attributes[0] == nullptr ? "" : attributes[1]);
-    if (recorder.new_fails) {
-        return nullptr;
-    }
-    auto *object = new Recorded{};
-    object->recorder = &recorder;
-    EXPECT_TRUE(DDS_XMLObject_initialize(&object->base, extension, parent,
-                                         DDS_XMLExtensionClass_get_tag_name(extension), nullptr));
-    ++recorder.live;
-    return &object->base;
-}
-
-void deleteRecorded(DDS_XMLObject *object) {
-    --recorderOf(object).live;
-    DDS_XMLObject_finalize(object);
-    delete reinterpret_cast<Recorded *>(object);
-}
-
-void startRecorded(DDS_XMLObject *object, const char *tag, const char **, DDS_XMLContext *context) {
-    event(recorderOf(object), std::string("start ") + tag, context);
-}
-
-void endRecorded(DDS_XMLObject *object, const char *tag, const char *text,
-                 DDS_XMLContext *context) {
-    event(recorderOf(object), std::string("end ") + tag, context, text);
-}
-
-void saveRecorded(const DDS_XMLObject *, DDS_XMLSaveContext *context) {
-    DDS_XMLHelper_save_string("recorded", "saved", nullptr, DDS_BOOLEAN_FALSE, context);
-}
-
-class XmlExtension : public testing::Test {
-  protected:
-    void SetUp() override { use(nullptr, 0U); }
-    void TearDown() override {
-        parser_.reset();
-        EXPECT_EQ(recorder_.live, 0);
-        DDS_XMLExtensionClass_delete(class_);
-    }
-    void use(const char *const *parents, DDS_UnsignedLong count) {
-        parser_.reset(DDS_XMLParser_new());
-        DDS_XMLExtensionClass_delete(class_);
-        class_ = DDS_XMLExtensionClass_new("recorded", &recorder_, parents, count, startRecorded,
-                                           endRecorded, newRecorded, deleteRecorded, saveRecorded);
-        ASSERT_NE(class_, nullptr);
-        ASSERT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), class_), DDS_RETCODE_OK);
-    }
-    std::string message() const { return DDS_XMLParser_get_error_message(parser_.get()); }
-
-    Recorder recorder_;
-    DDS_XMLExtensionClass *class_ = nullptr;
-    ParserPtr parser_;
-};
-
-TEST_F(XmlExtension, IsToldWhatStandsInItsElement) {
-    ASSERT_EQ(parse(parser_,
-                    "<dds>\n"
-                    "<recorded a=\"v\">\n"
-                    "<x>one<y> two </y>three</x>\n"
-                    "<recorded/></recorded>\n"
-                    "</dds>"),
-              DDS_RETCODE_OK);
-    const std::vector<std::string> expected = {
-        "new [v] @2",          "start x @3",        "start y @3",      "end y [ two ] @3",
-        "end x [onethree] @3", "start recorded @4", "end recorded @4", "end recorded [\n\n] @4"};
-    EXPECT_EQ(recorder_.events, expected);
-    const DDS_XMLObject *object =
-        DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser_.get()));
-    EXPECT_EQ(tagOf(object), "recorded");
-    EXPECT_EQ(DDS_XMLObject_get_extension_class(object), class_);
-    EXPECT_EQ(DDS_XMLObject_get_first_child(object), nullptr);
-    EXPECT_EQ(DDS_XMLObject_get_line_number(object), 2U);
-    EXPECT_EQ(recorder_.live, 1);
-}
-
-TEST_F(XmlExtension, MayStandAnywhereUnlessItsClassSaysWhere) {
-    EXPECT_EQ(parse(parser_, "<dds><a><recorded/></a><recorded/></dds>"), DDS_RETCODE_OK);
-    EXPECT_EQ(recorder_.live, 2);
-    const char *parents[] = {"b", "c"};
-    use(parents, 2U);
-    EXPECT_EQ(parse(parser_, "<dds><b><recorded/></b><c><recorded/></c></dds>"), DDS_RETCODE_OK);
-    EXPECT_EQ(parse(parser_, "<dds>\n<recorded/></dds>"), DDS_RETCODE_ERROR);
-    EXPECT_EQ(message(), "<recorded> may not stand in <dds>; expected: in <b>, <c>");
-    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 2U);
-}
-
-TEST_F(XmlExtension, FirstErrorEndsTheParse) {
-    recorder_.refuse = "end x";
-    EXPECT_EQ(parse(parser_, "<dds><recorded>\n<x/>\n<y/></recorded><recorded/></dds>"),
-              DDS_RETCODE_ERROR);
-    EXPECT_EQ(message(), "<x>: refused by the test");
-    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 2U);
-    EXPECT_EQ(recorder_.events.back(), "end x @2");
-    EXPECT_EQ(recorder_.live, 0);
-
-    recorder_.refuse = "start x";
-    recorder_.with_message = false;
-    EXPECT_EQ(parse(parser_, "<dds><recorded><x/></recorded></dds>"), DDS_RETCODE_ERROR);
-    EXPECT_EQ(message(), "<x> was refused");
-    EXPECT_EQ(recorder_.events.back(), "start x @1");
-
-    recorder_.refuse = "new";
-    EXPECT_EQ(parse(parser_, "<dds><recorded/></dds>"), DDS_RETCODE_ERROR);
-    EXPECT_EQ(message(), "<recorded> was refused");
-    EXPECT_EQ(recorder_.live, 0);
-}
-
-TEST_F(XmlExtension, ObjectThatIsNotMadeFailsTheParse) {
-    recorder_.new_fails = true;
-    EXPECT_EQ(parse(parser_, "<dds>\n<recorded/></dds>"), DDS_RETCODE_ERROR);
-    EXPECT_EQ(message(), "<recorded> was refused");
-    EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 2U);
-}
-
-TEST_F(XmlExtension, ObjectsAreDeletedWhenTheDocumentEndsEarly) {
-    EXPECT_EQ(parse(parser_, "<dds><recorded><x>"), DDS_RETCODE_ERROR);
-    EXPECT_EQ(recorder_.live, 0);
-}
-
-TEST_F(XmlExtension, SavesItself) {
-    ASSERT_EQ(parse(parser_, "<dds><a/><recorded/></dds>"), DDS_RETCODE_OK);
-    EXPECT_EQ(save(DDS_XMLParser_get_root(parser_.get())),
-              "<dds>\n    <a></a>\n    <recorded>saved</recorded>\n</dds>\n");
-}
-
-TEST_F(XmlExtension, RegistrationIsChecked) {
-    EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), class_),
-              DDS_RETCODE_PRECONDITION_NOT_MET);
-    EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), nullptr),
-              DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_EQ(DDS_XMLParser_register_extension_class(nullptr, class_), DDS_RETCODE_BAD_PARAMETER);
-    DDS_XMLExtensionClass *root = DDS_XMLExtensionClass_new(
-        "dds", nullptr, nullptr, 0U, nullptr, nullptr, newRecorded, deleteRecorded, nullptr);
-    ASSERT_NE(root, nullptr);
-    EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), root),
-              DDS_RETCODE_BAD_PARAMETER);
-    DDS_XMLExtensionClass_delete(root);
-    EXPECT_EQ(DDS_XMLExtensionClass_new(nullptr, nullptr, nullptr, 0U, nullptr, nullptr,
-                                        newRecorded, deleteRecorded, nullptr),
-              nullptr);
-    EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, nullptr,
-                                        deleteRecorded, nullptr),
-              nullptr);
-    EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, newRecorded,
-                                        nullptr, nullptr),
-              nullptr);
-    EXPECT_EQ(DDS_XMLExtensionClass_get_user_data(nullptr), nullptr);
-    EXPECT_EQ(DDS_XMLExtensionClass_get_tag_name(nullptr), nullptr);
-}
-
-// ---- Objects made by hand
-// ------------------------------------------------------------------------
+// ---- Objects made by hand -----------------------------------------------------------------------
 
 TEST(XmlObject, CanBeFinalisedInEveryState) {
     DDS_XMLObject zero = {};
@@ -542,141 +325,6 @@ TEST(XmlObject, GettersBearNull) {
     EXPECT_STREQ(DDS_XMLContext_get_source_name(nullptr), "");
     EXPECT_STREQ(DDS_XMLContext_get_error_message(nullptr), "");
     DDS_XMLContext_report_error(nullptr, "x");
-}
-
-// ---- Writing
-// -------------------------------------------------------------------------------------
-
-TEST(XmlSave, ParsedTreeComesBack) {
-    const std::string text =
-        "<dds a=\"&lt;&amp;&quot;&#10;&#9;\">\n"
-        "    <b>one &amp; two &lt; three\n line</b>\n"
-        "    <c>\n"
-        "        <d></d>\n"
-        "    </c>\n"
-        "</dds>\n";
-    const ParserPtr parser(DDS_XMLParser_new());
-    ASSERT_EQ(parse(parser, text), DDS_RETCODE_OK);
-    EXPECT_EQ(save(DDS_XMLParser_get_root(parser.get())), text);
-}
-
-TEST(XmlSave, TextBesideChildrenIsKept) {
-    const ParserPtr parser(DDS_XMLParser_new());
-    ASSERT_EQ(parse(parser, "<dds>te<a/>xt</dds>"), DDS_RETCODE_OK);
-    const std::string once = save(DDS_XMLParser_get_root(parser.get()));
-    ASSERT_EQ(parse(parser, once), DDS_RETCODE_OK);
-    EXPECT_NE(textOf(DDS_XMLParser_get_root(parser.get())).find("text"), std::string::npos);
-}
-
-TEST(XmlSave, WhatNoDocumentCanHoldIsAnError) {
-    for (const char *text : {"\x01", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xEF\xBF\xBE",
-                             "\xF4\x90\x80\x80", "ok\xFFnot"}) {
-        DDS_XMLSaveContext context;
-        DDS_XMLSaveContext_initialize(&context);
-        DDS_XMLSaveContext_escaped(&context, text);
-        EXPECT_EQ(context.error, 1) << text;
-        DDS_XMLSaveContext_finalize(&context);
-    }
-    DDS_XMLSaveContext context;
-    DDS_XMLSaveContext_initialize(&context);
-    DDS_XMLSaveContext_escaped(&context, "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\r");
-    EXPECT_EQ(context.error, 0);
-    EXPECT_STREQ(DDS_XMLSaveContext_get_text(&context),
-                 "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80&#13;");
-    DDS_XMLSaveContext_finalize(&context);
-}
-
-TEST(XmlSave, HelpersWriteOneElementALine) {
-    DDS_XMLSaveContext context;
-    DDS_XMLSaveContext_initialize(&context);
-    EXPECT_EQ(DDS_XML_OPEN_TAG, 7);
-    EXPECT_EQ(DDS_XML_CLOSE_TAG, 27);
-    DDS_XMLHelper_save_tag("t", DDS_XML_OPEN_TAG, &context);
-    DDS_XMLHelper_save_long("l", -5, nullptr, DDS_BOOLEAN_FALSE, &context);
-    const DDS_Long same = -5;
-    DDS_XMLHelper_save_long("left_out", -5, &same, DDS_BOOLEAN_FALSE, &context);
-    DDS_XMLHelper_save_long("forced", -5, &same, DDS_BOOLEAN_TRUE, &context);
-    DDS_XMLHelper_save_string("s", "<&>", nullptr, DDS_BOOLEAN_FALSE, &context);
-    DDS_XMLHelper_save_string("left_out", "x", "x", DDS_BOOLEAN_FALSE, &context);
-    DDS_XMLHelper_save_string("n", nullptr, nullptr, DDS_BOOLEAN_FALSE, &context);
-    DDS_LongSeq list = DDS_SEQUENCE_INITIALIZER;
-    DDS_XMLHelper_save_long_seq("empty", &list, nullptr, &context);
-    const DDS_Long values[] = {3, 1};
-    ASSERT_TRUE(DDS_LongSeq_from_array(&list, values, 2));
-    DDS_XMLHelper_save_long_seq("list", &list, nullptr, &context);
-    DDS_XMLHelper_save_long_seq("left_out", &list, &list, &context);
-    DDS_LongSeq_finalize(&list);
-    DDS_XMLHelper_save_tag("t", DDS_XML_CLOSE_TAG, &context);
-    EXPECT_STREQ(DDS_XMLSaveContext_get_text(&context),
-                 "<t>\n"
-                 "    <l>-5</l>\n"
-                 "    <forced>-5</forced>\n"
-                 "    <s>&lt;&amp;&gt;</s>\n"
-                 "    <n></n>\n"
-                 "    <empty></empty>\n"
-                 "    <list>\n"
-                 "        <element>3</element>\n"
-                 "        <element>1</element>\n"
-                 "    </list>\n"
-                 "</t>\n");
-    EXPECT_EQ(context.depth, 0);
-    EXPECT_EQ(context.error, 0);
-    DDS_XMLSaveContext_finalize(&context);
-}
-
-TEST(XmlSave, WritesIntoAFile) {
-    char *text = nullptr;
-    std::size_t size = 0;
-    FILE *file = open_memstream(&text, &size);
-    ASSERT_NE(file, nullptr);
-    DDS_XMLSaveContext context;
-    ASSERT_TRUE(DDS_XMLSaveContext_initialize_w_file(&context, file));
-    context.depth = 20;
-    DDS_XMLSaveContext_indent(&context);
-    DDS_XMLSaveContext_freeform(&context, "%s-%d", "x", 5);
-    EXPECT_EQ(context.error, 0);
-    EXPECT_STREQ(DDS_XMLSaveContext_get_text(&context), "");
-    DDS_XMLSaveContext_finalize(&context);
-    std::fclose(file);
-    EXPECT_EQ(std::string(text), std::string(80, ' ') + "x-5");
-    std::free(text);
-}
-
-TEST(XmlSave, LostOutputIsAnError) {
-    FILE *full = std::fopen("/dev/full", "w");
-    ASSERT_NE(full, nullptr);
-    std::setvbuf(full, nullptr, _IONBF, 0);
-    DDS_XMLSaveContext context;
-    ASSERT_TRUE(DDS_XMLSaveContext_initialize_w_file(&context, full));
-    DDS_XMLSaveContext_freeform(&context, "%s", "text");
-    EXPECT_EQ(context.error, 1);
-    DDS_XMLSaveContext_finalize(&context);
-    std::fclose(full);
-}
-
-TEST(XmlBoolean, AcceptsFourSpellings) {
-    struct Row {
-        const char *text;
-        bool valid;
-        DDS_Boolean value;
-    };
-    const Row rows[] = {{"true", true, 1},  {"1", true, 1},    {" TRUE\n", true, 1},
-                        {"false", true, 0}, {"0", true, 0},    {"\tFalse ", true, 0},
-                        {"", false, 7},     {"yes", false, 7}, {"truee", false, 7},
-                        {"tru", false, 7},  {"2", false, 7},   {nullptr, false, 7}};
-    for (const Row &row : rows) {
-        DDS_Boolean value = 7;
-        DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
-        EXPECT_EQ(DDS_XMLHelper_str_to_boolean(&value, row.text, &context) != 0, row.valid);
-        EXPECT_EQ(value, row.value);
-        EXPECT_EQ(context.error, row.valid ? 0 : 1);
-    }
-    DDS_Boolean value = 7;
-    EXPECT_FALSE(DDS_XMLHelper_str_to_boolean(&value, "x", nullptr));
-    DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
-    EXPECT_FALSE(DDS_XMLHelper_str_to_boolean(&value, "maybe", &context));
-    EXPECT_STREQ(DDS_XMLContext_get_error_message(&context),
-                 "\"maybe\" is no boolean; expected: true, false, 1, 0");
 }
 
 }  // namespace

@@ -1,4 +1,10 @@
-/* Conditions and waitsets (DDS 1.4, 2.2.2.1.6 to 2.2.2.1.9, 2.2.2.5.8, 2.2.2.5.9). */
+/* Conditions and waitsets (DDS 1.4, 2.2.2.1.6 to 2.2.2.1.9, 2.2.2.5.8, 2.2.2.5.9).
+ *
+ *  1. Conditions of any participants and domains may be attached to one waitset, and one condition
+ *     to several waitsets. Attaching and detaching are allowed while a thread waits.
+ *  2. A NULL `self` gives DDS_RETCODE_BAD_PARAMETER, NULL, 0 or false.
+ *  3. Nothing here polls: a thread that waits sleeps until a condition triggers.
+ */
 #ifndef KOLT_CONDITION_H
 #define KOLT_CONDITION_H
 
@@ -27,10 +33,15 @@ typedef DDS_Condition *DDS_ConditionPtr;
 KOLT_SEQUENCE_DECLARE(DDS_ConditionSeq, DDS_ConditionPtr, KOLT_EXPORT);
 typedef struct DDS_WaitSet DDS_WaitSet;
 
+/* True while the condition is triggered: a status condition while one of its enabled statuses has
+ * changed, a guard condition while it is set, a read or query condition while the reader has
+ * samples that it selects. */
 KOLT_EXPORT DDS_Boolean DDS_Condition_get_trigger_value(DDS_Condition *self);
 
 KOLT_EXPORT DDS_Condition *DDS_StatusCondition_as_condition(DDS_StatusCondition *self);
-/* The statuses that trigger it; all at first. */
+/* The statuses that trigger it; all at first. Those that the entity does not have count for
+ * nothing. Must not be called from a listener callback of the same entity: it waits for that to
+ * end. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_StatusCondition_set_enabled_statuses(DDS_StatusCondition *self,
                                                                       DDS_StatusMask mask);
 KOLT_EXPORT DDS_StatusMask DDS_StatusCondition_get_enabled_statuses(DDS_StatusCondition *self);
@@ -41,10 +52,12 @@ KOLT_EXPORT DDS_GuardCondition *DDS_GuardCondition_new(void);
 /* PRECONDITION_NOT_MET while it is attached to a waitset. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_GuardCondition_delete(DDS_GuardCondition *self);
 KOLT_EXPORT DDS_Condition *DDS_GuardCondition_as_condition(DDS_GuardCondition *self);
+/* Sets or resets it. It stays as it is set; waiting does not reset it. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_GuardCondition_set_trigger_value(DDS_GuardCondition *self,
                                                                   DDS_Boolean value);
 
 KOLT_EXPORT DDS_Condition *DDS_ReadCondition_as_condition(DDS_ReadCondition *self);
+/* What the condition was created with. */
 KOLT_EXPORT DDS_DataReader *DDS_ReadCondition_get_datareader(DDS_ReadCondition *self);
 KOLT_EXPORT DDS_SampleStateMask DDS_ReadCondition_get_sample_state_mask(DDS_ReadCondition *self);
 KOLT_EXPORT DDS_ViewStateMask DDS_ReadCondition_get_view_state_mask(DDS_ReadCondition *self);
@@ -54,26 +67,31 @@ DDS_ReadCondition_get_instance_state_mask(DDS_ReadCondition *self);
 KOLT_EXPORT DDS_ReadCondition *DDS_QueryCondition_as_readcondition(DDS_QueryCondition *self);
 /* The expression, owned by the condition. */
 KOLT_EXPORT const char *DDS_QueryCondition_get_query_expression(DDS_QueryCondition *self);
-/* Copies the parameters into `parameters`. */
+/* Copies the parameters into `parameters`. OUT_OF_RESOURCES when they do not fit in. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_QueryCondition_get_query_parameters(DDS_QueryCondition *self,
                                                                      DDS_StringSeq *parameters);
-/* Replaces the parameters; BAD_PARAMETER (and a log message) when they do not fit. */
+/* Replaces the parameters, and judges by them what the reader has already. BAD_PARAMETER (and a log
+ * message) when they do not fit; the old ones then stay. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_QueryCondition_set_query_parameters(DDS_QueryCondition *self, const DDS_StringSeq *parameters);
 
-/* NULL when memory runs out. */
+/* An empty waitset. NULL when memory runs out. Delete it with DDS_WaitSet_delete. */
 KOLT_EXPORT DDS_WaitSet *DDS_WaitSet_new(void);
+/* Detaches all conditions. PRECONDITION_NOT_MET while a thread waits. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_delete(DDS_WaitSet *self);
-/* Attaching twice is OK and has no effect. */
+/* Attaching twice is OK and has no effect. A condition that is triggered ends a wait at once. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_attach_condition(DDS_WaitSet *self,
                                                           DDS_Condition *condition);
 /* PRECONDITION_NOT_MET when it is not attached. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_detach_condition(DDS_WaitSet *self,
                                                           DDS_Condition *condition);
+/* The attached conditions, into a sequence of the caller's. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_get_conditions(DDS_WaitSet *self,
                                                         DDS_ConditionSeq *conditions);
-/* Waits until a condition triggers; `active` gets those that did. TIMEOUT when none did (`active`
- * is then empty); PRECONDITION_NOT_MET when another thread waits on the same waitset. */
+/* Waits until a condition triggers; `active` gets those that did. TIMEOUT when none did within
+ * `timeout`, measured on the monotonic clock (`active` is then empty); PRECONDITION_NOT_MET when
+ * another thread waits on the same waitset; OUT_OF_RESOURCES when `active` has no room and cannot
+ * grow. With an empty waitset it waits for a condition to be attached. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_wait(DDS_WaitSet *self, DDS_ConditionSeq *active,
                                               const DDS_Duration_t *timeout);
 

@@ -11,7 +11,7 @@
 
 KOLT_EXTERN_C_BEGIN
 
-typedef enum KOLT_Config_LogCategory {
+typedef enum KOLT_Config_LogCategory KOLT_ENUM_BASE {
     KOLT_CONFIG_LOG_CATEGORY_PLATFORM = 0,
     KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION = 1,
     KOLT_CONFIG_LOG_CATEGORY_DATABASE = 2,
@@ -24,7 +24,7 @@ typedef enum KOLT_Config_LogCategory {
 #define KOLT_CONFIG_LOG_CATEGORY_COUNT 8
 
 /* Level of a message; bit `level` of a verbosity lets it through. */
-typedef enum KOLT_Config_LogLevel {
+typedef enum KOLT_Config_LogLevel KOLT_ENUM_BASE {
     KOLT_CONFIG_LOG_LEVEL_FATAL_ERROR = 0,
     KOLT_CONFIG_LOG_LEVEL_ERROR = 1,
     KOLT_CONFIG_LOG_LEVEL_WARNING = 2,
@@ -34,7 +34,7 @@ typedef enum KOLT_Config_LogLevel {
 } KOLT_Config_LogLevel;
 
 /* A mask: bit n lets messages of level n through. */
-typedef enum KOLT_Config_LogVerbosity {
+typedef enum KOLT_Config_LogVerbosity KOLT_ENUM_BASE {
     KOLT_CONFIG_LOG_VERBOSITY_SILENT = 0,
     KOLT_CONFIG_LOG_VERBOSITY_ERROR = 0x3,
     KOLT_CONFIG_LOG_VERBOSITY_WARNING = 0x7,
@@ -63,7 +63,7 @@ typedef enum KOLT_Config_LogVerbosity {
  *   0x0001  its lines as they stand; without this bit those after the first are indented
  *
  * The enumerators are the named formats; any other combination of these bits is a format, too. */
-typedef enum KOLT_Config_LogPrintFormat {
+typedef enum KOLT_Config_LogPrintFormat KOLT_ENUM_BASE {
     KOLT_CONFIG_LOG_PRINT_FORMAT_MINIMAL = 0x11, /* the text alone */
     KOLT_CONFIG_LOG_PRINT_FORMAT_DEFAULT = 0x3412,
     KOLT_CONFIG_LOG_PRINT_FORMAT_TIMESTAMPED = 0x3512,
@@ -73,7 +73,7 @@ typedef enum KOLT_Config_LogPrintFormat {
     KOLT_CONFIG_LOG_PRINT_FORMAT_MAXIMAL = 0x3F7F
 } KOLT_Config_LogPrintFormat;
 
-typedef enum KOLT_Config_LogFacility {
+typedef enum KOLT_Config_LogFacility KOLT_ENUM_BASE {
     KOLT_CONFIG_LOG_FACILITY_MIDDLEWARE = 0,
     KOLT_CONFIG_LOG_FACILITY_USER = 1,
     KOLT_CONFIG_LOG_FACILITY_SECURITY_EVENT = 2,

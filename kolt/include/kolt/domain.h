@@ -1,4 +1,5 @@
-/* The participant factory and participants (DDS 1.4, 2.2.2.2). */
+/* The participant factory and participants (DDS 1.4, 2.2.2.2). The conventions of publication.h
+ * about QoS and listeners hold here, too. Every function may be called from any thread. */
 #ifndef KOLT_DOMAIN_H
 #define KOLT_DOMAIN_H
 
@@ -31,6 +32,7 @@ KOLT_EXPORT DDS_DomainParticipant *DDS_DomainParticipantFactory_create_participa
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id,
     const DDS_DomainParticipantQos *qos, const DDS_DomainParticipantListener *listener,
     DDS_StatusMask mask);
+/* Not QoS but marks that are recognised by their address. */
 KOLT_EXPORT extern const DDS_DomainParticipantQos DDS_PARTICIPANT_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_TopicQos DDS_TOPIC_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_PublisherQos DDS_PUBLISHER_QOS_DEFAULT;
@@ -42,10 +44,14 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(
 /* Any one participant of the domain; NULL when there is none. */
 KOLT_EXPORT DDS_DomainParticipant *DDS_DomainParticipantFactory_lookup_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id);
+/* What a participant without QoS of its own gets: what was set, else what the loaded profiles say,
+ * else the standard's default. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipantQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_set_default_participant_qos(
     DDS_DomainParticipantFactory *self, const DDS_DomainParticipantQos *qos);
+/* The factory's own QoS: whether participants are enabled at creation, and where profiles are. What
+ * set_qos changes counts for what happens afterwards. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipantFactoryQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_set_qos(
@@ -62,9 +68,10 @@ KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipantFactory_reload_profiles(DDS_DomainParticipantFactory *self);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipantFactory_unload_profiles(DDS_DomainParticipantFactory *self);
-/* Loads one document more, a path or a file URL, behind those above: it may refer to their
- * profiles. What it is wrong in is logged, and it is then not loaded (ERROR). Loading it again is
- * OK and changes nothing; reload_profiles reads it anew, unload_profiles forgets it. */
+/* Loads one document more, a path or a file URL, behind those above, to whose profiles it may
+ * refer. ERROR (and a log message) when it cannot be read or is wrong; it is then not loaded.
+ * Loading it again is OK and changes nothing; reload_profiles reads it anew, unload_profiles
+ * forgets it. */
 KOLT_EXPORT DDS_ReturnCode_t
 KOLT_DomainParticipantFactory_add_profiles(DDS_DomainParticipantFactory *self, const char *url);
 /* Names of the libraries, and of the profiles of a library (BAD_PARAMETER when there is no such
@@ -128,7 +135,9 @@ KOLT_EXPORT int32_t KOLT_DomainParticipant_engine_handle(DDS_DomainParticipant *
 /* The factory that owns a participant; NULL for NULL. */
 KOLT_EXPORT DDS_DomainParticipantFactory *DDS_DomainParticipant_get_participant_factoryI(
     DDS_DomainParticipant *self);
+/* 0 for NULL. */
 KOLT_EXPORT DDS_DomainId_t DDS_DomainParticipant_get_domain_id(DDS_DomainParticipant *self);
+/* `wire_protocol` holds what is in force; zeros while the participant is disabled. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant *self,
                                                            DDS_DomainParticipantQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_set_qos(DDS_DomainParticipant *self,
@@ -147,7 +156,8 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParti
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant *self,
                                                                    const char *type_name);
 
-/* NULL (and a log message) when the type is not registered, the name is taken, or the QoS is
+/* NULL (and a log message) when the type is not registered, the name is taken or no topic name
+ * (letters, digits, '_' and '/', not beginning with a digit or with "DCPS"), or the QoS is
  * inconsistent. */
 KOLT_EXPORT DDS_Topic *DDS_DomainParticipant_create_topic(
     DDS_DomainParticipant *self, const char *topic_name, const char *type_name,
@@ -155,8 +165,9 @@ KOLT_EXPORT DDS_Topic *DDS_DomainParticipant_create_topic(
 /* PRECONDITION_NOT_MET while readers, writers or content-filtered topics use it. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_topic(DDS_DomainParticipant *self,
                                                                 DDS_Topic *topic);
-/* NULL (and a log message with the position) for a wrong filter expression or parameter, or a name
- * that is taken. */
+/* NULL (and a log message with the position) for a wrong filter expression or parameter, a foreign
+ * topic, or a name that is taken. `expression_parameters` may be NULL when the expression uses
+ * none; expression and parameters are copied. See kolt/filter.h for the grammar. */
 KOLT_EXPORT DDS_ContentFilteredTopic *DDS_DomainParticipant_create_contentfilteredtopic(
     DDS_DomainParticipant *self, const char *name, DDS_Topic *related_topic,
     const char *filter_expression, const DDS_StringSeq *expression_parameters);
@@ -166,6 +177,8 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_contentfilteredtopic(
 KOLT_EXPORT DDS_TopicDescription *DDS_DomainParticipant_lookup_topicdescription(
     DDS_DomainParticipant *self, const char *name);
 
+/* Publishers and subscribers: NULL (and a log message) for inconsistent QoS or no memory. With NULL
+ * for `qos` or the mark, the participant's default is used. */
 KOLT_EXPORT DDS_Publisher *DDS_DomainParticipant_create_publisher(
     DDS_DomainParticipant *self, const DDS_PublisherQos *qos, const DDS_PublisherListener *listener,
     DDS_StatusMask mask);
@@ -178,13 +191,16 @@ KOLT_EXPORT DDS_Subscriber *DDS_DomainParticipant_create_subscriber(
 /* PRECONDITION_NOT_MET while it has readers. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_subscriber(DDS_DomainParticipant *self,
                                                                      DDS_Subscriber *subscriber);
-/* Deletes everything in the participant, in the right order. */
+/* Deletes everything in the participant, in the right order. PRECONDITION_NOT_MET when a reader has
+ * loans out: it stays, and so does what it needs. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipant_delete_contained_entities(DDS_DomainParticipant *self);
 /* True when the handle is that of an entity in this participant. */
 KOLT_EXPORT DDS_Boolean DDS_DomainParticipant_contains_entity(DDS_DomainParticipant *self,
                                                               DDS_InstanceHandle_t handle);
+/* For writers with liveliness MANUAL_BY_PARTICIPANT. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_assert_liveliness(DDS_DomainParticipant *self);
+/* The time of the system clock, in which samples are stamped. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_get_current_time(DDS_DomainParticipant *self,
                                                                     DDS_Time_t *current_time);
 

@@ -1,9 +1,22 @@
 /* Entities in general (DDS 1.4, 2.2.2.1), and the types of all of them.
  *
- * Entities are made and deleted by their parents and are handled by pointer. Their functions may be
- * called from any thread; to delete an entity while another thread uses it is the caller's error.
- * Listener callbacks run on the engine's threads, one at a time per entity; they may read, write
- * and create, but must not delete their own entity.
+ *  1. Entities are made and deleted by their parents and are handled by pointer, which is valid
+ * until the entity is deleted. Their functions may be called from any thread; to delete an entity
+ *     while another thread uses it is the caller's error.
+ *  2. An entity is enabled at creation when its parent is enabled and the parent's entity factory
+ *     policy says so (the default), otherwise by DDS_Entity_enable. A disabled one has no
+ *     counterpart in the network: QoS (immutable policies included), listener and conditions can be
+ *     set, statuses stay at zero, and what needs the network gives DDS_RETCODE_NOT_ENABLED.
+ *  3. Listener callbacks run on the engine's threads, or on the thread that installs a listener or
+ *     writes to a reader in the same process; one at a time per listener. They may read, write,
+ * create and install listeners. They must not delete their own entity, and must not write through
+ * the writer whose write they are called from (a reader's callback on the writing thread).
+ *  4. A listener handles a status when the status is in its mask and the callback is not NULL.
+ *     What an entity's own listener does not handle goes to its publisher's or subscriber's, and
+ *     then to its participant's. What nobody handles is kept until a getter or a later listener
+ * asks for it.
+ *  5. When a function that replaces or removes a listener has returned, no callback of the old one
+ *     runs on another thread. When an entity has been deleted, no callback about it runs.
  */
 #ifndef KOLT_ENTITY_H
 #define KOLT_ENTITY_H
@@ -47,14 +60,19 @@ typedef struct DDS_ContentFilteredTopic {
 typedef struct DDS_StatusCondition DDS_StatusCondition;
 
 /* Enables an entity that was created disabled, and its contained ones as the entity factory policy
- * says. OK also when it is enabled already; PRECONDITION_NOT_MET when its factory is disabled. */
+ * says (DDS 1.4, 2.2.2.1.1.7). OK also when it is enabled already; PRECONDITION_NOT_MET when the
+ * entity that made it, or the topic of a reader or writer, is disabled; what the engine says when
+ * it refuses. Must not run on two threads at once for the same entity. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity *self);
+/* True once it is enabled; false for NULL. */
 KOLT_EXPORT DDS_Boolean DDS_Entity_is_enabled(DDS_Entity *self);
-/* Statuses that changed since they were last read by a getter or handled by a listener. */
+/* Statuses that changed since they were last read by a getter or handled by a listener; 0 for NULL
+ * and for a disabled entity. */
 KOLT_EXPORT DDS_StatusMask DDS_Entity_get_status_changes(DDS_Entity *self);
-/* The entity's one status condition; it lives as long as the entity. */
+/* The entity's one status condition; it lives as long as the entity and leaves its waitsets with
+ * it. NULL for NULL. */
 KOLT_EXPORT DDS_StatusCondition *DDS_Entity_get_statuscondition(DDS_Entity *self);
-/* Unique in the domain; DDS_HANDLE_NIL for NULL. */
+/* Unique in the domain; DDS_HANDLE_NIL for NULL and for a disabled entity. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_Entity_get_instance_handle(DDS_Entity *self);
 
 /* Each entity, seen as an entity: NULL for NULL. */

@@ -16,4 +16,12 @@
 #define KOLT_EXTERN_C_END
 #endif
 
+/* The type under an enumeration. C callers may store any number in one; with a fixed type C++ reads
+ * it back as that number. */
+#ifdef __cplusplus
+#define KOLT_ENUM_BASE : int
+#else
+#define KOLT_ENUM_BASE
+#endif
+
 #endif /* KOLT_EXPORT_H */

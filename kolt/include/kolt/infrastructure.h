@@ -57,7 +57,7 @@ typedef int32_t DDS_Enum;
 
 /* ---- Return codes (DDS 1.4, 2.2.2.1.1) -------------------------------------------------- */
 
-typedef enum DDS_ReturnCode_t {
+typedef enum DDS_ReturnCode_t KOLT_ENUM_BASE {
     DDS_RETCODE_OK = 0,
     DDS_RETCODE_ERROR = 1,
     DDS_RETCODE_UNSUPPORTED = 2,

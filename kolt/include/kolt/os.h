@@ -68,7 +68,7 @@ KOLT_EXPORT int KOLT_Mutex_give(KOLT_Mutex *self);
  * better come now. Nobody spins, and a waiter that finds nothing costs no processor time. */
 typedef struct KOLT_Semaphore KOLT_Semaphore;
 
-typedef enum KOLT_SemaphoreResult {
+typedef enum KOLT_SemaphoreResult KOLT_ENUM_BASE {
     KOLT_SEMAPHORE_OK = 0,      /* a token was taken or given */
     KOLT_SEMAPHORE_TIMEOUT = 1, /* no token came in time */
     KOLT_SEMAPHORE_ERROR = 2    /* NULL, or the count would overflow, or the system failed */

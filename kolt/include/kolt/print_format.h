@@ -6,7 +6,7 @@
 
 KOLT_EXTERN_C_BEGIN
 
-typedef enum DDS_PrintFormatKind {
+typedef enum DDS_PrintFormatKind KOLT_ENUM_BASE {
     DDS_DEFAULT_PRINT_FORMAT = 0, /* "name: value" lines, for people */
     DDS_XML_PRINT_FORMAT = 1,     /* one element a member */
     DDS_JSON_PRINT_FORMAT = 2     /* RFC 8259, one object a structure */

@@ -1,4 +1,13 @@
-/* Publishers and data writers (DDS 1.4, 2.2.2.4). */
+/* Publishers and data writers (DDS 1.4, 2.2.2.4).
+ *
+ * Conventions of this header, beside those of infrastructure.h and entity.h:
+ *  1. Getters of QoS copy into an initialised record of the caller's. Setters give
+ *     INCONSISTENT_POLICY, or IMMUTABLE_POLICY on an enabled entity, with a log message that names
+ *     the policy; and UNSUPPORTED for a change that the standard allows but the engine does not
+ * make (partition, deadline, latency budget: policies by which readers and writers are matched).
+ *  2. Getters of a status read it and reset its changes.
+ *  3. Durations of 0 do not wait; the infinite one waits without limit.
+ */
 #ifndef KOLT_PUBLICATION_H
 #define KOLT_PUBLICATION_H
 
@@ -11,7 +20,8 @@ KOLT_EXTERN_C_BEGIN
 /* ---- Write parameters ---------------------------------------------------------------------- */
 
 /* What a write, dispose or (un)register carries beside the sample. With an invalid source time
- * stamp (the default) the time of the call is used. A cookie of length 0 is no cookie. */
+ * stamp (the default; `sec` is negative) the time of the call is used. A cookie of length 0 is no
+ * cookie. */
 typedef struct DDS_WriteParams_t {
     DDS_Time_t source_timestamp;
     DDS_Cookie_t cookie;
@@ -24,7 +34,9 @@ KOLT_EXPORT extern const DDS_WriteParams_t DDS_WRITEPARAMS_DEFAULT;
 /* A callback that is NULL is not called. With the property "dds.data_writer.enable_deferred_write"
  * set to "true", a write that carries a cookie takes its data from `on_data_request` at the moment
  * when the writer needs them, which is when it serialises the sample for its history, and gives
- * them back through `on_data_return`; the sample that was passed to the write is not read. */
+ * them back through `on_data_return`; the sample that was passed to the write is not read and may
+ * be NULL. Both are called on the writing thread, whatever the listener's mask, and only on the
+ * listener of the writer itself. */
 typedef struct DDS_DataWriterListener {
     void *listener_data;
     void (*on_offered_deadline_missed)(void *listener_data, DDS_DataWriter *writer,
@@ -45,18 +57,23 @@ typedef DDS_DataWriterListener DDS_PublisherListener;
 
 /* ---- Publisher ----------------------------------------------------------------------------- */
 
-/* NULL (and a log message) for inconsistent QoS, a topic of another participant, or no memory. With
+/* NULL (and a log message) for inconsistent QoS, a representation that the type does not allow, a
+ * topic of another participant, or no memory. Delete it with DDS_Publisher_delete_datawriter. With
  * NULL for `qos`, or DDS_DATAWRITER_QOS_DEFAULT, the publisher's default is used; with
- * DDS_DATAWRITER_QOS_USE_TOPIC_QOS that default with the topic's policies copied in. */
+ * DDS_DATAWRITER_QOS_USE_TOPIC_QOS that default with the topic's policies copied in. The default is
+ * what was set for the publisher, else for the participant, else what the loaded profiles say for
+ * the topic, else the standard's. */
 KOLT_EXPORT DDS_DataWriter *DDS_Publisher_create_datawriter(DDS_Publisher *self, DDS_Topic *topic,
                                                             const DDS_DataWriterQos *qos,
                                                             const DDS_DataWriterListener *listener,
                                                             DDS_StatusMask mask);
+/* Not QoS but marks that are recognised by their address. */
 KOLT_EXPORT extern const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_DataWriterQos DDS_DATAWRITER_QOS_USE_TOPIC_QOS;
 /* PRECONDITION_NOT_MET when the writer is not one of this publisher's. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_delete_datawriter(DDS_Publisher *self,
                                                              DDS_DataWriter *writer);
+/* Deletes all of its writers. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_delete_contained_entities(DDS_Publisher *self);
 /* Any one writer for the topic name; NULL when there is none. */
 KOLT_EXPORT DDS_DataWriter *DDS_Publisher_lookup_datawriter(DDS_Publisher *self,
@@ -64,13 +81,17 @@ KOLT_EXPORT DDS_DataWriter *DDS_Publisher_lookup_datawriter(DDS_Publisher *self,
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_get_qos(DDS_Publisher *self, DDS_PublisherQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_set_qos(DDS_Publisher *self,
                                                    const DDS_PublisherQos *qos);
+/* Replaces the listener (the record is copied; NULL removes it). It is told of what happens from
+ * now on. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_set_listener(DDS_Publisher *self,
                                                         const DDS_PublisherListener *listener,
                                                         DDS_StatusMask mask);
+/* What a writer without QoS of its own gets; INCONSISTENT_POLICY when it would be inconsistent. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_get_default_datawriter_qos(DDS_Publisher *self,
                                                                       DDS_DataWriterQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_set_default_datawriter_qos(DDS_Publisher *self,
                                                                       const DDS_DataWriterQos *qos);
+/* Replaces the policies of `writer_qos` that a topic has, too. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Publisher_copy_from_topic_qos(DDS_Publisher *self,
                                                                DDS_DataWriterQos *writer_qos,
                                                                const DDS_TopicQos *topic_qos);
@@ -90,13 +111,17 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_qos(DDS_DataWriter *self,
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_listener(DDS_DataWriter *self,
                                                          const DDS_DataWriterListener *listener,
                                                          DDS_StatusMask mask);
+/* The listener in force; all NULL when there is none. */
 KOLT_EXPORT DDS_DataWriterListener DDS_DataWriter_get_listener(DDS_DataWriter *self);
 KOLT_EXPORT DDS_Topic *DDS_DataWriter_get_topic(DDS_DataWriter *self);
 KOLT_EXPORT DDS_Publisher *DDS_DataWriter_get_publisher(DDS_DataWriter *self);
 /* The endpoint type name of the writer's type plugin, by which typed writers narrow. */
 KOLT_EXPORT const char *DDS_DataWriter_get_endpoint_type_name(DDS_DataWriter *self);
+/* Waits until reliable readers have acknowledged everything written so far. TIMEOUT when they have
+ * not, NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DataWriter_wait_for_acknowledgments(DDS_DataWriter *self, const DDS_Duration_t *max_wait);
+/* For manual liveliness (DDS 1.4, 2.2.2.4.2.22); writing asserts it as well. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_assert_liveliness(DDS_DataWriter *self);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DataWriter_get_liveliness_lost_status(DDS_DataWriter *self, DDS_LivelinessLostStatus *status);
@@ -106,13 +131,15 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_offered_incompatible_qos_status(
     DDS_DataWriter *self, DDS_OfferedIncompatibleQosStatus *status);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_publication_matched_status(
     DDS_DataWriter *self, DDS_PublicationMatchedStatus *status);
+/* The instance handles of the readers that it is matched with. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter *self, DDS_InstanceHandleSeq *handles);
 
 /* Samples are records of the writer's type. Writing: BAD_PARAMETER for a NULL sample or a handle of
  * another instance, NOT_ENABLED, TIMEOUT when room in the history does not come up in the writer's
  * max_blocking_time, ERROR when the sample cannot be serialised (a string longer than its bound).
- * `handle` may be DDS_HANDLE_NIL: the instance is then found by the sample's key. */
+ * `handle` may be DDS_HANDLE_NIL: the instance is then found by the sample's key. Writing registers
+ * the instance. The sample is serialised before the function returns. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter *self, const void *sample,
                                                   DDS_InstanceHandle_t handle);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *self,
@@ -121,15 +148,19 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *se
                                                               const DDS_Time_t *source_timestamp);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter *self, const void *sample,
                                                            const DDS_WriteParams_t *params);
-/* DDS_HANDLE_NIL on failure and for unkeyed types. */
+/* Registers the instance of the sample's key; again is allowed and gives the same handle. Nothing
+ * is sent, the time stamp has no effect. DDS_HANDLE_NIL on failure and for unkeyed types. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance(DDS_DataWriter *self,
                                                                   const void *sample);
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_timestamp(
     DDS_DataWriter *self, const void *sample, const DDS_Time_t *source_timestamp);
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_params(
     DDS_DataWriter *self, const void *sample, const DDS_WriteParams_t *params);
-/* With a handle the sample may be NULL. PRECONDITION_NOT_MET for an instance that is not
- * registered. */
+/* Unregistering says that this writer writes the instance no more, and by default disposes it
+ * (writer_data_lifecycle); disposing says that the instance is no more. With a handle the sample
+ * may be NULL, otherwise its key members count. Results as for writing; PRECONDITION_NOT_MET for a
+ * handle that is no registered instance of the writer, for unregistering an instance that is not
+ * registered, and for an unkeyed type. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_unregister_instance(DDS_DataWriter *self,
                                                                 const void *sample,
                                                                 DDS_InstanceHandle_t handle);

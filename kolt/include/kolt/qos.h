@@ -14,46 +14,46 @@ KOLT_EXTERN_C_BEGIN
 
 /* ---- Policy kinds -------------------------------------------------------------------------- */
 
-typedef enum DDS_DurabilityQosPolicyKind {
+typedef enum DDS_DurabilityQosPolicyKind KOLT_ENUM_BASE {
     DDS_VOLATILE_DURABILITY_QOS = 0,
     DDS_TRANSIENT_LOCAL_DURABILITY_QOS = 1,
     DDS_TRANSIENT_DURABILITY_QOS = 2,
     DDS_PERSISTENT_DURABILITY_QOS = 3
 } DDS_DurabilityQosPolicyKind;
 
-typedef enum DDS_PresentationQosPolicyAccessScopeKind {
+typedef enum DDS_PresentationQosPolicyAccessScopeKind KOLT_ENUM_BASE {
     DDS_INSTANCE_PRESENTATION_QOS = 0,
     DDS_TOPIC_PRESENTATION_QOS = 1,
     DDS_GROUP_PRESENTATION_QOS = 2
 } DDS_PresentationQosPolicyAccessScopeKind;
 
-typedef enum DDS_OwnershipQosPolicyKind {
+typedef enum DDS_OwnershipQosPolicyKind KOLT_ENUM_BASE {
     DDS_SHARED_OWNERSHIP_QOS = 0,
     DDS_EXCLUSIVE_OWNERSHIP_QOS = 1
 } DDS_OwnershipQosPolicyKind;
 
-typedef enum DDS_LivelinessQosPolicyKind {
+typedef enum DDS_LivelinessQosPolicyKind KOLT_ENUM_BASE {
     DDS_AUTOMATIC_LIVELINESS_QOS = 0,
     DDS_MANUAL_BY_PARTICIPANT_LIVELINESS_QOS = 1,
     DDS_MANUAL_BY_TOPIC_LIVELINESS_QOS = 2
 } DDS_LivelinessQosPolicyKind;
 
-typedef enum DDS_ReliabilityQosPolicyKind {
+typedef enum DDS_ReliabilityQosPolicyKind KOLT_ENUM_BASE {
     DDS_BEST_EFFORT_RELIABILITY_QOS = 0,
     DDS_RELIABLE_RELIABILITY_QOS = 1
 } DDS_ReliabilityQosPolicyKind;
 
-typedef enum DDS_DestinationOrderQosPolicyKind {
+typedef enum DDS_DestinationOrderQosPolicyKind KOLT_ENUM_BASE {
     DDS_BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS = 0,
     DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS = 1
 } DDS_DestinationOrderQosPolicyKind;
 
-typedef enum DDS_HistoryQosPolicyKind {
+typedef enum DDS_HistoryQosPolicyKind KOLT_ENUM_BASE {
     DDS_KEEP_LAST_HISTORY_QOS = 0,
     DDS_KEEP_ALL_HISTORY_QOS = 1
 } DDS_HistoryQosPolicyKind;
 
-typedef enum DDS_TypeConsistencyKind {
+typedef enum DDS_TypeConsistencyKind KOLT_ENUM_BASE {
     DDS_DISALLOW_TYPE_COERCION = 0,
     DDS_ALLOW_TYPE_COERCION = 1
 } DDS_TypeConsistencyKind;

@@ -6,7 +6,7 @@
 
 KOLT_EXTERN_C_BEGIN
 
-typedef enum DDS_StatusKind {
+typedef enum DDS_StatusKind KOLT_ENUM_BASE {
     DDS_INCONSISTENT_TOPIC_STATUS = 0x0001,
     DDS_OFFERED_DEADLINE_MISSED_STATUS = 0x0002,
     DDS_REQUESTED_DEADLINE_MISSED_STATUS = 0x0004,
@@ -32,7 +32,7 @@ typedef struct DDS_SampleLostStatus {
     DDS_Long total_count;
     DDS_Long total_count_change;
 } DDS_SampleLostStatus;
-typedef enum DDS_SampleRejectedStatusKind {
+typedef enum DDS_SampleRejectedStatusKind KOLT_ENUM_BASE {
     DDS_NOT_REJECTED = 0,
     DDS_REJECTED_BY_INSTANCES_LIMIT = 1,
     DDS_REJECTED_BY_SAMPLES_LIMIT = 2,

@@ -1,4 +1,8 @@
-/* Subscribers and data readers (DDS 1.4, 2.2.2.5). */
+/* Subscribers and data readers (DDS 1.4, 2.2.2.5). The conventions of publication.h hold here, too.
+ *
+ * Samples lie serialised in the reader's cache; reading makes records of them. A sample that cannot
+ * be deserialised is dropped with a log message, and the others are delivered.
+ */
 #ifndef KOLT_SUBSCRIPTION_H
 #define KOLT_SUBSCRIPTION_H
 
@@ -37,34 +41,48 @@ typedef struct DDS_SubscriberListener {
 
 /* ---- Subscriber ---------------------------------------------------------------------------- */
 
-/* NULL (and a log message) for a NULL or foreign topic, inconsistent QoS, or no memory. */
+/* A reader of a topic or content-filtered topic. NULL (and a log message) for a NULL or foreign
+ * topic, inconsistent QoS, a representation that the type does not allow, or no memory. Delete it
+ * with DDS_Subscriber_delete_datareader. `qos` as for DDS_Publisher_create_datawriter. */
 KOLT_EXPORT DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self,
                                                              DDS_TopicDescription *topic,
                                                              const DDS_DataReaderQos *qos,
                                                              const DDS_DataReaderListener *listener,
                                                              DDS_StatusMask mask);
+/* Not QoS but marks that are recognised by their address. */
 KOLT_EXPORT extern const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_DataReaderQos DDS_DATAREADER_QOS_USE_TOPIC_QOS;
 /* PRECONDITION_NOT_MET when the reader is not one of this subscriber's, has loans out, or has
  * conditions. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self,
                                                               DDS_DataReader *reader);
+/* Deletes all of its readers, with their conditions, also attached ones. PRECONDITION_NOT_MET when
+ * a reader has loans out; that one stays. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_delete_contained_entities(DDS_Subscriber *self);
+/* Any one reader for the topic name, which is that of the topic description that it was made for;
+ * NULL when there is none. */
 KOLT_EXPORT DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self,
                                                              const char *topic_name);
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_set_qos(DDS_Subscriber *self,
                                                     const DDS_SubscriberQos *qos);
+/* Replaces the listener (the record is copied; NULL removes it). It is told of what happens from
+ * now on. While `on_data_on_readers` is handled, readers' `on_data_available` is called only
+ * through DDS_Subscriber_notify_datareaders. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_set_listener(DDS_Subscriber *self,
                                                          const DDS_SubscriberListener *listener,
                                                          DDS_StatusMask mask);
+/* What a reader without QoS of its own gets; INCONSISTENT_POLICY when it would be inconsistent. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
                                                                        DDS_DataReaderQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self, const DDS_DataReaderQos *qos);
+/* Replaces the policies of `reader_qos` that a topic has, too. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
                                                                 DDS_DataReaderQos *reader_qos,
                                                                 const DDS_TopicQos *topic_qos);
+/* Calls on_data_available, on the calling thread, for each reader with data that nobody was told
+ * of. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self);
 KOLT_EXPORT DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self);
 
@@ -79,12 +97,17 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self,
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
                                                          const DDS_DataReaderListener *listener,
                                                          DDS_StatusMask mask);
+/* The listener in force; all NULL when there is none. */
 KOLT_EXPORT DDS_DataReaderListener DDS_DataReader_get_listener(DDS_DataReader *self);
 KOLT_EXPORT DDS_TopicDescription *DDS_DataReader_get_topicdescription(DDS_DataReader *self);
 KOLT_EXPORT DDS_Subscriber *DDS_DataReader_get_subscriber(DDS_DataReader *self);
+/* The endpoint type name of the reader's type plugin, by which typed readers narrow. */
 KOLT_EXPORT const char *DDS_DataReader_get_endpoint_type_name(DDS_DataReader *self);
+/* Deletes all conditions; PRECONDITION_NOT_MET, and nothing deleted, when one is attached to a
+ * waitset. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_delete_contained_entities(DDS_DataReader *self);
-/* Waits until the history of all matched writers has arrived. */
+/* A volatile reader gets no history: OK at once. For the others UNSUPPORTED (and a log message):
+ * the engine does not tell when the history of the matched writers has arrived. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DataReader_wait_for_historical_data(DDS_DataReader *self, const DDS_Duration_t *max_wait);
 KOLT_EXPORT DDS_ReturnCode_t
@@ -99,10 +122,13 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_subscription_matched_status(
     DDS_DataReader *self, DDS_SubscriptionMatchedStatus *status);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_sample_lost_status(DDS_DataReader *self,
                                                                    DDS_SampleLostStatus *status);
+/* The instance handles of the writers that it is matched with. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DataReader_get_matched_publications(DDS_DataReader *self, DDS_InstanceHandleSeq *handles);
 
-/* Conditions. NULL (and a log message) for a wrong query expression or no memory. */
+/* Conditions. NULL (and a log message) for a mask that selects nothing, a wrong query expression, a
+ * disabled reader, or no memory; and for a query condition beyond 31 of a reader or 256 of the
+ * process. Samples without data satisfy every query. */
 KOLT_EXPORT DDS_ReadCondition *DDS_DataReader_create_readcondition(
     DDS_DataReader *self, DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
     DDS_InstanceStateMask instance_states);
@@ -115,7 +141,7 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader 
                                                                  DDS_ReadCondition *condition);
 
 /* Which samples a read or take is about. */
-typedef enum KOLT_ReadScope {
+typedef enum KOLT_ReadScope KOLT_ENUM_BASE {
     KOLT_READ_ALL = 0,          /* every instance */
     KOLT_READ_INSTANCE = 1,     /* the instance `handle` */
     KOLT_READ_NEXT_INSTANCE = 2 /* the first instance with data after `handle` */
@@ -138,7 +164,10 @@ typedef struct KOLT_ReadSelection {
  * DDS_DataReader_return_loan_untypedI. OK, NO_DATA, or: BAD_PARAMETER (a NULL, max_samples of 0 or
  * below -1, a foreign condition), PRECONDITION_NOT_MET (the sequences do not fit each other:
  * lengths, maxima and ownership must agree; a data or info sequence that still holds a loan;
- * max_samples larger than the maximum of an owning one), OUT_OF_RESOURCES, NOT_ENABLED. */
+ * max_samples larger than the maximum of an owning one), OUT_OF_RESOURCES, NOT_ENABLED. A handle
+ * that is no instance is BAD_PARAMETER, one that has no samples NO_DATA. `*loan` is NULL and
+ * `*count` 0 unless the result is OK. "After `handle`" is the order of the handles' numbers;
+ * DDS_HANDLE_NIL is before all. Any number of loans may be out at once. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
     DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
     DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
@@ -152,8 +181,10 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DD
                                                                               DDS_Boolean take,
                                                                               void *sample,
                                                                               DDS_SampleInfo *info);
+/* Fills the key members of `key_holder`. BAD_PARAMETER for a handle that is no instance. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
                                                           DDS_InstanceHandle_t handle);
+/* The handle of the key's instance; DDS_HANDLE_NIL when nobody in this process knows it. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self,
                                                                 const void *key_holder);
 /* Loaned samples are copies that nothing overwrites: always consistent. */

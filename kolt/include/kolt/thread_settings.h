@@ -8,7 +8,7 @@
 KOLT_EXTERN_C_BEGIN
 
 /* Bits of DDS_ThreadSettingsKindMask. What they do is told at KOLT_Thread_new (kolt/os.h). */
-typedef enum DDS_ThreadSettingsKind {
+typedef enum DDS_ThreadSettingsKind KOLT_ENUM_BASE {
     DDS_THREAD_SETTINGS_FLOATING_POINT = 0x01,
     DDS_THREAD_SETTINGS_STDIO = 0x02,
     DDS_THREAD_SETTINGS_REALTIME_PRIORITY = 0x08,
@@ -29,7 +29,7 @@ typedef DDS_UnsignedLong DDS_ThreadSettingsKindMask;
 #define DDS_THREAD_STACK_SIZE_DEFAULT (-1)
 
 /* How threads of one kind are spread over the processors of `cpu_list`. */
-typedef enum DDS_ThreadSettingsCpuRotationKind {
+typedef enum DDS_ThreadSettingsCpuRotationKind KOLT_ENUM_BASE {
     DDS_THREAD_SETTINGS_CPU_NO_ROTATION = 0, /* every thread may run on each of them */
     DDS_THREAD_SETTINGS_CPU_RR_ROTATION = 1  /* one processor a thread, in turn */
 } DDS_ThreadSettingsCpuRotationKind;

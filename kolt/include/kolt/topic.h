@@ -1,4 +1,10 @@
-/* Topics and content-filtered topics (DDS 1.4, 2.2.2.3). */
+/* Topics and content-filtered topics (DDS 1.4, 2.2.2.3).
+ *
+ * A content-filtered topic filters in the reader: what does not match is received and dropped
+ * before it reaches the reader's cache. The grammar is that of DDS 1.4, annex B, see kolt/filter.h.
+ * Samples without data (an instance is disposed or has lost its writers) always pass. A NULL `self`
+ * gives DDS_RETCODE_BAD_PARAMETER or NULL.
+ */
 #ifndef KOLT_TOPIC_H
 #define KOLT_TOPIC_H
 
@@ -7,12 +13,14 @@
 
 KOLT_EXTERN_C_BEGIN
 
+/* A callback that is NULL is not called. */
 typedef struct DDS_TopicListener {
     void *listener_data;
     void (*on_inconsistent_topic)(void *listener_data, DDS_Topic *topic,
                                   const DDS_InconsistentTopicStatus *status);
 } DDS_TopicListener;
 
+/* The name, and the name under which the type is registered; owned by the topic. */
 KOLT_EXPORT const char *DDS_TopicDescription_get_name(DDS_TopicDescription *self);
 KOLT_EXPORT const char *DDS_TopicDescription_get_type_name(DDS_TopicDescription *self);
 KOLT_EXPORT DDS_DomainParticipant *DDS_TopicDescription_get_participant(DDS_TopicDescription *self);
@@ -20,16 +28,24 @@ KOLT_EXPORT DDS_DomainParticipant *DDS_TopicDescription_get_participant(DDS_Topi
 KOLT_EXPORT DDS_TopicDescription *DDS_Topic_as_topicdescription(DDS_Topic *self);
 /* The topic behind a description; NULL when it is NULL or a content-filtered topic. */
 KOLT_EXPORT DDS_Topic *DDS_Topic_narrow(DDS_TopicDescription *self);
+/* Copies the QoS into an initialised record. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Topic_get_qos(DDS_Topic *self, DDS_TopicQos *qos);
+/* INCONSISTENT_POLICY and IMMUTABLE_POLICY (and a log message that names the policy); UNSUPPORTED
+ * for a change of a policy that the standard lets change but the engine does not (deadline, latency
+ * budget: policies by which readers and writers are matched). */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Topic_set_qos(DDS_Topic *self, const DDS_TopicQos *qos);
+/* Replaces the listener (the record is copied; NULL removes it). */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Topic_set_listener(DDS_Topic *self,
                                                     const DDS_TopicListener *listener,
                                                     DDS_StatusMask mask);
+/* Reads the status and resets its changes. The engine does not look for inconsistent topics: the
+ * counts stay 0. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_Topic_get_inconsistent_topic_status(DDS_Topic *self, DDS_InconsistentTopicStatus *status);
 
 KOLT_EXPORT DDS_TopicDescription *DDS_ContentFilteredTopic_as_topicdescription(
     DDS_ContentFilteredTopic *self);
+/* The content-filtered topic behind a description; NULL when it is NULL or a plain topic. */
 KOLT_EXPORT DDS_ContentFilteredTopic *DDS_ContentFilteredTopic_narrow(DDS_TopicDescription *self);
 KOLT_EXPORT DDS_Topic *DDS_ContentFilteredTopic_get_related_topic(DDS_ContentFilteredTopic *self);
 /* Owned by the topic. */

@@ -28,13 +28,13 @@ KOLT_EXPORT void KOLT_CdrStream_set(KOLT_CdrStream *self, DDS_Octet *buffer, siz
 typedef struct KOLT_TypePluginParticipantData KOLT_TypePluginParticipantData;
 typedef struct KOLT_TypePluginEndpointData KOLT_TypePluginEndpointData;
 
-typedef enum KOLT_TypePluginKeyKind {
+typedef enum KOLT_TypePluginKeyKind KOLT_ENUM_BASE {
     KOLT_TYPE_PLUGIN_NO_KEY = 0,
     KOLT_TYPE_PLUGIN_GUID_KEY = 1,
     KOLT_TYPE_PLUGIN_USER_KEY = 2
 } KOLT_TypePluginKeyKind;
 
-typedef enum KOLT_TypePluginEndpointKind {
+typedef enum KOLT_TypePluginEndpointKind KOLT_ENUM_BASE {
     KOLT_TYPE_PLUGIN_READER = 1,
     KOLT_TYPE_PLUGIN_WRITER = 2
 } KOLT_TypePluginEndpointKind;

@@ -14,7 +14,7 @@
 
 KOLT_EXTERN_C_BEGIN
 
-typedef enum DDS_TCKind {
+typedef enum DDS_TCKind KOLT_ENUM_BASE {
     DDS_TK_NULL = 0,
     DDS_TK_BOOLEAN,
     DDS_TK_CHAR,
@@ -36,7 +36,7 @@ typedef enum DDS_TCKind {
 } DDS_TCKind;
 
 /* DDS-XTypes 1.3, 7.2.3. */
-typedef enum DDS_ExtensibilityKind {
+typedef enum DDS_ExtensibilityKind KOLT_ENUM_BASE {
     DDS_FINAL_EXTENSIBILITY = 0,
     DDS_APPENDABLE_EXTENSIBILITY = 1,
     DDS_MUTABLE_EXTENSIBILITY = 2

@@ -10,8 +10,7 @@ DDS_Boolean DDS_Condition_get_trigger_value(DDS_Condition *self) {
     return self != nullptr && self->_impl->is_triggered() ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
 }
 
-// ---- Status condition
-// -------------------------------------------------------------------------------
+// ---- Status condition ---------------------------------------------------------------------------
 
 DDS_Condition *DDS_StatusCondition_as_condition(DDS_StatusCondition *self) {
     return self != nullptr ? &self->_condition : nullptr;
@@ -34,8 +33,7 @@ DDS_Entity *DDS_StatusCondition_get_entity(DDS_StatusCondition *self) {
         self, __func__, [](StatusCondition &condition) { return condition.entity().self(); });
 }
 
-// ---- Guard condition
-// --------------------------------------------------------------------------------
+// ---- Guard condition ----------------------------------------------------------------------------
 
 DDS_GuardCondition *DDS_GuardCondition_new(void) {
     return guarded(__func__, [] { return (new GuardCondition)->handle(); });
@@ -62,8 +60,7 @@ DDS_ReturnCode_t DDS_GuardCondition_set_trigger_value(DDS_GuardCondition *self, 
     });
 }
 
-// ---- Read and query conditions
-// ----------------------------------------------------------------------
+// ---- Read and query conditions ------------------------------------------------------------------
 
 DDS_Condition *DDS_ReadCondition_as_condition(DDS_ReadCondition *self) {
     return self != nullptr ? &self->_condition : nullptr;
@@ -114,8 +111,7 @@ DDS_ReturnCode_t DDS_QueryCondition_set_query_parameters(DDS_QueryCondition *sel
     });
 }
 
-// ---- Waitset
-// ----------------------------------------------------------------------------------------
+// ---- Waitset ------------------------------------------------------------------------------------
 
 DDS_WaitSet *DDS_WaitSet_new(void) {
     return guarded(__func__, []() -> DDS_WaitSet * { return new WaitSet; });

@@ -15,8 +15,7 @@ std::mutex &attachments() {
 
 }  // namespace
 
-// ---- Any condition
-// ----------------------------------------------------------------------------------
+// ---- Any condition ------------------------------------------------------------------------------
 
 KOLT_ConditionImpl::~KOLT_ConditionImpl() {
     const std::lock_guard lock(attachments());
@@ -55,8 +54,7 @@ namespace kolt::engine {
 
 namespace api = engine_api;
 
-// ---- Status and guard conditions
-// --------------------------------------------------------------------
+// ---- Status and guard conditions ----------------------------------------------------------------
 
 StatusCondition::StatusCondition(Entity &entity)
     : Condition(&handle_._condition), entity_(entity) {}
@@ -95,8 +93,7 @@ DDS_ReturnCode_t GuardCondition::set(bool value) {
     return to_return_code(dds_set_guardcondition(engine_, value));
 }
 
-// ---- Waitsets
-// ---------------------------------------------------------------------------------------
+// ---- Waitsets -----------------------------------------------------------------------------------
 
 WaitSet::WaitSet() {
     prepare_engine();

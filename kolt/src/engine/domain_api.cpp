@@ -16,8 +16,7 @@ const DDS_PublisherQos DDS_PUBLISHER_QOS_DEFAULT = {};
 const DDS_SubscriberQos DDS_SUBSCRIBER_QOS_DEFAULT = {};
 }
 
-// ---- Factory
-// ----------------------------------------------------------------------------------------
+// ---- Factory ------------------------------------------------------------------------------------
 
 DDS_DomainParticipantFactory *DDS_DomainParticipantFactory_get_instance(void) {
     return &Factory::instance();
@@ -93,8 +92,7 @@ int32_t KOLT_DomainParticipant_engine_handle(DDS_DomainParticipant *self) {
     return self != nullptr ? Participant::of(self)->engine() : 0;
 }
 
-// ---- Participant
-// ------------------------------------------------------------------------------------
+// ---- Participant --------------------------------------------------------------------------------
 
 DDS_DomainParticipantFactory *DDS_DomainParticipant_get_participant_factoryI(
     DDS_DomainParticipant *self) {

@@ -131,8 +131,7 @@ DDS_DomainParticipant *Factory::wrap(dds_entity_t engine_participant, const char
     return handle;
 }
 
-// ---- QoS
-// --------------------------------------------------------------------------------------------
+// ---- QoS ----------------------------------------------------------------------------------------
 
 DDS_ReturnCode_t Factory::get_default_participant_qos(DDS_DomainParticipantQos *qos) {
     {

@@ -17,8 +17,7 @@ const DDS_WriteParams_t DDS_WRITEPARAMS_DEFAULT = {
     {DDS_TIME_INVALID_SEC, DDS_TIME_INVALID_NSEC}, {{0}, 0U}, DDS_HANDLE_NIL};
 }
 
-// ---- Publisher
-// --------------------------------------------------------------------------------------
+// ---- Publisher ----------------------------------------------------------------------------------
 
 DDS_DataWriter *DDS_Publisher_create_datawriter(DDS_Publisher *self, DDS_Topic *topic,
                                                 const DDS_DataWriterQos *qos,
@@ -119,8 +118,7 @@ DDS_DomainParticipant *DDS_Publisher_get_participant(DDS_Publisher *self) {
                            [](Publisher &publisher) { return publisher.participant().handle(); });
 }
 
-// ---- Data writer
-// ------------------------------------------------------------------------------------
+// ---- Data writer --------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DataWriter_get_qos(DDS_DataWriter *self, DDS_DataWriterQos *qos) {
     if (qos == nullptr) return bad_parameter(__func__, "qos");
@@ -205,8 +203,7 @@ DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter *self,
     });
 }
 
-// ---- Writing
-// ----------------------------------------------------------------------------------------
+// ---- Writing ------------------------------------------------------------------------------------
 
 namespace {
 

@@ -24,8 +24,7 @@ Publisher::~Publisher() {
     delete_engine("DDS_DomainParticipant_delete_publisher");
 }
 
-// ---- Enabling and QoS
-// -------------------------------------------------------------------------------
+// ---- Enabling and QoS ---------------------------------------------------------------------------
 
 bool Publisher::autoenables() {
     const std::lock_guard lock(participant_.tree());
@@ -101,8 +100,7 @@ DDS_ReturnCode_t Publisher::set_default_writer_qos(const DDS_DataWriterQos &qos,
     return default_writer_qos_.set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
-// ---- Writers
-// ----------------------------------------------------------------------------------------
+// ---- Writers ------------------------------------------------------------------------------------
 
 DDS_ReturnCode_t Publisher::choose_writer_qos(const DDS_DataWriterQos *given, Topic &topic,
                                               DDS_DataWriterQos *chosen) {

@@ -12,8 +12,7 @@ namespace {
 
 constexpr DDS_UnsignedLong kNanosecondsPerSecond = 1000000000U;
 
-// ---- One policy: what is wrong with it, or nullptr
-// -------------------------------------------------
+// ---- One policy: what is wrong with it, or nullptr ----------------------------------------------
 
 const char *wrong_duration(const DDS_Duration_t &d) {
     if (DDS_Duration_is_infinite(&d)) return nullptr;
@@ -119,8 +118,7 @@ const char *wrong(const DDS_TypeConsistencyEnforcementQosPolicy &p) {
     return wrong_kind(p.kind, DDS_ALLOW_TYPE_COERCION);
 }
 
-// ---- Policies that must fit each other
-// --------------------------------------------------------------
+// ---- Policies that must fit each other ----------------------------------------------------------
 
 bool is_shorter(const DDS_Duration_t &a, const DDS_Duration_t &b) {
     return a.sec != b.sec ? a.sec < b.sec : a.nanosec < b.nanosec;
@@ -164,8 +162,7 @@ DDS_ReturnCode_t check(const Qos &qos, const char *method) {
     return result == DDS_RETCODE_OK ? check_together(qos, method) : result;
 }
 
-// ---- Changes
-// ----------------------------------------------------------------------------------------
+// ---- Changes ------------------------------------------------------------------------------------
 
 // The policies that an enabled entity may change (DDS 1.4, table in 2.2.3, column "changeable"),
 // and KOLT's own that have no effect on an entity that exists.

@@ -30,8 +30,7 @@ const void *octets(const DDS_OctetSeq &value, size_t *size) {
     return *size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&value) : nullptr;
 }
 
-// ---- One policy each
-// --------------------------------------------------------------------------------
+// ---- One policy each ----------------------------------------------------------------------------
 
 void set(dds_qos_t *q, const DDS_UserDataQosPolicy &p) {
     size_t size = 0;
@@ -147,8 +146,7 @@ EngineQos set_all(const Qos &qos) {
     return result;
 }
 
-// ---- Data representations
-// ---------------------------------------------------------------------------
+// ---- Data representations -----------------------------------------------------------------------
 
 // The list with AUTO resolved; empty when the QoS leaves the choice open.
 std::vector<dds_data_representation_id_t> representations(

@@ -10,8 +10,7 @@ namespace kolt::engine {
 
 namespace {
 
-// ---- Functions that know their condition
-// ------------------------------------------------------------
+// ---- Functions that know their condition --------------------------------------------------------
 
 constexpr size_t kSlots = 256;
 
@@ -44,8 +43,7 @@ size_t claim_slot(const ContentFilter *filter) {
 
 }  // namespace
 
-// ---- Read condition
-// ---------------------------------------------------------------------------------
+// ---- Read condition -----------------------------------------------------------------------------
 
 ReadCondition::ReadCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states,
                              Deferred)
@@ -71,8 +69,7 @@ void ReadCondition::delete_engine() {
     if (engine > 0) dds_delete(engine);
 }
 
-// ---- Query condition
-// --------------------------------------------------------------------------------
+// ---- Query condition ----------------------------------------------------------------------------
 
 std::unique_ptr<QueryCondition> QueryCondition::create(DataReader &reader, uint32_t engine_mask,
                                                        const ReadStates &states,

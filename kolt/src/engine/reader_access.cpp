@@ -21,8 +21,20 @@ constexpr size_t kFirstGuess = 32;
 // The engine's limit of one read.
 constexpr size_t kMaxSamples = std::numeric_limits<int32_t>::max();
 
-// Where the function below leaves what it sees, on the thread that asks.
-thread_local std::vector<const Serdata *> *t_seen = nullptr;
+// What the function below has seen, with a reference on each.
+struct SeenKeys {
+    std::vector<const Serdata *> keys;
+
+    SeenKeys() = default;
+    ~SeenKeys() {
+        for (const Serdata *const key : keys) key->unref();
+    }
+    SeenKeys(const SeenKeys &) = delete;
+    SeenKeys &operator=(const SeenKeys &) = delete;
+};
+
+// Where it goes, on the thread that asks.
+thread_local SeenKeys *t_seen = nullptr;
 
 // A query condition that nothing matches. The engine shows it every instance of the cache when the
 // condition is made, on the thread that makes it, as a key without data.
@@ -30,8 +42,8 @@ bool collect_keys(const void *view) {
     const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
     if (t_seen != nullptr && serdata != nullptr && !serdata->has_data()) {
         try {
-            t_seen->push_back(serdata);
-            ddsi_serdata_ref(serdata);
+            t_seen->keys.push_back(serdata);
+            serdata->ref();
         } catch (...) {
             return false;  // the instance is missed, as if it had come later
         }
@@ -50,8 +62,7 @@ void Batch::resize(size_t capacity) {
     for (size_t i = 0; i < capacity; ++i) pointers[i] = &views[i];
 }
 
-// ---- From the engine
-// --------------------------------------------------------------------------------
+// ---- From the engine ----------------------------------------------------------------------------
 
 dds_return_t DataReader::engine_read(const KOLT_ReadSelection &selection, uint32_t mask,
                                      size_t room, bool locked, Batch *batch) {
@@ -114,17 +125,16 @@ bool DataReader::is_instance_known(const KOLT_ReadSelection &selection) {
 }
 
 std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
-    std::vector<const Serdata *> seen;
+    SeenKeys seen;
     t_seen = &seen;
     const dds_entity_t condition =
         dds_create_querycondition(engine(), api::kNoStateMask - 1U, collect_keys);
     t_seen = nullptr;
     if (condition > 0) dds_delete(condition);
     std::vector<DDS_InstanceHandle_t> handles;
-    handles.reserve(seen.size());
-    for (const Serdata *const key : seen) {
+    handles.reserve(seen.keys.size());
+    for (const Serdata *const key : seen.keys) {
         const SerdataView view(key);
-        ddsi_serdata_unref(const_cast<Serdata *>(key));
         const dds_instance_handle_t handle = dds_lookup_instance(engine(), &view);
         if (handle != DDS_HANDLE_NIL) handles.push_back(handle);
     }
@@ -151,15 +161,10 @@ DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selec
     return DDS_RETCODE_NO_DATA;
 }
 
-// ---- To records
-// -------------------------------------------------------------------------------------
+// ---- To records ---------------------------------------------------------------------------------
 
 // A record that was used before holds what it was used for; without data only the key is set.
 void DataReader::reset(void *record) {
-    const KOLT_TypePlugin &plugin = endpoint_->plugin();
-    if (plugin.finalize_optional_members != nullptr) {
-        plugin.finalize_optional_members(endpoint_->data(), record, DDS_BOOLEAN_TRUE);
-    }
     const DDS_TypeAllocationParams_t keep_buffers = {DDS_BOOLEAN_TRUE, DDS_BOOLEAN_FALSE,
                                                      DDS_BOOLEAN_FALSE};
     KOLT_Record_initialize_w_params(type_->type_code(), record, &keep_buffers);
@@ -304,8 +309,7 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
     }
 }
 
-// ---- Loans and keys
-// ---------------------------------------------------------------------------------
+// ---- Loans and keys -----------------------------------------------------------------------------
 
 DDS_ReturnCode_t DataReader::return_loan(void **samples, DDS_UnsignedLong count,
                                          DDS_SampleInfoSeq *info_seq, const char *method) {
@@ -358,7 +362,7 @@ DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {
     }
     Serdata *const serdata = Serdata::from_key(&topic_.topic().sertype(), key.data(), key.size());
     const SerdataView view(serdata);
-    ddsi_serdata_unref(serdata);
+    serdata->unref();
     return dds_lookup_instance(engine(), &view);
 }
 

@@ -72,8 +72,7 @@ DDS_ReturnCode_t DataReader::attach_type(const char *method) {
     return DDS_RETCODE_OK;
 }
 
-// ---- Enabling and QoS
-// -------------------------------------------------------------------------------
+// ---- Enabling and QoS ---------------------------------------------------------------------------
 
 DDS_ReturnCode_t DataReader::enable(const char *method) {
     if (!subscriber_.is_enabled() || !topic_.is_enabled()) {
@@ -138,8 +137,7 @@ DDS_ReturnCode_t DataReader::set_qos(const DDS_DataReaderQos &qos, const char *m
     return is_enabled() ? DDS_RETCODE_OK : attach_type(method);
 }
 
-// ---- Events
-// -----------------------------------------------------------------------------------------
+// ---- Events -------------------------------------------------------------------------------------
 
 // The reader's own listener comes first, then the subscriber's, then the participant's.
 template <typename Kind>
@@ -219,8 +217,7 @@ void DataReader::set_listener(const DDS_DataReaderListener *listener, DDS_Status
     if (listener != nullptr && is_enabled()) dispatch_pending(mask);
 }
 
-// ---- Conditions
-// -------------------------------------------------------------------------------------
+// ---- Conditions ---------------------------------------------------------------------------------
 
 DDS_ReadCondition *DataReader::create_read_condition(uint32_t engine_mask, const ReadStates &states,
                                                      const char *method) {

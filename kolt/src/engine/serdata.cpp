@@ -3,6 +3,7 @@
 #include <dds/ddsrt/mh3.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -55,8 +56,7 @@ const ddsi_serdata_ops Serdata::kOps = {
 #endif
 };
 
-// ---- Making and freeing
-// -----------------------------------------------------------------------------
+// ---- Making and freeing -------------------------------------------------------------------------
 
 // The bytes, if they are its own, lie behind the object in the same block.
 Serdata *Serdata::create(const Sertype *type, ddsi_serdata_kind kind, size_t inline_size) {
@@ -107,14 +107,31 @@ Serdata::~Serdata() {
     if (endpoint_ != nullptr) endpoint_->plugin().return_buffer(endpoint_->data(), &buffer_);
 }
 
+// The engine's count, as what it is: an atomic.
+static std::atomic_ref<uint32_t> counter(const Serdata *serdata) {
+    return std::atomic_ref<uint32_t>(const_cast<Serdata *>(serdata)->refc.v);
+}
+
+Serdata *Serdata::ref() const {
+    counter(this).fetch_add(1, std::memory_order_relaxed);
+    return const_cast<Serdata *>(this);
+}
+
+void Serdata::unref() const {
+    if (counter(this).fetch_sub(1, std::memory_order_release) == 1) {
+        free_op(const_cast<Serdata *>(this));
+    }
+}
+
 void Serdata::free_op(ddsi_serdata *d) {
     auto *const serdata = static_cast<Serdata *>(d);
+    // Whoever let go before has done with the sample: pairs with the release in unref().
+    counter(serdata).load(std::memory_order_acquire);
     serdata->~Serdata();
     ::operator delete(static_cast<void *>(serdata));
 }
 
-// ---- Content
-// ----------------------------------------------------------------------------------------
+// ---- Content ------------------------------------------------------------------------------------
 
 void Serdata::seal(size_t size) {
     size_ = size;
@@ -158,8 +175,7 @@ bool Serdata::set_key_from_bytes(const Sertype &sertype) {
     return true;
 }
 
-// ---- From the wire
-// ----------------------------------------------------------------------------------
+// ---- From the wire ------------------------------------------------------------------------------
 
 namespace {
 
@@ -178,7 +194,7 @@ ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, size_t
             valid = false;
         }
         if (valid) return serdata;
-        ddsi_serdata_unref(serdata);
+        serdata->unref();
         return nullptr;
     });
 }
@@ -229,14 +245,13 @@ ddsi_serdata *Serdata::from_keyhash_op(const ddsi_sertype *type, const ddsi_keyh
     });
 }
 
-// ---- To and from views, and keys
-// --------------------------------------------------------------------
+// ---- To and from views, and keys ----------------------------------------------------------------
 
 ddsi_serdata *Serdata::from_sample_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
                                       const void *sample) {
     const Serdata *const source = static_cast<const SerdataView *>(sample)->get();
     if (source == nullptr) return nullptr;
-    if (source->kind == kind && source->type == type) return ddsi_serdata_ref(source);
+    if (source->kind == kind && source->type == type) return source->ref();
     if (kind != SDK_KEY) return nullptr;
     return make_or_null(
         [&] { return from_key(&Sertype::of(type), source->key_.data(), source->key_.size()); });
@@ -273,8 +288,7 @@ void Serdata::get_keyhash_op(const ddsi_serdata *d, ddsi_keyhash *keyhash, bool 
                      force_md5 ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE, keyhash->value);
 }
 
-// ---- To the wire
-// ------------------------------------------------------------------------------------
+// ---- To the wire --------------------------------------------------------------------------------
 
 uint32_t Serdata::get_size_op(const ddsi_serdata *d) {
     return static_cast<uint32_t>(of(d).size_);
@@ -288,11 +302,11 @@ ddsi_serdata *Serdata::to_ser_ref_op(const ddsi_serdata *d, size_t offset, size_
                                      ddsrt_iovec_t *piece) {
     piece->iov_base = of(d).bytes_ + offset;
     piece->iov_len = static_cast<ddsrt_iov_len_t>(size);
-    return ddsi_serdata_ref(d);
+    return of(d).ref();
 }
 
 void Serdata::to_ser_unref_op(ddsi_serdata *d, const ddsrt_iovec_t *) {
-    ddsi_serdata_unref(d);
+    of(d).unref();
 }
 
 size_t Serdata::print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *buffer,
@@ -305,9 +319,8 @@ size_t Serdata::print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *
 
 void SerdataView::reset(const ddsi_serdata *serdata) {
     const Serdata *const old = serdata_;
-    serdata_ =
-        serdata != nullptr ? static_cast<const Serdata *>(ddsi_serdata_ref(serdata)) : nullptr;
-    if (old != nullptr) ddsi_serdata_unref(const_cast<Serdata *>(old));
+    serdata_ = serdata != nullptr ? Serdata::of(serdata).ref() : nullptr;
+    if (old != nullptr) old->unref();
 }
 
 }  // namespace kolt::engine

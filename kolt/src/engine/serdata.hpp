@@ -33,6 +33,10 @@ class Serdata final : public ddsi_serdata {
         return *static_cast<const Serdata *>(base);
     }
 
+    // References are counted where the engine counts its own. ref() gives the object itself.
+    Serdata *ref() const;
+    void unref() const;
+
     DDS_Octet *bytes() { return bytes_; }
     const DDS_Octet *bytes() const { return bytes_; }
     // Header included; the bytes up to the next multiple of 4 can be read as well.

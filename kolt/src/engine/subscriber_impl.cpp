@@ -25,8 +25,7 @@ Subscriber::~Subscriber() {
     delete_engine("DDS_DomainParticipant_delete_subscriber");
 }
 
-// ---- Enabling and QoS
-// -------------------------------------------------------------------------------
+// ---- Enabling and QoS ---------------------------------------------------------------------------
 
 bool Subscriber::autoenables() {
     const std::lock_guard lock(participant_.tree());
@@ -103,8 +102,7 @@ DDS_ReturnCode_t Subscriber::set_default_reader_qos(const DDS_DataReaderQos &qos
     return default_reader_qos_.set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
-// ---- Readers
-// ----------------------------------------------------------------------------------------
+// ---- Readers ------------------------------------------------------------------------------------
 
 DDS_ReturnCode_t Subscriber::choose_reader_qos(const DDS_DataReaderQos *given,
                                                TopicDescription &topic, DDS_DataReaderQos *chosen) {
@@ -190,8 +188,7 @@ bool Subscriber::contains(DDS_InstanceHandle_t handle) const {
                        [&](const auto &reader) { return reader->instance_handle() == handle; });
 }
 
-// ---- Events
-// -----------------------------------------------------------------------------------------
+// ---- Events -------------------------------------------------------------------------------------
 
 bool Subscriber::dispatch_data_on_readers() {
     const auto has = [](const DDS_SubscriberListener &l) {

@@ -16,8 +16,7 @@ const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT = {};
 const DDS_DataReaderQos DDS_DATAREADER_QOS_USE_TOPIC_QOS = {};
 }
 
-// ---- Subscriber
-// -------------------------------------------------------------------------------------
+// ---- Subscriber ---------------------------------------------------------------------------------
 
 DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self, DDS_TopicDescription *topic,
                                                  const DDS_DataReaderQos *qos,
@@ -117,8 +116,7 @@ DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self) {
         self, __func__, [](Subscriber &subscriber) { return subscriber.participant().handle(); });
 }
 
-// ---- Data reader
-// ------------------------------------------------------------------------------------
+// ---- Data reader --------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_DataReaderQos *qos) {
     if (qos == nullptr) return bad_parameter(__func__, "qos");
@@ -211,8 +209,7 @@ DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader *self,
     });
 }
 
-// ---- Conditions
-// -------------------------------------------------------------------------------------
+// ---- Conditions ---------------------------------------------------------------------------------
 
 DDS_ReadCondition *DDS_DataReader_create_readcondition(DDS_DataReader *self,
                                                        DDS_SampleStateMask sample_states,
@@ -258,8 +255,7 @@ DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader *self,
     });
 }
 
-// ---- Reading
-// ----------------------------------------------------------------------------------------
+// ---- Reading ------------------------------------------------------------------------------------
 
 namespace {
 

@@ -35,8 +35,7 @@ bool accepts(const void *view, void *filter) {
 
 }  // namespace
 
-// ---- Topic
-// ------------------------------------------------------------------------------------------
+// ---- Topic --------------------------------------------------------------------------------------
 
 Topic::Topic(Participant &participant, const char *name, std::shared_ptr<RegisteredType> type,
              const DDS_TopicQos &qos)
@@ -121,8 +120,7 @@ void Topic::on_inconsistent_topic() {
         [&](const DDS_DomainParticipantListener &l) { call(l.topic_listener); });
 }
 
-// ---- Content-filtered topic
-// -------------------------------------------------------------------------
+// ---- Content-filtered topic ---------------------------------------------------------------------
 
 ContentFilteredTopic::ContentFilteredTopic(Participant &participant, const char *name,
                                            Topic &related, std::unique_ptr<ContentFilter> filter)

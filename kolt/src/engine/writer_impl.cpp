@@ -69,8 +69,7 @@ DDS_ReturnCode_t DataWriter::attach_type(const char *method) {
     return DDS_RETCODE_OK;
 }
 
-// ---- Enabling and QoS
-// -------------------------------------------------------------------------------
+// ---- Enabling and QoS ---------------------------------------------------------------------------
 
 DDS_ReturnCode_t DataWriter::enable(const char *method) {
     if (!publisher_.is_enabled() || !topic_.is_enabled()) {
@@ -135,8 +134,7 @@ DDS_ReturnCode_t DataWriter::set_qos(const DDS_DataWriterQos &qos, const char *m
     return is_enabled() ? DDS_RETCODE_OK : attach_type(method);
 }
 
-// ---- Events
-// -----------------------------------------------------------------------------------------
+// ---- Events -------------------------------------------------------------------------------------
 
 // The writer's own listener comes first, then the publisher's, then the participant's.
 template <typename Kind>
@@ -170,8 +168,7 @@ void DataWriter::set_listener(const DDS_DataWriterListener *listener, DDS_Status
     if (listener != nullptr && is_enabled()) dispatch_pending(mask);
 }
 
-// ---- Serialisation
-// ----------------------------------------------------------------------------------
+// ---- Serialisation ------------------------------------------------------------------------------
 
 const Sertype &DataWriter::sertype() const {
     return topic_.sertype();
@@ -265,8 +262,7 @@ SerdataRef DataWriter::key_payload_of_instance(const KeyBytes &key, const char *
     return payload;
 }
 
-// ---- Instances
-// --------------------------------------------------------------------------------------
+// ---- Instances ----------------------------------------------------------------------------------
 
 DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
     const DDS_InstanceHandle_t known = instances_.handle_of(serdata.key().view());
@@ -341,8 +337,7 @@ DDS_ReturnCode_t DataWriter::get_key_value(void *key_holder, DDS_InstanceHandle_
                : fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
 }
 
-// ---- Writing
-// ----------------------------------------------------------------------------------------
+// ---- Writing ------------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, uint32_t status_info,
                                   const DDS_Time_t &source_timestamp, const char *method) {

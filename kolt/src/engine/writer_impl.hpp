@@ -16,7 +16,7 @@ class Publisher;
 class Topic;
 
 struct SerdataDeleter {
-    void operator()(Serdata *serdata) const { ddsi_serdata_unref(serdata); }
+    void operator()(Serdata *serdata) const { serdata->unref(); }
 };
 using SerdataRef = std::unique_ptr<Serdata, SerdataDeleter>;
 

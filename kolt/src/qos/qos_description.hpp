@@ -67,14 +67,12 @@ inline constexpr DDS_ReliabilityQosPolicy kWriterReliability{DDS_RELIABLE_RELIAB
         static constexpr auto members = std::make_tuple(__VA_ARGS__); \
     }
 
-// ---- Values
-// ---------------------------------------------------------------------------------------
+// ---- Values -------------------------------------------------------------------------------------
 
 KOLT_DESCRIBE(DDS_Duration_t, KOLT_ROW(sec), KOLT_ROW(nanosec));
 KOLT_DESCRIBE(DDS_Property_t, KOLT_ROW(name), KOLT_ROW(value), KOLT_ROW(propagate));
 
-// ---- Policies
-// -------------------------------------------------------------------------------------
+// ---- Policies -----------------------------------------------------------------------------------
 
 KOLT_DESCRIBE(DDS_UserDataQosPolicy, KOLT_ROW(value));
 KOLT_DESCRIBE(DDS_TopicDataQosPolicy, KOLT_ROW(value));
@@ -121,8 +119,7 @@ KOLT_DESCRIBE(DDS_ProtocolQosPolicy, KOLT_ROW(vendor_specific_entity));
 KOLT_DESCRIBE(DDS_ProfileQosPolicy, KOLT_ROW(string_profile), KOLT_ROW(url_profile),
               KOLT_ROW(ignore_environment_profile), KOLT_ROW(ignore_user_profile));
 
-// ---- Records
-// --------------------------------------------------------------------------------------
+// ---- Records ------------------------------------------------------------------------------------
 
 KOLT_DESCRIBE(DDS_DomainParticipantFactoryQos, KOLT_ROW(entity_factory), KOLT_ROW(profile));
 KOLT_DESCRIBE(DDS_DomainParticipantQos, KOLT_ROW(user_data), KOLT_ROW(entity_factory),

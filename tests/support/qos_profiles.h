@@ -1,0 +1,153 @@
+// A test that loads QoS profiles: in a working directory of its own, with the messages that are
+// logged.
+#ifndef TESTS_SUPPORT_QOS_PROFILES_H
+#define TESTS_SUPPORT_QOS_PROFILES_H
+
+#include <gtest/gtest.h>
+#include <kolt/config_logger.h>
+#include <kolt/domain.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace support {
+
+inline DDS_DomainParticipantFactory *factory() {
+    return DDS_DomainParticipantFactory_get_instance();
+}
+
+// A QoS record and its functions.
+template <typename Qos, auto initialize, auto finalize>
+class Owned {
+  public:
+    Owned() { EXPECT_EQ(initialize(&qos_), DDS_RETCODE_OK); }
+    ~Owned() { EXPECT_EQ(finalize(&qos_), DDS_RETCODE_OK); }
+    Owned(const Owned &) = delete;
+    Owned &operator=(const Owned &) = delete;
+    Qos *operator->() { return &qos_; }
+    Qos *get() { return &qos_; }
+
+  private:
+    Qos qos_;
+};
+using FactoryQos =
+    Owned<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
+          DDS_DomainParticipantFactoryQos_finalize>;
+using ParticipantQos = Owned<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
+                             DDS_DomainParticipantQos_finalize>;
+using PublisherQos =
+    Owned<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
+using SubscriberQos =
+    Owned<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
+using TopicQos = Owned<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
+using WriterQos =
+    Owned<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
+using ReaderQos =
+    Owned<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
+using Strings = std::vector<std::string>;
+
+// Every test has a working directory of its own, and the factory as it is at the start of a
+// process.
+class QosProfilesTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        char folder[] = "/tmp/kolt_profiles_XXXXXX";
+        ASSERT_NE(mkdtemp(folder), nullptr);
+        folder_ = folder;
+        ASSERT_EQ(chdir(folder), 0);
+        unsetenv("KOLT_QOS_PROFILES");
+        messages().clear();
+        device_.write = [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
+            messages().emplace_back(message->text);
+        };
+        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device_);
+    }
+    void TearDown() override {
+        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
+        ASSERT_EQ(chdir("/"), 0);
+        std::filesystem::remove_all(folder_);
+    }
+
+    static Strings &messages() {
+        static Strings all;
+        return all;
+    }
+    static bool logged(const std::string &part) {
+        for (const std::string &message : messages()) {
+            if (message.find(part) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+    static std::string allMessages() {
+        std::string all;
+        for (const std::string &message : messages()) {
+            all += message + "\n";
+        }
+        return all;
+    }
+
+    std::string write(const std::string &name, const std::string &content) const {
+        const std::string path = folder_ + "/" + name;
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
+    DDS_ReturnCode_t add(const std::string &content, const std::string &name = "a.xml") const {
+        return KOLT_DomainParticipantFactory_add_profiles(factory(), write(name, content).c_str());
+    }
+    // A document with one library `L` of the given profiles.
+    DDS_ReturnCode_t addLibrary(const std::string &profiles,
+                                const std::string &name = "a.xml") const {
+        return add("<dds>\n<qos_library name=\"L\">\n" + profiles + "\n</qos_library>\n</dds>",
+                   name);
+    }
+
+    static Strings libraries() {
+        DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
+        EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profile_libraries(factory(), &names),
+                  DDS_RETCODE_OK);
+        return take(names);
+    }
+    static Strings profiles(const char *library, DDS_ReturnCode_t expected = DDS_RETCODE_OK) {
+        DDS_StringSeq names = DDS_SEQUENCE_INITIALIZER;
+        EXPECT_EQ(DDS_DomainParticipantFactory_get_qos_profiles(factory(), &names, library),
+                  expected);
+        return take(names);
+    }
+    static Strings take(DDS_StringSeq &names) {
+        Strings result;
+        for (DDS_UnsignedLong i = 0; i < DDS_StringSeq_get_length(&names); ++i) {
+            result.emplace_back(DDS_StringSeq_get(&names, static_cast<DDS_Long>(i)));
+        }
+        DDS_StringSeq_finalize(&names);
+        return result;
+    }
+    static DDS_Long depth(const char *profile, const char *topic = nullptr) {
+        WriterQos qos;
+        const DDS_ReturnCode_t result =
+            topic == nullptr
+                ? DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                               "L", profile)
+                : DDS_DomainParticipantFactory_get_datawriter_qos_from_profile_w_topic_name(
+                      factory(), qos.get(), "L", profile, topic);
+        EXPECT_EQ(result, DDS_RETCODE_OK);
+        return qos->history.depth;
+    }
+    static std::string profile(const std::string &attributes, int depth) {
+        return "<qos_profile " + attributes + "><datawriter_qos><history><depth>" +
+               std::to_string(depth) + "</depth></history></datawriter_qos></qos_profile>";
+    }
+
+    std::string folder_;
+    KOLT_Config_LoggerDevice device_ = {};
+};
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_QOS_PROFILES_H
