@@ -14,7 +14,7 @@ loopback = CYCLONEDDS_URI=file://$(CURDIR)/config/cyclonedds-loopback.xml
 
 .PHONY: help
 help:
-	@echo 'make demo     build, and watch two applications log into one monitor'
+	@echo 'make demo     build, and watch an application log into a monitor'
 	@echo 'make test     build, and run every test'
 	@echo 'make bench    build, and run the benchmarks (BENCH_FILTER=<regular expression>)'
 	@echo 'make format   format all sources'
