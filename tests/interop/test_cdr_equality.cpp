@@ -217,7 +217,6 @@ struct CommandRequest {
     static constexpr auto kSerialize = VUR_DL_ADMIN_CommandRequestPlugin_serialize_to_cdr_buffer_ex;
     static constexpr auto kDeserialize =
         VUR_DL_ADMIN_CommandRequestPlugin_deserialize_from_cdr_buffer;
-    static constexpr auto kPrograms = VUR_DL_ADMIN_CommandRequestPlugin_get_programs;
 
     static void fill(Ours &record, Random &random) {
         record.targetHostAndAppId = random.identity();
