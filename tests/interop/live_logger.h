@@ -1,0 +1,143 @@
+// What the tests with idlc's programs have in common: a logger whose writers speak XCDR2 and keep
+// everything, as a QoS profile says; lines with tabs between their fields.
+#ifndef TESTS_INTEROP_LIVE_LOGGER_H
+#define TESTS_INTEROP_LIVE_LOGGER_H
+
+#include <gtest/gtest.h>
+#include <kolt/domain.h>
+#include <vur_dl/DistLogger.h>
+#include <vur_dl/Options.h>
+
+#include <unistd.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/monitor.h"
+#include "support/process.h"
+
+namespace interop {
+
+using Fields = std::vector<std::string>;
+
+inline constexpr const char *kProfiles = R"(<dds>
+  <qos_library name="Interop">
+    <qos_profile name="Xcdr2">
+      <datawriter_qos topic_filter="vur/distlog*">
+        <reliability>
+          <kind>RELIABLE_RELIABILITY_QOS</kind>
+          <max_blocking_time><sec>60</sec></max_blocking_time>
+        </reliability>
+        <history><kind>KEEP_ALL_HISTORY_QOS</kind></history>
+        <representation>
+          <value><element>XCDR2_DATA_REPRESENTATION</element></value>
+        </representation>
+      </datawriter_qos>
+    </qos_profile>
+  </qos_library>
+</dds>)";
+
+// The factory's profiles, in a process that has asked for none so far.
+inline bool loadProfiles() {
+    DDS_DomainParticipantFactory *const factory = DDS_DomainParticipantFactory_get_instance();
+    DDS_DomainParticipantFactoryQos qos;
+    DDS_DomainParticipantFactoryQos_initialize(&qos);
+    char *fragments[] = {const_cast<char *>(kProfiles)};
+    const bool ok = DDS_DomainParticipantFactory_get_qos(factory, &qos) == DDS_RETCODE_OK &&
+                    DDS_StringSeq_from_array(&qos.profile.string_profile, fragments, 1) &&
+                    DDS_DomainParticipantFactory_set_qos(factory, &qos) == DDS_RETCODE_OK;
+    DDS_DomainParticipantFactoryQos_finalize(&qos);
+    return ok;
+}
+
+// The application's kind, which tells this process's logger from others in the domain.
+inline std::string kind() {
+    return "interop " + std::to_string(getpid());
+}
+
+inline bool storeOptions(int domain, int filter_level) {
+    VUR_DL_Options *const options = VUR_DL_Options_createDefault();
+    const bool ok = VUR_DL_Options_setDomainId(options, domain) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setFilterLevel(options, filter_level) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setEchoToStdout(options, 0) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setLogInfrastructureMessages(options, 0) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setRemoteAdministrationEnabled(options, 1) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setApplicationKind(options, kind().c_str()) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setQosLibrary(options, "Interop") == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setQosProfile(options, "Xcdr2") == DDS_RETCODE_OK &&
+                    VUR_DL_DistLogger_setOptions(options) == 1;
+    VUR_DL_Options_delete(options);
+    return ok;
+}
+
+// The logger of this process, until the scope ends.
+class LiveLogger {
+  public:
+    LiveLogger(int domain, int filter_level)
+        : logger_(loadProfiles() && storeOptions(domain, filter_level)
+                      ? VUR_DL_DistLogger_getInstance()
+                      : nullptr) {}
+    ~LiveLogger() { end(); }
+    LiveLogger(const LiveLogger &) = delete;
+    LiveLogger &operator=(const LiveLogger &) = delete;
+
+    VUR_DL_DistLogger *get() const { return logger_; }
+    // Who it is, by its State; nobody when that does not come.
+    support::Ids ids(int domain) const {
+        support::Monitor monitor({.domain = domain, .log = false, .commands = false});
+        support::Ids found;
+        EXPECT_TRUE(monitor.waitForState([&found](const support::StateSample &state) {
+            found = state.sender;
+            return state.valid && state.kind == kind();
+        }));
+        return found;
+    }
+    void end() {
+        logger_ = nullptr;
+        VUR_DL_DistLogger_finalizeInstance();
+    }
+
+  private:
+    VUR_DL_DistLogger *logger_;
+};
+
+inline Fields split(const std::string &line) {
+    Fields fields;
+    std::size_t begin = 0;
+    for (;;) {
+        const std::size_t end = line.find('\t', begin);
+        fields.push_back(line.substr(begin, end - begin));
+        if (end == std::string::npos) {
+            return fields;
+        }
+        begin = end + 1;
+    }
+}
+
+// Reads on until a line satisfies `wanted`; no fields when none does.
+inline Fields readUntil(support::ChildProcess &peer,
+                        const std::function<bool(const Fields &)> &wanted) {
+    while (const std::optional<std::string> line = peer.readLine()) {
+        Fields fields = split(*line);
+        if (wanted(fields)) {
+            return fields;
+        }
+    }
+    return {};
+}
+inline Fields readUntil(support::ChildProcess &peer, const std::string &first) {
+    return readUntil(peer, [&first](const Fields &fields) { return fields[0] == first; });
+}
+
+// The peer ends in good order and has not complained.
+inline void dismiss(support::ChildProcess &peer) {
+    peer.closeInput();
+    EXPECT_EQ(peer.wait(), 0);
+    EXPECT_EQ(peer.lines(support::ChildProcess::Stream::kErr), Fields{});
+}
+
+}  // namespace interop
+
+#endif  // TESTS_INTEROP_LIVE_LOGGER_H
