@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr DDS_DomainId_t kDomain = 96;
+constexpr DDS_DomainId_t kDomain = 163;
 
 using EngineLog = void (*)(std::uint32_t category, const char *file, std::uint32_t line,
                            const char *function, const char *format, ...);

@@ -34,11 +34,11 @@ void make_the_engine_complain(Node &node) {
 }
 
 TEST(EngineMessages, ArriveAtAnotherProcessWithTheirCategory) {
-    ChildProcess tail({support::binaryPath("distlog"), "tail", "--domain", "92", "--history",
+    ChildProcess tail({support::binaryPath("distlog"), "tail", "--domain", "150", "--history",
                        "--json", "--category", "com.vur.kolt.config.Logger"});
-    const Logger logger({.domain = 92, .forward = true});
+    const Logger logger({.domain = 150, .forward = true});
     ASSERT_NE(nullptr, logger.get());
-    Node node(93);
+    Node node(151);
     ASSERT_NO_FATAL_FAILURE(make_the_engine_complain(node));
     const auto line = tail.readLineWith(kEngineText);
     ASSERT_TRUE(line);
@@ -48,9 +48,9 @@ TEST(EngineMessages, ArriveAtAnotherProcessWithTheirCategory) {
 }
 
 TEST(EngineMessages, GoToStandardOutputWithoutForwarding) {
-    const Logger logger({.domain = 94, .forward = false});
+    const Logger logger({.domain = 152, .forward = false});
     ASSERT_NE(nullptr, logger.get());
-    Node node(95);
+    Node node(153);
     StdoutCapture capture;
     ASSERT_NO_FATAL_FAILURE(make_the_engine_complain(node));
     EXPECT_NE(std::string::npos, capture.text().find(kEngineText)) << capture.text();

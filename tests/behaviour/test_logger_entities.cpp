@@ -67,7 +67,7 @@ struct WriterQos {
 };
 
 TEST(LoggerEntities, WritersHaveTheQosOfTheirTopic) {
-    const Logger logger({.domain = 85, .kind = "pump"});
+    const Logger logger({.domain = 155, .kind = "pump"});
     ASSERT_NE(nullptr, logger.get());
     const struct {
         const char *topic;
@@ -95,11 +95,11 @@ TEST(LoggerEntities, WritersHaveTheQosOfTheirTopic) {
 }
 
 TEST(LoggerEntities, TheParticipantCarriesTheKindAsItsName) {
-    const Logger logger({.domain = 86, .kind = "pump"});
+    const Logger logger({.domain = 156, .kind = "pump"});
     ASSERT_NE(nullptr, logger.get());
     DDS_DomainParticipant *participant =
         DDS_Publisher_get_participant(DDS_DataWriter_get_publisher(log_writer()));
-    EXPECT_EQ(86, DDS_DomainParticipant_get_domain_id(participant));
+    EXPECT_EQ(156, DDS_DomainParticipant_get_domain_id(participant));
     DDS_DomainParticipantQos qos;
     DDS_DomainParticipantQos_initialize(&qos);
     EXPECT_EQ(DDS_RETCODE_OK, DDS_DomainParticipant_get_qos(participant, &qos));
@@ -110,7 +110,7 @@ TEST(LoggerEntities, TheParticipantCarriesTheKindAsItsName) {
 }
 
 TEST(LoggerEntities, TheCommandFilterNamesTheParticipantInUse) {
-    const Borrowed participant(87);
+    const Borrowed participant(157);
     {
         const Logger logger({.domain = 0, .participant = participant.get()});
         ASSERT_NE(nullptr, logger.get());
@@ -137,7 +137,7 @@ TEST(LoggerEntities, TheCommandFilterNamesTheParticipantInUse) {
 }
 
 TEST(LoggerEntities, WithoutRemoteAdministrationTwoTopicsAreAll) {
-    const Borrowed participant(88);
+    const Borrowed participant(158);
     const Logger logger({.remote = false, .participant = participant.get()});
     ASSERT_NE(nullptr, logger.get());
     EXPECT_NE(nullptr, participant.topic(VUR_DL_LOG_TOPIC_NAME));
@@ -150,7 +150,7 @@ TEST(LoggerEntities, WithoutRemoteAdministrationTwoTopicsAreAll) {
 }
 
 TEST(LoggerEntities, ATopicThatExistsIsSharedAndSurvives) {
-    const Borrowed participant(89);
+    const Borrowed participant(159);
     ASSERT_EQ(DDS_RETCODE_OK,
               VUR_DL_LogMessageTypeSupport_register_type(participant.get(), VUR_DL_LOG_TYPE_NAME));
     DDS_Topic *topic = DDS_DomainParticipant_create_topic(participant.get(), VUR_DL_LOG_TOPIC_NAME,
@@ -172,7 +172,7 @@ class LoggerMissingProfile : public testing::TestWithParam<std::pair<const char 
 TEST_P(LoggerMissingProfile, IsAWarningAndDefaultsApply) {
     const auto [library, profile] = GetParam();
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
-    VUR_DL_Options_setDomainId(options, 90);
+    VUR_DL_Options_setDomainId(options, 160);
     VUR_DL_Options_setQosLibrary(options, library);
     VUR_DL_Options_setQosProfile(options, profile);
     ASSERT_EQ(1, VUR_DL_DistLogger_setOptions(options));
@@ -191,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(Names, LoggerMissingProfile,
                                          std::pair{"", "none"}));
 
 TEST(LoggerEntities, DisabledEntitiesWriteNoState) {
-    const Borrowed participant(91, false);
+    const Borrowed participant(161, false);
     const Logger logger({.participant = participant.get()});
     ASSERT_NE(nullptr, logger.get());
     EXPECT_FALSE(DDS_Entity_is_enabled(DDS_DataWriter_as_entity(log_writer())));

@@ -20,7 +20,7 @@ constexpr int kLoggers = 10;  // instrumented processes are large and slow
 #else
 constexpr int kLoggers = 100;
 #endif
-constexpr int kDomain = 97;
+constexpr int kDomain = 154;
 
 std::vector<std::string> command(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), support::binaryPath("distlog"));

@@ -22,7 +22,7 @@ extern "C" DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *, c
 }
 
 TEST(FailingWriter, DoesNotFeedItself) {
-    const support::Logger logger({.domain = 84, .filter_level = 800, .forward = true});
+    const support::Logger logger({.domain = 162, .filter_level = 800, .forward = true});
     ASSERT_NE(nullptr, logger.get());
     support::StdoutCapture capture;
     constexpr int kMessages = 20;
