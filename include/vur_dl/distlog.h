@@ -22,14 +22,6 @@
 
 VUR_DL_EXTERN_C_BEGIN
 
-/* An enumeration takes four bytes in a record. In C++ its underlying type is fixed, so that a value
- * that this version does not know is still a value that a record may hold. */
-#ifdef __cplusplus
-#define VUR_DL_ENUM_BASE : DDS_Enum
-#else
-#define VUR_DL_ENUM_BASE
-#endif
-
 /* Longest texts, in characters, the terminating NUL not counted. */
 #define VUR_DL_LOG_MESSAGE_CATEGORY_BOUND 512
 #define VUR_DL_LOG_MESSAGE_MESSAGE_BOUND 4096
@@ -107,7 +99,7 @@ KOLT_SEQUENCE_DECLARE(VUR_DL_LogMessageSeq, VUR_DL_LogMessage, VUR_DL_EXPORT);
 /* ---- VUR::DL::ADMIN: the middleware's logger ------------------------------------------------ */
 
 /* "VUR::DL::ADMIN::VURLoggerVerbosity": how much a category of the middleware's logger says. */
-typedef enum VUR_DL_ADMIN_VURLoggerVerbosity VUR_DL_ENUM_BASE {
+typedef enum VUR_DL_ADMIN_VURLoggerVerbosity KOLT_ENUM_BASE {
     VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_SILENT = 0,
     VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_ERROR = 1,
     VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_WARNING = 2,
@@ -120,7 +112,7 @@ KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_VURLoggerVerbositySeq, VUR_DL_ADMIN_VURLogger
                       VUR_DL_EXPORT);
 
 /* "VUR::DL::ADMIN::VURLoggerCategory": the categories of the middleware's logger. */
-typedef enum VUR_DL_ADMIN_VURLoggerCategory VUR_DL_ENUM_BASE {
+typedef enum VUR_DL_ADMIN_VURLoggerCategory KOLT_ENUM_BASE {
     VUR_DL_KOLT_CONFIG_LOG_CATEGORY_PLATFORM = 0,
     VUR_DL_KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION = 1,
     VUR_DL_KOLT_CONFIG_LOG_CATEGORY_DATABASE = 2,
@@ -132,7 +124,7 @@ KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_VURLoggerCategorySeq, VUR_DL_ADMIN_VURLoggerC
                       VUR_DL_EXPORT);
 
 /* "VUR::DL::ADMIN::VURLoggerPrintFormat": how the middleware's logger prints a message. */
-typedef enum VUR_DL_ADMIN_VURLoggerPrintFormat VUR_DL_ENUM_BASE {
+typedef enum VUR_DL_ADMIN_VURLoggerPrintFormat KOLT_ENUM_BASE {
     VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_DEFAULT = 0,
     VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_TIMESTAMPED = 1,
     VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_VERBOSE = 2,
@@ -157,7 +149,7 @@ KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq,
 /* ---- VUR::DL::ADMIN: the state of a logger -------------------------------------------------- */
 
 /* "VUR::DL::ADMIN::StateKind": where a logger is in its life. */
-typedef enum VUR_DL_ADMIN_StateKind VUR_DL_ENUM_BASE {
+typedef enum VUR_DL_ADMIN_StateKind KOLT_ENUM_BASE {
     VUR_DL_STATE_INITIALIZING = 0,
     VUR_DL_STATE_OPERATIONAL = 1,
     VUR_DL_STATE_NONOPERATIONAL = 2,
@@ -183,7 +175,7 @@ KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_StateSeq, VUR_DL_ADMIN_State, VUR_DL_EXPORT);
 /* ---- VUR::DL::ADMIN: commands --------------------------------------------------------------- */
 
 /* "VUR::DL::ADMIN::CommandKind": the command of a request; selects the branch of a Command. */
-typedef enum VUR_DL_ADMIN_CommandKind VUR_DL_ENUM_BASE {
+typedef enum VUR_DL_ADMIN_CommandKind KOLT_ENUM_BASE {
     VUR_DL_SET_LOG_LEVEL = 0,
     VUR_DL_SET_VUR_LOGGER_LEVEL = 1,
     VUR_DL_SET_VUR_LOGGER_PRINT_FORMAT = 2
@@ -222,7 +214,7 @@ VUR_DL_TYPE_DECLARE(VUR_DL_ADMIN_CommandRequest);
 KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_CommandRequestSeq, VUR_DL_ADMIN_CommandRequest, VUR_DL_EXPORT);
 
 /* "VUR::DL::ADMIN::CommandResult": the outcome of a command. */
-typedef enum VUR_DL_ADMIN_CommandResult VUR_DL_ENUM_BASE {
+typedef enum VUR_DL_ADMIN_CommandResult KOLT_ENUM_BASE {
     VUR_DL_COMMAND_RESULT_OK = 0,
     VUR_DL_COMMAND_RESULT_NOT_SUPPORTED = 1,
     VUR_DL_COMMAND_RESULT_ERROR = 2

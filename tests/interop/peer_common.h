@@ -18,6 +18,22 @@ static inline dds_entity_t checked(dds_return_t result, const char *what) {
     return result;
 }
 
+// A participant in the domain that the first argument names. Without the `arguments`, which count
+// that one too, the program ends and tells its use.
+static inline dds_entity_t peer_participant(int argc, char **argv, const char *arguments) {
+    int expected = 1;
+    for (const char *c = arguments; *c != '\0'; ++c) {
+        expected += c == arguments || c[-1] == ' ';
+    }
+    if (argc != expected) {
+        fprintf(stderr, "usage: %s %s\n", argv[0], arguments);
+        exit(2);
+    }
+    setvbuf(stdout, NULL, _IOLBF, 0);
+    const dds_domainid_t domain = (dds_domainid_t)strtoul(argv[1], NULL, 10);
+    return checked(dds_create_participant(domain, NULL, NULL), "domain");
+}
+
 // Reliable, keeps everything, XCDR2 only. The caller deletes it.
 static inline dds_qos_t *peer_qos(dds_durability_kind_t durability) {
     const dds_data_representation_id_t xcdr2 = DDS_DATA_REPRESENTATION_XCDR2;

@@ -40,13 +40,7 @@ static void take_all(dds_entity_t reader) {
 }
 
 int main(int argc, char **argv) {
-    if (argc != 3) {
-        fprintf(stderr, "usage: %s domain topic\n", argv[0]);
-        return 2;
-    }
-    setvbuf(stdout, NULL, _IOLBF, 0);
-    const dds_entity_t participant = checked(
-        dds_create_participant((dds_domainid_t)strtoul(argv[1], NULL, 10), NULL, NULL), "domain");
+    const dds_entity_t participant = peer_participant(argc, argv, "domain topic");
     const dds_entity_t topic = peer_topic(participant, argv[2], &com_vur_dl_LogMessage_desc);
     const dds_entity_t reader = peer_reader(participant, topic, DDS_DURABILITY_TRANSIENT_LOCAL);
     const dds_entity_t waitset = peer_waitset(participant);

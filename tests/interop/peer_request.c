@@ -189,15 +189,11 @@ static dds_return_t send_newer_command(Tool *tool, int32_t invocation, char *col
 }
 
 int main(int argc, char **argv) {
-    if (argc != 7) {
-        fprintf(stderr, "usage: %s domain host app kind value invocation\n", argv[0]);
-        return 2;
-    }
-    setvbuf(stdout, NULL, _IOLBF, 0);
+    const dds_entity_t participant =
+        peer_participant(argc, argv, "domain host app kind value invocation");
     Tool tool = {
+        .participant = participant,
         .target = {(int32_t)strtol(argv[2], NULL, 10), (int32_t)strtol(argv[3], NULL, 10)}};
-    tool.participant = checked(
-        dds_create_participant((dds_domainid_t)strtoul(argv[1], NULL, 10), NULL, NULL), "domain");
     tool.self = ids_of(tool.participant);
     printf("self\t%" PRId32 "\t%" PRId32 "\n", tool.self.rtps_host_id, tool.self.rtps_app_id);
     start_listening(&tool);

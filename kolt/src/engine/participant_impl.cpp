@@ -20,14 +20,16 @@ DDS_UnsignedLong big_endian(const uint8_t *bytes) {
 }  // namespace
 
 Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos)
-    : Entity(EntityKind::kParticipant, &handle_._entity, 0), domain_id_(domain_id) {
-    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
-}
+    : Entity(EntityKind::kParticipant, &handle_._entity, 0),
+      domain_id_(domain_id),
+      qos_(tree_, qos) {}
 
 Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos,
                          dds_entity_t wrapped)
-    : Entity(EntityKind::kParticipant, &handle_._entity, 0), domain_id_(domain_id), wrapped_(true) {
-    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
+    : Entity(EntityKind::kParticipant, &handle_._entity, 0),
+      domain_id_(domain_id),
+      wrapped_(true),
+      qos_(tree_, qos) {
     set_engine(wrapped);
 }
 
@@ -45,18 +47,16 @@ void Participant::close(const char *method) {
 }
 
 bool Participant::autoenables() {
-    const std::lock_guard lock(tree_);
-    return is_enabled() && (*qos_).entity_factory.autoenable_created_entities != 0;
+    return is_enabled() && qos_.read([](const DDS_DomainParticipantQos &qos) {
+        return qos.entity_factory.autoenable_created_entities != 0;
+    });
 }
 
 // ---- Enabling and QoS ---------------------------------------------------------------------------
 
 DDS_ReturnCode_t Participant::enable(const char *method) {
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(tree_);
-        engine_qos = to_engine(*qos_);
-    }
+    const EngineQos engine_qos =
+        qos_.read([](const DDS_DomainParticipantQos &qos) { return to_engine(qos); });
     prepare_engine();
     const dds_entity_t entity =
         dds_create_participant(static_cast<dds_domainid_t>(domain_id_), engine_qos.get(), nullptr);
@@ -87,11 +87,8 @@ DDS_ReturnCode_t Participant::enable_contained(const char *method) {
 }
 
 DDS_ReturnCode_t Participant::get_qos(DDS_DomainParticipantQos *qos) {
-    {
-        const std::lock_guard lock(tree_);
-        const DDS_ReturnCode_t result = DDS_DomainParticipantQos_copy(qos, qos_.get());
-        if (result != DDS_RETCODE_OK) return result;
-    }
+    const DDS_ReturnCode_t result = qos_.get(qos);
+    if (result != DDS_RETCODE_OK) return result;
     dds_guid_t guid{};
     if (is_enabled() && dds_get_guid(engine(), &guid) >= 0) {
         qos->wire_protocol.rtps_host_id = big_endian(guid.v);
@@ -100,120 +97,113 @@ DDS_ReturnCode_t Participant::get_qos(DDS_DomainParticipantQos *qos) {
     return DDS_RETCODE_OK;
 }
 
+namespace {
+
+// What can change on an enabled participant.
+EngineQos to_engine_change(const DDS_DomainParticipantQos &qos) {
+    EngineQos result(dds_create_qos());
+    if (result == nullptr) throw std::bad_alloc();
+    const DDS_OctetSeq &data = qos.user_data.value;
+    const size_t size = DDS_OctetSeq_get_length(&data);
+    dds_qset_userdata(result.get(), size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&data) : nullptr,
+                      size);
+    return result;
+}
+
+}  // namespace
+
 DDS_ReturnCode_t Participant::set_qos(const DDS_DomainParticipantQos &qos, const char *method) {
-    const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(tree_);
-        if (is_enabled()) {
-            const DDS_ReturnCode_t changed = check_change(*qos_, qos, method);
-            if (changed != DDS_RETCODE_OK) return changed;
-            // The rest cannot change.
-            engine_qos.reset(dds_create_qos());
-            if (engine_qos == nullptr) return DDS_RETCODE_OUT_OF_RESOURCES;
-            const size_t size = DDS_OctetSeq_get_length(&qos.user_data.value);
-            dds_qset_userdata(
-                engine_qos.get(),
-                size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&qos.user_data.value) : nullptr,
-                size);
-        }
-    }
-    if (engine_qos != nullptr) {
-        const dds_return_t result = dds_set_qos(engine(), engine_qos.get());
-        if (result < 0) return fail(to_return_code(result), method, "the engine refuses the QoS");
-    }
-    const std::lock_guard lock(tree_);
-    return DDS_DomainParticipantQos_copy(qos_.get(), &qos);
+    return qos_.set(qos, *this, method, to_engine_change);
 }
 
 // ---- Publishers and subscribers -----------------------------------------------------------------
 
-DDS_Publisher *Participant::create_publisher(const DDS_PublisherQos *qos,
-                                             const DDS_PublisherListener *listener,
-                                             DDS_StatusMask mask, const char *method) {
-    kolt::qos::OwnedQos<DDS_PublisherQos> chosen;
-    if (!choose_qos(qos, DDS_PUBLISHER_QOS_DEFAULT, chosen.get(),
-                    [&](DDS_PublisherQos *q) { return get_default(q, nullptr); })) {
+namespace {
+
+// How the log calls a group, the value that asks for its default QoS, and what it may contain.
+template <typename Group>
+struct GroupNames;
+
+template <>
+struct GroupNames<Publisher> {
+    static constexpr const char *kKind = "publisher";
+    static constexpr const char *kEndpoints = "writers";
+    static constexpr const DDS_PublisherQos *kDefault = &DDS_PUBLISHER_QOS_DEFAULT;
+};
+
+template <>
+struct GroupNames<Subscriber> {
+    static constexpr const char *kKind = "subscriber";
+    static constexpr const char *kEndpoints = "readers";
+    static constexpr const DDS_SubscriberQos *kDefault = &DDS_SUBSCRIBER_QOS_DEFAULT;
+};
+
+}  // namespace
+
+template <typename Group>
+typename Group::Record *Participant::create_group(std::vector<std::unique_ptr<Group>> &groups,
+                                                  const typename Group::Qos *qos,
+                                                  const typename Group::Listener *listener,
+                                                  DDS_StatusMask mask, const char *method) {
+    using Names = GroupNames<Group>;
+    kolt::qos::OwnedQos<typename Group::Qos> chosen;
+    if (!choose_qos(qos, *Names::kDefault, chosen.get(),
+                    [&](auto *q) { return get_default(q, nullptr); })) {
         throw std::bad_alloc();
     }
     if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
-    auto publisher = std::make_unique<Publisher>(*this, *chosen);
-    publisher->listener().set(listener, mask);
-    if (autoenables() && publisher->enable(method) != DDS_RETCODE_OK) return nullptr;
-    DDS_Publisher *const handle = publisher->handle();
+    auto group = std::make_unique<Group>(*this, *chosen);
+    group->listener().set(listener, mask);
+    if (autoenables() && group->enable(method) != DDS_RETCODE_OK) return nullptr;
+    typename Group::Record *const handle = group->handle();
     const std::lock_guard lock(tree_);
-    publishers_.push_back(std::move(publisher));
-    note_entity(method, "created", "publisher", "");
+    groups.push_back(std::move(group));
+    note_entity(method, "created", Names::kKind, "");
     return handle;
 }
 
-DDS_ReturnCode_t Participant::delete_publisher(Publisher *publisher, const char *method) {
-    std::unique_ptr<Publisher> removed;
+template <typename Group>
+DDS_ReturnCode_t Participant::delete_group(std::vector<std::unique_ptr<Group>> &groups,
+                                           Group *group, const char *method) {
+    using Names = GroupNames<Group>;
+    std::unique_ptr<Group> removed;  // deleted outside the lock
     {
         const std::lock_guard lock(tree_);
-        if (!contains_pointer(publishers_, publisher)) {
+        if (!contains_pointer(groups, group)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the publisher is not this participant's");
+                        "the %s is not this participant's", Names::kKind);
         }
-        if (!publisher->is_empty()) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the publisher has writers");
+        if (!group->is_empty()) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the %s has %s", Names::kKind,
+                        Names::kEndpoints);
         }
-        removed = extract(publishers_, publisher);
+        removed = extract(groups, group);
     }
-    note_entity(method, "deleted", "publisher", "");
+    note_entity(method, "deleted", Names::kKind, "");
     return DDS_RETCODE_OK;
+}
+
+DDS_Publisher *Participant::create_publisher(const DDS_PublisherQos *qos,
+                                             const DDS_PublisherListener *listener,
+                                             DDS_StatusMask mask, const char *method) {
+    return create_group(publishers_, qos, listener, mask, method);
+}
+
+DDS_ReturnCode_t Participant::delete_publisher(Publisher *publisher, const char *method) {
+    return delete_group(publishers_, publisher, method);
 }
 
 DDS_Subscriber *Participant::create_subscriber(const DDS_SubscriberQos *qos,
                                                const DDS_SubscriberListener *listener,
                                                DDS_StatusMask mask, const char *method) {
-    kolt::qos::OwnedQos<DDS_SubscriberQos> chosen;
-    if (!choose_qos(qos, DDS_SUBSCRIBER_QOS_DEFAULT, chosen.get(),
-                    [&](DDS_SubscriberQos *q) { return get_default(q, nullptr); })) {
-        throw std::bad_alloc();
-    }
-    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
-    auto subscriber = std::make_unique<Subscriber>(*this, *chosen);
-    subscriber->listener().set(listener, mask);
-    if (autoenables() && subscriber->enable(method) != DDS_RETCODE_OK) return nullptr;
-    DDS_Subscriber *const handle = subscriber->handle();
-    const std::lock_guard lock(tree_);
-    subscribers_.push_back(std::move(subscriber));
-    note_entity(method, "created", "subscriber", "");
-    return handle;
+    return create_group(subscribers_, qos, listener, mask, method);
 }
 
 DDS_ReturnCode_t Participant::delete_subscriber(Subscriber *subscriber, const char *method) {
-    std::unique_ptr<Subscriber> removed;
-    {
-        const std::lock_guard lock(tree_);
-        if (!contains_pointer(subscribers_, subscriber)) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the subscriber is not this participant's");
-        }
-        if (!subscriber->is_empty()) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the subscriber has readers");
-        }
-        removed = extract(subscribers_, subscriber);
-    }
-    note_entity(method, "deleted", "subscriber", "");
-    return DDS_RETCODE_OK;
+    return delete_group(subscribers_, subscriber, method);
 }
 
 // ---- The whole ----------------------------------------------------------------------------------
-
-namespace {
-
-template <typename T>
-std::vector<T *> pointers(std::mutex &mutex, const std::vector<std::unique_ptr<T>> &list) {
-    const std::lock_guard lock(mutex);
-    std::vector<T *> result;
-    for (const auto &element : list) result.push_back(element.get());
-    return result;
-}
-
-}  // namespace
 
 // Readers before the filtered topics that they read, these before the topics.
 DDS_ReturnCode_t Participant::delete_contained_entities(const char *method) {

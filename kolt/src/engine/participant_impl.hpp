@@ -9,6 +9,7 @@
 
 #include "engine/defaults.hpp"
 #include "engine/entity_impl.hpp"
+#include "engine/entity_qos.hpp"
 #include "engine/listener_slot.hpp"
 #include "engine/registered_type.hpp"
 #include "kolt/domain.h"
@@ -81,6 +82,14 @@ class Participant final : public Entity {
     DDS_ReturnCode_t set_default(const Qos &qos, const char *method);
 
   private:
+    template <typename Group>
+    typename Group::Record *create_group(std::vector<std::unique_ptr<Group>> &groups,
+                                         const typename Group::Qos *qos,
+                                         const typename Group::Listener *listener,
+                                         DDS_StatusMask mask, const char *method);
+    template <typename Group>
+    DDS_ReturnCode_t delete_group(std::vector<std::unique_ptr<Group>> &groups, Group *group,
+                                  const char *method);
     template <typename Qos>
     DefaultQos<Qos> &default_of();
     bool is_name_taken(const char *name) const;
@@ -94,8 +103,8 @@ class Participant final : public Entity {
     std::mutex topic_creation_;
 
     std::mutex tree_;
+    EntityQos<DDS_DomainParticipantQos> qos_;
     // Guarded by tree_:
-    kolt::qos::OwnedQos<DDS_DomainParticipantQos> qos_;
     std::map<std::string, std::shared_ptr<RegisteredType>, std::less<>> types_;
     std::vector<std::unique_ptr<Topic>> topics_;
     std::vector<std::unique_ptr<ContentFilteredTopic>> filtered_topics_;
@@ -114,6 +123,15 @@ template <typename Qos, typename GetDefault>
 bool choose_qos(const Qos *given, const Qos &sentinel, Qos *chosen, GetDefault &&get_default) {
     if (given != nullptr && given != &sentinel) return kolt::qos::copy(*chosen, *given);
     return get_default(chosen) == DDS_RETCODE_OK;
+}
+
+// The elements of `list`, which `mutex` guards, as they are now.
+template <typename T>
+std::vector<T *> pointers(std::mutex &mutex, const std::vector<std::unique_ptr<T>> &list) {
+    const std::lock_guard lock(mutex);
+    std::vector<T *> result;
+    for (const auto &element : list) result.push_back(element.get());
+    return result;
 }
 
 // Takes the element that holds `raw` out of `list`; nullptr when it is not there.

@@ -28,14 +28,14 @@ DDS_DataWriter *DDS_Publisher_create_datawriter(DDS_Publisher *self, DDS_Topic *
         return nullptr;
     }
     return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.create_writer(Topic::of(topic), qos, listener, mask, method);
+        return publisher.create(Topic::of(topic), qos, listener, mask, method);
     });
 }
 
 DDS_ReturnCode_t DDS_Publisher_delete_datawriter(DDS_Publisher *self, DDS_DataWriter *writer) {
     if (writer == nullptr) return bad_parameter(__func__, "writer");
     return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.delete_writer(DataWriter::of(writer), method);
+        return publisher.remove(DataWriter::of(writer), method);
     });
 }
 
@@ -50,8 +50,8 @@ DDS_DataWriter *DDS_Publisher_lookup_datawriter(DDS_Publisher *self, const char 
         bad_parameter(__func__, "topic_name");
         return nullptr;
     }
-    return with<Publisher>(
-        self, __func__, [&](Publisher &publisher) { return publisher.lookup_writer(topic_name); });
+    return with<Publisher>(self, __func__,
+                           [&](Publisher &publisher) { return publisher.lookup(topic_name); });
 }
 
 DDS_ReturnCode_t DDS_Publisher_get_qos(DDS_Publisher *self, DDS_PublisherQos *qos) {
@@ -80,7 +80,7 @@ DDS_ReturnCode_t DDS_Publisher_get_default_datawriter_qos(DDS_Publisher *self,
                                                           DDS_DataWriterQos *qos) {
     if (qos == nullptr) return bad_parameter(__func__, "qos");
     return with<Publisher>(self, __func__, [&](Publisher &publisher) {
-        return publisher.get_default_writer_qos(qos, nullptr);
+        return publisher.get_default_qos(qos, nullptr);
     });
 }
 
@@ -88,7 +88,7 @@ DDS_ReturnCode_t DDS_Publisher_set_default_datawriter_qos(DDS_Publisher *self,
                                                           const DDS_DataWriterQos *qos) {
     if (qos == nullptr) return bad_parameter(__func__, "qos");
     return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.set_default_writer_qos(*qos, method);
+        return publisher.set_default_qos(*qos, method);
     });
 }
 

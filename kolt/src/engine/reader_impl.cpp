@@ -38,8 +38,8 @@ DataReader::DataReader(Subscriber &subscriber, TopicDescription &topic,
     : Entity(EntityKind::kDataReader, &handle_._entity, kStatuses),
       subscriber_(subscriber),
       topic_(topic),
-      type_(topic.topic().registered_type()) {
-    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
+      type_(topic.topic().registered_type()),
+      qos_(subscriber.participant().tree(), qos) {
     const std::lock_guard lock(subscriber.participant().tree());
     ++topic.users;
 }
@@ -53,15 +53,19 @@ DataReader::~DataReader() {
 }
 
 DDS_ReturnCode_t DataReader::attach_type(const char *method) {
-    const DDS_UnsignedLong count = DDS_ShortSeq_get_length(&(*qos_).representation.value);
-    for (DDS_UnsignedLong i = 0; i < count; ++i) {
-        DDS_DataRepresentationId_t id =
-            *DDS_ShortSeq_get_reference(&(*qos_).representation.value, static_cast<DDS_Long>(i));
-        if (!type_->resolve_representation(&id)) {
-            return fail(DDS_RETCODE_INCONSISTENT_POLICY, method,
-                        "inconsistent QoS: representation: the type %s does not allow it",
-                        type_->name().c_str());
+    const bool allowed = qos_.read([&](const DDS_DataReaderQos &qos) {
+        const DDS_ShortSeq &ids = qos.representation.value;
+        const auto count = static_cast<DDS_Long>(DDS_ShortSeq_get_length(&ids));
+        for (DDS_Long i = 0; i < count; ++i) {
+            DDS_DataRepresentationId_t id = *DDS_ShortSeq_get_reference(&ids, i);
+            if (!type_->resolve_representation(&id)) return false;
         }
+        return true;
+    });
+    if (!allowed) {
+        return fail(DDS_RETCODE_INCONSISTENT_POLICY, method,
+                    "inconsistent QoS: representation: the type %s does not allow it",
+                    type_->name().c_str());
     }
     endpoint_ =
         TypeEndpoint::create(type_, {KOLT_TYPE_PLUGIN_READER, DDS_AUTO_DATA_REPRESENTATION, 0U});
@@ -79,11 +83,8 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                     "the subscriber or the topic is not enabled");
     }
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(subscriber_.participant().tree());
-        engine_qos = to_engine(*qos_, *type_);
-    }
+    const EngineQos engine_qos =
+        qos_.read([&](const DDS_DataReaderQos &qos) { return to_engine(qos, *type_); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
         dds_create_listener(this), dds_delete_listener);
     dds_listener_t *const l = listener.get();
@@ -108,85 +109,52 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
     return DDS_RETCODE_OK;
 }
 
-DDS_ReturnCode_t DataReader::get_qos(DDS_DataReaderQos *qos) {
-    const std::lock_guard lock(subscriber_.participant().tree());
-    return DDS_DataReaderQos_copy(qos, qos_.get());
-}
-
 DDS_ReturnCode_t DataReader::set_qos(const DDS_DataReaderQos &qos, const char *method) {
-    const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(subscriber_.participant().tree());
-        if (is_enabled()) {
-            const DDS_ReturnCode_t changed = check_change(*qos_, qos, method);
-            if (changed != DDS_RETCODE_OK) return changed;
-            engine_qos = to_engine(qos, *type_);
-        }
-    }
-    if (engine_qos != nullptr) {
-        const dds_return_t result = dds_set_qos(engine(), engine_qos.get());
-        if (result < 0) return fail(to_return_code(result), method, "the engine refuses the QoS");
-    }
-    {
-        const std::lock_guard lock(subscriber_.participant().tree());
-        const DDS_ReturnCode_t copied = DDS_DataReaderQos_copy(qos_.get(), &qos);
-        if (copied != DDS_RETCODE_OK) return copied;
-    }
-    return is_enabled() ? DDS_RETCODE_OK : attach_type(method);
+    const DDS_ReturnCode_t result =
+        qos_.set(qos, *this, method, [&](const auto &q) { return to_engine(q, *type_); });
+    // Before it is enabled the representations may still change.
+    return result != DDS_RETCODE_OK || is_enabled() ? result : attach_type(method);
 }
 
 // ---- Events -------------------------------------------------------------------------------------
 
-// The reader's own listener comes first, then the subscriber's, then the participant's.
-template <typename Kind>
-void DataReader::dispatch() {
-    const auto call = [this](const DDS_DataReaderListener &l) {
-        typename Kind::Status status{};
-        if (Kind::take_changed(engine(), &status)) {
-            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
-        }
-    };
-    const auto has = [](const DDS_DataReaderListener &l) { return l.*Kind::kCallback != nullptr; };
-    if (listener_.handle(Kind::kBit, has, call)) return;
+template <typename HasCallback, typename Call>
+void DataReader::tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call) {
+    if (listener_.handle(status, has_callback, call)) return;
     if (subscriber_.listener().handle(
-            Kind::kBit, [&](const DDS_SubscriberListener &l) { return has(l.reader_listener); },
+            status,
+            [&](const DDS_SubscriberListener &l) { return has_callback(l.reader_listener); },
             [&](const DDS_SubscriberListener &l) { call(l.reader_listener); })) {
         return;
     }
     subscriber_.participant().listener().handle(
-        Kind::kBit,
+        status,
         [&](const DDS_DomainParticipantListener &l) {
-            return has(l.subscriber_listener.reader_listener);
+            return has_callback(l.subscriber_listener.reader_listener);
         },
         [&](const DDS_DomainParticipantListener &l) {
             call(l.subscriber_listener.reader_listener);
         });
 }
 
+template <typename Kind>
+void DataReader::dispatch() {
+    const auto has = [](const DDS_DataReaderListener &l) { return l.*Kind::kCallback != nullptr; };
+    tell_listener(Kind::kBit, has, [this](const DDS_DataReaderListener &l) {
+        typename Kind::Status status{};
+        if (Kind::take_changed(engine(), &status)) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
+        }
+    });
+}
+
 void DataReader::dispatch_data_available() {
-    const auto call = [this](const DDS_DataReaderListener &l) {
+    const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
+    tell_listener(DDS_DATA_AVAILABLE_STATUS, has, [this](const DDS_DataReaderListener &l) {
         uint32_t taken = 0;
         dds_take_status(engine(), &taken, api::kDataAvailableStatus);
         l.on_data_available(l.listener_data, &handle_);
-    };
-    const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
-    if (listener_.handle(DDS_DATA_AVAILABLE_STATUS, has, call)) return;
-    if (subscriber_.listener().handle(
-            DDS_DATA_AVAILABLE_STATUS,
-            [&](const DDS_SubscriberListener &l) { return has(l.reader_listener); },
-            [&](const DDS_SubscriberListener &l) { call(l.reader_listener); })) {
-        return;
-    }
-    subscriber_.participant().listener().handle(
-        DDS_DATA_AVAILABLE_STATUS,
-        [&](const DDS_DomainParticipantListener &l) {
-            return has(l.subscriber_listener.reader_listener);
-        },
-        [&](const DDS_DomainParticipantListener &l) {
-            call(l.subscriber_listener.reader_listener);
-        });
+    });
 }
 
 // A subscriber that wants to know about all of its readers' data is told first, and decides by

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "engine/entity_impl.hpp"
+#include "engine/entity_qos.hpp"
 #include "engine/listener_slot.hpp"
 #include "engine/read_condition_impl.hpp"
 #include "engine/serdata.hpp"
 #include "kolt/subscription.h"
-#include "qos/qos_values.hpp"
 
 namespace kolt::engine {
 
@@ -51,7 +51,7 @@ class DataReader final : public Entity {
 
     DDS_ReturnCode_t attach_type(const char *method);
     DDS_ReturnCode_t enable(const char *method) override;
-    DDS_ReturnCode_t get_qos(DDS_DataReaderQos *qos);
+    DDS_ReturnCode_t get_qos(DDS_DataReaderQos *qos) { return qos_.get(qos); }
     DDS_ReturnCode_t set_qos(const DDS_DataReaderQos &qos, const char *method);
 
     DDS_DataReaderListener listener() const { return listener_.get(); }
@@ -92,6 +92,10 @@ class DataReader final : public Entity {
     DDS_InstanceHandle_t lookup_instance(const void *key_holder);
 
   private:
+    // Lets the first listener that wants the status have it: the reader's own, then the
+    // subscriber's, then the participant's (DDS 1.4, 2.2.4.2.3).
+    template <typename HasCallback, typename Call>
+    void tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call);
     template <typename Kind>
     void dispatch();
     void dispatch_pending(DDS_StatusMask mask);
@@ -122,7 +126,7 @@ class DataReader final : public Entity {
     std::shared_ptr<RegisteredType> type_;
     std::shared_ptr<TypeEndpoint> endpoint_;
     ListenerSlot<DDS_DataReaderListener> listener_;
-    kolt::qos::OwnedQos<DDS_DataReaderQos> qos_;  // guarded by the tree's mutex
+    EntityQos<DDS_DataReaderQos> qos_;
 
     mutable std::mutex contents_;
     // Guarded by contents_:

@@ -27,14 +27,14 @@ DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self, DDS_Topic
         return nullptr;
     }
     return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.create_reader(TopicDescription::of(topic), qos, listener, mask, method);
+        return subscriber.create(TopicDescription::of(topic), qos, listener, mask, method);
     });
 }
 
 DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self, DDS_DataReader *reader) {
     if (reader == nullptr) return bad_parameter(__func__, "reader");
     return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.delete_reader(DataReader::of(reader), method);
+        return subscriber.remove(DataReader::of(reader), method);
     });
 }
 
@@ -49,9 +49,8 @@ DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self, const cha
         bad_parameter(__func__, "topic_name");
         return nullptr;
     }
-    return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
-        return subscriber.lookup_reader(topic_name);
-    });
+    return with<Subscriber>(self, __func__,
+                            [&](Subscriber &subscriber) { return subscriber.lookup(topic_name); });
 }
 
 DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos) {
@@ -80,7 +79,7 @@ DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
                                                            DDS_DataReaderQos *qos) {
     if (qos == nullptr) return bad_parameter(__func__, "qos");
     return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
-        return subscriber.get_default_reader_qos(qos, nullptr);
+        return subscriber.get_default_qos(qos, nullptr);
     });
 }
 
@@ -88,7 +87,7 @@ DDS_ReturnCode_t DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self,
                                                            const DDS_DataReaderQos *qos) {
     if (qos == nullptr) return bad_parameter(__func__, "qos");
     return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.set_default_reader_qos(*qos, method);
+        return subscriber.set_default_qos(*qos, method);
     });
 }
 
@@ -329,8 +328,8 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
 DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
                                                      DDS_UnsignedLong count,
                                                      DDS_SampleInfoSeq *info_seq) {
-    if (loan == nullptr) return bad_parameter(__func__, "received_data");
     if (info_seq == nullptr) return bad_parameter(__func__, "info_seq");
+    if (loan == nullptr) return bad_parameter(__func__, "received_data");
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
         return reader.return_loan(loan, count, info_seq, method);
     });

@@ -41,9 +41,8 @@ Topic::Topic(Participant &participant, const char *name, std::shared_ptr<Registe
              const DDS_TopicQos &qos)
     : TopicDescription(EntityKind::kTopic, &handle_._description, participant, name,
                        DDS_INCONSISTENT_TOPIC_STATUS),
-      type_(std::move(type)) {
-    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
-}
+      type_(std::move(type)),
+      qos_(participant.tree(), qos) {}
 
 Topic::~Topic() {
     listener_.set(nullptr, 0);
@@ -54,11 +53,7 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     if (!participant().is_enabled()) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the participant is not enabled");
     }
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(participant().tree());
-        engine_qos = to_engine(*qos_);
-    }
+    const EngineQos engine_qos = qos_.read([](const DDS_TopicQos &qos) { return to_engine(qos); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
         dds_create_listener(this), dds_delete_listener);
     dds_lset_inconsistent_topic_arg(listener.get(), inconsistent_topic, this, false);
@@ -74,29 +69,8 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     return DDS_RETCODE_OK;
 }
 
-DDS_ReturnCode_t Topic::get_qos(DDS_TopicQos *qos) {
-    const std::lock_guard lock(participant().tree());
-    return DDS_TopicQos_copy(qos, qos_.get());
-}
-
 DDS_ReturnCode_t Topic::set_qos(const DDS_TopicQos &qos, const char *method) {
-    const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(participant().tree());
-        if (is_enabled()) {
-            const DDS_ReturnCode_t changed = check_change(*qos_, qos, method);
-            if (changed != DDS_RETCODE_OK) return changed;
-            engine_qos = to_engine(qos);
-        }
-    }
-    if (engine_qos != nullptr) {
-        const dds_return_t result = dds_set_qos(engine(), engine_qos.get());
-        if (result < 0) return fail(to_return_code(result), method, "the engine refuses the QoS");
-    }
-    const std::lock_guard lock(participant().tree());
-    return DDS_TopicQos_copy(qos_.get(), &qos);
+    return qos_.set(qos, *this, method, [](const DDS_TopicQos &q) { return to_engine(q); });
 }
 
 void Topic::on_inconsistent_topic() {

@@ -7,11 +7,11 @@
 
 #include "engine/content_filter.hpp"
 #include "engine/entity_impl.hpp"
+#include "engine/entity_qos.hpp"
 #include "engine/listener_slot.hpp"
 #include "engine/registered_type.hpp"
 #include "engine/sertype.hpp"
 #include "kolt/topic.h"
-#include "qos/qos_values.hpp"
 
 namespace kolt::engine {
 
@@ -60,7 +60,7 @@ class Topic final : public TopicDescription {
     ListenerSlot<DDS_TopicListener> &listener() { return listener_; }
 
     DDS_ReturnCode_t enable(const char *method) override;
-    DDS_ReturnCode_t get_qos(DDS_TopicQos *qos);
+    DDS_ReturnCode_t get_qos(DDS_TopicQos *qos) { return qos_.get(qos); }
     DDS_ReturnCode_t set_qos(const DDS_TopicQos &qos, const char *method);
     void on_inconsistent_topic();
 
@@ -69,7 +69,7 @@ class Topic final : public TopicDescription {
     std::shared_ptr<RegisteredType> type_;
     const Sertype *sertype_ = nullptr;
     ListenerSlot<DDS_TopicListener> listener_;
-    kolt::qos::OwnedQos<DDS_TopicQos> qos_;  // guarded by the tree's mutex
+    EntityQos<DDS_TopicQos> qos_;
 };
 
 class ContentFilteredTopic final : public TopicDescription {

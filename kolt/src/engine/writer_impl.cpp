@@ -38,10 +38,9 @@ DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQ
     : Entity(EntityKind::kDataWriter, &handle_._entity, kStatuses),
       publisher_(publisher),
       topic_(topic),
-      type_(topic.registered_type()) {
-    if (!kolt::qos::copy(*qos_, qos)) throw std::bad_alloc();
-    deferred_write_ = is_property_true(qos.property, kDeferredWriteProperty);
-    autodispose_ = qos.writer_data_lifecycle.autodispose_unregistered_instances != 0;
+      type_(topic.registered_type()),
+      qos_(publisher.participant().tree(), qos) {
+    note_qos();
     const std::lock_guard lock(publisher.participant().tree());
     ++topic.users;
 }
@@ -53,9 +52,18 @@ DataWriter::~DataWriter() {
     --topic_.users;
 }
 
+void DataWriter::note_qos() {
+    qos_.read([this](const DDS_DataWriterQos &qos) {
+        deferred_write_ = is_property_true(qos.property, kDeferredWriteProperty);
+        autodispose_ = qos.writer_data_lifecycle.autodispose_unregistered_instances != 0;
+    });
+}
+
 DDS_ReturnCode_t DataWriter::attach_type(const char *method) {
     DDS_DataRepresentationId_t representation = DDS_AUTO_DATA_REPRESENTATION;
-    if (!writer_representation(*qos_, *type_, &representation)) {
+    if (!qos_.read([&](const DDS_DataWriterQos &qos) {
+            return writer_representation(qos, *type_, &representation);
+        })) {
         return fail(DDS_RETCODE_INCONSISTENT_POLICY, method,
                     "inconsistent QoS: representation: the type %s does not allow it",
                     type_->name().c_str());
@@ -76,11 +84,8 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                     "the publisher or the topic is not enabled");
     }
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(publisher_.participant().tree());
-        engine_qos = to_engine(*qos_, *type_);
-    }
+    const EngineQos engine_qos =
+        qos_.read([&](const DDS_DataWriterQos &qos) { return to_engine(qos, *type_); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
         dds_create_listener(this), dds_delete_listener);
     dds_lset_offered_deadline_missed_arg(listener.get(), on_engine_event<OfferedDeadlineMissed>,
@@ -102,34 +107,11 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
     return DDS_RETCODE_OK;
 }
 
-DDS_ReturnCode_t DataWriter::get_qos(DDS_DataWriterQos *qos) {
-    const std::lock_guard lock(publisher_.participant().tree());
-    return DDS_DataWriterQos_copy(qos, qos_.get());
-}
-
 DDS_ReturnCode_t DataWriter::set_qos(const DDS_DataWriterQos &qos, const char *method) {
-    const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
-    EngineQos engine_qos;
-    {
-        const std::lock_guard lock(publisher_.participant().tree());
-        if (is_enabled()) {
-            const DDS_ReturnCode_t changed = check_change(*qos_, qos, method);
-            if (changed != DDS_RETCODE_OK) return changed;
-            engine_qos = to_engine(qos, *type_);
-        }
-    }
-    if (engine_qos != nullptr) {
-        const dds_return_t result = dds_set_qos(engine(), engine_qos.get());
-        if (result < 0) return fail(to_return_code(result), method, "the engine refuses the QoS");
-    }
-    {
-        const std::lock_guard lock(publisher_.participant().tree());
-        const DDS_ReturnCode_t copied = DDS_DataWriterQos_copy(qos_.get(), &qos);
-        if (copied != DDS_RETCODE_OK) return copied;
-        autodispose_ = qos.writer_data_lifecycle.autodispose_unregistered_instances != 0;
-        deferred_write_ = is_property_true(qos.property, kDeferredWriteProperty);
-    }
+    const DDS_ReturnCode_t result =
+        qos_.set(qos, *this, method, [&](const auto &q) { return to_engine(q, *type_); });
+    if (result != DDS_RETCODE_OK) return result;
+    note_qos();
     // Before it is enabled the representation may still change.
     return is_enabled() ? DDS_RETCODE_OK : attach_type(method);
 }

@@ -4,11 +4,11 @@
 #include <memory>
 
 #include "engine/entity_impl.hpp"
+#include "engine/entity_qos.hpp"
 #include "engine/instance_registry.hpp"
 #include "engine/listener_slot.hpp"
 #include "engine/serdata.hpp"
 #include "kolt/publication.h"
-#include "qos/qos_values.hpp"
 
 namespace kolt::engine {
 
@@ -39,7 +39,7 @@ class DataWriter final : public Entity {
     // The representation is one that the type allows and the plugin has made its data.
     DDS_ReturnCode_t attach_type(const char *method);
     DDS_ReturnCode_t enable(const char *method) override;
-    DDS_ReturnCode_t get_qos(DDS_DataWriterQos *qos);
+    DDS_ReturnCode_t get_qos(DDS_DataWriterQos *qos) { return qos_.get(qos); }
     DDS_ReturnCode_t set_qos(const DDS_DataWriterQos &qos, const char *method);
 
     DDS_DataWriterListener listener() const { return listener_.get(); }
@@ -68,6 +68,9 @@ class DataWriter final : public Entity {
     // Tells the listeners of what happened before they were installed.
     void dispatch_pending(DDS_StatusMask mask);
 
+    // Takes over what writing looks at all the time.
+    void note_qos();
+
     const Sertype &sertype() const;
     SerdataRef serialize(const void *sample, const char *method, DDS_ReturnCode_t *result);
     SerdataRef key_of(const void *sample);
@@ -92,11 +95,11 @@ class DataWriter final : public Entity {
     std::shared_ptr<RegisteredType> type_;
     std::shared_ptr<TypeEndpoint> endpoint_;
     DDS_UnsignedShort encapsulation_ = KOLT_ENCAPSULATION_INVALID;
-    bool deferred_write_ = false;
+    std::atomic<bool> deferred_write_{false};
     std::atomic<bool> autodispose_{true};
     InstanceRegistry instances_;
     ListenerSlot<DDS_DataWriterListener> listener_;
-    kolt::qos::OwnedQos<DDS_DataWriterQos> qos_;  // guarded by the tree's mutex
+    EntityQos<DDS_DataWriterQos> qos_;
 };
 
 }  // namespace kolt::engine
