@@ -18,6 +18,7 @@
 #include "kolt/subscription.h"
 #include "kolt/thread_settings.h"
 #include "kolt/topic.h"
+#include "kolt/type_object.h"
 #include "kolt/type_plugin.h"
 #include "kolt/typecode.h"
 #include "kolt/xml.h"

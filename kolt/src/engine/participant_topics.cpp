@@ -1,5 +1,6 @@
 // The types that are registered with a participant, and its topics.
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include "engine/participant_impl.hpp"
@@ -11,6 +12,9 @@
 namespace kolt::engine {
 
 namespace {
+
+// Of a participant; "false": its types go by their names alone (kolt/type_object.h).
+constexpr const char *kAnnounceTypesProperty = "dds.participant.announce_types";
 
 // What a topic may be called (DDS 1.4, B.2, with the slash that is in general use).
 bool is_topic_name(std::string_view name) {
@@ -37,7 +41,13 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
                         "the name %s is taken by another type", name);
         }
     }
-    auto type = RegisteredType::create(name, plugin, registration_data, domain_id_);
+    const bool described = qos_.read([](const DDS_DomainParticipantQos &qos) {
+        const DDS_Property_t *const property =
+            DDS_PropertyQosPolicyHelper_lookup_property(&qos.property, kAnnounceTypesProperty);
+        return property == nullptr || property->value == nullptr ||
+               std::strcmp(property->value, "false") != 0;
+    });
+    auto type = RegisteredType::create(name, plugin, registration_data, domain_id_, described);
     if (type == nullptr) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
                     "the type plugin of %s cannot be attached", name);

@@ -2,15 +2,18 @@
 
 #include <cstring>
 
+#include "engine/type_announcement.hpp"
+
 namespace kolt::engine {
 
 std::shared_ptr<RegisteredType> RegisteredType::create(const char *name,
                                                        const KOLT_TypePlugin &plugin,
                                                        void *registration_data,
-                                                       DDS_DomainId_t domain_id) {
+                                                       DDS_DomainId_t domain_id, bool described) {
     std::shared_ptr<RegisteredType> type(new RegisteredType(name, plugin));
     type->programs_ = KOLT_TypePrograms_acquire(plugin.type_code);
     if (type->programs_ == nullptr) return nullptr;
+    if (described) type->announcement_ = TypeAnnouncement::create(*plugin.type_code, name);
     const KOLT_TypePluginParticipantInfo info{domain_id};
     type->participant_data_ = plugin.on_participant_attached(
         registration_data, &info, DDS_BOOLEAN_TRUE, nullptr, plugin.type_code);

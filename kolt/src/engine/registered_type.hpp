@@ -10,13 +10,15 @@
 
 namespace kolt::engine {
 
+class TypeAnnouncement;
+
 class RegisteredType {
   public:
     // Attaches the plugin to the participant. nullptr when the plugin, or the compilation of its
-    // type code, refuses.
+    // type code, refuses. `described`: not only the type's name is announced, if that can be.
     static std::shared_ptr<RegisteredType> create(const char *name, const KOLT_TypePlugin &plugin,
-                                                  void *registration_data,
-                                                  DDS_DomainId_t domain_id);
+                                                  void *registration_data, DDS_DomainId_t domain_id,
+                                                  bool described);
     ~RegisteredType();
     RegisteredType(const RegisteredType &) = delete;
     RegisteredType &operator=(const RegisteredType &) = delete;
@@ -27,6 +29,8 @@ class RegisteredType {
     const KOLT_TypePrograms *programs() const { return programs_; }
     KOLT_TypePluginParticipantData *participant_data() const { return participant_data_; }
     bool is_keyed() const { return keyed_; }
+    // What the engine is told of the type; nullptr when it goes by its name alone.
+    const std::shared_ptr<const TypeAnnouncement> &announcement() const { return announcement_; }
     // True when `plugin` stands for the same type.
     bool is_same(const KOLT_TypePlugin &plugin) const;
     // The representation that a writer which asked for `representation` uses: AUTO becomes XCDR1 if
@@ -41,6 +45,7 @@ class RegisteredType {
     KOLT_TypePlugin plugin_;
     KOLT_TypePluginParticipantData *participant_data_ = nullptr;
     const KOLT_TypePrograms *programs_ = nullptr;
+    std::shared_ptr<const TypeAnnouncement> announcement_;
     bool keyed_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "engine/sertype.hpp"
 
+#include <dds/ddsi/ddsi_typelib.h>
 #include <dds/ddsrt/heap.h>
 
 #include <cstring>
@@ -38,8 +39,8 @@ void free_samples_op(const ddsi_sertype *, void **pointers, size_t count, dds_fr
 
 }  // namespace
 
-// Without type_id, type_map and type_info the engine matches by type name alone; without
-// derive_sertype writers and readers use the topic's sertype, whatever their representation.
+// Without derive_sertype writers and readers use the topic's sertype, whatever their
+// representation.
 const ddsi_sertype_ops Sertype::kOps = {
     .version = ddsi_sertype_v0,
     .arg = nullptr,
@@ -49,18 +50,19 @@ const ddsi_sertype_ops Sertype::kOps = {
     .free_samples = free_samples_op,
     .equal = equal_op,
     .hash = hash_op,
-    .type_id = nullptr,
-    .type_map = nullptr,
-    .type_info = nullptr,
+    .type_id = type_id_op,
+    .type_map = type_map_op,
+    .type_info = type_info_op,
     .derive_sertype = nullptr,
     .get_serialized_size = nullptr,
     .serialize_into = nullptr,
 };
 
-Sertype *Sertype::create(const char *type_name, const KOLT_TypePrograms *programs, bool keyed) {
-    auto *const type = new Sertype;
-    const DDS_TypeCode *const type_code = KOLT_TypePrograms_type(programs);
-    ddsi_sertype_init(type, type_name, &kOps, &Serdata::kOps, !keyed);
+Sertype *Sertype::create(const RegisteredType &registered) {
+    auto *const type = new Sertype(registered.announcement());
+    const DDS_TypeCode *const type_code = registered.type_code();
+    ddsi_sertype_init(type, registered.name().c_str(), &kOps, &Serdata::kOps,
+                      !registered.is_keyed());
     // The numbers of KOLT's mask bits are the engine's.
     static_assert(DDS_DATA_REPRESENTATION_MASK_XCDR == DDS_DATA_REPRESENTATION_FLAG_XCDR1);
     static_assert(DDS_DATA_REPRESENTATION_MASK_XCDR2 == DDS_DATA_REPRESENTATION_FLAG_XCDR2);
@@ -80,13 +82,35 @@ void Sertype::free_op(ddsi_sertype *base) {
     delete type;
 }
 
+// The engine compares the names itself, and an announcement, if there is one, follows from name and
+// type code.
 bool Sertype::equal_op(const ddsi_sertype *a, const ddsi_sertype *b) {
-    return of(a).programs_ == of(b).programs_;
+    return of(a).programs_ == of(b).programs_ &&
+           (of(a).announcement_ == nullptr) == (of(b).announcement_ == nullptr);
 }
 
 uint32_t Sertype::hash_op(const ddsi_sertype *base) {
     const auto address = reinterpret_cast<uintptr_t>(of(base).programs_);
     return static_cast<uint32_t>(address >> 4);
+}
+
+ddsi_typeid_t *Sertype::type_id_op(const ddsi_sertype *base, ddsi_typeid_kind_t kind) {
+    ddsi_typeinfo_t *const info = type_info_op(base);
+    if (info == nullptr) return nullptr;
+    ddsi_typeid_t *const id = ddsi_typeinfo_typeid(info, kind);
+    ddsi_typeinfo_fini(info);
+    ddsrt_free(info);
+    return id;
+}
+
+ddsi_typemap_t *Sertype::type_map_op(const ddsi_sertype *base) {
+    const auto &announcement = of(base).announcement_;
+    return announcement == nullptr ? nullptr : announcement->type_map();
+}
+
+ddsi_typeinfo_t *Sertype::type_info_op(const ddsi_sertype *base) {
+    const auto &announcement = of(base).announcement_;
+    return announcement == nullptr ? nullptr : announcement->type_info();
 }
 
 }  // namespace kolt::engine

@@ -2,16 +2,17 @@
 // the engine interns equal ones, so that it holds nothing of a participant's own.
 #pragma once
 
-#include "engine/engine_api.hpp"
-#include "kolt/cdr.h"
+#include "engine/registered_type.hpp"
+#include "engine/type_announcement.hpp"
 
 namespace kolt::engine {
 
 class Sertype : public ddsi_sertype {
   public:
-    // A new sertype with one reference, which dds_create_topic_sertype takes over. `type_name` is
-    // the registered name, which readers and writers are matched by. Throws std::bad_alloc.
-    static Sertype *create(const char *type_name, const KOLT_TypePrograms *programs, bool keyed);
+    // A new sertype with one reference, which dds_create_topic_sertype takes over. Readers and
+    // writers are matched by the type's announcement, or by the registered name when one of them
+    // has none. Throws std::bad_alloc.
+    static Sertype *create(const RegisteredType &registered);
     static const Sertype &of(const ddsi_sertype *base) {
         return *static_cast<const Sertype *>(base);
     }
@@ -20,14 +21,19 @@ class Sertype : public ddsi_sertype {
     bool is_keyed() const { return typekind_no_key == 0; }
 
   private:
-    Sertype() = default;
+    explicit Sertype(std::shared_ptr<const TypeAnnouncement> announcement)
+        : announcement_(std::move(announcement)) {}
     ~Sertype() = default;
     static void free_op(ddsi_sertype *base);
     static bool equal_op(const ddsi_sertype *a, const ddsi_sertype *b);
     static uint32_t hash_op(const ddsi_sertype *base);
+    static ddsi_typeid_t *type_id_op(const ddsi_sertype *base, ddsi_typeid_kind_t kind);
+    static ddsi_typemap_t *type_map_op(const ddsi_sertype *base);
+    static ddsi_typeinfo_t *type_info_op(const ddsi_sertype *base);
     static const ddsi_sertype_ops kOps;
 
     const KOLT_TypePrograms *programs_ = nullptr;
+    const std::shared_ptr<const TypeAnnouncement> announcement_;  // may be nullptr
 };
 
 }  // namespace kolt::engine

@@ -16,8 +16,7 @@ namespace {
 // equal one.
 dds_entity_t create_engine_topic(Participant &participant, const Topic &topic, const dds_qos_t *qos,
                                  const dds_listener_t *listener, ddsi_sertype **sertype) {
-    const RegisteredType &type = *topic.registered_type();
-    *sertype = Sertype::create(type.name().c_str(), type.programs(), type.is_keyed());
+    *sertype = Sertype::create(*topic.registered_type());
     const dds_entity_t entity = dds_create_topic_sertype(participant.engine(), topic.name().c_str(),
                                                          sertype, qos, listener, nullptr);
     if (entity < 0) ddsi_sertype_unref(*sertype);
