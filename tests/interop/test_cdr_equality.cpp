@@ -11,16 +11,20 @@
 #include <dds/ddsi/ddsi_serdata.h>
 
 #include <array>
-#include <cstdint>
 #include <cstring>
 #include <memory>
-#include <random>
-#include <string>
 #include <vector>
 
-#include "distlog_idlc.h"
+#include "cdr_equality_types.h"
+#include "support/coverage.h"
 
 namespace {
+
+using equality::CommandRequest;
+using equality::CommandResponse;
+using equality::LogMessage;
+using equality::State;
+using support::Coverage;
 
 constexpr int kDomain = 40;
 constexpr int kSampleCount = 10000;
@@ -91,220 +95,11 @@ class EngineType {
     Serdata first_;
 };
 
-// ---- Random values ----------------------------------------------------------------------------
-
-class Random {
-  public:
-    explicit Random(unsigned seed) : generator_(seed) {}
-
-    DDS_Long number() { return static_cast<DDS_Long>(generator_()); }
-    DDS_LongLong wide() {
-        return static_cast<DDS_LongLong>(std::uint64_t{generator_()} << 32 | generator_());
-    }
-    template <typename Enum>
-    Enum enumerator(unsigned count) {
-        return static_cast<Enum>(below(count));
-    }
-    unsigned below(unsigned limit) { return static_cast<unsigned>(generator_() % limit); }
-
-    // Short ones mostly, so that every alignment comes up often; now and then empty or full.
-    void text(char *buffer, unsigned bound) {
-        const unsigned kind = below(8);
-        const unsigned length = kind == 0   ? 0
-                                : kind == 1 ? bound
-                                : kind == 2 ? below(bound + 1)
-                                            : below(40);
-        for (unsigned i = 0; i < length; ++i) {
-            buffer[i] = static_cast<char>(1 + below(255));
-        }
-        buffer[length] = '\0';
-    }
-    VUR_DL_HostAndAppId identity() { return {number(), number()}; }
-    VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity categoryAndVerbosity() {
-        return {enumerator<VUR_DL_ADMIN_VURLoggerCategory>(5),
-                enumerator<VUR_DL_ADMIN_VURLoggerVerbosity>(6)};
-    }
-
-  private:
-    std::mt19937 generator_;
-};
-
-// ---- The types, side by side
-// ---------------------------------------------------------------------
-
-void convert(com_vur_dl_HostAndAppId &to, const VUR_DL_HostAndAppId &from) {
-    to = {from.rtps_host_id, from.rtps_app_id};
-}
-void convert(com_vur_dl_admin_VURLoggerCategoryAndVerbosity &to,
-             const VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity &from) {
-    to.category = static_cast<com_vur_dl_admin_VURLoggerCategory>(from.category);
-    to.verbosity = static_cast<com_vur_dl_admin_VURLoggerVerbosity>(from.verbosity);
-}
-
-// One topic type: our record, idlc's, and how the second is made from the first. `Theirs` values
-// that convert() makes may point into the object's buffers.
-struct LogMessage {
-    using Ours = VUR_DL_LogMessage;
-    using Theirs = com_vur_dl_LogMessage;
-    static constexpr const dds_topic_descriptor_t &kDescriptor = com_vur_dl_LogMessage_desc;
-    static constexpr auto kInitialize = VUR_DL_LogMessage_initialize;
-    static constexpr auto kFinalize = VUR_DL_LogMessage_finalize;
-    static constexpr auto kCode = VUR_DL_LogMessage_get_typecode;
-    static constexpr auto kSerialize = VUR_DL_LogMessagePlugin_serialize_to_cdr_buffer_ex;
-    static constexpr auto kDeserialize = VUR_DL_LogMessagePlugin_deserialize_from_cdr_buffer;
-    static constexpr auto kPrograms = VUR_DL_LogMessagePlugin_get_programs;
-
-    static void fill(Ours &record, Random &random) {
-        record.hostAndAppId = random.identity();
-        record.level = random.number();
-        random.text(record.category, VUR_DL_LOG_MESSAGE_CATEGORY_BOUND);
-        random.text(record.message, VUR_DL_LOG_MESSAGE_MESSAGE_BOUND);
-        record.messageId = random.wide();
-    }
-    void convert(Theirs &to, const Ours &from) {
-        ::convert(to.hostAndAppId, from.hostAndAppId);
-        to.level = from.level;
-        std::strcpy(to.category, from.category);
-        std::strcpy(to.message, from.message);
-        to.messageId = from.messageId;
-    }
-};
-
-struct State {
-    using Ours = VUR_DL_ADMIN_State;
-    using Theirs = com_vur_dl_admin_State;
-    static constexpr const dds_topic_descriptor_t &kDescriptor = com_vur_dl_admin_State_desc;
-    static constexpr auto kInitialize = VUR_DL_ADMIN_State_initialize;
-    static constexpr auto kFinalize = VUR_DL_ADMIN_State_finalize;
-    static constexpr auto kCode = VUR_DL_ADMIN_State_get_typecode;
-    static constexpr auto kSerialize = VUR_DL_ADMIN_StatePlugin_serialize_to_cdr_buffer_ex;
-    static constexpr auto kDeserialize = VUR_DL_ADMIN_StatePlugin_deserialize_from_cdr_buffer;
-    static constexpr auto kPrograms = VUR_DL_ADMIN_StatePlugin_get_programs;
-
-    static void fill(Ours &record, Random &random) {
-        record.hostAndAppId = random.identity();
-        record.administrationDomainId = random.number();
-        record.state = random.enumerator<VUR_DL_ADMIN_StateKind>(4);
-        random.text(record.applicationKind, VUR_DL_ADMIN_STATE_APPLICATION_KIND_BOUND);
-        record.filterLevel = random.number();
-        for (VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity &element : record.vurLoggerVerbosities) {
-            element = random.categoryAndVerbosity();
-        }
-        record.vurLoggerPrintFormat = random.enumerator<VUR_DL_ADMIN_VURLoggerPrintFormat>(7);
-    }
-    void convert(Theirs &to, const Ours &from) {
-        ::convert(to.hostAndAppId, from.hostAndAppId);
-        to.administrationDomainId = from.administrationDomainId;
-        to.state = static_cast<com_vur_dl_admin_StateKind>(from.state);
-        std::strcpy(to.applicationKind, from.applicationKind);
-        to.filterLevel = from.filterLevel;
-        for (size_t i = 0; i < std::size(to.vurLoggerVerbosities); ++i) {
-            ::convert(to.vurLoggerVerbosities[i], from.vurLoggerVerbosities[i]);
-        }
-        to.vurLoggerPrintFormat =
-            static_cast<com_vur_dl_admin_VURLoggerPrintFormat>(from.vurLoggerPrintFormat);
-    }
-};
-
-struct CommandRequest {
-    using Ours = VUR_DL_ADMIN_CommandRequest;
-    using Theirs = com_vur_dl_admin_CommandRequest;
-    static constexpr const dds_topic_descriptor_t &kDescriptor =
-        com_vur_dl_admin_CommandRequest_desc;
-    static constexpr auto kInitialize = VUR_DL_ADMIN_CommandRequest_initialize;
-    static constexpr auto kFinalize = VUR_DL_ADMIN_CommandRequest_finalize;
-    static constexpr auto kCode = VUR_DL_ADMIN_CommandRequest_get_typecode;
-    static constexpr auto kSerialize = VUR_DL_ADMIN_CommandRequestPlugin_serialize_to_cdr_buffer_ex;
-    static constexpr auto kDeserialize =
-        VUR_DL_ADMIN_CommandRequestPlugin_deserialize_from_cdr_buffer;
-
-    static void fill(Ours &record, Random &random) {
-        record.targetHostAndAppId = random.identity();
-        record.originatorHostAndAppId = random.identity();
-        record.invocation = random.number();
-        record.command._d = random.enumerator<VUR_DL_ADMIN_CommandKind>(3);
-        record.command._u.filterLevel = random.number();
-        auto &sequence = record.command._u.categoryAndVerbosity;
-        const auto length = static_cast<DDS_Long>(random.below(6));
-        ASSERT_TRUE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_set_length(&sequence, length));
-        for (DDS_Long i = 0; i < length; ++i) {
-            *VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_get_reference(&sequence, i) =
-                random.categoryAndVerbosity();
-        }
-        record.command._u.printFormat = random.enumerator<VUR_DL_ADMIN_VURLoggerPrintFormat>(7);
-    }
-    void convert(Theirs &to, const Ours &from) {
-        ::convert(to.targetHostAndAppId, from.targetHostAndAppId);
-        ::convert(to.originatorHostAndAppId, from.originatorHostAndAppId);
-        to.invocation = from.invocation;
-        const VUR_DL_ADMIN_Command &command = from.command;
-        to.command = {};
-        to.command.d = static_cast<com_vur_dl_admin_CommandKind>(command._d);
-        if (command._d == VUR_DL_SET_LOG_LEVEL) {
-            filter_level_ = command._u.filterLevel;
-            to.command.filterLevel = &filter_level_;
-        } else if (command._d == VUR_DL_SET_VUR_LOGGER_PRINT_FORMAT) {
-            print_format_ =
-                static_cast<com_vur_dl_admin_VURLoggerPrintFormat>(command._u.printFormat);
-            to.command.printFormat = &print_format_;
-        } else {
-            convertSequence(command._u.categoryAndVerbosity);
-            to.command.categoryAndVerbosity = &sequence_;
-        }
-    }
-
-  private:
-    void convertSequence(const VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq &from) {
-        sequence_ = {};
-        sequence_._maximum = static_cast<uint32_t>(elements_.size());
-        sequence_._length = from._length;
-        sequence_._buffer = elements_.data();
-        for (DDS_UnsignedLong i = 0; i < from._length; ++i) {
-            ::convert(elements_[i], from._contiguous_buffer[i]);
-        }
-    }
-
-    std::array<com_vur_dl_admin_VURLoggerCategoryAndVerbosity, 5> elements_ = {};
-    dds_sequence_com_vur_dl_admin_VURLoggerCategoryAndVerbosity sequence_ = {};
-    int32_t filter_level_ = 0;
-    com_vur_dl_admin_VURLoggerPrintFormat print_format_ = {};
-};
-
-struct CommandResponse {
-    using Ours = VUR_DL_ADMIN_CommandResponse;
-    using Theirs = com_vur_dl_admin_CommandResponse;
-    static constexpr const dds_topic_descriptor_t &kDescriptor =
-        com_vur_dl_admin_CommandResponse_desc;
-    static constexpr auto kInitialize = VUR_DL_ADMIN_CommandResponse_initialize;
-    static constexpr auto kFinalize = VUR_DL_ADMIN_CommandResponse_finalize;
-    static constexpr auto kCode = VUR_DL_ADMIN_CommandResponse_get_typecode;
-    static constexpr auto kSerialize =
-        VUR_DL_ADMIN_CommandResponsePlugin_serialize_to_cdr_buffer_ex;
-    static constexpr auto kDeserialize =
-        VUR_DL_ADMIN_CommandResponsePlugin_deserialize_from_cdr_buffer;
-    static constexpr auto kPrograms = VUR_DL_ADMIN_CommandResponsePlugin_get_programs;
-
-    static void fill(Ours &record, Random &random) {
-        record.hostAndAppId = random.identity();
-        record.originatorHostAndAppId = random.identity();
-        record.invocation = random.number();
-        record.commandResult = random.enumerator<VUR_DL_ADMIN_CommandResult>(3);
-        random.text(record.message, VUR_DL_ADMIN_COMMAND_RESPONSE_MESSAGE_BOUND);
-    }
-    void convert(Theirs &to, const Ours &from) {
-        ::convert(to.hostAndAppId, from.hostAndAppId);
-        ::convert(to.originatorHostAndAppId, from.originatorHostAndAppId);
-        to.invocation = from.invocation;
-        to.commandResult = static_cast<com_vur_dl_admin_CommandResult>(from.commandResult);
-        std::strcpy(to.message, from.message);
-    }
-};
-
 // ---- The comparisons --------------------------------------------------------------------------
 
 template <typename Type>
 class CdrEquality : public testing::Test {
-  protected:
+  public:
     using Ours = typename Type::Ours;
     using Theirs = typename Type::Theirs;
 
@@ -333,13 +128,33 @@ class CdrEquality : public testing::Test {
         EXPECT_EQ(bytes.size(), length);
         return bytes;
     }
+    Bytes ourSwappedBytes() const {
+        const KOLT_TypePrograms *const programs = KOLT_TypePrograms_acquire(Type::kCode());
+        const auto encapsulation = static_cast<DDS_UnsignedShort>(
+            DDS_TypeCode_get_native_encapsulation(Type::kCode(), DDS_XCDR2_DATA_REPRESENTATION) ^
+            1U);
+        Bytes bytes(KOLT_Cdr_serialized_size(programs, encapsulation, &ours_));
+        size_t length = 0;
+        EXPECT_TRUE(KOLT_Cdr_serialize(programs, encapsulation, &ours_, bytes.data(), bytes.size(),
+                                       &length));
+        KOLT_TypePrograms_release(programs);
+        return bytes;
+    }
+    // What the engine reads, as the engine writes it.
+    Bytes writtenAgain(const Serdata &data) {
+        auto *const sample = static_cast<Theirs *>(dds_alloc(sizeof(Theirs)));
+        EXPECT_TRUE(ddsi_serdata_to_sample(data.get(), sample, nullptr, nullptr));
+        Bytes again = EngineType::bytesOf(engine_->make(sample));
+        dds_sample_free(sample, &Type::kDescriptor, DDS_FREE_ALL);
+        return again;
+    }
     // What RTPS carries is a multiple of four bytes; the header counts those that fill it up.
     static Bytes padded(Bytes bytes) {
         bytes.resize((bytes.size() + 3) / 4 * 4);
         return bytes;
     }
 
-    Random random_{20260101};
+    equality::Random random_{20260101};
     Type type_;
     Ours ours_ = {};
     Ours read_ = {};
@@ -349,6 +164,16 @@ class CdrEquality : public testing::Test {
 
 using TopicTypes = testing::Types<LogMessage, State, CommandRequest, CommandResponse>;
 TYPED_TEST_SUITE(CdrEquality, TopicTypes);
+
+// The samples have everything in them that a sample can have.
+TYPED_TEST(CdrEquality, SamplesReachEveryValue) {
+    Coverage coverage;
+    for (int i = 0; i < kSampleCount; ++i) {
+        this->next();
+        coverage.add(*TypeParam::kCode(), &this->ours_, "");
+    }
+    coverage.expectAll(*TypeParam::kCode(), "");
+}
 
 TYPED_TEST(CdrEquality, SerialisesToTheSameBytes) {
     for (int i = 0; i < kSampleCount; ++i) {
@@ -373,18 +198,29 @@ TYPED_TEST(CdrEquality, ReadsWhatTheOtherWrites) {
 }
 
 // The engine's reader is strict: what it takes, it gives back as the same bytes.
+template <typename Test>
+void expectReadByTheOther(Test *test, const Bytes &bytes) {
+    const Serdata data = test->engine_->make(bytes);
+    ASSERT_NE(data, nullptr);
+    const Bytes again = test->writtenAgain(data);
+    ASSERT_EQ(again, EngineType::bytesOf(test->engine_->make(&test->theirs_)));
+}
+
 TYPED_TEST(CdrEquality, WritesWhatTheOtherReads) {
     for (int i = 0; i < kSampleCount; ++i) {
+        SCOPED_TRACE(i);
         this->next();
-        const Serdata data = this->engine_->make(this->ourBytes());
-        ASSERT_NE(data, nullptr) << "sample " << i;
-        auto *const sample = static_cast<typename TypeParam::Theirs *>(
-            dds_alloc(sizeof(typename TypeParam::Theirs)));
-        ASSERT_TRUE(ddsi_serdata_to_sample(data.get(), sample, nullptr, nullptr));
-        const Bytes again = EngineType::bytesOf(this->engine_->make(sample));
-        dds_sample_free(sample, &TypeParam::kDescriptor, DDS_FREE_ALL);
-        ASSERT_EQ(again, EngineType::bytesOf(this->engine_->make(&this->theirs_)))
-            << "sample " << i;
+        ASSERT_NO_FATAL_FAILURE(expectReadByTheOther(this, this->ourBytes()));
+    }
+}
+
+// The other byte order comes from machines that this one can't ask: the engine reads it all the
+// same.
+TYPED_TEST(CdrEquality, WritesTheOtherByteOrder) {
+    for (int i = 0; i < kSampleCount; ++i) {
+        SCOPED_TRACE(i);
+        this->next();
+        ASSERT_NO_FATAL_FAILURE(expectReadByTheOther(this, this->ourSwappedBytes()));
     }
 }
 
@@ -410,6 +246,27 @@ TYPED_TEST(CdrKeyEquality, KeyHashesAreTheSame) {
             ASSERT_EQ(std::memcmp(hash.data(), expected.value, hash.size()), 0)
                 << "sample " << i << ", MD5 " << force_md5;
         }
+    }
+}
+
+// What disposes and unregisters of the engine's carry is read.
+TYPED_TEST(CdrKeyEquality, ReadsTheKeysThatTheOtherWrites) {
+    const KOLT_TypePrograms *const programs = TypeParam::kPrograms();
+    ASSERT_NE(programs, nullptr);
+    for (int i = 0; i < kSampleCount; ++i) {
+        this->next();
+        const Bytes bytes = EngineType::bytesOf(this->engine_->makeKey(&this->theirs_));
+        std::array<DDS_Octet, 64> key = {};
+        std::array<DDS_Octet, 64> expected = {};
+        size_t length = key.size();
+        size_t expected_length = expected.size();
+        ASSERT_TRUE(KOLT_Cdr_key_of_serialized(programs, bytes.data(), bytes.size(),
+                                               DDS_BOOLEAN_TRUE, key.data(), &length))
+            << "sample " << i;
+        ASSERT_TRUE(
+            KOLT_Cdr_key_of_record(programs, &this->ours_, expected.data(), &expected_length));
+        ASSERT_EQ(length, expected_length);
+        ASSERT_EQ(key, expected) << "sample " << i;
     }
 }
 

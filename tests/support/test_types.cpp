@@ -423,6 +423,32 @@ const DDS_TypeCode *largeType() {
     return &type.type;
 }
 
+const DDS_TypeCode *collectionsType() {
+    static constexpr DDS_UnsignedLong kThree[] = {3};
+    static constexpr DDS_UnsignedLong kTwo[] = {2};
+    static constexpr DDS_UnsignedLong kFour[] = {4};
+    static const DDS_TypeCode wide = sequence(primitive(DDS_TK_LONGLONG), 4);
+    static const DDS_TypeCode reals = sequence(primitive(DDS_TK_DOUBLE), 4);
+    static const DDS_TypeCode numbers = sequence(primitive(DDS_TK_LONG), 4);
+    static const DDS_TypeCode octets = sequence(primitive(DDS_TK_OCTET), 8);
+    static const DDS_TypeCode triple = array(primitive(DDS_TK_LONG), kThree);
+    static const DDS_TypeCode pair = array(primitive(DDS_TK_LONGLONG), kTwo);
+    static const DDS_TypeCode four = array(primitive(DDS_TK_OCTET), kFour);
+    static const auto type = aggregate<Collections>(
+        "Test::Collections", kMutable,
+        membersOf(member("wide", 0, &wide), member("reals", 1, &reals),
+                  member("numbers", 2, &numbers), member("octets", 3, &octets),
+                  member("triple", 4, &triple), member("pair", 5, &pair), member("four", 6, &four),
+                  member("half", 7, primitive(DDS_TK_SHORT)),
+                  member("one", 8, primitive(DDS_TK_OCTET))),
+        offsetsOf(offsetof(Collections, wide), offsetof(Collections, reals),
+                  offsetof(Collections, numbers), offsetof(Collections, octets),
+                  offsetof(Collections, triple), offsetof(Collections, pair),
+                  offsetof(Collections, four), offsetof(Collections, half),
+                  offsetof(Collections, one)));
+    return &type.type;
+}
+
 Bytes fromHex(const std::string &hex) {
     Bytes bytes;
     int high = -1;

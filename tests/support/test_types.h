@@ -154,6 +154,22 @@ struct Large {
 };
 const DDS_TypeCode *largeType();
 
+// @mutable struct Collections { sequence<long long, 4> wide; sequence<double, 4> reals;
+//     sequence<long, 4> numbers; sequence<octet, 8> octets; long triple[3]; long long pair[2];
+//     octet four[4]; short half; octet one; }
+struct Collections {
+    DDS_LongLongSeq wide;
+    DDS_DoubleSeq reals;
+    DDS_LongSeq numbers;
+    DDS_OctetSeq octets;
+    DDS_Long triple[3];
+    DDS_LongLong pair[2];
+    DDS_Octet four[4];
+    DDS_Short half;
+    DDS_Octet one;
+};
+const DDS_TypeCode *collectionsType();
+
 // A value initialised by its type code and finalised with the scope.
 template <typename T>
 class Record {

@@ -2,23 +2,11 @@
 // and 7.4.2; positions in the comments count from behind the encapsulation header.
 #include <gtest/gtest.h>
 
-#include "support/test_types.h"
+#include "support/cdr_vectors.h"
 
 namespace {
 
 using namespace support;  // NOLINT
-
-template <typename T>
-void expectBytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
-                 const std::string &hex) {
-    const Programs programs(type);
-    ASSERT_NE(static_cast<const KOLT_TypePrograms *>(programs), nullptr);
-    const Bytes expected = fromHex(hex);
-    EXPECT_EQ(toHex(serialize(programs, encapsulation, record)), toHex(expected));
-    Record<T> back(type);
-    ASSERT_TRUE(KOLT_Cdr_deserialize(programs, expected.data(), expected.size(), back.get()));
-    EXPECT_TRUE(KOLT_Record_equals(type, record, back.get()));
-}
 
 // 7.4.1.1.1: a primitive is aligned to its size, up to 8. 7.4.1.1.4: a string is its length with
 // the terminator, and the terminator. Arrays and sequences are their elements, a sequence after its
@@ -85,14 +73,6 @@ constexpr char kMessageLittle[] =
     "0400 0800 0700000000000000"   // 44 number: aligned from its own header
     "023f 0000";                   // 56
 
-void fill(Message *message) {
-    message->id = {1, 2};
-    message->level = 300;
-    setText(message->category, "c");
-    setText(message->text, "hi");
-    message->number = 7;
-}
-
 TEST(Xcdr1, MutableStructure) {
     Record<Message> message(messageType());
     fill(message.get());
@@ -121,22 +101,20 @@ TEST(Xcdr1, OptionsTellTheMissingPadding) {
 // 7.4.1.2.1: an optional member of a plain structure is a parameter; absent, its length is 0.
 TEST(Xcdr1, OptionalMembersOfPlainStructures) {
     Record<Options> record(finalOptionsType());
-    DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
-    params.allocate_optional_members = DDS_BOOLEAN_TRUE;
-    ASSERT_TRUE(KOLT_Record_initialize_w_params(finalOptionsType(), record.get(), &params));
-    record->always = 1;
-    *record->number = 2;
-    *record->point = {3, 4};
-    record->last = 5;
-    setText(*record->text, "abc");
+    fill(record.get());
     expectBytes(finalOptionsType(), KOLT_ENCAPSULATION_CDR_LE, record.get(),
                 "00010003 01000000 0100 0400 02000000 0200 0800 04000000 'abc' 00"
                 "0300 0400 0300 0400 05");
+    expectBytes(finalOptionsType(), KOLT_ENCAPSULATION_CDR_BE, record.get(),
+                "00000003 00000001 0001 0004 00000002 0002 0008 00000004 'abc' 00"
+                "0003 0004 0003 0004 05");
 
     Record<Options> none(finalOptionsType());
     none->last = 9;
     expectBytes(finalOptionsType(), KOLT_ENCAPSULATION_CDR_LE, none.get(),
                 "00010003 00000000 0100 0000 0200 0000 0300 0000 09");
+    expectBytes(finalOptionsType(), KOLT_ENCAPSULATION_CDR_BE, none.get(),
+                "00000003 00000000 0001 0000 0002 0000 0003 0000 09");
     // A mutable structure leaves them out.
     expectBytes(mutableOptionsType(), KOLT_ENCAPSULATION_PL_CDR_LE, none.get(),
                 "00030000 0000 0400 00000000 0400 0100 09 000000 023f 0000");
@@ -144,15 +122,17 @@ TEST(Xcdr1, OptionalMembersOfPlainStructures) {
 
 TEST(Xcdr1, Unions) {
     Record<Choice> choice(finalChoiceType());
-    choice->_d = 2;
-    ASSERT_TRUE(IdSeq_set_length(&choice->_u.ids, 1));
-    *IdSeq_get_reference(&choice->_u.ids, 0) = {1, 2};
+    fill(choice.get());
     // 7.4.1.1.7: the discriminator, then the selected branch.
     expectBytes(finalChoiceType(), KOLT_ENCAPSULATION_CDR_LE, choice.get(),
                 "00010000 02000000 01000000 01000000 02000000");
     // The discriminator of a mutable union is its member 0, which must be understood.
     expectBytes(mutableChoiceType(), KOLT_ENCAPSULATION_PL_CDR_LE, choice.get(),
                 "00030000 0040 0400 02000000 0200 0c00 01000000 01000000 02000000 023f 0000");
+    expectBytes(finalChoiceType(), KOLT_ENCAPSULATION_CDR_BE, choice.get(),
+                "00000000 00000002 00000001 00000001 00000002");
+    expectBytes(mutableChoiceType(), KOLT_ENCAPSULATION_PL_CDR_BE, choice.get(),
+                "00020000 4000 0004 00000002 0002 000c 00000001 00000001 00000002 3f02 0000");
     choice->_d = 7;
     expectBytes(finalChoiceType(), KOLT_ENCAPSULATION_CDR_LE, choice.get(), "00010000 07000000");
     expectBytes(mutableChoiceType(), KOLT_ENCAPSULATION_PL_CDR_LE, choice.get(),
@@ -165,6 +145,8 @@ TEST(Xcdr1, DefaultBranch) {
     fallback->_u.wide = 2;
     expectBytes(fallbackType(), KOLT_ENCAPSULATION_CDR_LE, fallback.get(),
                 "00010000 01 00000000000000 0200000000000000");
+    expectBytes(fallbackType(), KOLT_ENCAPSULATION_CDR_BE, fallback.get(),
+                "00000000 01 00000000000000 0000000000000002");
     fallback->_d = 9;
     fallback->_u.small = 8;
     expectBytes(fallbackType(), KOLT_ENCAPSULATION_CDR_LE, fallback.get(), "00010002 09 08");
@@ -172,10 +154,7 @@ TEST(Xcdr1, DefaultBranch) {
 
 TEST(Xcdr1, NestedParameterLists) {
     Record<Request> request(mutableRequestType());
-    request->target = {1, 2};
-    request->choice._d = 3;
-    setText(request->choice._u.text, "t");
-    request->after = 4;
+    fill(request.get());
     expectBytes(mutableRequestType(), KOLT_ENCAPSULATION_PL_CDR_LE, request.get(),
                 "00030000 0000 0800 01000000 02000000"
                 "0100 1800"                       // choice: 24 bytes with its sentinel
@@ -183,6 +162,36 @@ TEST(Xcdr1, NestedParameterLists) {
                 "0300 0600 02000000 't' 00 0000"  //   text
                 "023f 0000"
                 "0200 0400 04000000 023f 0000");
+    expectBytes(mutableRequestType(), KOLT_ENCAPSULATION_PL_CDR_BE, request.get(),
+                "00020000 0000 0008 00000001 00000002 0001 0018"
+                "4000 0004 00000003 0003 0006 00000002 't' 00 0000 3f02 0000"
+                "0002 0004 00000004 3f02 0000");
+}
+
+// 7.4.1.2: alignment counts from behind a parameter's header, and as before behind its value.
+TEST(Xcdr1, AlignmentInsideAndBehindParameters) {
+    Record<Collections> record(collectionsType());
+    ASSERT_TRUE(DDS_LongLongSeq_set_length(&record->wide, 1));
+    *DDS_LongLongSeq_get_reference(&record->wide, 0) = 1;
+    record->triple[2] = 3;
+    record->pair[1] = 5;
+    record->half = 6;
+    record->one = 7;
+    expectBytes(collectionsType(), KOLT_ENCAPSULATION_PL_CDR_LE, record.get(),
+                "00030000"
+                "0000 1000 01000000 00000000 0100000000000000"  //   0 wide: padded to 8
+                "0100 0400 00000000 0200 0400 00000000"         //  20 reals, numbers: empty
+                "0300 0400 00000000"                            //  36 octets
+                "0400 0c00 00000000 00000000 03000000"          //  44 triple
+                "0500 1000 0000000000000000 0500000000000000"   //  60 pair: from byte 64
+                "0600 0400 00000000 0700 0200 0600 0000"        //  80 four, half
+                "0800 0100 07 000000 023f 0000");               //  96 one
+    expectBytes(collectionsType(), KOLT_ENCAPSULATION_PL_CDR_BE, record.get(),
+                "00020000 0000 0010 00000001 00000000 0000000000000001"
+                "0001 0004 00000000 0002 0004 00000000 0003 0004 00000000"
+                "0004 000c 00000000 00000000 00000003"
+                "0005 0010 0000000000000000 0000000000000005"
+                "0006 0004 00000000 0007 0002 0006 0000 0008 0001 07 000000 3f02 0000");
 }
 
 // 7.4.1.2.2: ids above 0x3f00 and lengths above 65535 take the extended header: PID_EXTENDED
@@ -195,6 +204,10 @@ TEST(Xcdr1, ExtendedHeaders) {
                 "00030000 0000 0400 00000000"
                 "013f 0800 013f0000 04000000 01000000"
                 "013f 0800 f0ffff0f 04000000 02000000 023f 0000");
+    expectBytes(largeType(), KOLT_ENCAPSULATION_PL_CDR_BE, record.get(),
+                "00020000 0000 0004 00000000"
+                "3f01 0008 00003f01 00000004 00000001"
+                "3f01 0008 0ffffff0 00000004 00000002 3f02 0000");
 
     const Programs programs(largeType());
     // 65531 octets and their count are 65535 bytes, the most that a short header holds.

@@ -2,23 +2,11 @@
 // positions in the comments count from behind the encapsulation header.
 #include <gtest/gtest.h>
 
-#include "support/test_types.h"
+#include "support/cdr_vectors.h"
 
 namespace {
 
 using namespace support;  // NOLINT
-
-template <typename T>
-void expectBytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
-                 const std::string &hex) {
-    const Programs programs(type);
-    ASSERT_NE(static_cast<const KOLT_TypePrograms *>(programs), nullptr);
-    const Bytes expected = fromHex(hex);
-    EXPECT_EQ(toHex(serialize(programs, encapsulation, record)), toHex(expected));
-    Record<T> back(type);
-    ASSERT_TRUE(KOLT_Cdr_deserialize(programs, expected.data(), expected.size(), back.get()));
-    EXPECT_TRUE(KOLT_Record_equals(type, record, back.get()));
-}
 
 // 7.4.1.1.1: nothing is aligned to more than 4. 7.4.3.5.3, rules (12) and (13): arrays and
 // sequences of anything but primitives begin with a DHEADER, their size in bytes. Rule (29): so
@@ -82,14 +70,6 @@ constexpr char kMessageLittle[] =
     "03000050 03000000 'hi' 00 00"                  // 44 text
     "04000030 0700000000000000";                    // 56 number: code 3
 
-void fill(Message *message) {
-    message->id = {1, 2};
-    message->level = 300;
-    setText(message->category, "c");
-    setText(message->text, "hi");
-    message->number = 7;
-}
-
 TEST(Xcdr2, MutableStructure) {
     Record<Message> message(messageType());
     fill(message.get());
@@ -111,14 +91,7 @@ TEST(Xcdr2, OptionsTellTheMissingPadding) {
 // 7.4.3.5.3, rules (20) to (22): an optional member of a plain structure follows a boolean.
 TEST(Xcdr2, OptionalMembers) {
     Record<Options> record(finalOptionsType());
-    DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
-    params.allocate_optional_members = DDS_BOOLEAN_TRUE;
-    ASSERT_TRUE(KOLT_Record_initialize_w_params(finalOptionsType(), record.get(), &params));
-    record->always = 1;
-    *record->number = 2;
-    *record->point = {3, 4};
-    record->last = 5;
-    setText(*record->text, "abc");
+    fill(record.get());
     expectBytes(finalOptionsType(), KOLT_ENCAPSULATION_CDR2_LE, record.get(),
                 "00070001 01000000 01 000000 02000000 01 000000 04000000 'abc' 00"
                 "01 00 0300 0400 05");
@@ -139,9 +112,7 @@ TEST(Xcdr2, OptionalMembers) {
 
 TEST(Xcdr2, Unions) {
     Record<Choice> choice(finalChoiceType());
-    choice->_d = 2;
-    ASSERT_TRUE(IdSeq_set_length(&choice->_u.ids, 1));
-    *IdSeq_get_reference(&choice->_u.ids, 0) = {1, 2};
+    fill(choice.get());
     expectBytes(finalChoiceType(), KOLT_ENCAPSULATION_CDR2_LE, choice.get(),
                 "00070000 02000000 10000000 01000000 08000000 01000000 02000000");
     expectBytes(appendableChoiceType(), KOLT_ENCAPSULATION_D_CDR2_LE, choice.get(),
@@ -164,10 +135,7 @@ TEST(Xcdr2, DefaultBranch) {
 
 TEST(Xcdr2, NestedMutable) {
     Record<Request> request(mutableRequestType());
-    request->target = {1, 2};
-    request->choice._d = 3;
-    setText(request->choice._u.text, "t");
-    request->after = 4;
+    fill(request.get());
     expectBytes(mutableRequestType(), KOLT_ENCAPSULATION_PL_CDR2_LE, request.get(),
                 "000b0000 3c000000"
                 "00000040 0c000000 08000000 01000000 02000000"

@@ -373,9 +373,9 @@ TEST(RecordPrint, Unions) {
 TEST(RecordPrint, Enumerations) {
     const DDS_Enum green = GREEN;
     const DDS_Enum unknown = 77;
-    EXPECT_EQ(printed(colorType(), &green, "color", 1), "   color: Test_Color GREEN (2)\n");
-    EXPECT_EQ(printed(colorType(), &unknown, nullptr, 0), "Test_Color (77)\n");
-    EXPECT_EQ(printed(colorType(), nullptr, "color", 0), "color: NULL\n");
+    EXPECT_EQ(printed(colorType(), &green, "color", 1), "   color:\n      Test_Color GREEN (2)\n");
+    EXPECT_EQ(printed(colorType(), &unknown, nullptr, 0), "\n   Test_Color (77)\n");
+    EXPECT_EQ(printed(colorType(), nullptr, "color", 0), "color:\nNULL\n");
 }
 
 TEST(RecordPrint, AllKinds) {

@@ -25,7 +25,10 @@
  *  - An enumeration may hold a value without an enumerator, and a discriminator may select no
  *    branch: both arrive as they came, with no branch read.
  *  - A branch of a mutable union that is not the selected one is passed over.
- *  - A string of length 0, without even its terminator, is "".
+ *  - A string of length 0, without even its terminator, is "". A string ends at its first NUL,
+ *    wherever its length ends.
+ *  - Of several values of one member the first counts.
+ *  - The end of an XCDR1 list may have any flags and any length.
  *  - An appendable type may end before its last members wherever something else tells its end: in
  *    XCDR2 always, in XCDR1 as the whole sample or as the value of a parameter.
  */

@@ -188,7 +188,7 @@ KOLT_EXPORT DDS_Boolean KOLT_Record_equals(const DDS_TypeCode *type, const void 
  *   list[0]: 7                                      elements of arrays and sequences
  *   _d: 1, then _u.list[0]: 7                       unions: discriminator, selected branch only
  *
- * An enumeration record prints as one line, "<description>: ..." */
+ * An enumeration is a record without members: "VUR_DL_Kind VUR_DL_KIND_ONE (1)" at indent + 1. */
 KOLT_EXPORT void KOLT_Record_print(const DDS_TypeCode *type, const void *record,
                                    const char *description, DDS_UnsignedLong indent);
 

@@ -57,6 +57,8 @@ class Bounds {
                 return Repeat(op.index, op.count, position);
             case OpCode::kConstants:
                 return Align(position, 4) + uint64_t{op.count} * 4;
+            case OpCode::kStretch:
+                return Align(position, 4) + uint64_t{program_.stretches[op.index].words.count} * 4;
             case OpCode::kSentinel:
                 return Align(position, 4) + 4;
             case OpCode::kDelimited:

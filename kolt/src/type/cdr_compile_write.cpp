@@ -1,4 +1,6 @@
 // Type code to write program.
+#include <algorithm>
+
 #include "type/cdr_program.hpp"
 #include "type/layout.hpp"
 
@@ -68,6 +70,7 @@ class WriteCompiler {
         return static_cast<uint32_t>(program_->elements.size() - 1);
     }
     void Delimited(const std::vector<Op> &content, std::vector<Op> *ops);
+    Op Stretched(const Op *first, const Op *last);
 
     XcdrVersion version_;
     WriteProgram *program_;
@@ -90,10 +93,51 @@ uint32_t ConstantSize(const std::vector<Op> &ops) {
     return size < kNone ? static_cast<uint32_t>(size) : kNone;
 }
 
+// What may be part of a stretch: a few numbers of 4 or 8 bytes that need no padding behind others
+// of their kind.
+bool FitsStretch(const Op &op) {
+    constexpr uint32_t kMostBytes = 64;
+    if (op.code == OpCode::kConstants) return true;
+    return op.code == OpCode::kRun && op.alignment == 4 && op.count <= kMostBytes / op.width;
+}
+
+// Headers and the members between them in one go, which takes one check for room.
+Op WriteCompiler::Stretched(const Op *first, const Op *last) {
+    std::vector<uint32_t> words;
+    Stretch stretch;
+    stretch.fields.first = static_cast<uint32_t>(program_->fields.size());
+    for (const Op *op = first; op != last; ++op) {
+        if (op->code == OpCode::kConstants) {
+            const std::vector<uint32_t> constants = ConstantsOf(*op);
+            words.insert(words.end(), constants.begin(), constants.end());
+        } else {
+            program_->fields.push_back({op->offset, words.size() * 4, op->count, op->width});
+            words.resize(words.size() + size_t{op->count} * op->width / 4);
+            ++stretch.fields.count;
+        }
+    }
+    stretch.words = {static_cast<uint32_t>(program_->constants.size()),
+                     static_cast<uint32_t>(words.size())};
+    program_->constants.insert(program_->constants.end(), words.begin(), words.end());
+    program_->stretches.push_back(stretch);
+    Op op = MakeOp(OpCode::kStretch, 0, 4);
+    op.index = static_cast<uint32_t>(program_->stretches.size() - 1);
+    return op;
+}
+
 Range WriteCompiler::Store(const std::vector<Op> &ops) {
-    const Range range = {static_cast<uint32_t>(program_->ops.size()),
-                         static_cast<uint32_t>(ops.size())};
-    program_->ops.insert(program_->ops.end(), ops.begin(), ops.end());
+    Range range;
+    range.first = static_cast<uint32_t>(program_->ops.size());
+    const Op *const last = ops.data() + ops.size();
+    for (const Op *op = ops.data(); op != last; ++range.count) {
+        const Op *const end = std::find_if_not(op, last, FitsStretch);
+        if (end - op > 1) {
+            program_->ops.push_back(Stretched(op, end));
+            op = end;
+        } else {
+            program_->ops.push_back(*op++);
+        }
+    }
     return range;
 }
 

@@ -94,6 +94,7 @@ bool ReadParameterHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
     header->sentinel = pid == kPidSentinel;
     header->ignored = pid == kPidIgnore;
     header->id = pid;
+    if (header->sentinel) return true;  // its length says nothing (RTPS 2.3, 9.4.2.11)
     header->size = words[1];
     if (pid == kPidExtended) {
         uint32_t extended[2];

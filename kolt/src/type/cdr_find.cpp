@@ -6,6 +6,11 @@ namespace {
 
 using namespace kolt::type;
 
+// What is left of a default value in a field of single precision.
+DDS_Double RoundToFloat(DDS_Double real) {
+    return static_cast<DDS_Double>(static_cast<DDS_Float>(real));
+}
+
 // The value that a field has when it is not in the bytes.
 bool DefaultValue(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
                   const KOLT_CdrPathStep *path, size_t path_length, KOLT_CdrValue *value) {
@@ -24,6 +29,7 @@ bool DefaultValue(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
                 SelectedMember(*type, type->default_discriminator) != path[i].index) {
                 return true;
             }
+            if (member->is_optional) return true;
             type = member->type;
         }
     }
@@ -39,6 +45,8 @@ bool DefaultValue(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
             return true;
         }
         case DDS_TK_FLOAT:
+            value->value.real = annotation == nullptr ? 0.0 : RoundToFloat(annotation->value.real);
+            return true;
         case DDS_TK_DOUBLE:
             value->value.real = annotation == nullptr ? 0.0 : annotation->value.real;
             return true;
@@ -177,13 +185,7 @@ class Finder {
         const Op &op = aggregate.discriminator;
         if (parameters) {
             MemberHeader header;
-            const bool list1 = aggregate.framing == Framing::kParameterList1;
-            if (!(list1 ? ReadParameterHeader(&cursor_, &header)
-                        : ReadMemberHeader(&cursor_, &header)) ||
-                header.sentinel || header.ignored || header.id != aggregate.discriminator_id ||
-                header.size < op.width) {
-                return false;
-            }
+            if (!FindDiscriminator(aggregate, &header) || header.size < op.width) return false;
             const uint8_t *const next = cursor_.at() + header.size;
             uint64_t storage = 0;
             if (!cursor_.Words(&storage, 1, op.width)) return false;
@@ -198,6 +200,21 @@ class Finder {
         const ReadMember &member = aggregate.members[index];
         const bool open = aggregate.framing != Framing::kPlain;
         return open && cursor_.AtEnd(member.op.alignment) ? Absent() : At(member.op);
+    }
+
+    // What stands before the discriminator of a mutable union is passed over.
+    bool FindDiscriminator(const Aggregate &aggregate, MemberHeader *header) {
+        const bool list1 = aggregate.framing == Framing::kParameterList1;
+        for (;;) {
+            *header = MemberHeader();
+            if (!(list1 ? ReadParameterHeader(&cursor_, header)
+                        : ReadMemberHeader(&cursor_, header)) ||
+                header->sentinel) {
+                return false;
+            }
+            if (!header->ignored && header->id == aggregate.discriminator_id) return true;
+            if (!cursor_.Skip(header->size)) return false;
+        }
     }
 
     static bool Selects(const Aggregate &aggregate, const void *discriminator,
@@ -279,7 +296,9 @@ class Finder {
         if (type_->bound > 0 && size > size_t{type_->bound} + 1) return false;
         value_->kind = DDS_TK_STRING;
         value_->value.string.characters = text;
-        value_->value.string.length = size == 0 ? 0 : size - 1;
+        // A string ends at its first NUL, wherever its length ends.
+        value_->value.string.length =
+            size == 0 ? 0 : strnlen(value_->value.string.characters, size - 1);
         return true;
     }
 

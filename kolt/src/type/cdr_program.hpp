@@ -2,9 +2,9 @@
 // representation and for each form of the key.
 //
 // A write program is flat: nested structures are inlined, headers of a constant value are
-// constants, neighbouring primitives of one size are one run. A read program keeps one operation
-// per member, since the bytes may come from another version of the type, and beside it a flat body
-// for what can't differ.
+// constants, neighbouring primitives of one size are one run, and headers with the small primitives
+// between them are one stretch. A read program keeps one operation per member, since the bytes may
+// come from another version of the type, and beside it a flat body for what can't differ.
 #ifndef KOLT_SRC_TYPE_CDR_PROGRAM_HPP
 #define KOLT_SRC_TYPE_CDR_PROGRAM_HPP
 
@@ -33,6 +33,7 @@ enum class OpCode : uint8_t {
     kElements,           // an array of `count` elements `index`
     // Write programs.
     kConstants,     // `count` 32-bit numbers, from place `index` of the constants
+    kStretch,       // stretch `index`
     kDelimited,     // a 32-bit byte count, then element `index` at `offset`
     kPresenceFlag,  // one byte: is the pointer at `offset` set
     kIfPresent,     // element `index` where the pointer at `offset` leads, unless it is NULL
@@ -76,6 +77,21 @@ struct WriteElement {
     size_t stride = 0;  // bytes of an element in memory
 };
 
+// Members that a stretch copies from the record: `count` primitives of `width` bytes.
+struct StretchField {
+    size_t offset = 0;    // in the record
+    size_t position = 0;  // in the stretch
+    uint32_t count = 0;
+    uint8_t width = 0;
+};
+
+// Bytes that are mostly known beforehand: 32-bit numbers, aligned to 4, with zeros where the fields
+// go.
+struct Stretch {
+    Range words;   // of the constants
+    Range fields;  // of the stretch fields
+};
+
 struct Selection {
     DDS_TCKind discriminator_kind = DDS_TK_NULL;
     size_t discriminator_offset = 0;
@@ -88,6 +104,8 @@ struct WriteProgram {
     std::vector<WriteElement> elements;
     std::vector<Selection> selections;
     std::vector<uint32_t> constants;
+    std::vector<Stretch> stretches;
+    std::vector<StretchField> fields;
     Range root;
     XcdrVersion version = XcdrVersion::k1;
 

@@ -8,15 +8,9 @@
 
 namespace {
 
-using kolt::type::Aggregate;
 using kolt::type::CompileOptions;
 using kolt::type::CompileRead;
 using kolt::type::CompileWrite;
-using kolt::type::Op;
-using kolt::type::OpCode;
-using kolt::type::ReadElement;
-using kolt::type::ReadMember;
-using kolt::type::ReadProgram;
 using kolt::type::XcdrVersion;
 
 struct ProgramList {
@@ -30,20 +24,29 @@ ProgramList &List() {
     return *list;
 }
 
-bool OwnsMemory(const Op &op) {
-    return op.code == OpCode::kString || op.code == OpCode::kPrimitiveSequence ||
-           op.code == OpCode::kSequence || op.code == OpCode::kOptional;
+// A value of the type is more than plain bytes.
+bool OwnsMemory(const DDS_TypeCode &type) {
+    switch (type.kind) {
+        case DDS_TK_STRING:
+        case DDS_TK_SEQUENCE:
+            return true;
+        case DDS_TK_ARRAY:
+            return OwnsMemory(*type.content_type);
+        case DDS_TK_STRUCT:
+        case DDS_TK_UNION:
+            for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
+                if (type.members[i].is_optional || OwnsMemory(*type.members[i].type)) return true;
+            }
+            return false;
+        default:
+            return false;
+    }
 }
 
-// What the program reads is more than plain bytes.
-bool OwnsMemory(const ReadProgram &program) {
-    for (const Aggregate &aggregate : program.aggregates) {
-        for (const ReadMember &member : aggregate.members) {
-            if (OwnsMemory(member.op)) return true;
-        }
-    }
-    for (const ReadElement &element : program.elements) {
-        if (OwnsMemory(element.op)) return true;
+// Who reads the key members gets all of their values, also what is no key in them.
+bool KeyOwnsMemory(const DDS_TypeCode &type) {
+    for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
+        if (type.members[i].is_key && OwnsMemory(*type.members[i].type)) return true;
     }
     return false;
 }
@@ -74,7 +77,7 @@ std::unique_ptr<KOLT_TypePrograms> Compile(const DDS_TypeCode &type) {
     programs->read_plain_key = CompileRead(type, canonical);
     programs->key_max_size =
         kolt::type::SaturateSize(kolt::type::MaximumEnd(programs->write_plain_key, 0));
-    programs->key_owns_memory = OwnsMemory(programs->read_plain_key);
+    programs->key_owns_memory = KeyOwnsMemory(type);
     return programs;
 }
 

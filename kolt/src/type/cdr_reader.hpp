@@ -348,9 +348,11 @@ class Reader {
             }
             const ReadMember &member = aggregate.members[place];
             expected = place + 1;
-            if (!seen.Has(place)) ++found;
+            const bool repeated = seen.Has(place);
+            if (!repeated) ++found;
             seen.Set(place);
-            if (keys_only && !member.is_key) {
+            // The first of several values counts, as it does for who looks for one field.
+            if (repeated || (keys_only && !member.is_key)) {
                 if (!cursor_.Skip(header.size)) return false;
                 continue;
             }
@@ -375,7 +377,8 @@ class Reader {
         for (size_t i = 0; i < aggregate.members.size(); ++i) {
             const ReadMember &member = aggregate.members[i];
             if (seen.Has(i) || (keys_only && !member.is_key)) continue;
-            if (mode_ == ReadMode::kStrictKeys) return false;
+            const bool optional = aggregate.type->members[member.index].is_optional != 0;
+            if (mode_ == ReadMode::kStrictKeys && !optional) return false;
             if (!ResetMember(*aggregate.type, record, member.index)) return false;
         }
         return true;
@@ -404,7 +407,7 @@ class Reader {
                 if (header.must_understand && !header.ignored) return false;
             } else if (!has_discriminator) {
                 return false;
-            } else if (aggregate.members[place].index == selected) {
+            } else if (aggregate.members[place].index == selected && !has_branch) {
                 has_branch = true;
                 if (!InFrame(header.size,
                              [&] { return Value(aggregate.members[place].op, record, false); })) {

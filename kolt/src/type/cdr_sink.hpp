@@ -50,10 +50,10 @@ inline void CopyWords(void *to, const void *from, size_t count, size_t width) {
             default:
                 break;
         }
-    } else if (count == 1 && width == 4) {  // by far the most frequent sizes
+    } else if (count * width == 4) {  // by far the most frequent sizes
         std::memcpy(to, from, 4);
         return;
-    } else if (count == 1 && width == 8) {
+    } else if (count * width == 8) {
         std::memcpy(to, from, 8);
         return;
     }
@@ -93,6 +93,23 @@ class BufferSink {
     }
 
     bool Word32(uint32_t value) { return Words(&value, 1, 4); }
+
+    // Words, and members of a record over some of them.
+    bool Patched(const uint32_t *words, size_t count, const StretchField *field,
+                 const StretchField *last, const char *record) {
+        uint8_t *const start = buffer_ + position_;
+        if (!Words(words, count, 4)) return false;
+        for (; field != last; ++field) {
+            CopyWords<kSwap>(start + field->position, record + field->offset, field->count,
+                             field->width);
+        }
+        return true;
+    }
+
+    // A string of `size` bytes, its terminator included, behind its length.
+    bool String(const char *text, uint32_t size) {
+        return Align(4) && Word32(size) && Words(text, size, 1);
+    }
 
     // Room for a byte count that CloseCount fills in.
     bool OpenCount(size_t *mark) {
@@ -183,6 +200,16 @@ class CountSink {
     }
     bool Word32(uint32_t) {
         position_ += 4;
+        return true;
+    }
+    bool Patched(const uint32_t *, size_t count, const StretchField *, const StretchField *,
+                 const char *) {
+        position_ += count * 4;
+        return true;
+    }
+    bool String(const char *, uint32_t size) {
+        Align(4);
+        position_ += 4 + size_t{size};
         return true;
     }
     bool OpenCount(size_t *) { return Word32(0); }

@@ -26,11 +26,13 @@ class Writer {
             if (op->code == OpCode::kRun) {
                 written = sink_.Align(op->alignment) &&
                           sink_.Words(base + op->offset, op->count, op->width);
+            } else if (op->code == OpCode::kString) {
+                written = String(*op, base);
+            } else if (op->code == OpCode::kStretch) {
+                written = WriteStretch(program_.stretches[op->index], base);
             } else if (op->code == OpCode::kConstants) {
                 written = sink_.Align(4) &&
                           sink_.Words(program_.constants.data() + op->index, op->count, 4);
-            } else if (op->code == OpCode::kString) {
-                written = String(*op, base);
             } else {
                 written = Step(*op, base);
             }
@@ -81,8 +83,14 @@ class Writer {
         const size_t length =
             op.count == kUnbounded ? std::strlen(text) : strnlen(text, size_t{op.count} + 1);
         if (length >= UINT32_MAX || length > op.count) return false;
-        return sink_.Align(4) && sink_.Word32(static_cast<uint32_t>(length + 1)) &&
-               sink_.Words(text, length + 1, 1);
+        return sink_.String(text, static_cast<uint32_t>(length + 1));
+    }
+
+    bool WriteStretch(const Stretch &stretch, const char *base) {
+        const StretchField *const fields = program_.fields.data() + stretch.fields.first;
+        return sink_.Align(4) &&
+               sink_.Patched(program_.constants.data() + stretch.words.first, stretch.words.count,
+                             fields, fields + stretch.fields.count, base);
     }
 
     bool Parameter(const Op &op, const char *base) {

@@ -44,23 +44,31 @@ void FillBounded(DDS_Char *buffer, const DDS_Char *text, size_t bound) {
     buffer[length] = '\0';
 }
 
+// An unbounded string fits its buffer exactly: another value takes another buffer.
+bool InitializeUnbounded(const DDS_Char *initial, void *value, bool allocate) {
+    auto *const old = allocate ? nullptr : static_cast<DDS_Char *>(LoadPointer(value));
+    if (!allocate && old == nullptr) return true;
+    if (old != nullptr && initial[0] == '\0') {
+        old[0] = '\0';
+        return true;
+    }
+    DDS_Char *const fresh = DDS_String_dup(initial);
+    if (fresh != nullptr || allocate) StorePointer(value, fresh);
+    if (fresh != nullptr) DDS_String_free(old);
+    return fresh != nullptr;
+}
+
 bool InitializeString(const DDS_TypeCode &type, const DDS_TypeCodeMember *member, void *value,
                       bool allocate) {
     const DDS_Char *const initial = DefaultString(member);
+    if (type.bound == 0) return InitializeUnbounded(initial, value, allocate);
     auto *buffer = static_cast<DDS_Char *>(LoadPointer(value));
-    if (!allocate) {
-        if (buffer == nullptr) return true;
-        if (type.bound > 0) {
-            FillBounded(buffer, initial, type.bound);
-        } else {
-            buffer[0] = '\0';
-        }
-        return true;
+    if (allocate) {
+        buffer = DDS_String_alloc(type.bound);
+        StorePointer(value, buffer);
     }
-    buffer = type.bound > 0 ? DDS_String_alloc(type.bound) : DDS_String_dup(initial);
-    StorePointer(value, buffer);
-    if (buffer == nullptr) return false;
-    if (type.bound > 0) FillBounded(buffer, initial, type.bound);
+    if (buffer == nullptr) return !allocate;
+    FillBounded(buffer, initial, type.bound);
     return true;
 }
 
@@ -118,6 +126,36 @@ bool InitializeRecord(const DDS_TypeCode &type, void *record,
             return true;
         default:
             return false;
+    }
+}
+
+// Initialising without memory leaves strings that are NULL as they are. A value that is read needs
+// all of them.
+bool MakeMissingStrings(const DDS_TypeCode &type, const DDS_TypeCodeMember *member, void *value) {
+    switch (type.kind) {
+        case DDS_TK_STRING:
+            return LoadPointer(value) != nullptr || InitializeString(type, member, value, true);
+        case DDS_TK_ARRAY: {
+            if (IsPrimitive(type.content_type->kind)) return true;
+            const size_t size = ValueSize(*type.content_type);
+            const size_t count = ElementCount(type);
+            for (size_t i = 0; i < count; ++i) {
+                char *const element = static_cast<char *>(value) + i * size;
+                if (!MakeMissingStrings(*type.content_type, member, element)) return false;
+            }
+            return true;
+        }
+        case DDS_TK_STRUCT:
+        case DDS_TK_UNION:
+            for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
+                const DDS_TypeCodeMember &inner = type.members[i];
+                if (inner.is_optional) continue;
+                char *const place = MemberAddress(type, value, i);
+                if (!MakeMissingStrings(*inner.type, &inner, place)) return false;
+            }
+            return true;
+        default:
+            return true;
     }
 }
 
@@ -241,12 +279,9 @@ bool ResetMember(const DDS_TypeCode &type, void *record, DDS_UnsignedLong index)
     DDS_TypeAllocationParams_t params = kDefaultAllocation;
     params.allocate_memory = DDS_BOOLEAN_FALSE;
     const DDS_TypeCodeMember &member = type.members[index];
-    char *const place = MemberAddress(type, record, index);
-    if (!member.is_optional && member.type->kind == DDS_TK_STRING) {
-        const bool allocate = LoadPointer(place) == nullptr;
-        return InitializeString(*member.type, &member, place, allocate);
-    }
-    return InitializeMember(type, record, index, params);
+    return InitializeMember(type, record, index, params) &&
+           (member.is_optional ||
+            MakeMissingStrings(*member.type, &member, MemberAddress(type, record, index)));
 }
 
 void *NewOptional(const DDS_TypeCode &type, const DDS_TypeAllocationParams_t &params) {

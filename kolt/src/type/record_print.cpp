@@ -143,6 +143,12 @@ void PrintRecord(const DDS_TypeCode &type, const void *record, const char *descr
         std::puts("NULL");
         return;
     }
+    if (type.kind == DDS_TK_ENUM) {  // a record without members: what it is
+        PrintIndent(indent + 1);
+        PrintEnumeration(type, record);
+        std::putchar('\n');
+        return;
+    }
     if (type.kind == DDS_TK_UNION) {
         PrintValue(*type.discriminator_type,
                    static_cast<const char *>(record) + type.access->discriminator_offset, "_d",
@@ -156,19 +162,6 @@ void PrintRecord(const DDS_TypeCode &type, const void *record, const char *descr
     }
 }
 
-// An enumeration has no members to list: one line.
-void PrintTopEnumeration(const DDS_TypeCode &type, const void *record, const char *description,
-                         DDS_UnsignedLong indent) {
-    PrintIndent(indent);
-    if (description != nullptr) std::printf("%s: ", description);
-    if (record == nullptr) {
-        std::fputs("NULL", stdout);
-    } else {
-        PrintEnumeration(type, record);
-    }
-    std::putchar('\n');
-}
-
 }  // namespace
 }  // namespace kolt::type
 
@@ -178,11 +171,7 @@ void KOLT_Record_print(const DDS_TypeCode *type, const void *record, const char 
     try {
         // One record stays together when several threads print.
         flockfile(stdout);
-        if (type->kind == DDS_TK_ENUM) {
-            kolt::type::PrintTopEnumeration(*type, record, description, indent);
-        } else {
-            kolt::type::PrintRecord(*type, record, description, indent);
-        }
+        kolt::type::PrintRecord(*type, record, description, indent);
     } catch (...) {  // No memory for a name: the rest stays unprinted.
     }
     funlockfile(stdout);

@@ -1,0 +1,56 @@
+// The types that the fuzzers of the codec know beforehand.
+#ifndef TESTS_FUZZ_FIXED_TYPES_H
+#define TESTS_FUZZ_FIXED_TYPES_H
+
+#include <vur_dl/distlog.h>
+
+#include <cstdint>
+#include <vector>
+
+// The targets of this folder link the libraries and nothing else.
+#include "../support/test_types.cpp"
+
+namespace fuzz {
+
+using namespace support;  // NOLINT
+
+// In the order of the corpus: appended to, never reordered.
+inline const std::vector<const DDS_TypeCode *> &fixedTypes() {
+    static const std::vector<const DDS_TypeCode *> types = {
+        everythingType(),
+        messageType(),
+        mutableRequestType(),
+        finalRequestType(),
+        finalOptionsType(),
+        mutableOptionsType(),
+        appendableVersion2Type(),
+        mutableVersion2Type(),
+        mutableHolderType(),
+        appendableHolderType(),
+        largeType(),
+        appendableChoiceType(),
+        VUR_DL_LogMessage_get_typecode(),
+        VUR_DL_ADMIN_State_get_typecode(),
+        VUR_DL_ADMIN_CommandRequest_get_typecode(),
+        VUR_DL_ADMIN_CommandResponse_get_typecode(),
+        VUR_DL_ADMIN_Command_get_typecode(),
+        VUR_DL_HostAndAppId_get_typecode(),
+        VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode(),
+        appendableOptionsType(),
+        appendableVersion1Type(),
+        mutableVersion1Type(),
+        strictVersion2Type(),
+        finalHolderType(),
+        finalChoiceType(),
+        mutableChoiceType(),
+        fallbackType(),
+        pointType(),
+    };
+    return types;
+}
+// The first byte of an input chooses one of these; those past the end are types made up on the way.
+constexpr uint8_t kTypeSelections = 32;
+
+}  // namespace fuzz
+
+#endif  // TESTS_FUZZ_FIXED_TYPES_H

@@ -1,0 +1,90 @@
+// Arbitrary bytes through the decoder alone, as it stands behind a data reader: one record a type
+// that is used again and again. Little else is looked at, so that many inputs go through;
+// fuzz_cdr.cpp looks closely at fewer. Its inputs mean the same here as far as the fixed types go.
+#include <kolt/cdr.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <deque>
+#include <vector>
+
+#include "fixed_types.h"
+
+namespace {
+
+using namespace fuzz;  // NOLINT
+
+// A type, its programs and the records that are decoded into.
+class Subject {
+  public:
+    explicit Subject(const DDS_TypeCode *type)
+        : type_(type),
+          programs_(KOLT_TypePrograms_acquire(type)),
+          first_(MakeRecord(type)),
+          second_(MakeRecord(type)) {}
+    ~Subject() {
+        for (void *const record : {first_, second_}) {
+            const DDS_TypeDeallocationParams_t params = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
+            KOLT_Record_finalize_w_params(type_, record, &params);
+            std::free(record);
+        }
+        KOLT_TypePrograms_release(programs_);
+    }
+    Subject(const Subject &) = delete;
+    Subject &operator=(const Subject &) = delete;
+
+    // What is accepted is written in its own encapsulation, and reads and writes the same again.
+    void Check(const uint8_t *bytes, size_t size) {
+        if (!KOLT_Cdr_deserialize(programs_, bytes, size, first_)) return;
+        const auto encapsulation = static_cast<DDS_UnsignedShort>(bytes[0] << 8 | bytes[1]);
+        Write(first_, encapsulation, &once_);
+        if (!KOLT_Cdr_deserialize(programs_, once_.data(), once_.size(), second_)) std::abort();
+        Write(second_, encapsulation, &twice_);
+        if (once_ != twice_) std::abort();
+    }
+
+    void CheckKey(const uint8_t *bytes, size_t size) {
+        KOLT_Cdr_deserialize_key(programs_, bytes, size, first_);
+    }
+
+  private:
+    static void *MakeRecord(const DDS_TypeCode *type) {
+        void *const record = std::calloc(1, type->access->record_size);
+        const DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
+        if (!KOLT_Record_initialize_w_params(type, record, &params)) std::abort();
+        return record;
+    }
+
+    void Write(const void *record, DDS_UnsignedShort encapsulation, std::vector<uint8_t> *bytes) {
+        const size_t size = KOLT_Cdr_serialized_size(programs_, encapsulation, record);
+        bytes->resize(size);
+        size_t length = 0;
+        if (!KOLT_Cdr_serialize(programs_, encapsulation, record, bytes->data(), size, &length) ||
+            length != size) {
+            std::abort();
+        }
+    }
+
+    const DDS_TypeCode *type_;
+    const KOLT_TypePrograms *programs_;
+    void *first_;
+    void *second_;
+    std::vector<uint8_t> once_;
+    std::vector<uint8_t> twice_;
+};
+
+std::deque<Subject> &subjects() {
+    static std::deque<Subject> all(fixedTypes().begin(), fixedTypes().end());
+    return all;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    if (size == 0) return 0;
+    std::deque<Subject> &all = subjects();
+    Subject &subject = all[data[0] % kTypeSelections % all.size()];
+    subject.Check(data + 1, size - 1);
+    subject.CheckKey(data + 1, size - 1);
+    return 0;
+}

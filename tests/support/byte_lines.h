@@ -1,0 +1,29 @@
+// Serialised samples written out by hand: a few bytes a line, in both byte orders, and the rule
+// that each line follows from.
+#ifndef TESTS_SUPPORT_BYTE_LINES_H
+#define TESTS_SUPPORT_BYTE_LINES_H
+
+#include <kolt/cdr.h>
+
+#include <vector>
+
+namespace support {
+
+struct ByteLine {
+    const char *little;  // hexadecimal digits, text in single quotes
+    const char *big;
+    const char *why;
+};
+using ByteLines = std::vector<ByteLine>;
+
+// The record is written as these bytes in both byte orders, and these bytes are read as the record.
+// `representation`: which of the type's encapsulations the lines are of.
+void expectLines(const DDS_TypeCode *type, const void *record,
+                 DDS_DataRepresentationId_t representation, const ByteLines &lines);
+
+// One list of lines after the other.
+ByteLines joined(std::initializer_list<ByteLines> parts);
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_BYTE_LINES_H

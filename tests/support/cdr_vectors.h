@@ -1,0 +1,61 @@
+// Samples whose bytes are known, for the tests of both representations.
+#ifndef TESTS_SUPPORT_CDR_VECTORS_H
+#define TESTS_SUPPORT_CDR_VECTORS_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "test_types.h"
+
+namespace support {
+
+// The record is written as these bytes, and they are read as an equal one.
+template <typename T>
+void expectBytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
+                 const std::string &hex) {
+    const Programs programs(type);
+    ASSERT_NE(static_cast<const KOLT_TypePrograms *>(programs), nullptr);
+    const Bytes expected = fromHex(hex);
+    EXPECT_EQ(toHex(serialize(programs, encapsulation, record)), toHex(expected));
+    Record<T> back(type);
+    ASSERT_TRUE(KOLT_Cdr_deserialize(programs, expected.data(), expected.size(), back.get()));
+    EXPECT_TRUE(KOLT_Record_equals(type, record, back.get()));
+}
+
+inline void fill(Message *message) {
+    message->id = {1, 2};
+    message->level = 300;
+    setText(message->category, "c");
+    setText(message->text, "hi");
+    message->number = 7;
+}
+
+// With every optional member.
+inline void fill(Options *record) {
+    DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
+    params.allocate_optional_members = DDS_BOOLEAN_TRUE;
+    ASSERT_TRUE(KOLT_Record_initialize_w_params(finalOptionsType(), record, &params));
+    record->always = 1;
+    *record->number = 2;
+    *record->point = {3, 4};
+    record->last = 5;
+    setText(*record->text, "abc");
+}
+
+inline void fill(Request *request) {
+    request->target = {1, 2};
+    request->choice._d = 3;
+    setText(request->choice._u.text, "t");
+    request->after = 4;
+}
+
+inline void fill(Choice *choice) {
+    choice->_d = 2;
+    ASSERT_TRUE(IdSeq_set_length(&choice->_u.ids, 1));
+    *IdSeq_get_reference(&choice->_u.ids, 0) = {1, 2};
+}
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_CDR_VECTORS_H

@@ -1,0 +1,81 @@
+// Type codes that are made up from bytes, for tests that want any type.
+#ifndef TESTS_SUPPORT_RANDOM_TYPES_H
+#define TESTS_SUPPORT_RANDOM_TYPES_H
+
+#include <kolt/typecode.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace support {
+
+// Decisions, one byte each; all of them 0 when the bytes have run out.
+class Decisions {
+  public:
+    Decisions(const uint8_t *bytes, size_t size) : at_(bytes), left_(size) {}
+
+    uint8_t Byte();
+    unsigned Below(unsigned limit) { return Byte() % limit; }
+    // True in one of `rarity` cases; false when the bytes have run out.
+    bool OneIn(unsigned rarity) { return Byte() % rarity == rarity - 1; }
+    uint64_t Word();
+    bool empty() const { return left_ == 0; }
+    size_t left() const { return left_; }
+
+  private:
+    const uint8_t *at_;
+    size_t left_;
+};
+
+// A well-formed structure or union with all that it consists of, laid out as a C compiler would.
+class RandomType {
+  public:
+    explicit RandomType(Decisions *decisions);
+    RandomType(const RandomType &) = delete;
+    RandomType &operator=(const RandomType &) = delete;
+
+    const DDS_TypeCode *type() const { return type_; }
+    // The same type without its last member, over the same record; nullptr for a union or a
+    // structure with one member.
+    const DDS_TypeCode *shorter() const { return shorter_; }
+
+  private:
+    const DDS_TypeCode *Make(int depth);
+    const DDS_TypeCode *MakeEnum();
+    const DDS_TypeCode *MakeString();
+    const DDS_TypeCode *MakeArray(int depth);
+    const DDS_TypeCode *MakeSequence(int depth);
+    const DDS_TypeCode *MakeStruct(int depth);
+    const DDS_TypeCode *MakeUnion(int depth);
+    const DDS_TypeCode *Discriminator();
+    void GiveDefault(DDS_TypeCodeMember *member);
+    std::vector<DDS_TypeCodeMember> MakeMembers(unsigned count, int depth, bool is_union);
+    // Places the members behind the first `start` bytes of a record.
+    const DDS_TypeCode *Finish(DDS_TypeCode aggregate, std::vector<DDS_TypeCodeMember> members,
+                               size_t start);
+    void MakeShorter();
+
+    DDS_TypeCode *Store(const DDS_TypeCode &type);
+    const char *Name(const std::string &prefix);
+    DDS_ExtensibilityKind Extensibility();
+
+    Decisions &decisions_;
+    unsigned budget_ = 24;  // types that may still be made
+    unsigned names_ = 0;
+    const DDS_TypeCode *type_ = nullptr;
+    const DDS_TypeCode *shorter_ = nullptr;
+    std::deque<DDS_TypeCode> types_;
+    std::deque<std::vector<DDS_TypeCodeMember>> members_;
+    std::deque<std::vector<DDS_Long>> labels_;
+    std::deque<std::vector<size_t>> offsets_;
+    std::deque<std::vector<DDS_UnsignedLong>> dimensions_;
+    std::deque<DDS_SampleAccessInfo> access_;
+    std::deque<std::string> texts_;
+};
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_RANDOM_TYPES_H
