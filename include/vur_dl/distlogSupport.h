@@ -215,6 +215,11 @@ VUR_DL_EXTERN_C_BEGIN
  * - TDataReader_return_loan: Gives a loan back; both sequences are then empty and owning. OK,
  *   too, when nothing was lent. PRECONDITION_NOT_MET when the sequences are not a loan of this
  *   reader.
+ * - TDataReader_get_key_value, _lookup_instance: From handle to key and back, while the instance is
+ *   known: as long as there are samples of it to read, or a writer that has not unregistered it.
+ *   Of an instance that is gone, disposed or without writers and all of its samples taken, they
+ *   give BAD_PARAMETER and DDS_HANDLE_NIL: its key is in the sample that told of its end, whose
+ *   key members are set although `valid_data` is false.
  * - The others: As DDS_DataReader_<operation>.
  */
 #define VUR_DL_DATA_READER_DECLARE(T)                                                              \

@@ -134,7 +134,8 @@ template <typename T>
 DDS_ReturnCode_t return_loan(DDS_DataReader *reader, typename vur_dl::TypeOf<T>::Sequence *received,
                              DDS_SampleInfoSeq *info_seq, const char *method_name) noexcept {
     using Sequence = SequenceOf<T>;
-    if (!vur_dl::require(received, method_name, "received_data") ||
+    if (!vur_dl::require(reader, method_name, "reader") ||
+        !vur_dl::require(received, method_name, "received_data") ||
         !vur_dl::require(info_seq, method_name, "info_seq")) {
         return DDS_RETCODE_BAD_PARAMETER;
     }

@@ -3,10 +3,12 @@
 #define TESTS_SUPPORT_FILTER_SAMPLE_H
 
 #include <kolt/cdr.h>
+#include <kolt/filter.h>
 #include <kolt/sequence.h>
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -255,6 +257,18 @@ class Sample {
     std::string text_ = "it's a text";
     std::string name_ = "chosen";
 };
+
+struct DeleteFilter {
+    void operator()(KOLT_Filter *filter) const { KOLT_Filter_delete(filter); }
+};
+using Filter = std::unique_ptr<KOLT_Filter, DeleteFilter>;
+
+inline Filter compile(const std::string &expression,
+                      const std::vector<const char *> &parameters = {},
+                      KOLT_FilterError *error = nullptr) {
+    return Filter(KOLT_Filter_new(&Types::record(), expression.c_str(), parameters.data(),
+                                  static_cast<DDS_UnsignedLong>(parameters.size()), error));
+}
 
 }  // namespace filter_sample
 

@@ -2,6 +2,7 @@
 #ifndef TESTS_SUPPORT_LOG_CAPTURE_H
 #define TESTS_SUPPORT_LOG_CAPTURE_H
 
+#include <gtest/gtest.h>
 #include <kolt/config_logger.h>
 
 #include <mutex>
@@ -21,6 +22,12 @@ class LogCapture {
     std::string take() {
         const std::lock_guard lock(mutex_);
         return std::exchange(text_, {});
+    }
+    // Whether `text` was logged since the last call. Begins anew.
+    testing::AssertionResult saw(const std::string &text) {
+        const std::string logged = take();
+        if (logged.find(text) != std::string::npos) return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "\"" << text << "\" is not in \"" << logged << "\"";
     }
 
   private:

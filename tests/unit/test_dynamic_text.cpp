@@ -1,30 +1,20 @@
 // Dynamic data as text: JSON, XML and the default format.
 
 #include <gtest/gtest.h>
-#include <kolt/dynamic_data.h>
 #include <vur_dl/distlogPlugin.h>
 
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "support/dynamic_data.h"
 #include "support/test_types.h"
 
 namespace {
 
-constexpr DDS_DynamicDataMemberId kNoId = DDS_MEMBER_ID_INVALID;  // beside a name
-
-struct DataDeleter {
-    void operator()(DDS_DynamicData *data) const { DDS_DynamicData_delete(data); }
-};
-using Data = std::unique_ptr<DDS_DynamicData, DataDeleter>;
-
-Data make(const DDS_TypeCode *type) {
-    return Data(DDS_DynamicData_new(type, &DDS_DYNAMIC_DATA_PROPERTY_DEFAULT));
-}
+using namespace support;  // NOLINT
 
 DDS_PrintFormat format(DDS_PrintFormatKind kind, bool pretty = false, bool root = false,
                        bool enum_as_int = false) {
@@ -125,12 +115,11 @@ TEST(DynamicText, Default) {
     DDS_DynamicData_set_length(data.get(), 0, "command.categoryAndVerbosity", kNoId);
     const std::string text = render(data, format(DDS_DEFAULT_PRINT_FORMAT, true));
     EXPECT_NE(text.find("    categoryAndVerbosity: []"), std::string::npos) << text;
-    EXPECT_EQ(render(make(support::idType()), format(DDS_DEFAULT_PRINT_FORMAT)),
-              "{host: 0, app: 0}");
+    EXPECT_EQ(render(make(idType()), format(DDS_DEFAULT_PRINT_FORMAT)), "{host: 0, app: 0}");
 }
 
 TEST(DynamicText, EveryKind) {
-    const Data data = make(support::everythingType());
+    const Data data = make(everythingType());
     DDS_DynamicData_set_boolean(data.get(), "flag", kNoId, 1);
     DDS_DynamicData_set_ulonglong(data.get(), "largest", kNoId, ~0ULL);
     DDS_DynamicData_set_double(data.get(), "real", kNoId, 0.1);
@@ -148,7 +137,7 @@ TEST(DynamicText, EveryKind) {
 }
 
 TEST(DynamicText, WhatIsNoNumber) {
-    const Data data = make(support::everythingType());
+    const Data data = make(everythingType());
     DDS_DynamicData_set_double(data.get(), "real", kNoId, std::nan(""));
     DDS_DynamicData_set_float(data.get(), "single", kNoId,
                               -std::numeric_limits<DDS_Float>::infinity());
@@ -164,7 +153,7 @@ TEST(DynamicText, WhatIsNoNumber) {
 }
 
 TEST(DynamicText, OptionalMembersThatAreAbsentAreLeftOut) {
-    const Data data = make(support::mutableOptionsType());
+    const Data data = make(mutableOptionsType());
     EXPECT_EQ(render(data, format(DDS_JSON_PRINT_FORMAT)), R"({"always":0,"last":0})");
     DDS_DynamicData_set_long(data.get(), "point.y", kNoId, 2);
     EXPECT_EQ(render(data, format(DDS_JSON_PRINT_FORMAT)),
@@ -177,12 +166,11 @@ TEST(DynamicText, AnUnknownEnumeratorIsANumber) {
     std::vector<char> bytes(64);
     DDS_UnsignedLong length = 64;
     const Data data = make(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode());
-    if (VUR_DL_ADMIN_VURLoggerCategoryAndVerbosityPlugin_serialize_to_cdr_buffer(
-            bytes.data(), &length, &record) &&
-        DDS_DynamicData_from_cdr_buffer(data.get(), bytes.data(), length) == DDS_RETCODE_OK) {
-        EXPECT_EQ(render(data, format(DDS_JSON_PRINT_FORMAT)),
-                  R"({"category":99,"verbosity":"VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_ERROR"})");
-    }
+    ASSERT_TRUE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosityPlugin_serialize_to_cdr_buffer(
+        bytes.data(), &length, &record));
+    ASSERT_EQ(DDS_DynamicData_from_cdr_buffer(data.get(), bytes.data(), length), DDS_RETCODE_OK);
+    EXPECT_EQ(render(data, format(DDS_JSON_PRINT_FORMAT)),
+              R"({"category":99,"verbosity":"VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_ERROR"})");
 }
 
 struct TextCase {
@@ -194,7 +182,7 @@ struct TextCase {
 class DynamicTextEscapes : public testing::TestWithParam<TextCase> {};
 
 TEST_P(DynamicTextEscapes, InJsonAndXml) {
-    const Data data = make(support::messageType());
+    const Data data = make(messageType());
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "text", kNoId, GetParam().value),
               DDS_RETCODE_OK);
     const std::string json = render(data, format(DDS_JSON_PRINT_FORMAT));
@@ -232,7 +220,7 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"\xef\xbf\xbf", "\xef\xbf\xbf", REPLACEMENT}));
 
 TEST(DynamicText, MissingArguments) {
-    const Data data = make(support::idType());
+    const Data data = make(idType());
     const DDS_PrintFormat json = format(DDS_JSON_PRINT_FORMAT);
     DDS_UnsignedLong length = 0;
     EXPECT_EQ(DDS_DynamicDataFormatter_to_string_w_format(nullptr, nullptr, &length, &json),

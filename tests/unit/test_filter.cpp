@@ -15,19 +15,9 @@
 
 namespace {
 
+using filter_sample::compile;
+using filter_sample::Filter;
 using filter_sample::Sample;
-using filter_sample::Types;
-
-struct Delete {
-    void operator()(KOLT_Filter *filter) const { KOLT_Filter_delete(filter); }
-};
-using Filter = std::unique_ptr<KOLT_Filter, Delete>;
-
-Filter compile(const std::string &expression, const std::vector<const char *> &parameters = {},
-               KOLT_FilterError *error = nullptr) {
-    return Filter(KOLT_Filter_new(&Types::record(), expression.c_str(), parameters.data(),
-                                  static_cast<DDS_UnsignedLong>(parameters.size()), error));
-}
 
 bool matches(const Filter &filter, const std::vector<DDS_Octet> &bytes) {
     return KOLT_Filter_matches(filter.get(), bytes.data(), bytes.size()) != 0;

@@ -157,11 +157,14 @@ typedef struct DDS_TypeConsistencyEnforcementQosPolicy {
     DDS_Boolean force_type_validation;
 } DDS_TypeConsistencyEnforcementQosPolicy;
 
-/* (K) Name-value pairs handed to the engine and to KOLT itself (DDS Security 1.1, 7.2.5). */
+/* (K) Name-value pairs handed to the engine and to KOLT itself (DDS Security 1.1, 7.2.5). They stay
+ * local: the engine offers no way to send them with discovery, so that `propagate` is kept, copied,
+ * compared and read from profiles, but has no effect. What others are to see goes into user_data.
+ */
 typedef struct DDS_Property_t {
     DDS_Char *name;
     DDS_Char *value;
-    DDS_Boolean propagate; /* sent with discovery */
+    DDS_Boolean propagate; /* no effect */
 } DDS_Property_t;
 KOLT_SEQUENCE_DECLARE(DDS_PropertySeq, DDS_Property_t, KOLT_EXPORT);
 typedef struct DDS_PropertyQosPolicy {

@@ -172,7 +172,8 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
     DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
     DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
     size_t element_size, void ***loan, DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq);
-/* Gives a loan back. PRECONDITION_NOT_MET when the arrays are not a loan of this reader. */
+/* Gives a loan back. PRECONDITION_NOT_MET when `loan`, which may be NULL, and the info sequence's
+ * buffer are not those of one loan of this reader; both sequences then keep what they hold. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
                                                                  DDS_UnsignedLong count,
                                                                  DDS_SampleInfoSeq *info_seq);
@@ -181,10 +182,21 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DD
                                                                               DDS_Boolean take,
                                                                               void *sample,
                                                                               DDS_SampleInfo *info);
-/* Fills the key members of `key_holder`. BAD_PARAMETER for a handle that is no instance. */
+/* Fills the key members of `key_holder`; the others stay. BAD_PARAMETER (and a log message) for a
+ * handle that is no instance, and for an unkeyed type.
+ *
+ * An instance is known while the reader has samples of it, taken ones not counted, or a writer of
+ * it lives and has not unregistered it: also when it is disposed and nothing is left to read. When
+ * the last writer has gone and the last sample was taken, the instance is gone: its handle then
+ * gives BAD_PARAMETER, its key no handle, and should it come back it is a new instance, under
+ * another handle. (Only an instance that a writer of this process has registered by hand stays
+ * known.) Whoever wants to know which instance has gone therefore takes the key from the sample
+ * that says so: a sample without data (`valid_data` is false) has its key members set, and only
+ * these; or keeps the key beside the handle. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
                                                           DDS_InstanceHandle_t handle);
-/* The handle of the key's instance; DDS_HANDLE_NIL when nobody in this process knows it. */
+/* The handle of the key's instance; DDS_HANDLE_NIL when nobody in this process knows it (yet, or
+ * any more: see DDS_DataReader_get_key_value), and for an unkeyed type. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self,
                                                                 const void *key_holder);
 /* Loaned samples are copies that nothing overwrites: always consistent. */

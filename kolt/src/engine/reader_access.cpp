@@ -51,6 +51,14 @@ bool collect_keys(const void *view) {
     return false;
 }
 
+// The result of a read, with a log message unless there simply is nothing to read.
+DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
+    if (result == DDS_RETCODE_OK || result == DDS_RETCODE_NO_DATA) return result;
+    return fail(result, method,
+                result == DDS_RETCODE_BAD_PARAMETER ? "the handle is no instance"
+                                                    : "the engine does not read");
+}
+
 }  // namespace
 
 void Batch::resize(size_t capacity) {
@@ -209,7 +217,7 @@ DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, vo
                              ? kMaxSamples
                              : static_cast<size_t>(selection.max_samples);
     const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
-    if (result != DDS_RETCODE_OK) return result;
+    if (result != DDS_RETCODE_OK) return report(result, method);
 
     auto loan = std::make_unique<Loan>();
     loan->samples.reserve(fetched);
@@ -272,7 +280,7 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
     Batch batch;
     size_t fetched = 0;
     const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
-    if (result != DDS_RETCODE_OK) return result;
+    if (result != DDS_RETCODE_OK) return report(result, method);
     if (DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(fetched)) ==
         DDS_BOOLEAN_FALSE) {
         return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no %zu elements", fetched);
@@ -291,7 +299,7 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
 }
 
 DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_SampleInfo *info,
-                                              const char *) {
+                                              const char *method) {
     KOLT_ReadSelection selection{};
     selection.take = take ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
     selection.sample_states = DDS_NOT_READ_SAMPLE_STATE;
@@ -302,7 +310,7 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
     // A malformed sample is passed over.
     while (true) {
         const DDS_ReturnCode_t result = fetch(selection, 1, &batch, &fetched);
-        if (result != DDS_RETCODE_OK) return result;
+        if (result != DDS_RETCODE_OK) return report(result, method);
         if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample)) continue;
         *info = to_sample_info(batch.infos[0]);
         return DDS_RETCODE_OK;

@@ -329,7 +329,6 @@ DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void 
                                                      DDS_UnsignedLong count,
                                                      DDS_SampleInfoSeq *info_seq) {
     if (info_seq == nullptr) return bad_parameter(__func__, "info_seq");
-    if (loan == nullptr) return bad_parameter(__func__, "received_data");
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
         return reader.return_loan(loan, count, info_seq, method);
     });

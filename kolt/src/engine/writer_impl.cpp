@@ -331,7 +331,12 @@ DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, uint32_t status_info,
     serdata->timestamp.v = stamped ? to_engine(source_timestamp) : dds_time();
     const dds_return_t result = dds_forwardcdr(engine(), serdata.release());
     const DDS_ReturnCode_t code = to_return_code(result);
-    if (code == DDS_RETCODE_OK || code == DDS_RETCODE_TIMEOUT) return code;
+    if (code == DDS_RETCODE_OK) return code;
+    if (code == DDS_RETCODE_TIMEOUT) {  // readers that are slow: no fault of the caller's
+        KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
+                         method, "no reader made room for the sample within max_blocking_time");
+        return code;
+    }
     return fail(code, method, "the engine does not write");
 }
 
