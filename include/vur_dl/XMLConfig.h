@@ -43,16 +43,30 @@ VUR_DL_EXTERN_C_BEGIN
 
 /* Reads the document at `path` (a path or a file URL), loads the QoS libraries that it contains
  * into the participant factory (kolt/domain.h, KOLT_DomainParticipantFactory_add_profiles), and
- * starts the logger as its first `distributed_logger` element says. domainParticipant  where the
- * logger creates its entities; borrowed, must outlive the logger. NULL: the logger creates a
- * participant of its own in `domainId` domainId           0 to 230; not used with a participant
+ * starts the logger as its first `distributed_logger` element says, with the QoS that
+ * VUR_DL_XMLConfig_chooseQosProfile finds.
+ *
+ *   domainParticipant  where the logger creates its entities; borrowed, must outlive the logger.
+ *                      NULL: the logger creates a participant of its own in `domainId`
+ *   domainId           0 to 230; not used with a participant
  *   applicationKind    copied; NULL: none
+ *
  * 1 when the logger was started, and also, with a printed line, when the element does not enable it
  * or it runs already. 0, with a printed line that says why, when the document cannot be read or is
  * wrong, when it has no such element, and when the logger does not start. */
 VUR_DL_EXPORT int VUR_DL_XMLConfig_startFromFile(const char *path,
                                                  DDS_DomainParticipant *domainParticipant,
                                                  int domainId, const char *applicationKind);
+
+/* The name of the QoS profile that is the logger's own. */
+#define VUR_DL_XML_CONFIG_QOS_PROFILE "distributed_logger"
+
+/* Names the profile "distributed_logger" in the options (VUR_DL_Options_setQosLibrary,
+ * VUR_DL_Options_setQosProfile), from the first loaded library that has one; the logger's entities
+ * then have the QoS that it says. Options that name a library or a profile stay as they are, and so
+ * do all others when there is no such profile. 1; 0, with a printed line, for NULL and when memory
+ * runs out. */
+VUR_DL_EXPORT int VUR_DL_XMLConfig_chooseQosProfile(VUR_DL_Options *options);
 
 /* Starts the logger with parsed options, which stay the caller's and into which the participant and
  * the application kind (NULL: left as it is) are set. 1 on success, and, with a printed line, when

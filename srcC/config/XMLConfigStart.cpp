@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 
 #include "distlogger/levels.hpp"
@@ -62,6 +63,30 @@ int start(VUR_DL_Options &options, const char *application_kind, const char *met
     return 1;
 }
 
+// Names of libraries or profiles.
+class Names {
+  public:
+    Names() { DDS_StringSeq_initialize(&names_); }
+    ~Names() { DDS_StringSeq_finalize(&names_); }
+    Names(const Names &) = delete;
+    Names &operator=(const Names &) = delete;
+
+    DDS_StringSeq *get() { return &names_; }
+    DDS_Long count() const { return static_cast<DDS_Long>(DDS_StringSeq_get_length(&names_)); }
+    const char *at(DDS_Long index) const { return *DDS_StringSeq_get_reference(&names_, index); }
+    bool contain(const char *name) const {
+        for (DDS_Long i = 0; i < count(); ++i) {
+            if (std::strcmp(at(i), name) == 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+  private:
+    DDS_StringSeq names_;
+};
+
 // The same without a participant: the logger makes its own.
 int start_in_domain(VUR_DL_Options &options, int domain_id, const char *application_kind) {
     if (has_nothing_to_start(options, kFromFileMethod)) {
@@ -74,7 +99,45 @@ int start_in_domain(VUR_DL_Options &options, int domain_id, const char *applicat
     return start(options, application_kind, kFromFileMethod);
 }
 
+// Names the logger's own profile in the options, from the first library that has it; nothing when
+// none has. False when memory runs out.
+bool set_own_profile(VUR_DL_Options &options, DDS_DomainParticipantFactory *factory) {
+    Names libraries;
+    if (DDS_DomainParticipantFactory_get_qos_profile_libraries(factory, libraries.get()) !=
+        DDS_RETCODE_OK) {
+        return false;
+    }
+    for (DDS_Long i = 0; i < libraries.count(); ++i) {
+        Names profiles;
+        if (DDS_DomainParticipantFactory_get_qos_profiles(factory, profiles.get(),
+                                                          libraries.at(i)) != DDS_RETCODE_OK) {
+            return false;
+        }
+        if (profiles.contain(VUR_DL_XML_CONFIG_QOS_PROFILE)) {
+            return VUR_DL_Options_setQosLibrary(&options, libraries.at(i)) == DDS_RETCODE_OK &&
+                   VUR_DL_Options_setQosProfile(&options, VUR_DL_XML_CONFIG_QOS_PROFILE) ==
+                       DDS_RETCODE_OK;
+        }
+    }
+    return true;
+}
+
 }  // namespace
+
+int VUR_DL_XMLConfig_chooseQosProfile(VUR_DL_Options *options) {
+    if (options == nullptr) {
+        report("no options given", __func__);
+        return 0;
+    }
+    if (options->qosLibrary != nullptr || options->qosProfile != nullptr) {
+        return 1;
+    }
+    if (!set_own_profile(*options, DDS_DomainParticipantFactory_get_instance())) {
+        report("could not choose the QoS profile", __func__);
+        return 0;
+    }
+    return 1;
+}
 
 int VUR_DL_XMLConfig_startWithXMLConfiguration(DDS_DomainParticipant *domainParticipant,
                                                VUR_DL_Options *options,
@@ -129,6 +192,9 @@ int VUR_DL_XMLConfig_startFromFile(const char *path, DDS_DomainParticipant *doma
         return 0;
     }
     VUR_DL_Options *options = VUR_DL_XMLConfig_getDLOptions(config);
+    if (!VUR_DL_XMLConfig_chooseQosProfile(options)) {
+        return 0;
+    }
     if (domainParticipant != nullptr) {
         return VUR_DL_XMLConfig_startWithXMLConfiguration(domainParticipant, options,
                                                           applicationKind);

@@ -23,6 +23,8 @@ struct Faults {
     bool application_kind = false;
     bool set_options = false;
     bool instance = false;
+    bool running = false;
+    bool set_participant = false;
 };
 Faults faults;
 
@@ -82,8 +84,17 @@ DDS_ReturnCode_t VUR_DL_Options_setApplicationKind(VUR_DL_Options *, const char 
     return faults.application_kind ? DDS_RETCODE_ERROR : DDS_RETCODE_OK;
 }
 
+DDS_ReturnCode_t VUR_DL_Options_setDomainParticipant(VUR_DL_Options *self,
+                                                     DDS_DomainParticipant *participant) {
+    if (faults.set_participant) {
+        return DDS_RETCODE_ERROR;
+    }
+    self->domainParticipant = participant;
+    return DDS_RETCODE_OK;
+}
+
 int VUR_DL_DistLogger_isDistLoggerRunning() {
-    return 0;
+    return faults.running ? 1 : 0;
 }
 int VUR_DL_DistLogger_setOptions(const VUR_DL_Options *) {
     return faults.set_options ? 0 : 1;
@@ -213,6 +224,54 @@ TEST_F(XmlConfigFault, StartSaysWhichStepFailed) {
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, nullptr), 1);
     EXPECT_EQ(options->domainParticipant, &participant);
     VUR_DL_Options_delete(options);
+}
+
+TEST_F(XmlConfigFault, RunningLoggerIsLeftAlone) {
+    VUR_DL_Options *options = VUR_DL_Options_createDefault();
+    DDS_DomainParticipant participant = {};
+    faults.running = true;
+    faults.set_options = true;  // not reached
+    StdoutCapture capture;
+    EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, "kind"), 1);
+    EXPECT_EQ(
+        capture.text(),
+        "DL Info: VUR_DL_XMLConfig_startWithXMLConfiguration: DL already running. XML Options "
+        "don't apply\n");
+    EXPECT_EQ(options->domainParticipant, nullptr);
+    VUR_DL_Options_delete(options);
+}
+
+TEST_F(XmlConfigFault, ParticipantThatCannotBeSetDoesNotCount) {
+    VUR_DL_Options *options = VUR_DL_Options_createDefault();
+    DDS_DomainParticipant participant = {};
+    faults.set_participant = true;
+    StdoutCapture capture;
+    EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, nullptr), 1);
+    EXPECT_EQ(capture.text(), "");
+    VUR_DL_Options_delete(options);
+}
+
+// A logger that is said to run and is not there: the parsed level is saved.
+TEST_F(XmlConfigFault, LoggerThatIsGoneWhileSavingDoesNotCount) {
+    DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(logError);
+    DDS_XMLObject root;
+    ASSERT_TRUE(DDS_XMLObject_initialize(&root, nullptr, nullptr, "dds", nullptr));
+    DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
+    const char *none = nullptr;
+    DDS_XMLObject *object = VUR_DL_XMLConfig_new(extension, &root, &none, &context);
+    ASSERT_NE(object, nullptr);
+    faults.running = true;
+    faults.instance = true;
+    DDS_XMLSaveContext save_context;
+    DDS_XMLSaveContext_initialize(&save_context);
+    EXPECT_TRUE(DDS_XMLObject_save(object, &save_context));
+    EXPECT_NE(std::string(DDS_XMLSaveContext_get_text(&save_context))
+                  .find("<filter_level>INFO</filter_level>"),
+              std::string::npos);
+    DDS_XMLSaveContext_finalize(&save_context);
+    faults = {};
+    DDS_XMLObject_finalize(&root);
+    VUR_DL_XMLConfig_destroyXMLExtensionClass(extension);
 }
 
 }  // namespace

@@ -36,6 +36,22 @@ inline constexpr const char *kProfiles = R"(<dds>
         </representation>
       </datawriter_qos>
     </qos_profile>
+    <qos_profile name="Impatient" base_name="Xcdr2">
+      <datawriter_qos topic_filter="vur/distlog*">
+        <reliability><max_blocking_time><nanosec>20000000</nanosec></max_blocking_time></reliability>
+      </datawriter_qos>
+    </qos_profile>
+    <qos_profile name="Bounded" base_name="Xcdr2">
+      <datawriter_qos topic_filter="vur/distlog">
+        <reliability>
+          <max_blocking_time><sec>DURATION_INFINITE_SEC</sec></max_blocking_time>
+        </reliability>
+        <resource_limits><max_samples>100</max_samples></resource_limits>
+        <durability_service>
+          <history_kind>KEEP_LAST_HISTORY_QOS</history_kind><history_depth>10</history_depth>
+        </durability_service>
+      </datawriter_qos>
+    </qos_profile>
   </qos_library>
 </dds>)";
 
@@ -57,16 +73,22 @@ inline std::string kind() {
     return "interop " + std::to_string(getpid());
 }
 
-inline bool storeOptions(int domain, int filter_level) {
+struct LiveSettings {
+    int queue_size = 128;  // in messages
+    const char *profile = "Xcdr2";
+};
+
+inline bool storeOptions(int domain, int filter_level, const LiveSettings &settings) {
     VUR_DL_Options *const options = VUR_DL_Options_createDefault();
     const bool ok = VUR_DL_Options_setDomainId(options, domain) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setFilterLevel(options, filter_level) == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setQueueSize(options, settings.queue_size) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setEchoToStdout(options, 0) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setLogInfrastructureMessages(options, 0) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setRemoteAdministrationEnabled(options, 1) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setApplicationKind(options, kind().c_str()) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setQosLibrary(options, "Interop") == DDS_RETCODE_OK &&
-                    VUR_DL_Options_setQosProfile(options, "Xcdr2") == DDS_RETCODE_OK &&
+                    VUR_DL_Options_setQosProfile(options, settings.profile) == DDS_RETCODE_OK &&
                     VUR_DL_DistLogger_setOptions(options) == 1;
     VUR_DL_Options_delete(options);
     return ok;
@@ -75,8 +97,8 @@ inline bool storeOptions(int domain, int filter_level) {
 // The logger of this process, until the scope ends.
 class LiveLogger {
   public:
-    LiveLogger(int domain, int filter_level)
-        : logger_(loadProfiles() && storeOptions(domain, filter_level)
+    LiveLogger(int domain, int filter_level, const LiveSettings &settings = {})
+        : logger_(loadProfiles() && storeOptions(domain, filter_level, settings)
                       ? VUR_DL_DistLogger_getInstance()
                       : nullptr) {}
     ~LiveLogger() { end(); }

@@ -2,9 +2,14 @@
 #include <gtest/gtest.h>
 #include <vur_dl/DDSEntities.h>
 
+#include <csignal>
+
+#include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <map>
 #include <string>
+#include <thread>
 
 #include "live_logger.h"
 
@@ -83,6 +88,132 @@ TEST(LiveMessages, EveryMessageArrivesInOrder) {
     }
     EXPECT_EQ(VUR_DL_MessageQueue_getMessageId(VUR_DL_DistLogger_getMessageQueue()), kMessages);
     interop::dismiss(monitor);
+}
+
+// ---- One instance, which is ordered as a whole --------------------------------------------------
+
+// A logger, a monitor that has found it, and messages that are numbered by their texts as well.
+class Stream {
+  public:
+    Stream(int domain, const interop::LiveSettings &settings)
+        : logger_(domain, 800, settings),
+          monitor_({support::helperPath("peer_monitor"), std::to_string(domain),
+                    VUR_DL_LOG_TOPIC_NAME}) {
+        if (logger_.get() == nullptr || interop::readUntil(monitor_, "matched").empty()) {
+            ADD_FAILURE() << "they do not meet";
+            return;
+        }
+        sender_ = logger_.ids(domain);
+        // The first message alone is certain to arrive: it says that the writer has found the
+        // reader.
+        log();
+        expectNext();
+    }
+
+    void log(std::size_t padding = 0) {
+        ++logged_;
+        std::string text = std::to_string(logged_);
+        text.append(padding, '.');
+        VUR_DL_DistLogger_log(logger_.get(), 600, text.c_str());
+    }
+    // The message behind the last one is the next to arrive.
+    bool expectNext() {
+        const Fields fields = interop::readUntil(monitor_, [this](const Fields &line) {
+            return line[0] == "sample" && line.at(2) == std::to_string(sender_.host) &&
+                   line.at(3) == std::to_string(sender_.app);
+        });
+        if (fields.size() != 8U) {
+            ADD_FAILURE() << "nothing after " << received_ << " of " << logged_;
+            return false;
+        }
+        ++received_;
+        const std::string number = std::to_string(received_);
+        const bool right =
+            fields[5] == number && fields[7].substr(0, fields[7].find('.')) == number;
+        EXPECT_TRUE(right) << "message " << fields[5] << " in place of " << received_;
+        return right;
+    }
+    void expectAll() {
+        while (received_ < logged_ && expectNext()) {
+        }
+    }
+    void end() { interop::dismiss(monitor_); }
+
+    std::int64_t logged() const { return logged_; }
+    std::int64_t received() const { return received_; }
+    ChildProcess &monitor() { return monitor_; }
+
+  private:
+    interop::LiveLogger logger_;
+    ChildProcess monitor_;
+    support::Ids sender_;
+    std::int64_t logged_ = 0;
+    std::int64_t received_ = 0;
+};
+
+void expectHundredThousand(int domain, const char *profile) {
+    constexpr std::int64_t kMany = 100000;
+    constexpr int kQueue = 8192;
+    Stream stream(domain, {.queue_size = kQueue, .profile = profile});
+    const auto start = std::chrono::steady_clock::now();
+    // What has not arrived fits into the queue, where a message stays a moment longer than its
+    // write takes, so that it never overflows. The writer itself keeps less than that and must wait
+    // for the reader again and again.
+    while (stream.received() < kMany) {
+        while (stream.logged() < kMany && stream.logged() - stream.received() < kQueue - 1) {
+            stream.log(static_cast<std::size_t>(stream.logged() % 200));
+        }
+        ASSERT_TRUE(stream.expectNext());
+    }
+    const std::chrono::duration<double> span = std::chrono::steady_clock::now() - start;
+    std::printf("%.2f s, %.0f messages/s\n", span.count(), kMany / span.count());
+    EXPECT_EQ(VUR_DL_MessageQueue_getMessageId(VUR_DL_DistLogger_getMessageQueue()), kMany);
+    stream.end();
+}
+
+TEST(LiveMessages, AHundredThousandArriveInOrder) {
+    expectHundredThousand(201, "Xcdr2");
+}
+
+// The writer waits for ever, and keeps no more than a little once everybody has it. (The engine
+// announces a writer's resource limits and does not enforce them: bytes that are not acknowledged
+// hold it back.)
+TEST(LiveMessages, AHundredThousandArriveInOrderFromABoundedHistory) {
+    expectHundredThousand(202, "Bounded");
+}
+
+// The writer waits for a reader that stands still, and log calls do not wait for the writer.
+TEST(LiveMessages, AReaderThatStandsStillLosesNothing) {
+    constexpr int kMany = 2000;
+    Stream stream(203, {.queue_size = kMany});
+    stream.monitor().signal(SIGSTOP);
+    for (int i = 0; i < kMany; ++i) {
+        stream.log(2000);  // more in all than the writer keeps for a reader
+    }
+    stream.monitor().signal(SIGCONT);
+    stream.expectAll();
+    stream.end();
+}
+
+// A write that times out leaves its message in the queue; every message logged later sends one of
+// those that wait.
+TEST(LiveMessages, AWriteThatTimesOutDelaysItsMessage) {
+    constexpr int kMany = 400;
+    Stream stream(204, {.queue_size = 4096, .profile = "Impatient"});
+    stream.monitor().signal(SIGSTOP);
+    for (int i = 0; i < kMany; ++i) {
+        stream.log(2000);
+    }
+    // Long enough for many writes to time out, if the engine is as fast as it should be. Nothing
+    // below depends on it.
+    std::this_thread::sleep_for(std::chrono::seconds(2));
+    stream.monitor().signal(SIGCONT);
+    const std::int64_t target = stream.logged();
+    while (stream.received() < target) {
+        stream.log();
+        ASSERT_TRUE(stream.expectNext());
+    }
+    stream.end();
 }
 
 }  // namespace

@@ -86,6 +86,8 @@ TEST_F(QosProfileErrors, WhatIsWrongIsToldWithLineAndNames) {
          "unknown element <wire_protocol> in <domain_participant_qos>; expected: user_data, "
          "entity_factory, property, participant_name, protocol",
          4},
+        {"<topic_qos topic_filter=\"" + std::string(1025, '*') + "\"/>",
+         "the topic_filter is longer than 1024 bytes", 4},
         {"<publisher_qos topic_filter=\"*\"/>",
          "unknown attribute \"topic_filter\" of <publisher_qos>; expected: name", 4},
     };

@@ -261,6 +261,58 @@ TEST_F(QosProfiles, BasesApplyFromTheOutermostOn) {
     EXPECT_EQ(qos->ownership_strength.value, 6);
 }
 
+TEST_F(QosProfiles, ChainsOfBasesMayBeLong) {
+    constexpr int kProfiles = 5000;
+    std::string chain;
+    for (int i = kProfiles; i > 0; --i) {
+        chain += "<qos_profile name=\"" + std::to_string(i) + "\" base_name=\"" +
+                 std::to_string(i - 1) + "\"/>\n";
+    }
+    const std::string root = profile("name=\"0\"", 31);
+    ASSERT_EQ(addLibrary(chain + root), DDS_RETCODE_OK) << allMessages();
+    EXPECT_EQ(depth(std::to_string(kProfiles).c_str()), 31);
+    ASSERT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
+    messages().clear();
+    EXPECT_EQ(addLibrary(chain + "<qos_profile name=\"0\" base_name=\"" +
+                         std::to_string(kProfiles) + "\"/>"),
+              DDS_RETCODE_ERROR);
+    EXPECT_TRUE(logged(" is a base of itself")) << allMessages();
+}
+
+std::string defaultName() {
+    ParticipantQos qos;
+    EXPECT_EQ(DDS_DomainParticipantFactory_get_default_participant_qos(factory(), qos.get()),
+              DDS_RETCODE_OK);
+    return qos->participant_name.name == nullptr ? "none" : qos->participant_name.name;
+}
+
+TEST_F(QosProfiles, TheDefaultProfileLoadedLastHolds) {
+    const auto named = [](const std::string &attributes, const std::string &name) {
+        return "<qos_profile " + attributes + "><participant_qos><participant_name><name>" + name +
+               "</name></participant_name></participant_qos></qos_profile>";
+    };
+    EXPECT_EQ(defaultName(), "none");
+    ASSERT_EQ(
+        addLibrary(named("name=\"A\" is_default_qos=\"true\"", "a") +
+                   named("name=\"B\" is_default_qos=\" 1 \"", "b") +
+                   named("name=\"C\" is_default_qos=\"false\"", "c") + named("name=\"D\"", "d")),
+        DDS_RETCODE_OK)
+        << allMessages();
+    EXPECT_EQ(defaultName(), "b");
+    ASSERT_EQ(addLibrary(named("name=\"E\" base_name=\"C\" is_default_qos=\"true\"", "e"), "b.xml"),
+              DDS_RETCODE_OK)
+        << allMessages();
+    EXPECT_EQ(defaultName(), "e");
+    // One that says nothing of participants leaves them to the standard's default.
+    ASSERT_EQ(addLibrary(profile("name=\"F\" is_default_qos=\"true\"", 9), "c.xml"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(defaultName(), "none");
+    ASSERT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
+    EXPECT_EQ(defaultName(), "none");
+    ASSERT_EQ(addLibrary(named("name=\"A\" is_default_qos=\"true\"", "again")), DDS_RETCODE_OK);
+    EXPECT_EQ(defaultName(), "again");
+}
+
 TEST_F(QosProfiles, ListsOfABaseAreReplacedAndItsPropertiesKept) {
     ASSERT_EQ(addLibrary(
                   "<qos_profile name=\"B\"><publisher_qos><partition><name><element>a</element>"

@@ -95,12 +95,37 @@ TEST(XmlConfigParse, ErrorsAreReportedWithTheirLine) {
          {"3 VUR_DL_XMLConfig_getQueueSize: positive integer expected"},
          {"DL Error: VUR_DL_Options_setQueueSize: Queue Size must be positive",
           "DL Error: VUR_DL_XMLConfig_onEndElement: Unable to set queue size"}},
+        {"\n\n<filter_level>2147483648</filter_level>",
+         {"5 VUR_DL_XMLConfig_getFilterLevelFromString: negative integer not allowed for filter "
+          "level",
+          "5 " + kEnd + "invalid filter level string in XML configuration"}},
+        {"<queue_size>\n99999999999999999999\n</queue_size>",
+         {"5 VUR_DL_XMLConfig_getQueueSize: integer out of bounds in XML text"},
+         {"DL Error: VUR_DL_Options_setQueueSize: Queue Size must be positive",
+          "DL Error: VUR_DL_XMLConfig_onEndElement: Unable to set queue size"}},
+        {"<queue_size/>",
+         {"3 VUR_DL_XMLConfig_getQueueSize: integer expected in XML text"},
+         {"DL Error: VUR_DL_XMLConfig_onEndElement: Unable to set queue size"}},
         {"<queue_size>many</queue_size>",
          {"3 VUR_DL_XMLConfig_getQueueSize: integer expected in XML text"},
          {"DL Error: VUR_DL_Options_setQueueSize: Queue Size must be positive",
           "DL Error: VUR_DL_XMLConfig_onEndElement: Unable to set queue size"}},
         {"<thread>\n\n<mask>STDIO|</mask></thread>",
          {"5 VUR_DL_XMLConfig_getThreadSettingsKindMask: illegal value on thread mask XML tag"}},
+        {"<thread>\n<mask>" + std::string(2048, ' ') + "</mask></thread>",
+         {"4 VUR_DL_XMLConfig_getThreadSettingsKindMask: thread settings kind too long"}},
+        {"<thread><priority/></thread>",
+         {"3 VUR_DL_XMLConfig_getThreadPriority: integer expected in XML text"}},
+        {"<thread><stack_size>big</stack_size></thread>",
+         {"3 VUR_DL_XMLConfig_getThreadStackSize: integer expected in XML text"}},
+        {"<thread>\n<stack_size>0xFFFFFFFFFFFFFFFFFF</stack_size></thread>",
+         {"4 VUR_DL_XMLConfig_getThreadStackSize: integer out of bounds in XML text"}},
+        {"<thread><cpu_list><element>0</element>\n<element>-1</element></cpu_list></thread>",
+         {"4 VUR_DL_XMLConfig_addElementToCpuList: positive integer expected"}},
+        {"<thread><cpu_list><element>99999999999999999999</element></cpu_list></thread>",
+         {"3 VUR_DL_XMLConfig_addElementToCpuList: integer out of bounds in XML text"}},
+        {"<thread><cpu_rotation></cpu_rotation></thread>",
+         {"3 VUR_DL_XMLConfig_getCpuRotation: error getting cpu_rotation"}},
         {"<thread><priority>abc</priority></thread>",
          {"3 VUR_DL_XMLConfig_getThreadPriority: integer expected in XML text"}},
         {"<thread><stack_size>-1</stack_size></thread>",
@@ -121,7 +146,8 @@ TEST(XmlConfigParse, ErrorsAreReportedWithTheirLine) {
         for (const std::string &line : row.printed) {
             EXPECT_EQ(capture.count(line), 1) << line << "\n" << capture.text();
         }
-        EXPECT_NE(document.line(), 0U);
+        EXPECT_EQ(std::to_string(document.line()) + " ",
+                  row.reported.back().substr(0, row.reported.back().find(' ') + 1));
     }
 }
 
@@ -306,6 +332,78 @@ TEST(XmlConfigState, FollowsTheTags) {
     EXPECT_EQ(end("distributed_logger", ""), DL_XMLCONFIG_OTHER);
     EXPECT_EQ(document.options()->filterLevel, 5);
     EXPECT_EQ(document.options()->queueSize, 9U);
+}
+
+// What an error leaves behind.
+TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
+    Document document;
+    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    auto *config = reinterpret_cast<VUR_DL_XMLConfig *>(document.object());
+    const VUR_DL_Options &options = *document.options();
+    DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
+    context._line_number = 12;
+    const auto element = [&](const char *tag, const char *text) {
+        const char *none = nullptr;
+        VUR_DL_XMLConfig_onStartElement(&config->baseObject, tag, &none, &context);
+        errors().clear();
+        context.error = 0;
+        errno = 0;
+        VUR_DL_XMLConfig_onEndElement(&config->baseObject, tag, text, &context);
+        return errors();
+    };
+    const auto threadElement = [&](const char *tag, const char *text) {
+        config->currentStatus = DL_XMLCONFIG_THREAD_TAG;
+        Lines lines = element(tag, text);
+        config->currentStatus = DL_XMLCONFIG_OTHER;
+        return lines;
+    };
+    const Lines kNone;
+    {
+        StdoutCapture capture;
+        EXPECT_EQ(element("queue_size", "0"),
+                  Lines{"12 VUR_DL_XMLConfig_getQueueSize: positive integer expected"});
+        EXPECT_EQ(context.error, 1);
+        EXPECT_EQ(capture.lines(),
+                  (Lines{"DL Error: VUR_DL_Options_setQueueSize: Queue Size must be positive",
+                         "DL Error: VUR_DL_XMLConfig_onEndElement: Unable to set queue size"}));
+    }
+    EXPECT_EQ(options.queueSize, 128U);
+    EXPECT_EQ(element("filter_level", "trace").size(), 2U);
+    EXPECT_EQ(options.filterLevel, 600);
+    config->currentStatus = DL_XMLCONFIG_OTHER;
+    // The conversion's result is not asked for: what is no boolean is false.
+    EXPECT_EQ(element("echo_to_stdout", "perhaps"), kNone);
+    EXPECT_EQ(context.error, 1);
+    EXPECT_EQ(options.echoToStdout, 0);
+
+    const DDS_ThreadSettings_t &thread = options.threadSettings;
+    EXPECT_EQ(
+        threadElement("mask", "STDIO|"),
+        Lines{"12 VUR_DL_XMLConfig_getThreadSettingsKindMask: illegal value on thread mask XML "
+              "tag"});
+    EXPECT_EQ(thread.mask, 0x02U);
+    EXPECT_EQ(threadElement("priority", "abc").size(), 1U);
+    EXPECT_EQ(thread.priority, 0);
+    EXPECT_EQ(threadElement("stack_size", "-1").size(), 1U);
+    EXPECT_EQ(thread.stack_size, -1) << "the default";
+    EXPECT_EQ(threadElement("cpu_rotation", "CPU_RR_ROTATION"), kNone);
+    EXPECT_EQ(threadElement("cpu_rotation", "1").size(), 1U);
+    EXPECT_EQ(thread.cpu_rotation, DDS_THREAD_SETTINGS_CPU_RR_ROTATION);
+    config->currentStatus = DL_XMLCONFIG_THREAD_CPU_LIST_TAG;
+    EXPECT_EQ(element("element", "x").size(), 1U);
+    EXPECT_EQ(config->currentStatus, DL_XMLCONFIG_THREAD_CPU_LIST_TAG);
+    EXPECT_EQ(DDS_LongSeq_get_length(&thread.cpu_list), 1U);
+}
+
+// A child of the logger inside `thread` ends the state of `thread`.
+TEST(XmlConfigState, AChildOfTheLoggerInsideThreadEndsIt) {
+    Document document;
+    ASSERT_EQ(document.parseElement("<thread><priority>1</priority><filter_level>7</filter_level>"
+                                    "<priority>2</priority></thread><enabled>true</enabled>"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(document.options()->filterLevel, 7);
+    EXPECT_EQ(document.options()->threadSettings.priority, 1);
+    EXPECT_EQ(document.options()->enabled, 1);
 }
 
 // ---- Starting, as far as it needs no network ----------------------------------------------------

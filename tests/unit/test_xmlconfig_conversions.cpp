@@ -109,6 +109,32 @@ TEST_F(XmlConfigConversion, ThreadMask) {
         EXPECT_EQ(convert(text), value) << text;
         EXPECT_EQ(take(), Lines{}) << text;
     }
+    const std::pair<std::string, DDS_ThreadSettingsKindMask> names[] = {
+        {"MASK_DEFAULT", 0U},
+        {"DDS_THREAD_SETTINGS_KIND_MASK_DEFAULT", 0U},
+        {"THREAD_SETTINGS_KIND_MASK_DEFAULT", 0U},
+        {"FLOATING_POINT", 0x01U},
+        {"DDS_THREAD_SETTINGS_FLOATING_POINT", 0x01U},
+        {"THREAD_SETTINGS_FLOATING_POINT", 0x01U},
+        {"STDIO", 0x02U},
+        {"DDS_THREAD_SETTINGS_STDIO", 0x02U},
+        {"THREAD_SETTINGS_STDIO", 0x02U},
+        {"REALTIME_PRIORITY", 0x08U},
+        {"DDS_THREAD_SETTINGS_REALTIME_PRIORITY", 0x08U},
+        {"THREAD_SETTINGS_REALTIME_PRIORITY", 0x08U},
+        {"PRIORITY_ENFORCE", 0x10U},
+        {"DDS_THREAD_SETTINGS_PRIORITY_ENFORCE", 0x10U},
+        {"THREAD_SETTINGS_PRIORITY_ENFORCE", 0x10U}};
+    std::string all;
+    for (const auto &[name, bits] : names) {
+        EXPECT_EQ(convert(name), bits) << name;
+        EXPECT_EQ(convert("STDIO|" + name), bits | 0x02U) << name;
+        EXPECT_EQ(take(), Lines{}) << name;
+        EXPECT_EQ(convert(name + "S"), 0U) << name;
+        EXPECT_EQ(take(), Lines{"illegal value on thread mask XML tag"}) << name;
+        all += (all.empty() ? "" : " | ") + name;
+    }
+    EXPECT_EQ(convert(all), 0x1BU);
     const std::pair<const char *, DDS_ThreadSettingsKindMask> wrong[] = {
         {"STDIO|", 2U}, {"STDIO||FLOATING_POINT", 2U}, {"|STDIO", 0U},
         {"4", 0U},      {"STDIO FLOATING_POINT", 0U},  {"STDIO|x|FLOATING_POINT", 2U}};
@@ -180,6 +206,11 @@ TEST_F(XmlConfigConversion, ThreadStackSize) {
     EXPECT_EQ(take(), Lines{"integer expected in XML text"});
     EXPECT_EQ(convert("99999999999999999999"), 77);
     EXPECT_EQ(take(), Lines{"integer out of bounds in XML text"});
+    errno = ERANGE;  // left by others
+    EXPECT_EQ(convert("5"), 77);
+    EXPECT_EQ(take(), Lines{"integer out of bounds in XML text"});
+    EXPECT_EQ(convert("THREAD_STACK_SIZE_DEFAULT"), -1) << "no number is converted";
+    EXPECT_EQ(take(), Lines{});
 }
 
 TEST_F(XmlConfigConversion, CpuListAndRotation) {
@@ -194,13 +225,16 @@ TEST_F(XmlConfigConversion, CpuListAndRotation) {
     EXPECT_EQ(take(), Lines{"integer expected in XML text"});
     add("-1");
     EXPECT_EQ(take(), Lines{"positive integer expected"});
-    ASSERT_EQ(DDS_LongSeq_get_length(&list), 4U);
-    EXPECT_EQ(DDS_LongSeq_get_maximum(&list), 4U) << "it grows one by one";
+    add("99999999999999999999");
+    EXPECT_EQ(take(), Lines{"integer out of bounds in XML text"});
+    ASSERT_EQ(DDS_LongSeq_get_length(&list), 5U);
+    EXPECT_EQ(DDS_LongSeq_get_maximum(&list), 5U) << "it grows one by one";
     EXPECT_EQ(DDS_LongSeq_get(&list, 0), 3);
     EXPECT_EQ(DDS_LongSeq_get(&list, 1), 17);
     EXPECT_EQ(DDS_LongSeq_get(&list, 2), 0);
     DDS_LongSeq_finalize(&list);
     // A list that cannot grow.
+    errno = 0;
     DDS_Long loaned[1] = {5};
     ASSERT_TRUE(DDS_LongSeq_loan_contiguous(&list, loaned, 1, 1));
     add("1");

@@ -95,6 +95,17 @@ bool read_is_default(const DDS_XMLObject *element, bool &is_default, ReadError &
     return true;
 }
 
+// No name that it could match is longer, and what a wild pattern costs grows with its square.
+constexpr std::size_t kMaxFilterLength = 1024;
+
+bool read_filter(const DDS_XMLObject *element, std::string &filter, ReadError &error) {
+    const char *text = DDS_XMLObject_get_attribute(element, "topic_filter");
+    filter = text == nullptr ? "" : text;
+    return filter.size() <= kMaxFilterLength ||
+           fail(element, error,
+                "the topic_filter is longer than " + std::to_string(kMaxFilterLength) + " bytes");
+}
+
 // "Library::Profile", or a profile of the same library.
 bool read_base(const DDS_XMLObject *element, Profile &profile, ReadError &error) {
     const char *text = DDS_XMLObject_get_attribute(element, "base_name");
@@ -205,8 +216,11 @@ bool ProfileDocument::read_element(const DDS_XMLObject *element, Profile &profil
         if (!attributes_are_right || !row.check(element, error)) {
             return false;
         }
-        const char *filter = DDS_XMLObject_get_attribute(element, "topic_filter");
-        profile.elements.push_back({row.kind, filter == nullptr ? "" : filter, element});
+        std::string filter;
+        if (!read_filter(element, filter, error)) {
+            return false;
+        }
+        profile.elements.push_back({row.kind, std::move(filter), element});
         return true;
     }
     return fail(element, error,

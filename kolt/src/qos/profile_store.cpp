@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <new>
@@ -73,6 +74,21 @@ std::vector<std::string> strings_of(const DDS_StringSeq &sequence) {
         }
     }
     return strings;
+}
+
+// The fragments of a document in one. What goes beyond the largest document is left out, but for
+// one byte, which makes the parser refuse it.
+std::string joined(const DDS_StringSeq &fragments) {
+    std::string text;
+    const auto length = static_cast<DDS_Long>(DDS_StringSeq_get_length(&fragments));
+    for (DDS_Long i = 0; i < length; ++i) {
+        const char *fragment = *DDS_StringSeq_get_reference(&fragments, i);
+        const std::size_t room = DDS_XML_MAX_DOCUMENT_SIZE + 1U - text.size();
+        if (fragment != nullptr) {
+            text.append(fragment, strnlen(fragment, room));
+        }
+    }
+    return text;
 }
 
 bool set_strings(DDS_StringSeq &sequence, const std::vector<std::string> &strings) {
@@ -340,9 +356,7 @@ DDS_ReturnCode_t ProfileStore::set_sources(const DDS_ProfileQosPolicy &policy) {
     return State::guarded(state_, __func__, [&](State &state, auto &) {
         Sources sources;
         sources.urls = strings_of(policy.url_profile);
-        for (const std::string &fragment : strings_of(policy.string_profile)) {
-            sources.text += fragment;
-        }
+        sources.text = joined(policy.string_profile);
         sources.ignore_environment = policy.ignore_environment_profile != DDS_BOOLEAN_FALSE;
         sources.ignore_user = policy.ignore_user_profile != DDS_BOOLEAN_FALSE;
         if (sources != state.sources) {

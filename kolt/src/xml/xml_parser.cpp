@@ -86,7 +86,7 @@ bool DocumentParser::begin(const std::string &source_name) {
 bool DocumentParser::feed(std::string_view bytes, bool is_last) {
     size_ += bytes.size();
     if (size_ > DDS_XML_MAX_DOCUMENT_SIZE) {
-        fail("the document is larger than %u bytes", DDS_XML_MAX_DOCUMENT_SIZE);
+        fail_too_large();
         return false;
     }
     const auto status =
@@ -103,12 +103,11 @@ ObjectPtr DocumentParser::end() {
 }
 
 ObjectPtr DocumentParser::parse_text(std::string_view text, const std::string &source_name) {
-    // The check comes first, since the XML library counts in int.
     if (begin(source_name)) {
-        if (text.size() > DDS_XML_MAX_DOCUMENT_SIZE) {
-            fail("the document is larger than %u bytes", DDS_XML_MAX_DOCUMENT_SIZE);
-        } else {
-            feed(text, true);
+        // Of a text that is too large no more is looked at than of a file.
+        const bool is_whole = text.size() <= DDS_XML_MAX_DOCUMENT_SIZE;
+        if (feed(text.substr(0, DDS_XML_MAX_DOCUMENT_SIZE), is_whole) && !is_whole) {
+            fail_too_large();
         }
     }
     return end();
@@ -135,6 +134,7 @@ ObjectPtr DocumentParser::parse_file(const std::string &path_or_url) {
         const std::size_t count = std::fread(buffer, 1, sizeof(buffer), file.get());
         if (std::ferror(file.get()) != 0) {
             fail("cannot read the file: %s", std::strerror(errno));
+            error_.line = 0;  // it is the file's fault, not that of a line
             break;
         }
         is_last = std::feof(file.get()) != 0;
@@ -294,6 +294,10 @@ void DocumentParser::fail(const char *format, ...) {
     va_end(arguments);
     stop();
     error_ = {DDS_RETCODE_ERROR, message, current_line()};
+}
+
+void DocumentParser::fail_too_large() {
+    fail("the document is larger than %u bytes", DDS_XML_MAX_DOCUMENT_SIZE);
 }
 
 void DocumentParser::fail_without_memory() noexcept {

@@ -76,6 +76,7 @@ class DocumentParser {
 
     DDS_UnsignedLong current_line() const;
     void fail(const char *format, ...) __attribute__((format(printf, 2, 3)));
+    void fail_too_large();
     void fail_without_memory() noexcept;
     void stop() noexcept;
     void report_malformed(bool is_last);
