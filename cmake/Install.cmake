@@ -36,6 +36,14 @@ file(GLOB shared_files CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/idl/*.idl"
      "${PROJECT_SOURCE_DIR}/xml/*.xsd")
 install(FILES ${shared_files} DESTINATION "${share_dir}")
 
+# The example lies beside the schema that it names.
+file(READ "${PROJECT_SOURCE_DIR}/examples/distlog.xml" example)
+string(REPLACE "../xml/distlog.xsd" "distlog.xsd" example "${example}")
+file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/share/distlog.xml" CONTENT "${example}" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/share/distlog.xml" DESTINATION "${share_dir}")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+                                       "${PROJECT_SOURCE_DIR}/examples/distlog.xml")
+
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/vur_dlConfig.cmake.in" "${PROJECT_BINARY_DIR}/vur_dlConfig.cmake"
   INSTALL_DESTINATION "${package_dir}"

@@ -54,6 +54,15 @@ VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDataWriterQos(VUR_DL_DDSEnt
 VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDataReaderQos(VUR_DL_DDSEntities *self,
                                                                    DDS_DataReaderQos *qos,
                                                                    const char *topicName);
+/* A record without entities, for the functions above: what a logger with these options would create
+ * its entities with, asked without creating one. The options and their strings are borrowed. The
+ * functions for topics, writers and readers, publishers and subscribers look into the options'
+ * participant for defaults; it may be one that is not enabled, so that nothing reaches the network.
+ * Without one they fail with BAD_PARAMETER, unless the options' profile exists. NULL, with a
+ * printed line, for NULL arguments and when memory runs out. To be released with
+ * VUR_DL_DDSEntities_destroy. */
+VUR_DL_EXPORT VUR_DL_DDSEntities *VUR_DL_DDSEntities_createForQos(
+    DDS_DomainParticipantFactory *factory, const VUR_DL_Options *options);
 /* 1 when the factory knows the library and, in it, the profile (exact names); else 0. */
 VUR_DL_EXPORT int VUR_DL_DDSEntities_doesQosLibraryAndProfileExist(VUR_DL_DDSEntities *self,
                                                                    const char *library,

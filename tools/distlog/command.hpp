@@ -25,6 +25,7 @@ using Action = std::function<int()>;
 void addTail(CLI::App &app, Action &action);
 void addList(CLI::App &app, Action &action);
 void addSet(CLI::App &app, Action &action);
+void addCheck(CLI::App &app, Action &action);
 
 }  // namespace distlog
 

@@ -45,6 +45,7 @@ int main(int argc, char **argv) {
     distlog::addTail(app, action);
     distlog::addList(app, action);
     distlog::addSet(app, action);
+    distlog::addCheck(app, action);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -1,0 +1,37 @@
+// The grammar of QoS libraries as a table, told by the schema and, in its messages, by the library.
+#ifndef TESTS_UNIT_XML_SCHEMA_GRAMMAR_H
+#define TESTS_UNIT_XML_SCHEMA_GRAMMAR_H
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+
+namespace schema {
+
+// What may stand in one place of a document.
+struct Place {
+    std::set<std::string> elements;
+    std::set<std::string> attributes;
+    std::set<std::string> names;  // of values: enumerators, symbolic numbers, booleans
+
+    bool operator==(const Place &) const = default;
+};
+
+// By path from a child of the root on: "qos_library/qos_profile/datawriter_qos/history/kind".
+using Grammar = std::map<std::string, Place>;
+
+// One line a place, for messages.
+std::string toString(const Grammar &grammar);
+
+// What a schema (the text of an xsd document) says about the element `name` and all below it.
+Grammar grammarOfSchema(const std::string &xsd, const std::string &name);
+
+// What a library knows of the element `qos_library` and all below it, asked by wrong documents:
+// `load` is given a document and returns what is wrong in it, "" when nothing is.
+using Load = std::function<std::string(const std::string &document)>;
+Grammar grammarOfLibrary(const Load &load);
+
+}  // namespace schema
+
+#endif  // TESTS_UNIT_XML_SCHEMA_GRAMMAR_H

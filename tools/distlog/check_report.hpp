@@ -1,0 +1,42 @@
+// What distlog check found out about one document, and how it is printed.
+#ifndef DISTLOG_CHECK_REPORT_HPP
+#define DISTLOG_CHECK_REPORT_HPP
+
+#include <string>
+#include <vector>
+
+#include "check_document.hpp"
+#include "check_problem.hpp"
+#include "check_profiles.hpp"
+#include "check_qos.hpp"
+#include "output.hpp"
+
+namespace distlog::check {
+
+struct Report {
+    Report(std::string path, std::string name) : document(std::move(path), std::move(name)) {}
+
+    Document document;
+    Problems problems;
+    Profiles profiles;
+    std::string profile;           // the profile that holds; empty: none
+    std::string_view chosen_by;    // what makes it hold
+    std::vector<Entity> entities;  // empty when the document is wrong
+
+    bool hasErrors() const { return problems.count(Severity::kError) != 0; }
+    // Nothing that ought to be mended.
+    bool isFine() const { return !hasErrors() && problems.count(Severity::kWarning) == 0; }
+    // In one phrase.
+    std::string verdict() const;
+};
+
+// Problems, one a line, "document:line: error: text", to standard error.
+void printProblems(const Report &report);
+// Everything else, to standard output. `all`: also the policies at the standard's default.
+void printText(const Report &report, bool all, Output &output);
+// The whole as one JSON object.
+Json toJson(const Report &report);
+
+}  // namespace distlog::check
+
+#endif  // DISTLOG_CHECK_REPORT_HPP
