@@ -56,7 +56,8 @@ bench: configure
 	@cmake --build --preset $(PRESET) --parallel $(JOBS) --target benchmarks
 	@set -e; for program in $(build_dir)/bin/bench/bench_*; do \
 	    echo "== $${program##*/}"; \
-	    $(loopback) "$$program" --benchmark_filter='$(BENCH_FILTER)'; \
+	    $(loopback) "$$program" --benchmark_counters_tabular=true \
+	        --benchmark_filter='$(BENCH_FILTER)'; \
 	done
 
 .PHONY: format

@@ -1,11 +1,17 @@
 // What a log call costs the caller, beside spdlog's asynchronous logger, which also copies the text
-// onto a bounded queue that one thread empties.
+// onto a bounded queue that one thread empties, and never makes the caller wait for room.
 //
-//   Filtered    a level that nobody wants to see
-//   Queued      a message of 40 characters. Each round logs kBurst messages, less than either queue
-//               holds, and lets the consumer catch up off the clock: the measure is the call, not
-//               the consumer's throughput. Ours publishes to the network stack, spdlog's formats to
-//               /dev/null.
+//   filtered     a level that nobody wants to see.
+//   queued       bursts of enabled calls. A burst is less than either queue holds, and the
+//                consumers catch up off the clock: the measure is the call with the consumer at
+//                work beside it, not the consumer's throughput. Ours publishes to the network
+//                stack, spdlog's formats to /dev/null.
+//   paced        single enabled calls, with a gap after which the consumer waits again, or sleeps:
+//                what a call costs a program that logs now and then.
+//
+// All of it on one thread, with a literal of 40 characters, or of 400 where the name says "long":
+// the first fits a queue element of either logger, for the second both allocate. Ours has an empty
+// category, spdlog's a logger's name.
 #include <benchmark/benchmark.h>
 #include <spdlog/async.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -14,15 +20,24 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <thread>
 
+#include "paired.h"
 #include "vur_dl/vur_dl.h"
 
 namespace {
 
-constexpr int kBurst = 1000;
+constexpr int kDomain = 190;
 constexpr int kQueueSize = 8192;
 constexpr char kMessage[] = "sensor 4711 reports 23.5 degrees, normal";
+
+constexpr int kFilteredRounds = 200;
+constexpr int kFilteredCalls = 10'000;
+
+// An eighth of the queues. Catching up takes a few milliseconds of a processor.
+constexpr int kBurst = 1000;
+constexpr int kBurstRounds = 60;
 constexpr std::chrono::milliseconds kCatchUp{20};
 
 VUR_DL_DistLogger *logger() {
@@ -30,7 +45,7 @@ VUR_DL_DistLogger *logger() {
         VUR_DL_Options *options = VUR_DL_Options_createDefault();
         VUR_DL_Options_setEchoToStdout(options, 0);
         VUR_DL_Options_setQueueSize(options, kQueueSize);
-        VUR_DL_Options_setDomainId(options, 200);
+        VUR_DL_Options_setDomainId(options, kDomain);
         VUR_DL_DistLogger_setOptions(options);
         VUR_DL_Options_delete(options);
         std::atexit([] { VUR_DL_DistLogger_finalizeInstance(); });
@@ -51,51 +66,94 @@ spdlog::logger &peer() {
     return *instance;
 }
 
-void filtered_ours(benchmark::State &state) {
-    VUR_DL_DistLogger *self = logger();
-    for (auto _ : state) {
-        VUR_DL_DistLogger_debug(self, kMessage);
+// The logger of a benchmark; NULL, with the benchmark marked as failed, when there is none.
+VUR_DL_DistLogger *logger_for(benchmark::State &state) {
+    VUR_DL_DistLogger *instance = logger();
+    if (instance == nullptr) {
+        state.SkipWithError("no logger");
+    }
+    return instance;
+}
+
+// A message that is overwritten in the queue costs less than one that is published.
+void check_overruns(benchmark::State &state) {
+    if (spdlog::thread_pool()->overrun_counter() != 0) {
+        state.SkipWithError("the peer's queue overran");
     }
 }
 
-void filtered_spdlog(benchmark::State &state) {
-    spdlog::logger &self = peer();
-    for (auto _ : state) {
-        self.debug(kMessage);
+void filtered(benchmark::State &state) {
+    VUR_DL_DistLogger *ours = logger_for(state);
+    if (ours == nullptr) {
+        return;
     }
+    spdlog::logger &theirs = peer();
+    using bench::ThreadClock;
+    bench::take_turns(
+        state,
+        [&] {
+            return bench::time_per_call<ThreadClock>(
+                kFilteredCalls, [&] { VUR_DL_DistLogger_debug(ours, kMessage); });
+        },
+        [&] {
+            return bench::time_per_call<ThreadClock>(kFilteredCalls,
+                                                     [&] { theirs.debug(kMessage); });
+        });
 }
 
 template <typename Log>
-void bursts(benchmark::State &state, Log log) {
-    using Clock = std::chrono::steady_clock;
-    for (auto _ : state) {
-        const Clock::time_point start = Clock::now();
-        for (int i = 0; i < kBurst; ++i) {
-            log();
-        }
-        const Clock::time_point end = Clock::now();
-        state.SetIterationTime(std::chrono::duration<double>(end - start).count());
-        std::this_thread::sleep_for(kCatchUp);
+double time_burst(Log &&log) {
+    const double time = bench::time_per_call<bench::WallClock>(kBurst, log);
+    std::this_thread::sleep_for(kCatchUp);
+    return time;
+}
+
+void queued(benchmark::State &state, const char *message) {
+    VUR_DL_DistLogger *ours = logger_for(state);
+    if (ours == nullptr) {
+        return;
     }
-    state.counters["ns_per_call"] = benchmark::Counter(
-        static_cast<double>(kBurst),
-        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    spdlog::logger &theirs = peer();
+    bench::take_turns(
+        state, [&] { return time_burst([&] { VUR_DL_DistLogger_info(ours, message); }); },
+        [&] { return time_burst([&] { theirs.info(message); }); });
+    check_overruns(state);
 }
 
-void queued_ours(benchmark::State &state) {
-    VUR_DL_DistLogger *self = logger();
-    bursts(state, [self] { VUR_DL_DistLogger_info(self, kMessage); });
+void queued_short(benchmark::State &state) {
+    queued(state, kMessage);
 }
 
-void queued_spdlog(benchmark::State &state) {
-    spdlog::logger &self = peer();
-    bursts(state, [&self] { self.info(kMessage); });
+void queued_long(benchmark::State &state) {
+    std::string message;
+    while (message.size() < 400) {
+        message += kMessage;
+    }
+    queued(state, message.c_str());
 }
 
-BENCHMARK(filtered_ours);
-BENCHMARK(filtered_spdlog);
-BENCHMARK(queued_ours)->UseManualTime()->Iterations(100);
-BENCHMARK(queued_spdlog)->UseManualTime()->Iterations(100);
+void paced(benchmark::State &state) {
+    VUR_DL_DistLogger *ours = logger_for(state);
+    if (ours == nullptr) {
+        return;
+    }
+    spdlog::logger &theirs = peer();
+    const auto calls = static_cast<int>(state.range(1));
+    bench::take_paced_turns(
+        state, calls, std::chrono::microseconds(state.range(0)),
+        [&] { VUR_DL_DistLogger_info(ours, kMessage); }, [&] { theirs.info(kMessage); });
+    check_overruns(state);
+}
+
+BENCHMARK(filtered)->Iterations(kFilteredRounds)->UseManualTime();
+BENCHMARK(queued_short)->Name("queued")->Iterations(kBurstRounds)->UseManualTime();
+BENCHMARK(queued_long)->Name("queued_long")->Iterations(kBurstRounds)->UseManualTime();
+BENCHMARK(paced)->ArgNames({"gap_us", "calls"})->Args({100, 50})->Iterations(100)->UseManualTime();
+BENCHMARK(paced)
+    ->ArgNames({"gap_us", "calls"})
+    ->Args({10'000, 10})
+    ->Iterations(20)
+    ->UseManualTime();
 
 }  // namespace
 

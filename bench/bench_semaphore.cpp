@@ -1,31 +1,33 @@
-// What a give costs the caller: KOLT_Semaphore beside std::counting_semaphore and POSIX sem_post.
+// What a give costs the caller: KOLT_Semaphore, on which the logger's write thread waits, beside
+// std::counting_semaphore and POSIX sem_post; and the locks of the log path beside std::mutex.
 //
-// A consumer thread takes tokens all the time. The measured thread gives one and then does
-// something else for `gap_us` microseconds, so that the consumer has gone back to waiting; only the
-// give is timed. gap 0 gives without a pause. The counter `p99_ns` is the 99th percentile of one
-// give.
-
+//   give_vs_<peer>   a consumer thread for each of the two semaphores takes tokens all the time.
+//                    The measured thread gives one and then does something else for `gap_us`
+//                    microseconds, so that the consumer has gone back to waiting. Gap 0 gives
+//                    without a pause.
+//   global_lock, mutex   taken and given by one thread alone.
 #include <benchmark/benchmark.h>
 #include <kolt/os.h>
 #include <semaphore.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <mutex>
 #include <semaphore>
 #include <string>
 #include <thread>
-#include <utility>
-#include <vector>
+
+#include "paired.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 class KoltSemaphore {
   public:
+    KoltSemaphore() = default;
     ~KoltSemaphore() { KOLT_Semaphore_delete(semaphore_); }
+    KoltSemaphore(const KoltSemaphore &) = delete;
+    KoltSemaphore &operator=(const KoltSemaphore &) = delete;
     void give() { KOLT_Semaphore_give(semaphore_); }
     void take() { KOLT_Semaphore_take(semaphore_, nullptr); }
 
@@ -58,78 +60,103 @@ class PosixSemaphore {
     sem_t semaphore_{};
 };
 
-void pause_for(std::chrono::microseconds gap) {
-    // Long gaps asleep, as an application between two log calls; short ones at work.
-    if (gap >= std::chrono::milliseconds(1)) {
-        std::this_thread::sleep_for(gap);
-        return;
-    }
-    for (const auto end = Clock::now() + gap; Clock::now() < end;) {
-    }
-}
-
+// A semaphore with a thread that takes from it.
 template <typename Semaphore>
+class Consumed {
+  public:
+    Consumed()
+        : consumer_([this] {
+              while (running_.load(std::memory_order_relaxed)) {
+                  semaphore_.take();
+              }
+          }) {}
+    ~Consumed() {
+        running_ = false;
+        semaphore_.give();
+        consumer_.join();
+    }
+    Consumed(const Consumed &) = delete;
+    Consumed &operator=(const Consumed &) = delete;
+    void give() { semaphore_.give(); }
+
+  private:
+    Semaphore semaphore_;
+    std::atomic<bool> running_{true};
+    std::thread consumer_;  // last: it uses the others
+};
+
+template <typename Peer>
 void give(benchmark::State &state) {
     const std::chrono::microseconds gap(state.range(0));
-    Semaphore semaphore;
-    std::atomic<bool> running{true};
-    std::thread consumer([&] {
-        while (running.load(std::memory_order_relaxed)) {
-            semaphore.take();
-        }
-    });
-    std::vector<std::int64_t> times;
-    times.reserve(1 << 20);
-    for (auto _ : state) {
-        const auto start = Clock::now();
-        semaphore.give();
-        const auto time = Clock::now() - start;
-        state.SetIterationTime(std::chrono::duration<double>(time).count());
-        if (times.size() < times.capacity()) {
-            times.push_back(std::chrono::nanoseconds(time).count());
-        }
-        pause_for(gap);
+    const auto calls = static_cast<int>(state.range(1));
+    Consumed<KoltSemaphore> ours;
+    Consumed<Peer> peer;
+    if (gap.count() > 0) {
+        bench::take_paced_turns(
+            state, calls, gap, [&] { ours.give(); }, [&] { peer.give(); });
+        return;
     }
-    running = false;
-    semaphore.give();
-    consumer.join();
-    const auto p99 = times.begin() + static_cast<std::ptrdiff_t>(times.size() * 99 / 100);
-    std::nth_element(times.begin(), p99, times.end());
-    state.counters["p99_ns"] = static_cast<double>(*p99);
+    using bench::WallClock;
+    bench::take_turns(
+        state, [&] { return bench::time_per_call<WallClock>(calls, [&] { ours.give(); }); },
+        [&] { return bench::time_per_call<WallClock>(calls, [&] { peer.give(); }); });
 }
 
-// Iterations are a property of a whole benchmark: one for each gap.
-template <typename Semaphore>
+// Rounds are a property of a whole benchmark: one for each gap.
+template <typename Peer>
 void register_gaps(const std::string &name) {
-    constexpr std::pair<std::int64_t, benchmark::IterationCount> kGaps[] = {
-        {0, 300'000}, {10, 30'000}, {100, 5'000}, {1'000, 500}, {10'000, 100}};
-    for (const auto &[gap, iterations] : kGaps) {
-        benchmark::RegisterBenchmark(name.c_str(), give<Semaphore>)
-            ->ArgName("gap_us")
-            ->Arg(gap)
-            ->Iterations(iterations)
+    struct Gap {
+        std::int64_t microseconds;
+        std::int64_t calls;
+        benchmark::IterationCount rounds;
+    };
+    constexpr Gap kGaps[] = {
+        {0, 1000, 200}, {10, 100, 100}, {100, 50, 50}, {1'000, 10, 30}, {10'000, 10, 20}};
+    for (const Gap &gap : kGaps) {
+        benchmark::RegisterBenchmark(name.c_str(), give<Peer>)
+            ->ArgNames({"gap_us", "calls"})
+            ->Args({gap.microseconds, gap.calls})
+            ->Iterations(gap.rounds)
             ->UseManualTime();
     }
 }
 
-// The clock readings alone: what every figure above contains.
-void two_clock_readings(benchmark::State &state) {
-    for (auto _ : state) {
-        const auto start = Clock::now();
-        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
-    }
-}
-BENCHMARK(two_clock_readings)->UseManualTime();
+constexpr int kLockRounds = 200;
+constexpr int kLockCalls = 10'000;
 
-// The two locks of the log path, uncontended.
+template <typename Ours>
+void lock_and_unlock(benchmark::State &state, Ours ours) {
+    using bench::ThreadClock;
+    std::mutex mutex;
+    bench::take_turns(
+        state, [&] { return bench::time_per_call<ThreadClock>(kLockCalls, ours); },
+        [&] {
+            return bench::time_per_call<ThreadClock>(kLockCalls, [&] {
+                mutex.lock();
+                mutex.unlock();
+            });
+        });
+}
+
 void global_lock(benchmark::State &state) {
     static KOLT_GlobalLock lock = KOLT_GLOBAL_LOCK_INITIALIZER;
-    for (auto _ : state) {
+    lock_and_unlock(state, [] {
         KOLT_GlobalLock_take(&lock);
         KOLT_GlobalLock_give(&lock);
-    }
+    });
 }
-BENCHMARK(global_lock);
+
+void mutex(benchmark::State &state) {
+    KOLT_Mutex *ours = KOLT_Mutex_new();
+    lock_and_unlock(state, [ours] {
+        KOLT_Mutex_take(ours);
+        KOLT_Mutex_give(ours);
+    });
+    KOLT_Mutex_delete(ours);
+}
+
+BENCHMARK(global_lock)->Iterations(kLockRounds)->UseManualTime();
+BENCHMARK(mutex)->Iterations(kLockRounds)->UseManualTime();
 
 }  // namespace
 
@@ -138,9 +165,8 @@ int main(int argc, char **argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
     }
-    register_gaps<KoltSemaphore>("give/kolt");
-    register_gaps<StdSemaphore>("give/std");
-    register_gaps<PosixSemaphore>("give/posix");
+    register_gaps<StdSemaphore>("give_vs_std");
+    register_gaps<PosixSemaphore>("give_vs_posix");
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

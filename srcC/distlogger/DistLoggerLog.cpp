@@ -74,7 +74,7 @@ void enqueue(VUR_DL_DistLogger &self, const VUR_DL_DistLogger_MessageParams &par
 
 // Under the lock.
 void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *params) {
-    constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
+    static constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
     if (const char *why = refusal(self, params)) {
         report(why, kMethodName);
         return;
@@ -98,6 +98,31 @@ void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *
     if (vur_dl::is_operational(*self) &&
         params->log_level <= vur_dl::load_relaxed(self->filterLevel)) {
         enqueue(*self, *params);
+    }
+}
+
+// Apart from its caller, so that a call without effect saves no registers for it.
+[[gnu::noinline]] void stamp_and_log(VUR_DL_DistLogger *self, int level, const char *message,
+                                     const char *category) {
+    DDS_LongLong seconds = 0;
+    DDS_UnsignedLong fraction = 0;
+    // Not through the record, which another thread may be finalising. Without a clock there never
+    // was a logger, and the checks that follow turn the call away.
+    KOLT_Clock *clock = vur_dl::log_clock();
+    if (clock != nullptr && KOLT_Clock_get_time(clock, &seconds, &fraction) != 0) {
+        report("Unable to get current Time from internal clock",
+               "VUR_DL_DistLogger_logMessageWithLevelCategory");
+        return;
+    }
+    const VUR_DL_DistLogger_MessageParams params{level, message, category,
+                                                 to_dds_time(seconds, fraction)};
+    VUR_DL_DistLogger_logMessageWithParams(self, &params);
+}
+
+// A call without effect ends here rather than two calls further on.
+inline void log_at(VUR_DL_DistLogger *self, int level, const char *message) {
+    if (message == nullptr || !has_no_effect(self, level)) {
+        VUR_DL_DistLogger_logMessageWithLevelCategory(self, level, message, "");
     }
 }
 
@@ -132,31 +157,31 @@ void vur_dl::refresh_threshold_after(const VUR_DL_Options *options) {
 }
 
 void VUR_DL_DistLogger_fatal(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelFatal, message, "");
+    log_at(self, vur_dl::kLevelFatal, message);
 }
 void VUR_DL_DistLogger_severe(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelSevere, message, "");
+    log_at(self, vur_dl::kLevelSevere, message);
 }
 void VUR_DL_DistLogger_error(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelError, message, "");
+    log_at(self, vur_dl::kLevelError, message);
 }
 void VUR_DL_DistLogger_warning(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelWarning, message, "");
+    log_at(self, vur_dl::kLevelWarning, message);
 }
 void VUR_DL_DistLogger_notice(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelNotice, message, "");
+    log_at(self, vur_dl::kLevelNotice, message);
 }
 void VUR_DL_DistLogger_info(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelInfo, message, "");
+    log_at(self, vur_dl::kLevelInfo, message);
 }
 void VUR_DL_DistLogger_debug(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelDebug, message, "");
+    log_at(self, vur_dl::kLevelDebug, message);
 }
 void VUR_DL_DistLogger_trace(VUR_DL_DistLogger *self, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, vur_dl::kLevelTrace, message, "");
+    log_at(self, vur_dl::kLevelTrace, message);
 }
 void VUR_DL_DistLogger_log(VUR_DL_DistLogger *self, int level, const char *message) {
-    VUR_DL_DistLogger_logMessageWithLevelCategory(self, level, message, "");
+    log_at(self, level, message);
 }
 
 int VUR_DL_DistLogger_get_fatal_log_level(void) {
@@ -183,24 +208,12 @@ void VUR_DL_DistLogger_logMessageWithLevelCategory(VUR_DL_DistLogger *self, int 
     if (message != nullptr && category != nullptr && has_no_effect(self, logLevel)) {
         return;
     }
-    DDS_LongLong seconds = 0;
-    DDS_UnsignedLong fraction = 0;
-    // Not through the record, which another thread may be finalising. Without a clock there never
-    // was a logger, and the checks that follow turn the call away.
-    KOLT_Clock *clock = vur_dl::log_clock();
-    if (clock != nullptr && KOLT_Clock_get_time(clock, &seconds, &fraction) != 0) {
-        report("Unable to get current Time from internal clock",
-               "VUR_DL_DistLogger_logMessageWithLevelCategory");
-        return;
-    }
-    const VUR_DL_DistLogger_MessageParams params{logLevel, message, category,
-                                                 to_dds_time(seconds, fraction)};
-    VUR_DL_DistLogger_logMessageWithParams(self, &params);
+    stamp_and_log(self, logLevel, message, category);
 }
 
 void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,
                                             const VUR_DL_DistLogger_MessageParams *params) {
-    constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
+    static constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
     if (refusal(self, params) == nullptr && has_no_effect(self, params->log_level)) {
         return;
     }

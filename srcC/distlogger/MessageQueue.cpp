@@ -76,7 +76,7 @@ struct VUR_DL_MessageQueue {
 namespace {
 
 bool create_parts(VUR_DL_MessageQueue &self) {
-    constexpr char kMethodName[] = "VUR_DL_MessageQueue_new";
+    static constexpr char kMethodName[] = "VUR_DL_MessageQueue_new";
     self.mutex = KOLT_Mutex_new();
     if (self.mutex == nullptr) {
         report("Unable to create mutex", kMethodName);
@@ -106,7 +106,7 @@ bool create_parts(VUR_DL_MessageQueue &self) {
 // Copies the item with its texts. On failure the element owns nothing.
 bool fill(VUR_DL_MessageQueueElement &element, const VUR_DL_LogMessagePlusTime &item,
           DDS_LongLong message_id) {
-    constexpr char kMethodName[] = "VUR_DL_MessageQueue_push";
+    static constexpr char kMethodName[] = "VUR_DL_MessageQueue_push";
     KOLT_ListNode_initialize(&element.node);
     element.messagePlusTime = item;
     VUR_DL_LogMessage &message = element.messagePlusTime.message;
@@ -194,7 +194,7 @@ void VUR_DL_MessageQueue_delete(VUR_DL_MessageQueue *self) {
 }
 
 int VUR_DL_MessageQueue_push(VUR_DL_MessageQueue *self, const VUR_DL_LogMessagePlusTime *item) {
-    constexpr char kMethodName[] = "VUR_DL_MessageQueue_push";
+    static constexpr char kMethodName[] = "VUR_DL_MessageQueue_push";
     if (KOLT_Mutex_take(self->mutex) != 0) {
         report("Unable to take message queue mutex", kMethodName);
         return 0;
@@ -211,7 +211,7 @@ int VUR_DL_MessageQueue_push(VUR_DL_MessageQueue *self, const VUR_DL_LogMessageP
 
 VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
                                                      const DDS_Duration_t *timeout) {
-    constexpr char kMethodName[] = "VUR_DL_MEssageQueue_front";
+    static constexpr char kMethodName[] = "VUR_DL_MEssageQueue_front";
     const KOLT_SemaphoreResult taken = KOLT_Semaphore_take(self->countSem, timeout);
     if (taken != KOLT_SEMAPHORE_OK) {
         if (taken == KOLT_SEMAPHORE_ERROR) {
@@ -232,7 +232,7 @@ VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
 }
 
 void VUR_DL_MessageQueue_pop(VUR_DL_MessageQueue *self) {
-    constexpr char kMethodName[] = "VUR_DL_MessageQueue_pop";
+    static constexpr char kMethodName[] = "VUR_DL_MessageQueue_pop";
     if (KOLT_Mutex_take(self->mutex) != 0) {
         report("Unable to take message queue mutex", kMethodName);
         return;
