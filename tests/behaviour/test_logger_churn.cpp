@@ -66,7 +66,8 @@ class LoggerChurn : public ::testing::TestWithParam<int> {};
 
 TEST_P(LoggerChurn, LeavesNothingBehind) {
     constexpr int kWarmUp = 100;
-    constexpr int kStretches = 5;
+    constexpr int kLeastStretches = 5;
+    constexpr int kMostStretches = 40;
     constexpr int kRounds = 50;
     // The engine keeps about fifty bytes of each participant that there ever was.
     constexpr std::size_t kBytesPerRound = 128;
@@ -77,9 +78,13 @@ TEST_P(LoggerChurn, LeavesNothingBehind) {
     }
     const Footprint before = footprint();
     Footprint after = before;
-    // The engine's tables grow now and then; what leaks grows in every stretch.
+    // Tables and the allocator's own lists grow for a while; what leaks grows in every stretch.
     std::size_t smallest_growth = SIZE_MAX;
-    for (int stretch = 0; stretch < kStretches; ++stretch) {
+    const auto is_steady = [&] {
+        return kOwnAllocator || smallest_growth < kRounds * kBytesPerRound;
+    };
+    for (int stretch = 0; stretch < kLeastStretches || (!is_steady() && stretch < kMostStretches);
+         ++stretch) {
         const std::size_t allocated = after.allocated;
         for (int i = 0; i < kRounds; ++i) {
             ASSERT_NO_FATAL_FAILURE(round(domain));
@@ -89,13 +94,14 @@ TEST_P(LoggerChurn, LeavesNothingBehind) {
         smallest_growth = std::min(smallest_growth, growth);
     }
     EXPECT_EQ(capture.text(), "");
-    // A thread that has been joined may be listed for a moment longer.
-    EXPECT_TRUE(support::eventually([&] { return threadCount() == before.threads; }))
+    // A thread that has been joined may be listed for a moment longer, with what it holds open,
+    // also when the count before was taken.
+    EXPECT_TRUE(support::eventually([&] { return threadCount() <= before.threads; }))
         << threadCount() << " threads, " << before.threads << " before";
-    EXPECT_EQ(after.descriptors, before.descriptors);
-    if (!kOwnAllocator) {
-        EXPECT_LT(smallest_growth, kRounds * kBytesPerRound);
-    }
+    EXPECT_TRUE(support::eventually([&] { return descriptorCount() <= before.descriptors; }))
+        << descriptorCount() << " descriptors, " << before.descriptors << " before";
+    EXPECT_TRUE(is_steady()) << smallest_growth << " bytes at the least in " << kRounds
+                             << " rounds";
 }
 
 INSTANTIATE_TEST_SUITE_P(Process, LoggerChurn, ::testing::Range(0, 4));
