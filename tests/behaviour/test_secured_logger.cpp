@@ -93,9 +93,8 @@ class SecuredLogger : public testing::Test {
   protected:
     void SetUp() override {
         plugins_ = pluginFolder();
-        if (plugins_.empty() || access(kOpenssl, X_OK) != 0) {
-            GTEST_SKIP() << "needs the engine's security plugins and openssl";
-        }
+        ASSERT_FALSE(plugins_.empty()) << "the engine's security plugins are not installed";
+        ASSERT_EQ(access(kOpenssl, X_OK), 0) << kOpenssl << " is not installed";
         unsetenv("KOLT_QOS_PROFILES");
         char folder[] = "/tmp/vur_dl_secured_XXXXXX";
         ASSERT_NE(mkdtemp(folder), nullptr);
