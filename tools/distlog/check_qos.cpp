@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "command.hpp"
+#include "endpoints.hpp"
 
 namespace distlog::check {
 namespace {
@@ -20,14 +21,12 @@ struct TopicRow {
     const char *type_name;
     RegisterType register_type;
 };
-constexpr TopicRow kLog{VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TYPE_NAME,
-                        VUR_DL_LogMessageTypeSupport_register_type};
-constexpr TopicRow kState{VUR_DL_STATE_TOPIC_NAME, VUR_DL_STATE_TYPE_NAME,
-                          VUR_DL_ADMIN_StateTypeSupport_register_type};
-constexpr TopicRow kRequest{VUR_DL_COMMAND_REQUEST_TOPIC_NAME, VUR_DL_COMMAND_REQUEST_TYPE_NAME,
-                            VUR_DL_ADMIN_CommandRequestTypeSupport_register_type};
-constexpr TopicRow kResponse{VUR_DL_COMMAND_RESPONSE_TOPIC_NAME, VUR_DL_COMMAND_RESPONSE_TYPE_NAME,
-                             VUR_DL_ADMIN_CommandResponseTypeSupport_register_type};
+template <typename T>
+constexpr TopicRow kRowOf{TypeOf<T>::kTopicName, TypeOf<T>::kTypeName, TypeOf<T>::kRegisterType};
+constexpr TopicRow kLog = kRowOf<VUR_DL_LogMessage>;
+constexpr TopicRow kState = kRowOf<VUR_DL_ADMIN_State>;
+constexpr TopicRow kRequest = kRowOf<VUR_DL_ADMIN_CommandRequest>;
+constexpr TopicRow kResponse = kRowOf<VUR_DL_ADMIN_CommandResponse>;
 
 // How the QoS of one kind of entity is asked for: of the logger, of a profile, of the defaults.
 template <typename OwnedQos, typename Qos>

@@ -1,11 +1,11 @@
 // The types that are registered with a participant, and its topics.
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 #include "engine/participant_impl.hpp"
 #include "engine/publisher_impl.hpp"
 #include "engine/qos_check.hpp"
+#include "engine/qos_map.hpp"
 #include "engine/subscriber_impl.hpp"
 #include "engine/topic_impl.hpp"
 
@@ -42,10 +42,7 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
         }
     }
     const bool described = qos_.read([](const DDS_DomainParticipantQos &qos) {
-        const DDS_Property_t *const property =
-            DDS_PropertyQosPolicyHelper_lookup_property(&qos.property, kAnnounceTypesProperty);
-        return property == nullptr || property->value == nullptr ||
-               std::strcmp(property->value, "false") != 0;
+        return !has_property(qos.property, kAnnounceTypesProperty, "false");
     });
     auto type = RegisteredType::create(name, plugin, registration_data, domain_id_, described);
     if (type == nullptr) {

@@ -187,6 +187,13 @@ EngineQos to_engine(const DDS_TopicQos &qos) {
     return result;
 }
 
+bool has_property(const DDS_PropertyQosPolicy &policy, const char *name, const char *value) {
+    const DDS_Property_t *const property =
+        DDS_PropertyQosPolicyHelper_lookup_property(&policy, name);
+    return property != nullptr && property->value != nullptr &&
+           std::strcmp(property->value, value) == 0;
+}
+
 bool writer_representation(const DDS_DataWriterQos &qos, const RegisteredType &type,
                            DDS_DataRepresentationId_t *representation) {
     *representation = DDS_ShortSeq_get_length(&qos.representation.value) != 0

@@ -26,6 +26,9 @@ EngineQos to_engine(const DDS_SubscriberQos &qos);
 EngineQos to_engine(const DDS_DataWriterQos &qos, const RegisteredType &type);
 EngineQos to_engine(const DDS_DataReaderQos &qos, const RegisteredType &type);
 
+// Is the property there, with this value?
+bool has_property(const DDS_PropertyQosPolicy &policy, const char *name, const char *value);
+
 // The representation that a writer of this QoS uses, resolved for the type. False when the type
 // does not allow it.
 bool writer_representation(const DDS_DataWriterQos &qos, const RegisteredType &type,

@@ -1,6 +1,5 @@
 #include "engine/writer_impl.hpp"
 
-#include <cstring>
 #include <new>
 
 #include "engine/convert.hpp"
@@ -19,13 +18,6 @@ constexpr const char *kDeferredWriteProperty = "dds.data_writer.enable_deferred_
 constexpr DDS_StatusMask kStatuses = DDS_OFFERED_DEADLINE_MISSED_STATUS |
                                      DDS_OFFERED_INCOMPATIBLE_QOS_STATUS |
                                      DDS_LIVELINESS_LOST_STATUS | DDS_PUBLICATION_MATCHED_STATUS;
-
-bool is_property_true(const DDS_PropertyQosPolicy &policy, const char *name) {
-    const DDS_Property_t *const property =
-        DDS_PropertyQosPolicyHelper_lookup_property(&policy, name);
-    return property != nullptr && property->value != nullptr &&
-           std::strcmp(property->value, "true") == 0;
-}
 
 template <typename Kind>
 void on_engine_event(dds_entity_t, const typename Kind::EngineStatus, void *writer) {
@@ -54,7 +46,7 @@ DataWriter::~DataWriter() {
 
 void DataWriter::note_qos() {
     qos_.read([this](const DDS_DataWriterQos &qos) {
-        deferred_write_ = is_property_true(qos.property, kDeferredWriteProperty);
+        deferred_write_ = has_property(qos.property, kDeferredWriteProperty, "true");
         autodispose_ = qos.writer_data_lifecycle.autodispose_unregistered_instances != 0;
     });
 }
