@@ -131,7 +131,7 @@ Settings parse(int argc, char **argv) {
     return settings;
 }
 
-VUR_DL_DistLogger *startLogger(const Settings &settings) {
+VUR_DL_DistLogger *start_logger(const Settings &settings) {
     if (!settings.config.empty()) {
         const int started = VUR_DL_XMLConfig_startFromFile(settings.config.c_str(), nullptr,
                                                            settings.domain, settings.kind.c_str());
@@ -154,8 +154,8 @@ VUR_DL_DistLogger *startLogger(const Settings &settings) {
 using Counts = std::array<std::atomic<std::int64_t>, kLevels.size()>;
 
 // What one thread does: its messages in turn at every level, at its share of the rate.
-void logMessages(VUR_DL_DistLogger *logger, const Settings &settings, int thread,
-                 const std::atomic<bool> &stop, Counts &sent) {
+void log_messages(VUR_DL_DistLogger *logger, const Settings &settings, int thread,
+                  const std::atomic<bool> &stop, Counts &sent) {
     const bool limited = settings.rate > 0.0;
     const std::chrono::duration<double> interval(limited ? settings.threads / settings.rate : 0.0);
     const auto begin = std::chrono::steady_clock::now();
@@ -181,13 +181,13 @@ void logMessages(VUR_DL_DistLogger *logger, const Settings &settings, int thread
 }
 
 // Returns when all threads are done or a signal has come.
-void waitForEnd(const sigset_t &signals, const std::atomic<int> &running) {
+void wait_for_end(const sigset_t &signals, const std::atomic<int> &running) {
     const timespec slice{0, 50'000'000};
     while (running > 0 && sigtimedwait(&signals, nullptr, &slice) < 0) {
     }
 }
 
-void printSummary(const Counts &sent, std::int64_t numbered) {
+void print_summary(const Counts &sent, std::int64_t numbered) {
     std::int64_t total = 0;
     std::string by_level;
     for (std::size_t i = 0; i < sent.size(); ++i) {
@@ -209,7 +209,7 @@ int main(int argc, char **argv) {
     sigaddset(&signals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
-    VUR_DL_DistLogger *logger = startLogger(settings);
+    VUR_DL_DistLogger *logger = start_logger(settings);
     if (logger == nullptr) {
         std::fprintf(stderr, "distlog-demo: the logger has not been started\n");
         return 1;
@@ -220,11 +220,11 @@ int main(int argc, char **argv) {
     std::vector<std::thread> threads;
     for (int i = 0; i < settings.threads; ++i) {
         threads.emplace_back([&, i] {
-            logMessages(logger, settings, i, stop, sent);
+            log_messages(logger, settings, i, stop, sent);
             --running;
         });
     }
-    waitForEnd(signals, running);
+    wait_for_end(signals, running);
     stop = true;
     for (std::thread &thread : threads) {
         thread.join();
@@ -234,6 +234,6 @@ int main(int argc, char **argv) {
         VUR_DL_MessageQueue_getMessageId(VUR_DL_DistLogger_getMessageQueue());
     VUR_DL_Utility_sleep(kDrainMilliseconds);
     const int result = VUR_DL_DistLogger_finalizeInstance();
-    printSummary(sent, numbered);
+    print_summary(sent, numbered);
     return result;
 }

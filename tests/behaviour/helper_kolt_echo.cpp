@@ -9,8 +9,8 @@ namespace {
 
 using namespace support;
 
-void echoMessages(DDS_DataReader *reader, DDS_DataWriter *writer) {
-    Record<Message> message(messageType());
+void echo_messages(DDS_DataReader *reader, DDS_DataWriter *writer) {
+    Record<Message> message(message_type());
     DDS_SampleInfo info{};
     while (DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_TRUE, message.get(),
                                                             &info) == DDS_RETCODE_OK) {
@@ -22,8 +22,8 @@ void echoMessages(DDS_DataReader *reader, DDS_DataWriter *writer) {
     }
 }
 
-void echoLarge(DDS_DataReader *reader, DDS_DataWriter *writer) {
-    Record<Large> large(largeType());
+void echo_large(DDS_DataReader *reader, DDS_DataWriter *writer) {
+    Record<Large> large(large_type());
     DDS_SampleInfo info{};
     while (DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_TRUE, large.get(),
                                                             &info) == DDS_RETCODE_OK) {
@@ -44,12 +44,12 @@ int main(int argc, char **argv) {
     };
     Node node(std::atoi(argv[1]), "to_peer" + suffix);
     DDS_DataWriter *const writer =
-        node.writer(adjust, node.topicOf(messagePlugin(), "from_peer" + suffix));
+        node.writer(adjust, node.topic_of(message_plugin(), "from_peer" + suffix));
     DDS_DataReader *const reader = node.reader();
     DDS_DataWriter *const large_writer =
-        node.writer(adjust, node.topicOf(largePlugin(), "large_from_peer" + suffix));
+        node.writer(adjust, node.topic_of(large_plugin(), "large_from_peer" + suffix));
     DDS_DataReader *const large_reader = node.reader(
-        {}, DDS_Topic_as_topicdescription(node.topicOf(largePlugin(), "large_to_peer" + suffix)));
+        {}, DDS_Topic_as_topicdescription(node.topic_of(large_plugin(), "large_to_peer" + suffix)));
     DDS_WaitSet *const waitset = DDS_WaitSet_new();
     for (DDS_DataReader *const each : {reader, large_reader}) {
         DDS_StatusCondition *const condition =
@@ -59,8 +59,8 @@ int main(int argc, char **argv) {
     }
     DDS_ConditionSeq active = DDS_SEQUENCE_INITIALIZER;
     while (DDS_WaitSet_wait(waitset, &active, &DDS_DURATION_INFINITE) == DDS_RETCODE_OK) {
-        echoMessages(reader, writer);
-        echoLarge(large_reader, large_writer);
+        echo_messages(reader, writer);
+        echo_large(large_reader, large_writer);
     }
     return EXIT_FAILURE;
 }

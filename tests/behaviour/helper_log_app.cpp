@@ -20,7 +20,8 @@
 
 namespace {
 
-bool setOption(support::LoggerOptions &options, const std::string &name, const std::string &value) {
+bool set_option(support::LoggerOptions &options, const std::string &name,
+                const std::string &value) {
     if (name == "kind") {
         options.kind = value;
         return true;
@@ -54,17 +55,17 @@ class Application {
             std::string name;
             std::string value;
             words >> name >> value;
-            return setOption(options_, name, value);
+            return set_option(options_, name, value);
         }
         if (verb == "create") {
-            logger_ = support::storeOptions(options_) ? VUR_DL_DistLogger_getInstance() : nullptr;
+            logger_ = support::store_options(options_) ? VUR_DL_DistLogger_getInstance() : nullptr;
             return logger_ != nullptr;
         }
         if (verb == "log") {
             return log(words);
         }
         if (verb == "series") {
-            return logSeries(words);
+            return log_series(words);
         }
         if (verb == "finalize") {
             return VUR_DL_DistLogger_finalizeInstance() == 0;
@@ -86,7 +87,7 @@ class Application {
                                                       category == "-" ? "" : category.c_str());
         return true;
     }
-    bool logSeries(std::istringstream &words) {
+    bool log_series(std::istringstream &words) {
         int count = 0;
         int level = 0;
         words >> count >> level;

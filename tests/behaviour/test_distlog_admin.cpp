@@ -24,7 +24,7 @@ using support::StateSample;
 using Stream = ChildProcess::Stream;
 
 std::vector<std::string> command(const std::vector<std::string> &arguments) {
-    std::vector<std::string> result{support::binaryPath("distlog")};
+    std::vector<std::string> result{support::binary_path("distlog")};
     result.insert(result.end(), arguments.begin(), arguments.end());
     return result;
 }
@@ -44,8 +44,8 @@ std::string text(const Ids &ids) {
     return std::to_string(ids.host) + ":" + std::to_string(ids.app);
 }
 
-Ids idsOf(Monitor &monitor, const std::string &kind) {
-    monitor.waitForState([&](const StateSample &s) { return s.kind == kind; });
+Ids ids_of(Monitor &monitor, const std::string &kind) {
+    monitor.wait_for_state([&](const StateSample &s) { return s.kind == kind; });
     const std::vector<StateSample> &all = monitor.states();
     const auto found =
         std::find_if(all.begin(), all.end(), [&](const StateSample &s) { return s.kind == kind; });
@@ -132,8 +132,8 @@ TEST(DistlogList, EveryLoggerHasALine) {
     ASSERT_TRUE(start(first, 129, "alpha", 350));
     ASSERT_TRUE(start(second, 129, "beta", 700));
     Monitor monitor({.domain = 129, .log = false});
-    const Ids alpha = idsOf(monitor, "alpha");
-    const Ids beta = idsOf(monitor, "beta");
+    const Ids alpha = ids_of(monitor, "alpha");
+    const Ids beta = ids_of(monitor, "beta");
 
     ChildProcess ls(command({"ls", "--domain", "129"}));
     ASSERT_EQ(ls.wait(), 0);
@@ -164,7 +164,7 @@ TEST(DistlogList, EveryLoggerHasALine) {
 // Whether the watch tells `change` of the logger, sooner or later: a logger that is just being
 // created may be shown before it is operational.
 bool tells(ChildProcess &watch, const std::string &logger, const std::string &change) {
-    while (const auto line = watch.readLineWith(logger)) {
+    while (const auto line = watch.read_line_with(logger)) {
         if (contains(*line, change)) {
             return true;
         }
@@ -179,7 +179,7 @@ TEST(DistlogList, WatchTellsOfEveryChangeAndEveryEnd) {
     ASSERT_TRUE(start(polite, 130, "polite"));
     EXPECT_TRUE(tells(watch, "polite", " operational "));
     ASSERT_TRUE(start(crashing, 130, "crashing"));
-    ASSERT_TRUE(watch.readLineWith("crashing"));
+    ASSERT_TRUE(watch.read_line_with("crashing"));
 
     ChildProcess set(command({"set", "level", "polite", "trace", "--domain", "130"}));
     ASSERT_EQ(set.wait(), 0);
@@ -189,15 +189,15 @@ TEST(DistlogList, WatchTellsOfEveryChangeAndEveryEnd) {
     ASSERT_TRUE(crashing.run("series 3 300"));
     // All of these have been published once a reader that comes now has the last ones.
     Monitor monitor({.domain = 130, .commands = false});
-    ASSERT_TRUE(monitor.waitForLog(10));
+    ASSERT_TRUE(monitor.wait_for_log(10));
     ASSERT_TRUE(polite.run("finalize"));
-    EXPECT_TRUE(contains(watch.readLineWith("nonoperational").value_or(""), "polite"));
-    EXPECT_TRUE(contains(watch.readLineWith("was finalised").value_or(""), "(last message 7)"));
+    EXPECT_TRUE(contains(watch.read_line_with("nonoperational").value_or(""), "polite"));
+    EXPECT_TRUE(contains(watch.read_line_with("was finalised").value_or(""), "(last message 7)"));
     // Its lease has to run out first.
     crashing.say("die");
     EXPECT_TRUE(contains(watch
-                             .readLineWith("gone without having been finalised", Stream::kOut,
-                                           std::chrono::seconds(60))
+                             .read_line_with("gone without having been finalised", Stream::kOut,
+                                             std::chrono::seconds(60))
                              .value_or(""),
                          "(last message 3)"));
     watch.signal(SIGINT);
@@ -210,8 +210,8 @@ TEST(DistlogSet, ALevelIsSetByKindIdentityOrForAll) {
     ASSERT_TRUE(start(first, 131, "alpha"));
     ASSERT_TRUE(start(second, 131, "beta"));
     Monitor monitor({.domain = 131, .log = false});
-    const Ids alpha = idsOf(monitor, "alpha");
-    const Ids beta = idsOf(monitor, "beta");
+    const Ids alpha = ids_of(monitor, "alpha");
+    const Ids beta = ids_of(monitor, "beta");
     const auto level_of = [&](const Ids &ids, int level) {
         return support::eventually([&] {
             const std::vector<StateSample> &all = monitor.states();
@@ -247,7 +247,7 @@ TEST(DistlogSet, VerbosityAndFormatReachTheMiddlewaresLogger) {
     LogApp app;
     ASSERT_TRUE(start(app, 132, "alpha"));
     Monitor monitor({.domain = 132, .log = false});
-    const Ids alpha = idsOf(monitor, "alpha");
+    const Ids alpha = ids_of(monitor, "alpha");
     ChildProcess verbosity(
         command({"set", "verbosity", "alpha", "api=silent", "communication=status-remote",
                  "database=5", "--domain", "132"}));
@@ -256,7 +256,7 @@ TEST(DistlogSet, VerbosityAndFormatReachTheMiddlewaresLogger) {
               std::vector<std::string>{"alpha (" + text(alpha) +
                                        "): verbosity set: api=silent communication=status_remote "
                                        "database=status_all"});
-    EXPECT_TRUE(monitor.waitForState([](const StateSample &s) {
+    EXPECT_TRUE(monitor.wait_for_state([](const StateSample &s) {
         return s.verbosities[0].verbosity == VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_ERROR &&
                s.verbosities[1].verbosity == VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_STATUS_REMOTE &&
                s.verbosities[2].verbosity == VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_STATUS_ALL &&
@@ -265,7 +265,7 @@ TEST(DistlogSet, VerbosityAndFormatReachTheMiddlewaresLogger) {
     ChildProcess everything(
         command({"set", "verbosity", "alpha", "all=warning", "--domain", "132"}));
     EXPECT_EQ(everything.wait(), 0);
-    EXPECT_TRUE(monitor.waitForState([](const StateSample &s) {
+    EXPECT_TRUE(monitor.wait_for_state([](const StateSample &s) {
         return std::all_of(s.verbosities.begin(), s.verbosities.end(), [](const auto &v) {
             return v.verbosity == VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_WARNING;
         });
@@ -276,7 +276,7 @@ TEST(DistlogSet, VerbosityAndFormatReachTheMiddlewaresLogger) {
     EXPECT_EQ(format.lines(),
               std::vector<std::string>{"alpha (" + text(alpha) +
                                        "): print format set to verbose_timestamped"});
-    EXPECT_TRUE(monitor.waitForState([](const StateSample &s) {
+    EXPECT_TRUE(monitor.wait_for_state([](const StateSample &s) {
         return s.format == VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_VERBOSE_TIMESTAMPED;
     }));
 }
@@ -318,7 +318,7 @@ TEST(DistlogSet, RefusalsAreToldInTheLoggersWords) {
     const FakeParticipant participant(135);
     FakeResponder responder(participant);
     ChildProcess refused(command({"set", "level", "-3:4", "info", "--domain", "135"}));
-    ASSERT_TRUE(responder.answerOne(VUR_DL_COMMAND_RESULT_ERROR, "not \x1b[1mtoday"));
+    ASSERT_TRUE(responder.answer_one(VUR_DL_COMMAND_RESULT_ERROR, "not \x1b[1mtoday"));
     EXPECT_EQ(refused.wait(), 1);
     EXPECT_EQ(refused.lines(), std::vector<std::string>{"-3:4: refused: not \\x1b[1mtoday"});
 }
@@ -327,7 +327,7 @@ TEST(DistlogSet, ACommandThatALoggerDoesNotKnowIsSaidSo) {
     const FakeParticipant participant(136);
     FakeResponder responder(participant);
     ChildProcess unknown(command({"set", "format", "-3:4", "debug", "--domain", "136"}));
-    ASSERT_TRUE(responder.answerOne(VUR_DL_COMMAND_RESULT_NOT_SUPPORTED, ""));
+    ASSERT_TRUE(responder.answer_one(VUR_DL_COMMAND_RESULT_NOT_SUPPORTED, ""));
     EXPECT_EQ(unknown.wait(), 1);
     EXPECT_EQ(unknown.lines(), std::vector<std::string>{"-3:4: does not know this command"});
 }
@@ -336,26 +336,26 @@ TEST(DistlogSet, ALevelForAWhileIsSetBack) {
     LogApp app;
     ASSERT_TRUE(start(app, 137, "alpha", 450));
     Monitor monitor({.domain = 137, .log = false});
-    const std::string name = "alpha (" + text(idsOf(monitor, "alpha")) + ")";
+    const std::string name = "alpha (" + text(ids_of(monitor, "alpha")) + ")";
     ChildProcess set(command({"set", "level", "alpha", "trace", "--for", "1s", "--domain", "137"}));
-    EXPECT_EQ(set.readLine(), name + ": level set to trace (was 450)");
-    EXPECT_TRUE(monitor.waitForState([](const StateSample &s) { return s.filter_level == 800; }));
+    EXPECT_EQ(set.read_line(), name + ": level set to trace (was 450)");
+    EXPECT_TRUE(monitor.wait_for_state([](const StateSample &s) { return s.filter_level == 800; }));
     EXPECT_EQ(set.wait(), 0);
-    EXPECT_EQ(set.readLine(), name + ": level set back to 450");
-    EXPECT_TRUE(support::eventually([&] { return monitor.lastState().filter_level == 450; }));
+    EXPECT_EQ(set.read_line(), name + ": level set back to 450");
+    EXPECT_TRUE(support::eventually([&] { return monitor.last_state().filter_level == 450; }));
 }
 
 TEST(DistlogSet, AnInterruptionSetsTheLevelBackEarly) {
     LogApp app;
     ASSERT_TRUE(start(app, 138, "alpha"));
     Monitor monitor({.domain = 138, .log = false});
-    const std::string name = "alpha (" + text(idsOf(monitor, "alpha")) + ")";
+    const std::string name = "alpha (" + text(ids_of(monitor, "alpha")) + ")";
     ChildProcess set(command({"set", "level", "alpha", "trace", "--for", "1h", "--domain", "138"}));
-    EXPECT_EQ(set.readLine(), name + ": level set to trace (was info)");
+    EXPECT_EQ(set.read_line(), name + ": level set to trace (was info)");
     set.signal(SIGINT);
     EXPECT_EQ(set.wait(), 0);
-    EXPECT_EQ(set.readLine(), name + ": level set back to info");
-    EXPECT_TRUE(support::eventually([&] { return monitor.lastState().filter_level == 600; }));
+    EXPECT_EQ(set.read_line(), name + ": level set back to info");
+    EXPECT_TRUE(support::eventually([&] { return monitor.last_state().filter_level == 600; }));
 }
 
 TEST(DistlogSet, ALevelThatSomebodyElseHasChangedIsLeftAlone) {
@@ -363,11 +363,11 @@ TEST(DistlogSet, ALevelThatSomebodyElseHasChangedIsLeftAlone) {
     ASSERT_TRUE(start(app, 139, "alpha"));
     ChildProcess for_a_while(
         command({"set", "level", "alpha", "trace", "--for", "1h", "--domain", "139"}));
-    ASSERT_TRUE(for_a_while.readLineWith("level set to trace"));
+    ASSERT_TRUE(for_a_while.read_line_with("level set to trace"));
     ChildProcess other(command({"set", "level", "alpha", "error", "--domain", "139"}));
     ASSERT_EQ(other.wait(), 0);
     // There is nothing left to wait for.
-    EXPECT_TRUE(for_a_while.readLineWith("level is error by now, left as it is"));
+    EXPECT_TRUE(for_a_while.read_line_with("level is error by now, left as it is"));
     EXPECT_EQ(for_a_while.wait(), 0);
 }
 

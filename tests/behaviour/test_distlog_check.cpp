@@ -50,7 +50,7 @@ TEST_F(DistlogCheck, TheExampleIsFine) {
 }
 
 TEST_F(DistlogCheck, TextShowsEveryOptionWithItsPlace) {
-    writeDocument(
+    write_document(
         logger("<filter_level>650</filter_level>\n<thread>\n"
                "<mask>stdio | REALTIME_PRIORITY</mask>\n<priority>-5</priority>\n"
                "<cpu_list><element>0</element><element>0x2</element></cpu_list>\n"
@@ -85,7 +85,7 @@ TEST_F(DistlogCheck, TextShowsEveryOptionWithItsPlace) {
 }
 
 TEST_F(DistlogCheck, JsonHasValuesAndPlaces) {
-    writeDocument(
+    write_document(
         logger("<filter_level>TRACE</filter_level>\n"
                "<thread><stack_size>0x4000</stack_size></thread>"));
     const Json report = json();
@@ -149,20 +149,20 @@ TEST_F(DistlogCheck, ErrorsNameThePlaceAndWhatWouldBeRight) {
     int domain = 194;
     for (const Row &row : rows) {
         SCOPED_TRACE(row.content);
-        writeDocument(row.content);
+        write_document(row.content);
         const Outcome outcome = check({"a.xml"});
         EXPECT_EQ(outcome.code, 1);
         EXPECT_TRUE(reports(outcome, row.expected));
         ASSERT_EQ(outcome.out.size(), 1U) << joined(outcome.out);
         EXPECT_EQ(outcome.out.front(), "a.xml: not valid, 1 error");
-        EXPECT_FALSE(libraryStarts(domain));
+        EXPECT_FALSE(library_starts(domain));
     }
 }
 
 TEST_F(DistlogCheck, EveryWrongValueIsReportedAtOnce) {
-    writeDocument(logger("<filter_level>x</filter_level>\n<queue_size>x</queue_size>\n"
-                         "<echo_to_stdout>x</echo_to_stdout>") +
-                  profile("<x/>"));
+    write_document(logger("<filter_level>x</filter_level>\n<queue_size>x</queue_size>\n"
+                          "<echo_to_stdout>x</echo_to_stdout>") +
+                   profile("<x/>"));
     const Outcome outcome = check({"a.xml"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.err.size(), 4U) << joined(outcome.err);
@@ -231,7 +231,7 @@ TEST_F(DistlogCheck, WhatTheLibraryIgnoresIsAWarning) {
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.content);
-        writeDocument(row.content);
+        write_document(row.content);
         const Outcome outcome = check({"a.xml"});
         EXPECT_EQ(outcome.code, 1);
         EXPECT_TRUE(reports(outcome, row.expected));
@@ -249,7 +249,7 @@ TEST_F(DistlogCheck, WhatIsReadAsItStandsIsFine) {
           "<thread><cpu_list><element>0</element></cpu_list></thread><thread><cpu_list>"
           "<element>1</element></cpu_list></thread>"}) {
         SCOPED_TRACE(content);
-        writeDocument(logger(content));
+        write_document(logger(content));
         const Outcome outcome = check({"a.xml"});
         EXPECT_EQ(outcome.code, 0);
         EXPECT_TRUE(outcome.err.empty()) << joined(outcome.err);
@@ -275,7 +275,7 @@ TEST_F(DistlogCheck, ALoggerThatStaysOffIsANote) {
          "a.xml: valid, starts no logger"},
     };
     for (const auto &row : rows) {
-        writeDocument(row.content);
+        write_document(row.content);
         const Outcome outcome = check({"a.xml"});
         EXPECT_EQ(outcome.code, 0);
         EXPECT_EQ(outcome.err, Lines{row.note});
@@ -300,8 +300,8 @@ TEST_F(DistlogCheck, StandardInputIsADocument) {
 }
 
 TEST_F(DistlogCheck, EachDocumentForItself) {
-    writeDocument(logger("") + profile(""));
-    writeDocument(logger("<x/>") + profile(""), "b.xml");
+    write_document(logger("") + profile(""));
+    write_document(logger("<x/>") + profile(""), "b.xml");
     const Outcome text = check({"a.xml", "b.xml"});
     EXPECT_EQ(text.code, 1);
     EXPECT_TRUE(contains(joined(text.out), "a.xml: valid\n")) << joined(text.out);
@@ -326,7 +326,7 @@ TEST_F(DistlogCheck, EachDocumentForItself) {
 }
 
 TEST_F(DistlogCheck, AllShowsEveryPolicy) {
-    writeDocument(logger(""));
+    write_document(logger(""));
     const std::string some = joined(check({"a.xml"}).out);
     const std::string all = joined(check({"--all", "a.xml"}).out);
     EXPECT_FALSE(contains(some, "  lifespan "));
@@ -336,14 +336,14 @@ TEST_F(DistlogCheck, AllShowsEveryPolicy) {
 
 // An engine that is started with this configuration fails, loudly.
 TEST_F(DistlogCheck, TheEngineIsNotStarted) {
-    writeDocument(logger(""));
+    write_document(logger(""));
     const Outcome outcome = check({"a.xml"}, {{"CYCLONEDDS_URI", "file:///nonexistent.xml"}});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_TRUE(outcome.err.empty()) << joined(outcome.err);
 }
 
 TEST_F(DistlogCheck, WrongUsageIsExitCode2) {
-    writeDocument("");
+    write_document("");
     const struct {
         Lines arguments;
         const char *mentioned;
@@ -366,7 +366,7 @@ TEST_F(DistlogCheck, WrongUsageIsExitCode2) {
 
 // Texts of a document cannot act on the terminal.
 TEST_F(DistlogCheck, ControlCharactersAreShown) {
-    writeDocument(logger("<filter_level>a&#13;&#x85;b</filter_level>"));
+    write_document(logger("<filter_level>a&#13;&#x85;b</filter_level>"));
     const Outcome outcome = check({"a.xml"});
     ASSERT_EQ(outcome.err.size(), 1U);
     EXPECT_TRUE(contains(outcome.err[0], "\"a\\r\\u{0085}b\"")) << outcome.err[0];

@@ -20,7 +20,7 @@ using support::Outcome;
 class DistlogCheckQos : public support::DistlogCheckTest {};
 
 TEST_F(DistlogCheckQos, QosIsTheLoggers) {
-    writeDocument(logger(""));
+    write_document(logger(""));
     const Json report = json();
     const Json log = policy(report, "datawriter", VUR_DL_LOG_TOPIC_NAME, "history");
     EXPECT_EQ(log["value"], (Json{{"kind", "KEEP_LAST_HISTORY_QOS"}, {"depth", 10}}));
@@ -46,7 +46,7 @@ TEST_F(DistlogCheckQos, TheDefaultProfileOfTheDocumentHolds) {
         "<lifespan><duration><sec>2</sec><nanosec>500000000</nanosec></duration></lifespan>"
         "<representation><value><element>XCDR2_DATA_REPRESENTATION</element></value>"
         "</representation></datawriter_qos>";
-    writeDocument(logger("") + profile(writer));
+    write_document(logger("") + profile(writer));
     const Json report = json();
     EXPECT_EQ(report["profile"], "L::P");
     const Json representation =
@@ -72,10 +72,10 @@ TEST_F(DistlogCheckQos, TheDefaultProfileOfTheDocumentHolds) {
 }
 
 TEST_F(DistlogCheckQos, TheLoggersOwnProfileHoldsByItsName) {
-    writeDocument(logger("") +
-                  "<qos_library name=\"L\"><qos_profile name=\"Default\" is_default_qos=\"1\"/>"
-                  "<qos_profile name=\"distributed_logger\"><datawriter_qos><history>"
-                  "<depth>50</depth></history></datawriter_qos></qos_profile></qos_library>");
+    write_document(logger("") +
+                   "<qos_library name=\"L\"><qos_profile name=\"Default\" is_default_qos=\"1\"/>"
+                   "<qos_profile name=\"distributed_logger\"><datawriter_qos><history>"
+                   "<depth>50</depth></history></datawriter_qos></qos_profile></qos_library>");
     const Json report = json();
     EXPECT_EQ(report["profile"], "L::distributed_logger");
     EXPECT_EQ(report["profile_chosen_by"], "by its name");
@@ -86,9 +86,9 @@ TEST_F(DistlogCheckQos, TheLoggersOwnProfileHoldsByItsName) {
 }
 
 TEST_F(DistlogCheckQos, AProfileThatTheApplicationNames) {
-    writeDocument(logger("") + profile("<datawriter_qos><history><depth>50</depth></history>"
-                                       "</datawriter_qos>",
-                                       ""));
+    write_document(logger("") + profile("<datawriter_qos><history><depth>50</depth></history>"
+                                        "</datawriter_qos>",
+                                        ""));
     const Json report = json({"--profile", "L::P"});
     EXPECT_EQ(report["profile"], "L::P");
     const Json history = policy(report, "datawriter", VUR_DL_LOG_TOPIC_NAME, "history");
@@ -109,9 +109,9 @@ TEST_F(DistlogCheckQos, AProfileThatTheApplicationNames) {
 
 // The depth that the logger needs does not fit the limits of the profile: the middleware refuses.
 TEST_F(DistlogCheckQos, QosThatTheMiddlewareRefusesIsAnError) {
-    writeDocument(logger("") +
-                  profile("<datawriter_qos><resource_limits><max_samples_per_instance>5"
-                          "</max_samples_per_instance></resource_limits></datawriter_qos>"));
+    write_document(logger("") +
+                   profile("<datawriter_qos><resource_limits><max_samples_per_instance>5"
+                           "</max_samples_per_instance></resource_limits></datawriter_qos>"));
     const Outcome outcome = check({"a.xml"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(contains(joined(outcome.err),
@@ -119,21 +119,21 @@ TEST_F(DistlogCheckQos, QosThatTheMiddlewareRefusesIsAnError) {
                          "is refused: "))
         << joined(outcome.err);
     EXPECT_TRUE(contains(joined(outcome.err), "history")) << joined(outcome.err);
-    EXPECT_FALSE(libraryStarts(195));
+    EXPECT_FALSE(library_starts(195));
 }
 
 TEST_F(DistlogCheckQos, PartitionsAndDisabledEntitiesAreTold) {
-    writeDocument(logger("") + profile("<publisher_qos><partition><name><element>red</element>"
-                                       "</name></partition></publisher_qos>"));
+    write_document(logger("") + profile("<publisher_qos><partition><name><element>red</element>"
+                                        "</name></partition></publisher_qos>"));
     Outcome outcome = check({"a.xml"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_TRUE(contains(joined(outcome.err),
                          "a.xml: note: the publisher is in the partition red: monitors outside it, "
                          "distlog among them, do not meet the logger"));
-    writeDocument(logger("") + profile("<participant_qos><entity_factory>"
-                                       "<autoenable_created_entities>false"
-                                       "</autoenable_created_entities></entity_factory>"
-                                       "</participant_qos>"));
+    write_document(logger("") + profile("<participant_qos><entity_factory>"
+                                        "<autoenable_created_entities>false"
+                                        "</autoenable_created_entities></entity_factory>"
+                                        "</participant_qos>"));
     outcome = check({"a.xml"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_TRUE(contains(joined(outcome.err),
@@ -142,16 +142,16 @@ TEST_F(DistlogCheckQos, PartitionsAndDisabledEntitiesAreTold) {
 }
 
 TEST_F(DistlogCheckQos, OtherSourcesOfProfilesCount) {
-    writeDocument(
+    write_document(
         "<qos_library name=\"E\"><qos_profile name=\"First\"><datawriter_qos><history>"
         "<kind>KEEP_ALL_HISTORY_QOS</kind></history></datawriter_qos></qos_profile>"
         "</qos_library>",
         "first.xml");
-    writeDocument(
+    write_document(
         "<qos_library name=\"U\"><qos_profile name=\"User\" base_name=\"E::First\" "
         "is_default_qos=\"1\"/></qos_library>",
         "KOLT_QOS_PROFILES.xml");
-    writeDocument(logger(""));
+    write_document(logger(""));
     const Outcome outcome = check({"a.xml"}, {{"KOLT_QOS_PROFILES", "first.xml; missing.xml"}});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.err, Lines{"missing.xml: warning: cannot open the file: No such file or "

@@ -19,8 +19,8 @@ using support::Ids;
 using support::LogApp;
 using Stream = ChildProcess::Stream;
 
-std::vector<std::string> tailCommand(int domain, const std::vector<std::string> &arguments) {
-    std::vector<std::string> command{support::binaryPath("distlog"), "tail", "--domain",
+std::vector<std::string> tail_command(int domain, const std::vector<std::string> &arguments) {
+    std::vector<std::string> command{support::binary_path("distlog"), "tail", "--domain",
                                      std::to_string(domain)};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
@@ -40,12 +40,12 @@ bool start(LogApp &app, int domain, int filter = 600) {
 bool meet(LogApp &app, ChildProcess &tail) {
     return support::eventually([&] {
         return app.run("log 100 hello hello") &&
-               tail.readLineWith("hello", Stream::kOut, std::chrono::milliseconds(100));
+               tail.read_line_with("hello", Stream::kOut, std::chrono::milliseconds(100));
     });
 }
 
 TEST(DistlogTail, JsonLinesHaveAllMembers) {
-    ChildProcess tail(tailCommand(110, {"--json", "--history", "--count", "2"}));
+    ChildProcess tail(tail_command(110, {"--json", "--history", "--count", "2"}));
     LogApp app;
     ASSERT_TRUE(start(app, 110));
     ASSERT_TRUE(app.run("log 300 some.category a \"quoted\" text \\ with ünïcode"));
@@ -73,10 +73,10 @@ TEST(DistlogTail, JsonLinesHaveAllMembers) {
 TEST(DistlogTail, BytesThatAreNoUtf8AreReplacedInJson) {
     const FakeParticipant participant(111);
     FakeSender sender(participant, Ids{-5, 17});
-    ChildProcess tail(tailCommand(111, {"--json", "--count", "1"}));
-    ASSERT_TRUE(sender.waitForReaders(1));
+    ChildProcess tail(tail_command(111, {"--json", "--count", "1"}));
+    ASSERT_TRUE(sender.wait_for_readers(1));
     ASSERT_TRUE(sender.write(1, 600, "bad \xff\xc3( \xed\xa0\x80 end"));
-    const std::optional<std::string> line = tail.readLine();
+    const std::optional<std::string> line = tail.read_line();
     ASSERT_TRUE(line);
     EXPECT_TRUE(contains(*line, "\"host_id\":-5,\"app_id\":17,")) << *line;
     EXPECT_TRUE(contains(*line, "bad \xef\xbf\xbd")) << *line;
@@ -88,21 +88,21 @@ TEST(DistlogTail, BytesThatAreNoUtf8AreReplacedInJson) {
 TEST(DistlogTail, TextCannotMoveTheTerminal) {
     const FakeParticipant participant(112);
     FakeSender sender(participant, Ids{1, 2});
-    ChildProcess tail(tailCommand(112, {"--count", "2"}));
-    ASSERT_TRUE(sender.waitForReaders(1));
+    ChildProcess tail(tail_command(112, {"--count", "2"}));
+    ASSERT_TRUE(sender.wait_for_readers(1));
     ASSERT_TRUE(
         sender.write(1, 300, "\x1b[2Jtwo\nlines\ttab\x7f\xc2\x9b umläut \xff\n", "c\x07tegory"));
     ASSERT_TRUE(sender.write(2, 300,
                              "\xe2\x80\xae"
                              "override"));
-    const std::optional<std::string> first = tail.readLine();
+    const std::optional<std::string> first = tail.read_line();
     ASSERT_TRUE(first);
     EXPECT_TRUE(contains(*first,
                          " error   1:2 [c\\x07tegory]: \\x1b[2Jtwo\\nlines\\ttab\\x7f"
                          "\\u{009b} umläut \\xff"))
         << *first;
     EXPECT_EQ(first->back(), 'f');
-    const std::optional<std::string> second = tail.readLine();
+    const std::optional<std::string> second = tail.read_line();
     ASSERT_TRUE(second);
     EXPECT_TRUE(contains(*second, "1:2: \\u{202e}override")) << *second;
     EXPECT_EQ(tail.wait(), 0);
@@ -111,12 +111,12 @@ TEST(DistlogTail, TextCannotMoveTheTerminal) {
 TEST(DistlogTail, TheKindStandsForTheSender) {
     LogApp app;
     ASSERT_TRUE(start(app, 113));
-    ChildProcess tail(tailCommand(113, {}));
+    ChildProcess tail(tail_command(113, {}));
     ASSERT_TRUE(meet(app, tail));
     // The State may arrive after the first messages.
     EXPECT_TRUE(support::eventually([&] {
         app.run("log 400 cat once more");
-        const auto line = tail.readLineWith("once more");
+        const auto line = tail.read_line_with("once more");
         return line && contains(*line, " warning tested-app [cat]: once more");
     }));
     tail.signal(SIGINT);
@@ -126,10 +126,10 @@ TEST(DistlogTail, TheKindStandsForTheSender) {
 TEST(DistlogTail, FiltersHideAndWhatTheyHideIsNotLost) {
     LogApp app;
     ASSERT_TRUE(start(app, 117));
-    ChildProcess by_level(tailCommand(117, {"--level", "error"}));
-    ChildProcess by_number(tailCommand(117, {"--level", "300"}));
-    ChildProcess by_category(tailCommand(117, {"--category", "wanted", "--category", "hello"}));
-    ChildProcess by_app(tailCommand(117, {"--app", "0:0", "--timeout", "60"}));
+    ChildProcess by_level(tail_command(117, {"--level", "error"}));
+    ChildProcess by_number(tail_command(117, {"--level", "300"}));
+    ChildProcess by_category(tail_command(117, {"--category", "wanted", "--category", "hello"}));
+    ChildProcess by_app(tail_command(117, {"--app", "0:0", "--timeout", "60"}));
     for (ChildProcess *tail : {&by_level, &by_number, &by_category}) {
         ASSERT_TRUE(meet(app, *tail));
     }
@@ -137,11 +137,11 @@ TEST(DistlogTail, FiltersHideAndWhatTheyHideIsNotLost) {
     ASSERT_TRUE(app.run("log 300 other an error"));
     ASSERT_TRUE(app.run("log 100 hello the end"));
     for (ChildProcess *tail : {&by_level, &by_number}) {
-        EXPECT_TRUE(contains(tail->readLineWith("an error").value_or(""), " error "));
-        EXPECT_TRUE(tail->readLineWith("the end"));
+        EXPECT_TRUE(contains(tail->read_line_with("an error").value_or(""), " error "));
+        EXPECT_TRUE(tail->read_line_with("the end"));
     }
-    EXPECT_TRUE(contains(by_category.readLineWith("a warning").value_or(""), " warning "));
-    EXPECT_TRUE(by_category.readLineWith("the end"));
+    EXPECT_TRUE(contains(by_category.read_line_with("a warning").value_or(""), " warning "));
+    EXPECT_TRUE(by_category.read_line_with("the end"));
     for (ChildProcess *tail : {&by_level, &by_number, &by_category, &by_app}) {
         tail->signal(SIGINT);
         EXPECT_EQ(tail->wait(), 0);
@@ -162,9 +162,9 @@ TEST(DistlogTail, OneLoggerCanBePickedOut) {
     const FakeParticipant participant(120);
     FakeSender one(participant, Ids{-7, 1});
     FakeSender two(participant, Ids{-7, 2});
-    ChildProcess tail(tailCommand(120, {"--app", "-7:2", "--count", "1"}));
-    ASSERT_TRUE(one.waitForReaders(1));
-    ASSERT_TRUE(two.waitForReaders(1));
+    ChildProcess tail(tail_command(120, {"--app", "-7:2", "--count", "1"}));
+    ASSERT_TRUE(one.wait_for_readers(1));
+    ASSERT_TRUE(two.wait_for_readers(1));
     ASSERT_TRUE(one.write(1, 600, "from one"));
     ASSERT_TRUE(two.write(1, 600, "from two"));
     EXPECT_EQ(tail.wait(), 0);
@@ -175,34 +175,34 @@ TEST(DistlogTail, OneLoggerCanBePickedOut) {
 TEST(DistlogTail, AGapIsAnnouncedAndSummedUp) {
     const FakeParticipant participant(121);
     FakeSender sender(participant, Ids{11, 22});
-    ChildProcess tail(tailCommand(121, {}));
-    ASSERT_TRUE(sender.waitForReaders(1));
+    ChildProcess tail(tail_command(121, {}));
+    ASSERT_TRUE(sender.wait_for_readers(1));
     ASSERT_TRUE(sender.write(8120));
     ASSERT_TRUE(sender.write(8121, 300));
     ASSERT_TRUE(sender.write(8159));
-    EXPECT_EQ(tail.readLine(Stream::kErr), "37 lost from 11:22, 8122 to 8158");
+    EXPECT_EQ(tail.read_line(Stream::kErr), "37 lost from 11:22, 8122 to 8158");
     ASSERT_TRUE(sender.write(8160));
     ASSERT_TRUE(sender.write(8162, 100));
-    EXPECT_EQ(tail.readLine(Stream::kErr), "1 lost from 11:22, 8161 to 8161");
+    EXPECT_EQ(tail.read_line(Stream::kErr), "1 lost from 11:22, 8161 to 8161");
     tail.signal(SIGTERM);
     EXPECT_EQ(tail.wait(), 0);
-    EXPECT_EQ(tail.readLine(Stream::kErr), "distlog: 38 of 43 messages lost from 11:22");
-    EXPECT_EQ(tail.readLine(Stream::kErr), "distlog: 5 messages from 1 senders, 5 shown, 38 lost");
+    EXPECT_EQ(tail.read_line(Stream::kErr), "distlog: 38 of 43 messages lost from 11:22");
+    EXPECT_EQ(tail.read_line(Stream::kErr), "distlog: 5 messages from 1 senders, 5 shown, 38 lost");
     EXPECT_EQ(tail.lines().size(), 5U);
 }
 
 TEST(DistlogTail, ASenderThatStartsAnewStartsItsNumbersAnew) {
     const FakeParticipant participant(122);
-    ChildProcess tail(tailCommand(122, {}));
+    ChildProcess tail(tail_command(122, {}));
     for (int life = 0; life < 3; ++life) {
         FakeSender sender(participant, Ids{11, 22});
-        ASSERT_TRUE(sender.waitForReaders(1));
+        ASSERT_TRUE(sender.wait_for_readers(1));
         for (int id = 1; id <= 4; ++id) {
             ASSERT_TRUE(sender.write(id * (life == 1 ? 1 : 1), 100 * id));
         }
     }
     for (int i = 0; i < 12; ++i) {
-        ASSERT_TRUE(tail.readLine());
+        ASSERT_TRUE(tail.read_line());
     }
     tail.signal(SIGINT);
     EXPECT_EQ(tail.wait(), 0);
@@ -216,10 +216,10 @@ TEST(DistlogTail, HistoryIsShownInOrderAndItsHolesAreNoLosses) {
     ASSERT_TRUE(app.run("series 30 300"));
     ASSERT_TRUE(app.run("series 15 600"));
     ASSERT_TRUE(app.run("series 3 800"));
-    ChildProcess tail(tailCommand(123, {"--history", "--json"}));
+    ChildProcess tail(tail_command(123, {"--history", "--json"}));
     std::vector<std::int64_t> ids;
     const auto read_id = [&] {
-        const std::optional<std::string> line = tail.readLine();
+        const std::optional<std::string> line = tail.read_line();
         const std::size_t at = line ? line->find("\"message_id\":") : std::string::npos;
         ids.push_back(at == std::string::npos ? -1 : std::stoll(line->substr(at + 13)));
     };
@@ -250,7 +250,7 @@ TEST(DistlogTail, WithoutHistoryOnlyWhatIsNewArrives) {
     LogApp app;
     ASSERT_TRUE(start(app, 124));
     ASSERT_TRUE(app.run("log 300 - old"));
-    ChildProcess tail(tailCommand(124, {}));
+    ChildProcess tail(tail_command(124, {}));
     ASSERT_TRUE(meet(app, tail));
     for (const std::string &line : tail.lines()) {
         EXPECT_FALSE(contains(line, "old")) << line;
@@ -258,8 +258,8 @@ TEST(DistlogTail, WithoutHistoryOnlyWhatIsNewArrives) {
 }
 
 TEST(DistlogTail, TimeoutEndsIt) {
-    ChildProcess plain(tailCommand(125, {"--timeout", "0.5"}));
-    ChildProcess counting(tailCommand(125, {"--timeout", "500ms", "--count", "3"}));
+    ChildProcess plain(tail_command(125, {"--timeout", "0.5"}));
+    ChildProcess counting(tail_command(125, {"--timeout", "500ms", "--count", "3"}));
     EXPECT_EQ(plain.wait(), 0);
     EXPECT_EQ(counting.wait(), 1);
     EXPECT_EQ(counting.lines(Stream::kErr).back(), "distlog: 0 of 3 messages in time");
@@ -268,9 +268,9 @@ TEST(DistlogTail, TimeoutEndsIt) {
 TEST(DistlogTail, AClosedOutputEndsItQuietly) {
     const FakeParticipant participant(126);
     FakeSender sender(participant, Ids{1, 2});
-    const std::string command = support::binaryPath("distlog") + " tail --domain 126 | head -n 1";
+    const std::string command = support::binary_path("distlog") + " tail --domain 126 | head -n 1";
     ChildProcess pipe({"/bin/sh", "-c", command});
-    ASSERT_TRUE(sender.waitForReaders(1));
+    ASSERT_TRUE(sender.wait_for_readers(1));
     std::int64_t id = 0;
     EXPECT_TRUE(support::eventually([&] {
         return !sender.write(++id) || pipe.wait(std::chrono::milliseconds(20)).has_value();
@@ -282,16 +282,16 @@ TEST(DistlogTail, AClosedOutputEndsItQuietly) {
 TEST(DistlogTail, ColourIsForTerminals) {
     const FakeParticipant participant(127);
     FakeSender sender(participant, Ids{1, 2});
-    const std::string command = support::binaryPath("distlog") + " tail --domain 127 --count 1";
+    const std::string command = support::binary_path("distlog") + " tail --domain 127 --count 1";
     const std::vector<std::string> on_terminal{"/usr/bin/script", "-qec", command, "/dev/null"};
     ChildProcess coloured(on_terminal, {{"TERM", "xterm"}, {"NO_COLOR", ""}});
     ChildProcess refused(on_terminal, {{"TERM", "xterm"}, {"NO_COLOR", "1"}});
-    ChildProcess piped(tailCommand(127, {"--count", "1"}), {{"TERM", "xterm"}});
-    ASSERT_TRUE(sender.waitForReaders(3));
+    ChildProcess piped(tail_command(127, {"--count", "1"}), {{"TERM", "xterm"}});
+    ASSERT_TRUE(sender.wait_for_readers(3));
     ASSERT_TRUE(sender.write(1, 300, "in red"));
-    EXPECT_TRUE(contains(coloured.readLineWith("in red").value_or(""), "\x1b[31merror  \x1b[0m"));
-    EXPECT_FALSE(contains(refused.readLineWith("in red").value_or("\x1b"), "\x1b"));
-    EXPECT_FALSE(contains(piped.readLineWith("in red").value_or("\x1b"), "\x1b"));
+    EXPECT_TRUE(contains(coloured.read_line_with("in red").value_or(""), "\x1b[31merror  \x1b[0m"));
+    EXPECT_FALSE(contains(refused.read_line_with("in red").value_or("\x1b"), "\x1b"));
+    EXPECT_FALSE(contains(piped.read_line_with("in red").value_or("\x1b"), "\x1b"));
 }
 
 }  // namespace

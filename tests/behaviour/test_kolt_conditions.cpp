@@ -35,7 +35,7 @@ class Waiter {
     DDS_ReturnCode_t wait(const DDS_Duration_t &timeout) {
         return DDS_WaitSet_wait(set_, &active_, &timeout);
     }
-    bool isActive(DDS_Condition *condition) const {
+    bool is_active(DDS_Condition *condition) const {
         for (DDS_UnsignedLong i = 0; i < DDS_ConditionSeq_get_length(&active_); ++i) {
             if (*DDS_ConditionSeq_get_reference(&active_, static_cast<DDS_Long>(i)) == condition) {
                 return true;
@@ -43,14 +43,14 @@ class Waiter {
         }
         return false;
     }
-    DDS_UnsignedLong activeCount() const { return DDS_ConditionSeq_get_length(&active_); }
+    DDS_UnsignedLong active_count() const { return DDS_ConditionSeq_get_length(&active_); }
 
   private:
     DDS_WaitSet *set_;
     DDS_ConditionSeq active_ = DDS_SEQUENCE_INITIALIZER;
 };
 
-DDS_Condition *statusCondition(DDS_Entity *entity, DDS_StatusMask mask) {
+DDS_Condition *status_condition(DDS_Entity *entity, DDS_StatusMask mask) {
     DDS_StatusCondition *const condition = DDS_Entity_get_statuscondition(entity);
     EXPECT_EQ(DDS_StatusCondition_set_enabled_statuses(condition, mask), DDS_RETCODE_OK);
     EXPECT_EQ(DDS_StatusCondition_get_enabled_statuses(condition), mask);
@@ -64,7 +64,7 @@ TEST(KoltConditions, EmptyWaitsetTimesOut) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
-    EXPECT_EQ(waiter.activeCount(), 0U);
+    EXPECT_EQ(waiter.active_count(), 0U);
     EXPECT_EQ(DDS_WaitSet_wait(waiter.get(), nullptr, &kShort), DDS_RETCODE_BAD_PARAMETER);
 }
 
@@ -78,8 +78,8 @@ TEST(KoltConditions, GuardConditionWakesAnotherThread) {
     std::thread other([&] { DDS_GuardCondition_set_trigger_value(guard, DDS_BOOLEAN_TRUE); });
     EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);
     other.join();
-    EXPECT_EQ(waiter.activeCount(), 1U);
-    EXPECT_TRUE(waiter.isActive(condition));
+    EXPECT_EQ(waiter.active_count(), 1U);
+    EXPECT_TRUE(waiter.is_active(condition));
     EXPECT_TRUE(DDS_Condition_get_trigger_value(condition));
     EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);  // it stays triggered
     DDS_GuardCondition_set_trigger_value(guard, DDS_BOOLEAN_FALSE);
@@ -135,17 +135,17 @@ TEST(KoltConditions, StatusConditionsOfSeveralDomains) {
     DDS_DataReader *const reader = second.reader();
     Waiter waiter;
     DDS_Condition *const matched =
-        statusCondition(DDS_DataWriter_as_entity(writer), DDS_PUBLICATION_MATCHED_STATUS);
+        status_condition(DDS_DataWriter_as_entity(writer), DDS_PUBLICATION_MATCHED_STATUS);
     DDS_Condition *const data =
-        statusCondition(DDS_DataReader_as_entity(reader), DDS_DATA_AVAILABLE_STATUS);
+        status_condition(DDS_DataReader_as_entity(reader), DDS_DATA_AVAILABLE_STATUS);
     ASSERT_EQ(waiter.attach(matched), DDS_RETCODE_OK);
     ASSERT_EQ(waiter.attach(data), DDS_RETCODE_OK);
     EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
 
     DDS_DataReader *const peer = first.reader();
     EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);
-    EXPECT_TRUE(waiter.isActive(matched));
-    EXPECT_FALSE(waiter.isActive(data));
+    EXPECT_TRUE(waiter.is_active(matched));
+    EXPECT_FALSE(waiter.is_active(data));
     DDS_PublicationMatchedStatus status{};
     EXPECT_EQ(DDS_DataWriter_get_publication_matched_status(writer, &status), DDS_RETCODE_OK);
     EXPECT_EQ(status.current_count, 1);
@@ -155,10 +155,10 @@ TEST(KoltConditions, StatusConditionsOfSeveralDomains) {
     EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);  // the getter reset it
 
     DDS_DataWriter *const other = second.writer();
-    ASSERT_TRUE(isMatched(other));
+    ASSERT_TRUE(is_matched(other));
     ASSERT_EQ(write(other, 1, 1, 1), DDS_RETCODE_OK);
     EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);
-    EXPECT_TRUE(waiter.isActive(data));
+    EXPECT_TRUE(waiter.is_active(data));
     EXPECT_TRUE(DDS_Entity_get_status_changes(DDS_DataReader_as_entity(reader)) &
                 DDS_DATA_AVAILABLE_STATUS);
     EXPECT_EQ(take(reader).size(), 1U);
@@ -169,7 +169,7 @@ TEST(KoltConditions, ReadConditionTriggersAndSelects) {
     Node node(4);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     DDS_ReadCondition *const fresh = DDS_DataReader_create_readcondition(
         reader, DDS_NOT_READ_SAMPLE_STATE, DDS_ANY_VIEW_STATE, DDS_ANY_INSTANCE_STATE);
     DDS_ReadCondition *const gone = DDS_DataReader_create_readcondition(
@@ -185,8 +185,8 @@ TEST(KoltConditions, ReadConditionTriggersAndSelects) {
     EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
     ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
     EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);
-    EXPECT_TRUE(waiter.isActive(DDS_ReadCondition_as_condition(fresh)));
-    EXPECT_FALSE(waiter.isActive(DDS_ReadCondition_as_condition(gone)));
+    EXPECT_TRUE(waiter.is_active(DDS_ReadCondition_as_condition(fresh)));
+    EXPECT_FALSE(waiter.is_active(DDS_ReadCondition_as_condition(gone)));
 
     DDS_ReturnCode_t code = DDS_RETCODE_OK;
     KOLT_ReadSelection through = selection(false);
@@ -223,7 +223,7 @@ TEST(KoltConditions, QueryConditionJudgesContent) {
     Node node(4);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 10; ++i) ASSERT_EQ(write(writer, 1, i % 2, i), DDS_RETCODE_OK);
     Strings parameters({"5"});
     DDS_QueryCondition *const query = DDS_DataReader_create_querycondition(
@@ -249,7 +249,7 @@ TEST(KoltConditions, QueryConditionJudgesContent) {
     Strings lower({"3"});
     ASSERT_EQ(DDS_QueryCondition_set_query_parameters(query, lower.get()), DDS_RETCODE_OK);
     EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);
-    EXPECT_TRUE(waiter.isActive(condition));
+    EXPECT_TRUE(waiter.is_active(condition));
     got = access(reader, through, &code);
     ASSERT_EQ(got.size(), 2U);
     Strings wrong({"not a number"});
@@ -299,7 +299,7 @@ TEST(KoltConditions, DeletedEntityLeavesTheWaitset) {
     Node node(4);
     DDS_DataReader *const reader = node.reader();
     Waiter waiter;
-    waiter.attach(statusCondition(DDS_DataReader_as_entity(reader), DDS_DATA_AVAILABLE_STATUS));
+    waiter.attach(status_condition(DDS_DataReader_as_entity(reader), DDS_DATA_AVAILABLE_STATUS));
     ASSERT_EQ(DDS_Subscriber_delete_datareader(node.subscriber, reader), DDS_RETCODE_OK);
     DDS_ConditionSeq attached = DDS_SEQUENCE_INITIALIZER;
     EXPECT_EQ(DDS_WaitSet_get_conditions(waiter.get(), &attached), DDS_RETCODE_OK);

@@ -42,15 +42,15 @@ TEST_F(FilterTopic, OnlyWhatMatchesArrives) {
     EXPECT_EQ(DDS_DataReader_get_topicdescription(reader), description);
     Node there(7);
     DDS_DataWriter *const writer = there.writer();
-    ASSERT_TRUE(isMatched(writer, 2));
+    ASSERT_TRUE(is_matched(writer, 2));
     int number = 0;
     for (const int host : {-5, 5}) {
         for (int level = 0; level < 4; ++level) {
             ASSERT_EQ(write(writer, host, level, number++), DDS_RETCODE_OK);
         }
     }
-    ASSERT_EQ(takeAtLeast(all, 8).size(), 8U);
-    const auto got = takeAtLeast(reader, 2);
+    ASSERT_EQ(take_at_least(all, 8).size(), 8U);
+    const auto got = take_at_least(reader, 2);
     ASSERT_EQ(got.size(), 2U);
     for (const Text &text : got) {
         EXPECT_EQ(text.host, -5);
@@ -65,10 +65,10 @@ TEST_F(FilterTopic, ParametersChangeWhileReadersExist) {
         node_.reader({}, DDS_ContentFilteredTopic_as_topicdescription(filtered));
     DDS_DataReader *const all = node_.reader();
     DDS_DataWriter *const writer = node_.writer();
-    ASSERT_TRUE(isMatched(writer, 2));
+    ASSERT_TRUE(is_matched(writer, 2));
     ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
     ASSERT_EQ(write(writer, 1, 2, 2), DDS_RETCODE_OK);
-    ASSERT_EQ(takeAtLeast(all, 2).size(), 2U);
+    ASSERT_EQ(take_at_least(all, 2).size(), 2U);
     Strings other({"2"});
     ASSERT_EQ(DDS_ContentFilteredTopic_set_expression_parameters(filtered, other.get()),
               DDS_RETCODE_OK);
@@ -82,8 +82,8 @@ TEST_F(FilterTopic, ParametersChangeWhileReadersExist) {
     EXPECT_EQ(copy.at(0), "2");
     ASSERT_EQ(write(writer, 1, 1, 3), DDS_RETCODE_OK);
     ASSERT_EQ(write(writer, 1, 2, 4), DDS_RETCODE_OK);
-    ASSERT_EQ(takeAtLeast(all, 2).size(), 2U);
-    const auto got = takeAtLeast(reader, 2);
+    ASSERT_EQ(take_at_least(all, 2).size(), 2U);
+    const auto got = take_at_least(reader, 2);
     ASSERT_EQ(got.size(), 2U);
     EXPECT_EQ(got[0].number + got[1].number, 5);
 }
@@ -95,14 +95,14 @@ TEST_F(FilterTopic, DisposalPasses) {
     DDS_DataReader *const reader =
         node_.reader({}, DDS_ContentFilteredTopic_as_topicdescription(filtered));
     DDS_DataWriter *const writer = node_.writer();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 1, 1, 11), DDS_RETCODE_OK);
-    ASSERT_EQ(takeAtLeast(reader, 1).size(), 1U);
-    Record<Message> key(messageType());
+    ASSERT_EQ(take_at_least(reader, 1).size(), 1U);
+    Record<Message> key(message_type());
     key->id = {1, 1};
     key->level = 1;
     ASSERT_EQ(DDS_DataWriter_dispose(writer, key.get(), DDS_HANDLE_NIL), DDS_RETCODE_OK);
-    const auto got = takeAtLeast(reader, 1);
+    const auto got = take_at_least(reader, 1);
     ASSERT_EQ(got.size(), 1U);
     EXPECT_FALSE(got[0].info.valid_data);
     EXPECT_EQ(got[0].info.instance_state, DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE);

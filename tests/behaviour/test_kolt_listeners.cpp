@@ -25,24 +25,24 @@ Calls &of(void *data) {
     return *static_cast<Calls *>(data);
 }
 
-void countMatched(void *data, DDS_DataWriter *, const DDS_PublicationMatchedStatus *status) {
+void count_matched(void *data, DDS_DataWriter *, const DDS_PublicationMatchedStatus *status) {
     EXPECT_NE(status->total_count, 0);
     ++of(data).matched;
 }
-void countData(void *data, DDS_DataReader *) {
+void count_data(void *data, DDS_DataReader *) {
     ++of(data).data;
 }
 
-DDS_DataWriterListener writerListener(Calls &calls) {
+DDS_DataWriterListener writer_listener(Calls &calls) {
     DDS_DataWriterListener listener{};
     listener.listener_data = &calls;
-    listener.on_publication_matched = countMatched;
+    listener.on_publication_matched = count_matched;
     return listener;
 }
-DDS_DataReaderListener readerListener(Calls &calls) {
+DDS_DataReaderListener reader_listener(Calls &calls) {
     DDS_DataReaderListener listener{};
     listener.listener_data = &calls;
-    listener.on_data_available = countData;
+    listener.on_data_available = count_data;
     return listener;
 }
 
@@ -55,7 +55,7 @@ TEST(KoltListeners, ListenerAfterTheFactIsCalledAtOnce) {
                 DDS_PUBLICATION_MATCHED_STATUS) != 0;
     }));
     Calls calls;
-    const DDS_DataWriterListener listener = writerListener(calls);
+    const DDS_DataWriterListener listener = writer_listener(calls);
     ASSERT_EQ(DDS_DataWriter_set_listener(writer, &listener, DDS_PUBLICATION_MATCHED_STATUS),
               DDS_RETCODE_OK);
     EXPECT_EQ(calls.matched, 1);
@@ -70,7 +70,7 @@ TEST(KoltListeners, ListenerAfterTheFactIsCalledAtOnce) {
         return (DDS_Entity_get_status_changes(DDS_DataReader_as_entity(reader)) &
                 DDS_DATA_AVAILABLE_STATUS) != 0;
     }));
-    const DDS_DataReaderListener data = readerListener(calls);
+    const DDS_DataReaderListener data = reader_listener(calls);
     ASSERT_EQ(DDS_DataReader_set_listener(reader, &data, DDS_DATA_AVAILABLE_STATUS),
               DDS_RETCODE_OK);
     EXPECT_EQ(calls.data, 1);
@@ -79,7 +79,7 @@ TEST(KoltListeners, ListenerAfterTheFactIsCalledAtOnce) {
     EXPECT_EQ(DDS_DataReader_set_listener(reader, nullptr, 0), DDS_RETCODE_OK);
     EXPECT_EQ(DDS_DataWriter_set_listener(writer, nullptr, 0), DDS_RETCODE_OK);
     ASSERT_EQ(write(writer, 1, 1, 2), DDS_RETCODE_OK);
-    EXPECT_EQ(takeAtLeast(reader, 2).size(), 2U);
+    EXPECT_EQ(take_at_least(reader, 2).size(), 2U);
     EXPECT_EQ(calls.data, 1);
 }
 
@@ -87,13 +87,13 @@ TEST(KoltListeners, MaskSelectsWhoIsTold) {
     Node node(6);
     Calls own, publishers, participants;
     DDS_DomainParticipantListener participant_listener{};
-    participant_listener.publisher_listener = writerListener(participants);
-    participant_listener.subscriber_listener.reader_listener = readerListener(participants);
+    participant_listener.publisher_listener = writer_listener(participants);
+    participant_listener.subscriber_listener.reader_listener = reader_listener(participants);
     DDS_DomainParticipant_set_listener(node.participant, &participant_listener,
                                        DDS_STATUS_MASK_ALL);
-    const DDS_PublisherListener publisher_listener = writerListener(publishers);
+    const DDS_PublisherListener publisher_listener = writer_listener(publishers);
     DDS_Publisher_set_listener(node.publisher, &publisher_listener, DDS_PUBLICATION_MATCHED_STATUS);
-    const DDS_DataWriterListener listener = writerListener(own);
+    const DDS_DataWriterListener listener = writer_listener(own);
     DDS_DataWriter *const first =
         node.writer({}, nullptr, &listener, DDS_PUBLICATION_MATCHED_STATUS);
     // The mask leaves the status to the publisher.
@@ -113,7 +113,7 @@ TEST(KoltListeners, MaskSelectsWhoIsTold) {
     DDS_DomainParticipant_set_listener(node.participant, nullptr, 0);
 }
 
-void notifyReaders(void *data, DDS_Subscriber *subscriber) {
+void notify_readers(void *data, DDS_Subscriber *subscriber) {
     ++of(data).data_on_readers;
     DDS_Subscriber_notify_datareaders(subscriber);
 }
@@ -123,12 +123,12 @@ TEST(KoltListeners, DataOnReadersComesFirst) {
     Calls calls;
     DDS_SubscriberListener subscriber_listener{};
     subscriber_listener.reader_listener.listener_data = &calls;
-    subscriber_listener.on_data_on_readers = notifyReaders;
+    subscriber_listener.on_data_on_readers = notify_readers;
     DDS_Subscriber_set_listener(node.subscriber, &subscriber_listener, DDS_DATA_ON_READERS_STATUS);
-    const DDS_DataReaderListener listener = readerListener(calls);
+    const DDS_DataReaderListener listener = reader_listener(calls);
     DDS_DataReader *const reader = node.reader({}, nullptr, &listener, DDS_DATA_AVAILABLE_STATUS);
     DDS_DataWriter *const writer = node.writer();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
     EXPECT_TRUE(eventually([&] { return calls.data == 1; }));
     EXPECT_EQ(calls.data_on_readers, 1);
@@ -136,7 +136,7 @@ TEST(KoltListeners, DataOnReadersComesFirst) {
     DDS_Subscriber_set_listener(node.subscriber, nullptr, 0);
 }
 
-void takeInCallback(void *data, DDS_DataReader *reader) {
+void take_in_callback(void *data, DDS_DataReader *reader) {
     of(data).data += static_cast<int>(take(reader).size());
 }
 
@@ -145,17 +145,18 @@ TEST(KoltListeners, CallbackTakesAndAnswers) {
     Calls calls;
     DDS_DataReaderListener listener{};
     listener.listener_data = &calls;
-    listener.on_data_available = takeInCallback;
+    listener.on_data_available = take_in_callback;
     node.reader({}, nullptr, &listener, DDS_DATA_AVAILABLE_STATUS);
     DDS_DataWriter *const writer = node.writer();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 200; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
     EXPECT_TRUE(eventually([&] { return calls.data == 200; }));
 }
 
 // ---- Deferred writes ----------------------------------------------------------------------------
 
-void writeOnFirstMatch(void *data, DDS_DataWriter *writer, const DDS_PublicationMatchedStatus *) {
+void write_on_first_match(void *data, DDS_DataWriter *writer,
+                          const DDS_PublicationMatchedStatus *) {
     Calls &calls = of(data);
     if (calls.matched++ != 0) return;
     DDS_WriteParams_t params = DDS_WRITEPARAMS_DEFAULT;
@@ -164,13 +165,13 @@ void writeOnFirstMatch(void *data, DDS_DataWriter *writer, const DDS_Publication
     EXPECT_NE(params.handle, DDS_HANDLE_NIL);
     EXPECT_EQ(DDS_DataWriter_write_w_params(writer, calls.live, &params), DDS_RETCODE_OK);
 }
-void *giveLive(void *data, DDS_DataWriter *, const DDS_Cookie_t *cookie) {
+void *give_live(void *data, DDS_DataWriter *, const DDS_Cookie_t *cookie) {
     Calls &calls = of(data);
     ++calls.requests;
     EXPECT_EQ(DDS_Cookie_to_pointer(cookie), calls.live);
     return DDS_Cookie_to_pointer(cookie);
 }
-void takeBack(void *data, DDS_DataWriter *, void *sample, const DDS_Cookie_t *cookie) {
+void take_back(void *data, DDS_DataWriter *, void *sample, const DDS_Cookie_t *cookie) {
     ++of(data).returns;
     EXPECT_EQ(sample, DDS_Cookie_to_pointer(cookie));
 }
@@ -179,15 +180,15 @@ void takeBack(void *data, DDS_DataWriter *, void *sample, const DDS_Cookie_t *co
 // transient-local topic, to later ones.
 TEST(KoltListeners, DeferredWriteFromTheMatchedCallback) {
     Node node(6);
-    Record<Message> live(messageType());
+    Record<Message> live(message_type());
     live->number = 77;
     Calls calls;
     calls.live = live.get();
     DDS_DataWriterListener listener{};
     listener.listener_data = &calls;
-    listener.on_publication_matched = writeOnFirstMatch;
-    listener.on_data_request = giveLive;
-    listener.on_data_return = takeBack;
+    listener.on_publication_matched = write_on_first_match;
+    listener.on_data_request = give_live;
+    listener.on_data_return = take_back;
     const auto state = [](DDS_DataWriterQos &qos) {
         qos.durability.kind = DDS_TRANSIENT_LOCAL_DURABILITY_QOS;
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
@@ -202,13 +203,13 @@ TEST(KoltListeners, DeferredWriteFromTheMatchedCallback) {
     DDS_DataReader *const first = node.reader(late);
     ASSERT_EQ(DDS_DataWriter_set_listener(writer, &listener, DDS_PUBLICATION_MATCHED_STATUS),
               DDS_RETCODE_OK);
-    auto got = takeAtLeast(first, 1);
+    auto got = take_at_least(first, 1);
     ASSERT_EQ(got.size(), 1U);
     EXPECT_EQ(got[0].number, 77);
     EXPECT_EQ(calls.requests, 1);
     EXPECT_EQ(calls.returns, 1);
     DDS_DataReader *const second = node.reader(late);
-    got = takeAtLeast(second, 1);
+    got = take_at_least(second, 1);
     ASSERT_EQ(got.size(), 1U);
     EXPECT_EQ(got[0].number, 77);
     EXPECT_EQ(calls.requests, 1);
@@ -229,14 +230,14 @@ TEST(KoltListeners, RemovedListenerIsSilent) {
         node.writer([](DDS_DataWriterQos &qos) { qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS; });
     DDS_DataReader *const reader =
         node.reader([](DDS_DataReaderQos &qos) { qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS; });
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     std::atomic<bool> stop{false};
     std::thread busy([&] {
         while (!stop) write(writer, 1, 1, 1);
     });
     for (int round = 0; round < 50; ++round) {
         auto calls = std::make_unique<Calls>();
-        const DDS_DataReaderListener listener = readerListener(*calls);
+        const DDS_DataReaderListener listener = reader_listener(*calls);
         DDS_DataReader_set_listener(reader, &listener, DDS_DATA_AVAILABLE_STATUS);
         EXPECT_TRUE(eventually([&] { return calls->data > 0; }));
         DDS_DataReader_set_listener(reader, nullptr, 0);

@@ -11,10 +11,10 @@ namespace {
 
 using namespace support;
 
-void transientLocal(DDS_DataWriterQos &qos) {
+void transient_local(DDS_DataWriterQos &qos) {
     qos.durability.kind = DDS_TRANSIENT_LOCAL_DURABILITY_QOS;
 }
-void transientLocal(DDS_DataReaderQos &qos) {
+void transient_local(DDS_DataReaderQos &qos) {
     qos.durability.kind = DDS_TRANSIENT_LOCAL_DURABILITY_QOS;
 }
 
@@ -24,9 +24,9 @@ TEST(KoltPubSub, SampleArrivesWithAllMembers) {
     DDS_DataReader *const reader = node.reader();
     ASSERT_NE(writer, nullptr);
     ASSERT_NE(reader, nullptr);
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 7, 300, 42, "the text"), DDS_RETCODE_OK);
-    const auto got = takeAtLeast(reader, 1);
+    const auto got = take_at_least(reader, 1);
     ASSERT_EQ(got.size(), 1U);
     EXPECT_EQ(got[0].host, 7);
     EXPECT_EQ(got[0].level, 300);
@@ -45,12 +45,12 @@ TEST(KoltPubSub, BetweenParticipants) {
     Node there(1);
     DDS_DataWriter *const writer = here.writer();
     DDS_DataReader *const reader = there.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 100; ++i) {
         ASSERT_EQ(write(writer, 1, 1, i, std::string(static_cast<size_t>(i % 60), 'x')),
                   DDS_RETCODE_OK);
     }
-    const auto got = takeAtLeast(reader, 100);
+    const auto got = take_at_least(reader, 100);
     ASSERT_EQ(got.size(), 100U);
     for (int i = 0; i < 100; ++i) {
         EXPECT_EQ(got[static_cast<size_t>(i)].number, i);
@@ -62,12 +62,12 @@ TEST(KoltPubSub, SourceTimestampIsKept) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
-    Record<Message> message(messageType());
+    ASSERT_TRUE(is_matched(writer));
+    Record<Message> message(message_type());
     const DDS_Time_t stamp = {1700000000, 123456789};
     ASSERT_EQ(DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL, &stamp),
               DDS_RETCODE_OK);
-    const auto got = takeAtLeast(reader, 1);
+    const auto got = take_at_least(reader, 1);
     ASSERT_EQ(got.size(), 1U);
     EXPECT_EQ(got[0].info.source_timestamp.sec, stamp.sec);
     EXPECT_EQ(got[0].info.source_timestamp.nanosec, stamp.nanosec);
@@ -83,19 +83,19 @@ TEST(KoltPubSub, BothRepresentationsReachOneReader) {
     Node here(1);
     Node there(1);
     DDS_DataReader *const reader = there.reader();
-    const auto writerOf = [&](DDS_DataRepresentationId_t id) {
+    const auto writer_of = [&](DDS_DataRepresentationId_t id) {
         return here.writer([id](DDS_DataWriterQos &qos) {
             DDS_ShortSeq_from_array(&qos.representation.value, &id, 1);
         });
     };
-    DDS_DataWriter *const first = writerOf(DDS_XCDR_DATA_REPRESENTATION);
-    DDS_DataWriter *const second = writerOf(DDS_XCDR2_DATA_REPRESENTATION);
-    DDS_DataWriter *const automatic = writerOf(DDS_AUTO_DATA_REPRESENTATION);
-    ASSERT_TRUE(isMatched(reader, 3));
+    DDS_DataWriter *const first = writer_of(DDS_XCDR_DATA_REPRESENTATION);
+    DDS_DataWriter *const second = writer_of(DDS_XCDR2_DATA_REPRESENTATION);
+    DDS_DataWriter *const automatic = writer_of(DDS_AUTO_DATA_REPRESENTATION);
+    ASSERT_TRUE(is_matched(reader, 3));
     ASSERT_EQ(write(first, 1, 1, 1, "one"), DDS_RETCODE_OK);
     ASSERT_EQ(write(second, 1, 1, 2, "two"), DDS_RETCODE_OK);
     ASSERT_EQ(write(automatic, 1, 1, 3, "three"), DDS_RETCODE_OK);
-    const auto got = takeAtLeast(reader, 3);
+    const auto got = take_at_least(reader, 3);
     ASSERT_EQ(got.size(), 3U);
     std::set<std::string> texts;
     std::set<DDS_InstanceHandle_t> instances;
@@ -128,7 +128,7 @@ TEST(KoltPubSub, RepresentationsThatDoNotMeetAreIncompatible) {
 TEST(KoltPubSub, LateJoinerGetsTheHistory) {
     Node here(1);
     DDS_DataWriter *const writer = here.writer([](DDS_DataWriterQos &qos) {
-        transientLocal(qos);
+        transient_local(qos);
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
         qos.history.depth = 10;
     });
@@ -136,8 +136,8 @@ TEST(KoltPubSub, LateJoinerGetsTheHistory) {
     ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
     Node there(1);
     DDS_DataReader *const reader =
-        there.reader([](DDS_DataReaderQos &qos) { transientLocal(qos); });
-    const auto got = takeAtLeast(reader, 11);
+        there.reader([](DDS_DataReaderQos &qos) { transient_local(qos); });
+    const auto got = take_at_least(reader, 11);
     ASSERT_EQ(got.size(), 11U);
     std::vector<long long> numbers;
     for (const Text &text : got) {
@@ -149,7 +149,7 @@ TEST(KoltPubSub, LateJoinerGetsTheHistory) {
 TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
     Node here(1);
     DDS_DataWriter *const writer = here.writer([](DDS_DataWriterQos &qos) {
-        transientLocal(qos);
+        transient_local(qos);
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
         qos.history.depth = 10;
         qos.durability_service.history_depth = 3;
@@ -158,8 +158,8 @@ TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
     ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
     Node there(1);
     DDS_DataReader *const reader =
-        there.reader([](DDS_DataReaderQos &qos) { transientLocal(qos); });
-    const auto got = takeAtLeast(reader, 4);
+        there.reader([](DDS_DataReaderQos &qos) { transient_local(qos); });
+    const auto got = take_at_least(reader, 4);
     EXPECT_EQ(got.size(), 4U);
 }
 
@@ -168,7 +168,7 @@ TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
 TEST(KoltPubSub, SamplesThatBreakTheirBoundsAreRefused) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     DDS_Char *const category = message->category;
     char too_long[] = "more than sixteen characters";
     message->category = too_long;
@@ -195,8 +195,8 @@ TEST(KoltPubSub, AFullHistoryTimesOut) {
         qos.resource_limits.max_samples = 1;
         qos.resource_limits.max_samples_per_instance = 1;
     });
-    ASSERT_TRUE(isMatched(writer));
-    ASSERT_TRUE(isMatched(reader));
+    ASSERT_TRUE(is_matched(writer));
+    ASSERT_TRUE(is_matched(reader));
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
     EXPECT_TRUE(eventually([&] {
         result = write(writer, 1, 1, 1);
@@ -211,10 +211,10 @@ TEST(KoltPubSub, AFullHistoryTimesOut) {
 TEST(KoltPubSub, UnkeyedTypes) {
     Node here(1);
     Node there(1);
-    DDS_DataWriter *const writer = here.writer({}, here.topicOf(pointPlugin(), own("points")));
+    DDS_DataWriter *const writer = here.writer({}, here.topic_of(point_plugin(), own("points")));
     DDS_DataReader *const reader = there.reader(
-        {}, DDS_Topic_as_topicdescription(there.topicOf(pointPlugin(), own("points"))));
-    ASSERT_TRUE(isMatched(writer));
+        {}, DDS_Topic_as_topicdescription(there.topic_of(point_plugin(), own("points"))));
+    ASSERT_TRUE(is_matched(writer));
     const Point point = {3, -4};
     EXPECT_EQ(DDS_DataWriter_register_instance(writer, &point), DDS_HANDLE_NIL);
     EXPECT_EQ(DDS_DataWriter_dispose(writer, &point, DDS_HANDLE_NIL),

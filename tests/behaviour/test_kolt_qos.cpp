@@ -151,7 +151,7 @@ TEST(KoltQos, IdentityOfTheParticipant) {
 
 TEST(KoltQos, PartitionsSeparate) {
     Node node(8);
-    const auto publisherIn = [&](const char *partition) {
+    const auto publisher_in = [&](const char *partition) {
         PublisherQos qos;
         Strings names({partition});
         DDS_StringSeq_copy(&qos->partition.name, names.get());
@@ -167,10 +167,10 @@ TEST(KoltQos, PartitionsSeparate) {
         DDS_Subscriber_create_datareader(subscriber, DDS_Topic_as_topicdescription(node.topic),
                                          nullptr, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataWriter *const other = DDS_Publisher_create_datawriter(
-        publisherIn("b1"), node.topic, nullptr, nullptr, DDS_STATUS_MASK_NONE);
+        publisher_in("b1"), node.topic, nullptr, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataWriter *const same = DDS_Publisher_create_datawriter(
-        publisherIn("a1"), node.topic, nullptr, nullptr, DDS_STATUS_MASK_NONE);
-    ASSERT_TRUE(isMatched(reader, 1));
+        publisher_in("a1"), node.topic, nullptr, nullptr, DDS_STATUS_MASK_NONE);
+    ASSERT_TRUE(is_matched(reader, 1));
     DDS_InstanceHandleSeq matched = DDS_SEQUENCE_INITIALIZER;
     ASSERT_EQ(DDS_DataReader_get_matched_publications(reader, &matched), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_InstanceHandleSeq_get_length(&matched), 1U);
@@ -237,9 +237,9 @@ TEST(KoltQos, KeepLastReaderKeepsTheLast) {
         qos.history.depth = 3;
     });
     DDS_DataReader *const all = node.reader();
-    ASSERT_TRUE(isMatched(writer, 2));
+    ASSERT_TRUE(is_matched(writer, 2));
     for (int i = 0; i < 10; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
-    ASSERT_EQ(takeAtLeast(all, 10).size(), 10U);
+    ASSERT_EQ(take_at_least(all, 10).size(), 10U);
     const auto got = take(reader);
     ASSERT_EQ(got.size(), 3U);
     EXPECT_EQ(got[0].number, 7);
@@ -254,7 +254,7 @@ TEST(KoltQos, AcknowledgmentsAndLiveliness) {
         qos.liveliness.lease_duration = {20, 0};
     });
     DDS_DataReader *const reader = there.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
     const DDS_Duration_t wait = {20, 0};
     EXPECT_EQ(DDS_DataWriter_wait_for_acknowledgments(writer, &wait), DDS_RETCODE_OK);

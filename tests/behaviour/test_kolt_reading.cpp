@@ -13,7 +13,7 @@ TEST(KoltReading, ReadLeavesAndTakeRemoves) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 100; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
     DDS_ReturnCode_t code = DDS_RETCODE_ERROR;
     EXPECT_EQ(access(reader, selection(false), &code).size(), 100U);
@@ -40,7 +40,7 @@ TEST(KoltReading, InstancesCanBeReadOneByOne) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 12; ++i) ASSERT_EQ(write(writer, 1, i % 3, i), DDS_RETCODE_OK);
 
     std::set<int> levels;
@@ -80,10 +80,10 @@ TEST(KoltReading, NextSampleIsCopied) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 1, 1, 1, "first"), DDS_RETCODE_OK);
     ASSERT_EQ(write(writer, 1, 1, 2, "second"), DDS_RETCODE_OK);
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     DDS_SampleInfo info{};
     ASSERT_EQ(DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_FALSE,
                                                                message.get(), &info),
@@ -102,28 +102,28 @@ TEST(KoltReading, SeveralLoansAtOnce) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 1, 1, 1, "first"), DDS_RETCODE_OK);
     struct Held {
         void **samples = nullptr;
         DDS_UnsignedLong count = 0;
         DDS_SampleInfoSeq infos = DDS_SEQUENCE_INITIALIZER;
     } first, second;
-    const auto takeInto = [&](Held &held) {
+    const auto take_into = [&](Held &held) {
         const KOLT_ReadSelection all = selection(true);
         return DDS_DataReader_read_or_take_untypedI(reader, &all, 0, 0, DDS_BOOLEAN_TRUE, nullptr,
                                                     sizeof(Message), &held.samples, &held.count,
                                                     &held.infos);
     };
-    ASSERT_EQ(takeInto(first), DDS_RETCODE_OK);
+    ASSERT_EQ(take_into(first), DDS_RETCODE_OK);
     ASSERT_EQ(write(writer, 1, 1, 2, "second"), DDS_RETCODE_OK);
-    ASSERT_EQ(takeInto(second), DDS_RETCODE_OK);
+    ASSERT_EQ(take_into(second), DDS_RETCODE_OK);
     EXPECT_STREQ(static_cast<Message *>(first.samples[0])->text, "first");
     EXPECT_STREQ(static_cast<Message *>(second.samples[0])->text, "second");
     // A sequence that holds a loan takes no other, and a reader with loans out stays.
     Held third;
     third.infos = first.infos;
-    EXPECT_EQ(takeInto(third), DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(take_into(third), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(DDS_Subscriber_delete_datareader(node.subscriber, reader),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     // Loans do not mix.
@@ -145,41 +145,41 @@ TEST(KoltReading, CopiesIntoTheCallersRecords) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 3; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
     Message records[2] = {};
     const DDS_TypeAllocationParams_t allocation = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
     for (Message &record : records) {
-        ASSERT_TRUE(KOLT_Record_initialize_w_params(messageType(), &record, &allocation));
+        ASSERT_TRUE(KOLT_Record_initialize_w_params(message_type(), &record, &allocation));
     }
     DDS_SampleInfoSeq infos = DDS_SEQUENCE_INITIALIZER;
     ASSERT_TRUE(DDS_SampleInfoSeq_set_maximum(&infos, 2));
     void **loan = nullptr;
     DDS_UnsignedLong count = 0;
     KOLT_ReadSelection all = selection(true);
-    const auto takeCopies = [&](DDS_UnsignedLong maximum) {
+    const auto take_copies = [&](DDS_UnsignedLong maximum) {
         return DDS_DataReader_read_or_take_untypedI(
             reader, &all, DDS_SampleInfoSeq_get_length(&infos), maximum, DDS_BOOLEAN_TRUE, records,
             sizeof(Message), &loan, &count, &infos);
     };
-    EXPECT_EQ(takeCopies(1), DDS_RETCODE_PRECONDITION_NOT_MET);  // unlike the infos
+    EXPECT_EQ(take_copies(1), DDS_RETCODE_PRECONDITION_NOT_MET);  // unlike the infos
     all.max_samples = 3;
-    EXPECT_EQ(takeCopies(2), DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(take_copies(2), DDS_RETCODE_PRECONDITION_NOT_MET);
     all.max_samples = DDS_LENGTH_UNLIMITED;
-    ASSERT_EQ(takeCopies(2), DDS_RETCODE_OK);
+    ASSERT_EQ(take_copies(2), DDS_RETCODE_OK);
     EXPECT_EQ(loan, nullptr);
     ASSERT_EQ(count, 2U);
     EXPECT_EQ(records[0].number, 0);
     EXPECT_EQ(records[1].number, 1);
     EXPECT_EQ(DDS_SampleInfoSeq_get_length(&infos), 2U);
-    ASSERT_EQ(takeCopies(2), DDS_RETCODE_OK);
+    ASSERT_EQ(take_copies(2), DDS_RETCODE_OK);
     EXPECT_EQ(count, 1U);
     EXPECT_EQ(records[0].number, 2);
-    EXPECT_EQ(takeCopies(2), DDS_RETCODE_NO_DATA);
+    EXPECT_EQ(take_copies(2), DDS_RETCODE_NO_DATA);
     EXPECT_EQ(DDS_SampleInfoSeq_get_length(&infos), 0U);
     const DDS_TypeDeallocationParams_t deallocation = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
     for (Message &record : records) {
-        KOLT_Record_finalize_w_params(messageType(), &record, &deallocation);
+        KOLT_Record_finalize_w_params(message_type(), &record, &deallocation);
     }
     DDS_SampleInfoSeq_finalize(&infos);
 }

@@ -27,7 +27,7 @@ struct Footprint {
     std::size_t allocated = 0;
 };
 
-int threadCount() {
+int thread_count() {
     std::ifstream status("/proc/self/status");
     std::string word;
     while (status >> word) {
@@ -40,7 +40,7 @@ int threadCount() {
     return -1;
 }
 
-int descriptorCount() {
+int descriptor_count() {
     DIR *folder = opendir("/proc/self/fd");
     int count = 0;
     while (readdir(folder) != nullptr) {
@@ -51,7 +51,7 @@ int descriptorCount() {
 }
 
 Footprint footprint() {
-    return Footprint{threadCount(), descriptorCount(), mallinfo2().uordblks};
+    return Footprint{thread_count(), descriptor_count(), mallinfo2().uordblks};
 }
 
 void round(int domain) {
@@ -96,10 +96,10 @@ TEST_P(LoggerChurn, LeavesNothingBehind) {
     EXPECT_EQ(capture.text(), "");
     // A thread that has been joined may be listed for a moment longer, with what it holds open,
     // also when the count before was taken.
-    EXPECT_TRUE(support::eventually([&] { return threadCount() <= before.threads; }))
-        << threadCount() << " threads, " << before.threads << " before";
-    EXPECT_TRUE(support::eventually([&] { return descriptorCount() <= before.descriptors; }))
-        << descriptorCount() << " descriptors, " << before.descriptors << " before";
+    EXPECT_TRUE(support::eventually([&] { return thread_count() <= before.threads; }))
+        << thread_count() << " threads, " << before.threads << " before";
+    EXPECT_TRUE(support::eventually([&] { return descriptor_count() <= before.descriptors; }))
+        << descriptor_count() << " descriptors, " << before.descriptors << " before";
     EXPECT_TRUE(is_steady()) << smallest_growth << " bytes at the least in " << kRounds
                              << " rounds";
 }

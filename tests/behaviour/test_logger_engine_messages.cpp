@@ -34,13 +34,13 @@ void make_the_engine_complain(Node &node) {
 }
 
 TEST(EngineMessages, ArriveAtAnotherProcessWithTheirCategory) {
-    ChildProcess tail({support::binaryPath("distlog"), "tail", "--domain", "150", "--history",
+    ChildProcess tail({support::binary_path("distlog"), "tail", "--domain", "150", "--history",
                        "--json", "--category", "com.vur.kolt.config.Logger"});
     const Logger logger({.domain = 150, .forward = true});
     ASSERT_NE(nullptr, logger.get());
     Node node(151);
     ASSERT_NO_FATAL_FAILURE(make_the_engine_complain(node));
-    const auto line = tail.readLineWith(kEngineText);
+    const auto line = tail.read_line_with(kEngineText);
     ASSERT_TRUE(line);
     EXPECT_NE(std::string::npos, line->find("\"category\":\"com.vur.kolt.config.Logger\""))
         << *line;

@@ -47,7 +47,7 @@ KOLT_Config_Logger *middleware() {
     return KOLT_Config_Logger_get_instance();
 }
 
-Monitor::Settings logOf(int domain) {
+Monitor::Settings log_of(int domain) {
     return Monitor::Settings{.domain = domain, .state = false, .commands = false};
 }
 
@@ -66,7 +66,7 @@ TEST(LoggerForwarding, TheDeviceIsInstalledWhileTheLoggerExists) {
 }
 
 TEST(LoggerForwarding, WithoutItTheMiddlewareKeepsItsOutput) {
-    Monitor monitor(logOf(101));
+    Monitor monitor(log_of(101));
     const Logger logger({.domain = 101, .forward = false});
     ASSERT_NE(logger.get(), nullptr);
     EXPECT_EQ(KOLT_Config_Logger_get_output_device(middleware()), nullptr);
@@ -75,15 +75,15 @@ TEST(LoggerForwarding, WithoutItTheMiddlewareKeepsItsOutput) {
                      "stays here");
     EXPECT_NE(capture.text().find("stays here"), std::string::npos);
     logger.log(100, "the end");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     EXPECT_EQ(monitor.log()[0].message, "the end");
 }
 
 TEST(LoggerForwarding, MessagesArriveWithTheirCategoryAndLevel) {
-    Monitor monitor(logOf(102));
+    Monitor monitor(log_of(102));
     const Logger logger({.domain = 102, .filter_level = 800, .echo = true, .forward = true});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     KOLT_Config_Logger_set_verbosity_by_category(middleware(), KOLT_CONFIG_LOG_CATEGORY_USER,
                                                  KOLT_CONFIG_LOG_VERBOSITY_STATUS_ALL);
     const struct {
@@ -115,34 +115,34 @@ TEST(LoggerForwarding, MessagesArriveWithTheirCategoryAndLevel) {
 }
 
 TEST(LoggerForwarding, TheFilterHoldsForThemAsWell) {
-    Monitor monitor(logOf(103));
+    Monitor monitor(log_of(103));
     const Logger logger({.domain = 103, .filter_level = 300, .forward = true});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     KOLT_Config_Logger_set_verbosity_by_category(middleware(), KOLT_CONFIG_LOG_CATEGORY_USER,
                                                  KOLT_CONFIG_LOG_VERBOSITY_STATUS_ALL);
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_USER, KOLT_CONFIG_LOG_LEVEL_WARNING, "method",
                      "held back");
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_USER, KOLT_CONFIG_LOG_LEVEL_ERROR, "method",
                      "let through");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     EXPECT_NE(monitor.log()[0].message.find("let through"), std::string::npos);
     EXPECT_EQ(monitor.log()[0].id, 1);
 }
 
 TEST(LoggerForwarding, AMessageOfTheWriteThreadIsNeitherEchoedNorPublished) {
-    Monitor monitor(logOf(104));
+    Monitor monitor(log_of(104));
     const Logger logger({.domain = 104, .filter_level = 800, .echo = true, .forward = true});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     KOLT_Config_Logger_set_verbosity(middleware(), KOLT_CONFIG_LOG_VERBOSITY_ERROR);
     StdoutCapture capture;
     g_talkative_writes = 1;
     logger.log(600, "first");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     ASSERT_EQ(g_talkative_writes, 0);
     logger.log(600, "second");
-    ASSERT_TRUE(monitor.waitForLog(2));
+    ASSERT_TRUE(monitor.wait_for_log(2));
     EXPECT_EQ(monitor.log()[1].message, "second");
     EXPECT_EQ(monitor.log()[1].id, 2);
     EXPECT_EQ(capture.text(), "DL Info: : first\nDL Info: : second\n");

@@ -18,7 +18,7 @@ using support::LoggerOptions;
 using support::Monitor;
 using support::StdoutCapture;
 
-LoggerOptions inDomain(int domain) {
+LoggerOptions in_domain(int domain) {
     LoggerOptions options;
     options.domain = domain;
     return options;
@@ -30,7 +30,7 @@ TEST(LoggerLifecycle, NothingExistsBeforeCreationAndAfterFinalisation) {
     EXPECT_EQ(VUR_DL_DistLogger_getLogMessageWriteThread(), nullptr);
     EXPECT_EQ(VUR_DL_DistLogger_getOptions(), nullptr);
     {
-        const Logger logger(inDomain(60));
+        const Logger logger(in_domain(60));
         ASSERT_NE(logger.get(), nullptr);
         EXPECT_NE(VUR_DL_DistLogger_isDistLoggerRunning(), 0);
         EXPECT_NE(VUR_DL_DistLogger_getMessageQueue(), nullptr);
@@ -44,7 +44,7 @@ TEST(LoggerLifecycle, NothingExistsBeforeCreationAndAfterFinalisation) {
 }
 
 TEST(LoggerLifecycle, TheSecondCallReturnsTheSameLogger) {
-    const Logger logger(inDomain(60));
+    const Logger logger(in_domain(60));
     ASSERT_NE(logger.get(), nullptr);
     VUR_DL_MessageQueue *queue = VUR_DL_DistLogger_getMessageQueue();
     EXPECT_EQ(VUR_DL_DistLogger_getInstance(), logger.get());
@@ -73,23 +73,23 @@ TEST(LoggerLifecycle, ACopyOfTheOptionsIsInForce) {
 }
 
 TEST(LoggerLifecycle, OptionsAreRefusedWhileTheLoggerExists) {
-    Logger logger(inDomain(60));
+    Logger logger(in_domain(60));
     ASSERT_NE(logger.get(), nullptr);
     const std::string line =
         "DL Warning: VUR_DL_DistLogger_setOptions: Distributed logger instance already created ";
     {
         StdoutCapture capture;
-        EXPECT_FALSE(support::storeOptions(inDomain(61)));
+        EXPECT_FALSE(support::store_options(in_domain(61)));
         EXPECT_EQ(VUR_DL_DistLogger_setOptions(nullptr), 0);
         EXPECT_EQ(capture.count(line), 2);
     }
     EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
-    EXPECT_TRUE(support::storeOptions(inDomain(61)));
+    EXPECT_TRUE(support::store_options(in_domain(61)));
     EXPECT_EQ(VUR_DL_DistLogger_setOptions(nullptr), 1);
 }
 
 TEST(LoggerLifecycle, NullOptionsMeanDefaults) {
-    ASSERT_TRUE(support::storeOptions(inDomain(60)));
+    ASSERT_TRUE(support::store_options(in_domain(60)));
     ASSERT_EQ(VUR_DL_DistLogger_setOptions(nullptr), 1);
     EXPECT_EQ(VUR_DL_DistLogger_getOptions(), nullptr);
     StdoutCapture capture;
@@ -110,7 +110,7 @@ TEST(LoggerLifecycle, FinalisingNothingSucceedsAndIsSilent) {
     StdoutCapture capture;
     EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
     {
-        const Logger logger(inDomain(60));
+        const Logger logger(in_domain(60));
         ASSERT_NE(logger.get(), nullptr);
         EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
         EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
@@ -119,7 +119,7 @@ TEST(LoggerLifecycle, FinalisingNothingSucceedsAndIsSilent) {
 }
 
 TEST(LoggerLifecycle, StoredOptionsOutliveAFinalisationWithoutLogger) {
-    ASSERT_TRUE(support::storeOptions(inDomain(60)));
+    ASSERT_TRUE(support::store_options(in_domain(60)));
     EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
     EXPECT_NE(VUR_DL_DistLogger_getOptions(), nullptr);
     EXPECT_EQ(VUR_DL_DistLogger_setOptions(nullptr), 1);
@@ -140,10 +140,10 @@ TEST(LoggerLifecycle, NoLoggerIsHandedOutWhileOneIsBeingFinalised) {
 TEST(LoggerLifecycle, AFinalisedLoggerCanBeCreatedAgainAndNumbersFromOne) {
     Monitor monitor({.domain = 62, .state = false, .commands = false});
     for (int round = 1; round <= 3; ++round) {
-        const Logger logger(inDomain(62));
+        const Logger logger(in_domain(62));
         ASSERT_NE(logger.get(), nullptr);
         logger.log(600, "round " + std::to_string(round));
-        ASSERT_TRUE(monitor.waitForLog(static_cast<std::size_t>(round)));
+        ASSERT_TRUE(monitor.wait_for_log(static_cast<std::size_t>(round)));
     }
     const std::vector<support::LogSample> &log = monitor.log();
     ASSERT_EQ(log.size(), 3U);
@@ -154,7 +154,7 @@ TEST(LoggerLifecycle, AFinalisedLoggerCanBeCreatedAgainAndNumbersFromOne) {
 }
 
 TEST(LoggerLifecycle, CallsForAFinalisedLoggerDoNothing) {
-    Logger logger(inDomain(60));
+    Logger logger(in_domain(60));
     ASSERT_NE(logger.get(), nullptr);
     EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
     StdoutCapture capture;
@@ -171,7 +171,7 @@ TEST(LoggerLifecycle, AFailedCreationSaysWhyAndLeavesNothingBehind) {
                                                  KOLT_CONFIG_LOG_VERBOSITY_WARNING);
     KOLT_Config_Logger_set_verbosity_by_category(middleware, KOLT_CONFIG_LOG_CATEGORY_DISCOVERY,
                                                  KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL);
-    ASSERT_TRUE(support::storeOptions(inDomain(5000)));
+    ASSERT_TRUE(support::store_options(in_domain(5000)));
     {
         StdoutCapture capture;
         EXPECT_EQ(VUR_DL_DistLogger_getInstance(), nullptr);
@@ -192,7 +192,7 @@ TEST(LoggerLifecycle, AFailedCreationSaysWhyAndLeavesNothingBehind) {
         KOLT_Config_Logger_get_verbosity_by_category(middleware, KOLT_CONFIG_LOG_CATEGORY_PLATFORM),
         KOLT_CONFIG_LOG_VERBOSITY_ERROR);
     // The next attempt starts afresh.
-    const Logger logger(inDomain(60));
+    const Logger logger(in_domain(60));
     EXPECT_NE(logger.get(), nullptr);
 }
 
@@ -202,7 +202,7 @@ TEST(LoggerLifecycle, VerbositiesAreWhatTheyWereAfterCreation) {
                                                  KOLT_CONFIG_LOG_VERBOSITY_SILENT);
     KOLT_Config_Logger_set_verbosity_by_category(middleware, KOLT_CONFIG_LOG_CATEGORY_ENTITIES,
                                                  KOLT_CONFIG_LOG_VERBOSITY_STATUS_REMOTE);
-    const Logger logger(inDomain(60));
+    const Logger logger(in_domain(60));
     ASSERT_NE(logger.get(), nullptr);
     EXPECT_EQ(
         KOLT_Config_Logger_get_verbosity_by_category(middleware, KOLT_CONFIG_LOG_CATEGORY_SECURITY),
@@ -214,17 +214,17 @@ TEST(LoggerLifecycle, VerbositiesAreWhatTheyWereAfterCreation) {
 
 TEST(LoggerLifecycle, AParticipantHandedInIsUsedAndSurvives) {
     Monitor monitor({.domain = 63});
-    LoggerOptions options = inDomain(99);  // of no account: the participant's domain counts
+    LoggerOptions options = in_domain(99);  // of no account: the participant's domain counts
     options.participant = monitor.participant();
     {
         const Logger logger(options);
         ASSERT_NE(logger.get(), nullptr);
         logger.log(600, "through your own participant");
-        ASSERT_TRUE(monitor.waitForLog(1));
-        ASSERT_TRUE(monitor.waitForState(
+        ASSERT_TRUE(monitor.wait_for_log(1));
+        ASSERT_TRUE(monitor.wait_for_state(
             [](const auto &s) { return s.valid && s.state == VUR_DL_STATE_OPERATIONAL; }));
     }
-    const support::StateSample state = monitor.lastState();
+    const support::StateSample state = monitor.last_state();
     EXPECT_EQ(state.sender, monitor.ids());
     EXPECT_EQ(state.domain, 63);
     EXPECT_EQ(monitor.log().front().sender, monitor.ids());
@@ -236,7 +236,7 @@ TEST(LoggerLifecycle, AParticipantHandedInIsUsedAndSurvives) {
     const Logger again(options);
     ASSERT_NE(again.get(), nullptr);
     again.log(600, "again");
-    EXPECT_TRUE(monitor.waitForLog(2));
+    EXPECT_TRUE(monitor.wait_for_log(2));
 }
 
 TEST(LoggerLifecycle, TopicsOfALoggerAreGoneFromABorrowedParticipant) {
@@ -244,7 +244,7 @@ TEST(LoggerLifecycle, TopicsOfALoggerAreGoneFromABorrowedParticipant) {
     DDS_DomainParticipant *participant = DDS_DomainParticipantFactory_create_participant(
         factory, 60, nullptr, nullptr, DDS_STATUS_MASK_NONE);
     ASSERT_NE(participant, nullptr);
-    LoggerOptions options = inDomain(60);
+    LoggerOptions options = in_domain(60);
     options.participant = participant;
     {
         const Logger logger(options);
@@ -267,7 +267,7 @@ TEST(LoggerLifecycle, TopicsOfALoggerAreGoneFromABorrowedParticipant) {
 }
 
 TEST(LoggerLifecycle, MessagesThatAreStillQueuedAtTheEndAreDiscarded) {
-    LoggerOptions options = inDomain(60);
+    LoggerOptions options = in_domain(60);
     options.queue_size = 50000;
     const Logger logger(options);
     ASSERT_NE(logger.get(), nullptr);
@@ -300,7 +300,7 @@ TEST(LoggerLifecycle, ThreadsMayLogCreateAndFinaliseAtTheSameTime) {
     }
     for (int round = 0; round < 10; ++round) {
         const int before = created;
-        support::storeOptions(inDomain(60));
+        support::store_options(in_domain(60));
         ASSERT_TRUE(support::eventually([&] { return created > before; }));
         EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
     }

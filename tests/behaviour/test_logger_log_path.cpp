@@ -34,15 +34,15 @@ const std::array<Level, 8> kLevels{{{100, VUR_DL_DistLogger_fatal, "DL Fatal"},
                                     {700, VUR_DL_DistLogger_debug, "DL Debug"},
                                     {800, VUR_DL_DistLogger_trace, "DL Trace"}}};
 
-Monitor::Settings logOf(int domain) {
+Monitor::Settings log_of(int domain) {
     return Monitor::Settings{.domain = domain, .state = false, .commands = false};
 }
 
 // Nothing else was published: the message that is logged now is the next one to arrive.
-::testing::AssertionResult onlyTheEndArrives(Monitor &monitor, const Logger &logger,
-                                             std::size_t before) {
+::testing::AssertionResult only_the_end_arrives(Monitor &monitor, const Logger &logger,
+                                                std::size_t before) {
     logger.log(100, "the end");
-    if (!monitor.waitForLog(before + 1)) {
+    if (!monitor.wait_for_log(before + 1)) {
         return ::testing::AssertionFailure() << "the end has not arrived";
     }
     const std::vector<LogSample> &log = monitor.log();
@@ -65,16 +65,16 @@ TEST(LoggerLogPath, EveryLevelIsEchoedUnderItsName) {
 }
 
 TEST(LoggerLogPath, WhatTheFilterHoldsBackIsEchoedAllTheSame) {
-    Monitor monitor(logOf(71));
+    Monitor monitor(log_of(71));
     const Logger logger({.domain = 71, .filter_level = 600, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     StdoutCapture capture;
     for (const Level &level : kLevels) {
         level.log(logger.get(), level.name);
     }
-    ASSERT_TRUE(monitor.waitForLog(6));
-    EXPECT_TRUE(onlyTheEndArrives(monitor, logger, 6));
+    ASSERT_TRUE(monitor.wait_for_log(6));
+    EXPECT_TRUE(only_the_end_arrives(monitor, logger, 6));
     const std::vector<LogSample> &log = monitor.log();
     for (std::size_t i = 0; i < 6; ++i) {
         // Samples of different levels are different instances: the order is that of the ids.
@@ -92,28 +92,28 @@ TEST(LoggerLogPath, WhatTheFilterHoldsBackIsEchoedAllTheSame) {
 }
 
 TEST(LoggerLogPath, AMessageOnTheFilterLevelPasses) {
-    Monitor monitor(logOf(72));
+    Monitor monitor(log_of(72));
     const Logger logger({.domain = 72, .filter_level = 650});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     logger.log(651, "just above");
     logger.log(650, "on it");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     EXPECT_EQ(monitor.log().front().message, "on it");
     EXPECT_EQ(monitor.log().front().id, 1);
-    EXPECT_TRUE(onlyTheEndArrives(monitor, logger, 1));
+    EXPECT_TRUE(only_the_end_arrives(monitor, logger, 1));
 }
 
 TEST(LoggerLogPath, AnyNumberIsALevel) {
-    Monitor monitor(logOf(116));
+    Monitor monitor(log_of(116));
     const Logger logger({.domain = 116, .filter_level = 0, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     StdoutCapture capture;
     logger.log(1, "filtered");
     logger.log(0, "silent");
     logger.log(-5, "negative");
-    ASSERT_TRUE(monitor.waitForLog(2));
+    ASSERT_TRUE(monitor.wait_for_log(2));
     EXPECT_EQ(capture.text(),
               "DL Silent: : filtered\nDL Silent: : silent\nDL Silent: : negative\n");
     EXPECT_EQ(monitor.log().size(), 2U);
@@ -123,7 +123,7 @@ TEST(LoggerLogPath, AnyNumberIsALevel) {
 }
 
 TEST(LoggerLogPath, WithoutEchoNothingIsPrinted) {
-    Monitor monitor(logOf(73));
+    Monitor monitor(log_of(73));
     const Logger logger({.domain = 73, .echo = false});
     ASSERT_NE(logger.get(), nullptr);
     StdoutCapture capture;
@@ -131,7 +131,7 @@ TEST(LoggerLogPath, WithoutEchoNothingIsPrinted) {
         level.log(logger.get(), "quiet");
     }
     VUR_DL_DistLogger_log(logger.get(), 250, "quiet");
-    ASSERT_TRUE(monitor.waitForLog(7));
+    ASSERT_TRUE(monitor.wait_for_log(7));
     EXPECT_EQ(capture.text(), "");
 }
 
@@ -151,36 +151,36 @@ TEST(LoggerLogPath, EchoIsExactlyOne) {
 }
 
 TEST(LoggerLogPath, AnEmptyMessageIsPublishedButNotEchoed) {
-    Monitor monitor(logOf(74));
+    Monitor monitor(log_of(74));
     const Logger logger({.domain = 74, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
     StdoutCapture capture;
     logger.log(600, "", "category");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     EXPECT_EQ(monitor.log().front().message, "");
     EXPECT_EQ(monitor.log().front().category, "category");
     EXPECT_EQ(capture.text(), "");
 }
 
 TEST(LoggerLogPath, ANewlineAtTheEndIsNotDoubled) {
-    Monitor monitor(logOf(115));
+    Monitor monitor(log_of(115));
     const Logger logger({.domain = 115, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
     StdoutCapture capture;
     logger.log(300, "two\nlines\n");
     logger.log(300, "\n");
-    ASSERT_TRUE(monitor.waitForLog(2));
+    ASSERT_TRUE(monitor.wait_for_log(2));
     EXPECT_EQ(capture.text(), "DL Error: : two\nlines\nDL Error: : \n");
     EXPECT_EQ(monitor.log()[0].message, "two\nlines\n");
 }
 
 TEST(LoggerLogPath, FormatDirectivesAreText) {
-    Monitor monitor(logOf(114));
+    Monitor monitor(log_of(114));
     const Logger logger({.domain = 114, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
     StdoutCapture capture;
     logger.log(300, "%s %n %d", "%s");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     EXPECT_EQ(capture.text(), "DL Error: : %s %n %d\n");
     EXPECT_EQ(monitor.log()[0].message, "%s %n %d");
     EXPECT_EQ(monitor.log()[0].category, "%s");
@@ -229,7 +229,7 @@ TEST(LoggerLogPath, ANullLoggerIsSurvived) {
 }
 
 TEST(LoggerLogPath, ARecordThatIsNotTheLoggerIsIgnored) {
-    Monitor monitor(logOf(75));
+    Monitor monitor(log_of(75));
     const Logger logger({.domain = 75, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
     StdoutCapture capture;
@@ -238,15 +238,15 @@ TEST(LoggerLogPath, ARecordThatIsNotTheLoggerIsIgnored) {
     VUR_DL_DistLogger_logMessageWithParams(reinterpret_cast<VUR_DL_DistLogger *>(other.data()),
                                            &params);
     EXPECT_EQ(capture.text(), "");
-    EXPECT_TRUE(onlyTheEndArrives(monitor, logger, 0));
+    EXPECT_TRUE(only_the_end_arrives(monitor, logger, 0));
 }
 
 TEST(LoggerLogPath, ADisabledLoggerEchoesButDoesNotPublish) {
-    Monitor monitor(logOf(76));
+    Monitor monitor(log_of(76));
     const Logger logger({.domain = 76, .echo = true});
     ASSERT_NE(logger.get(), nullptr);
     logger.log(600, "before");
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     StdoutCapture capture;
     VUR_DL_DistLogger_disable();
     logger.log(600, "after");
@@ -267,10 +267,10 @@ TEST(LoggerLogPath, TheLevelGettersGiveTheLevels) {
 
 // Every byte that a C string can hold comes through, whatever the length.
 TEST(LoggerLogPath, TextsOfAllLengthsArriveWhole) {
-    Monitor monitor(logOf(77));
+    Monitor monitor(log_of(77));
     const Logger logger({.domain = 77, .queue_size = 1000});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     const auto text_of = [](std::size_t length) {
         std::string text;
         for (std::size_t i = 0; i < length; ++i) {
@@ -283,7 +283,7 @@ TEST(LoggerLogPath, TextsOfAllLengthsArriveWhole) {
     // One by one: the writer holds the last ten of a level only.
     for (std::size_t i = 0; i < lengths.size(); ++i) {
         logger.log(600, text_of(lengths[i]), text_of(category_lengths[i]));
-        ASSERT_TRUE(monitor.waitForLog(i + 1));
+        ASSERT_TRUE(monitor.wait_for_log(i + 1));
         const LogSample &sample = monitor.log().back();
         EXPECT_EQ(sample.message, text_of(std::min<std::size_t>(lengths[i], 4096))) << lengths[i];
         EXPECT_EQ(sample.category, text_of(std::min<std::size_t>(category_lengths[i], 512)))
@@ -303,13 +303,13 @@ std::int64_t nanoseconds(const DDS_Time_t &time) {
 }
 
 TEST(LoggerLogPath, TheSourceTimeIsThatOfTheCall) {
-    Monitor monitor(logOf(78));
+    Monitor monitor(log_of(78));
     const Logger logger({.domain = 78});
     ASSERT_NE(logger.get(), nullptr);
     const std::int64_t before = nanoseconds(now());
     logger.log(600, "stamped");
     const std::int64_t after = nanoseconds(now());
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     const std::int64_t stamp = nanoseconds(monitor.log().front().time);
     // The engine's time stamps have a resolution of 2^-32 s on the wire.
     EXPECT_GE(stamp, before - 1);
@@ -318,7 +318,7 @@ TEST(LoggerLogPath, TheSourceTimeIsThatOfTheCall) {
 }
 
 TEST(LoggerLogPath, ATimeThatIsGivenIsTheSourceTime) {
-    Monitor monitor(logOf(79));
+    Monitor monitor(log_of(79));
     const Logger logger({.domain = 79});
     ASSERT_NE(logger.get(), nullptr);
     const DDS_Time_t times[] = {
@@ -327,7 +327,7 @@ TEST(LoggerLogPath, ATimeThatIsGivenIsTheSourceTime) {
     for (const DDS_Time_t &time : times) {
         const VUR_DL_DistLogger_MessageParams params{600, "stamped", "", time};
         VUR_DL_DistLogger_logMessageWithParams(logger.get(), &params);
-        ASSERT_TRUE(monitor.waitForLog(++count));
+        ASSERT_TRUE(monitor.wait_for_log(++count));
         EXPECT_NEAR(static_cast<double>(nanoseconds(monitor.log().back().time) - nanoseconds(time)),
                     0.0, 1.0)
             << time.sec << " " << time.nanosec;
@@ -335,10 +335,10 @@ TEST(LoggerLogPath, ATimeThatIsGivenIsTheSourceTime) {
 }
 
 TEST(LoggerLogPath, AFullQueueDropsTheNewestAndLeavesAGapInTheNumbers) {
-    Monitor monitor(logOf(61));
+    Monitor monitor(log_of(61));
     const Logger logger({.domain = 61, .queue_size = 1});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     constexpr int kMessages = 20000;
     StdoutCapture capture;
     for (int i = 0; i < kMessages; ++i) {

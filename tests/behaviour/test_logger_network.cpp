@@ -18,7 +18,7 @@ using support::Logger;
 using support::LogSample;
 using support::Monitor;
 
-std::vector<LogSample> byId(std::vector<LogSample> samples) {
+std::vector<LogSample> by_id(std::vector<LogSample> samples) {
     std::sort(samples.begin(), samples.end(),
               [](const LogSample &left, const LogSample &right) { return left.id < right.id; });
     return samples;
@@ -51,7 +51,7 @@ TEST(LoggerNetwork, AnotherProcessGetsExactlyWhatPassesTheFilterOnce) {
         return std::any_of(log.begin(), log.end(),
                            [](const LogSample &s) { return s.message == "the end"; });
     }));
-    std::vector<LogSample> log = byId(monitor.log());
+    std::vector<LogSample> log = by_id(monitor.log());
     log.erase(std::remove_if(log.begin(), log.end(),
                              [](const LogSample &s) { return s.message == "hello"; }),
               log.end());
@@ -82,9 +82,9 @@ TEST(LoggerNetwork, ALateJoinerGetsTheLastTenOfEachLevel) {
         return std::any_of(log.begin(), log.end(), [](const LogSample &s) { return s.id == 39; });
     }));
     Monitor late({.domain = 81, .state = false, .commands = false});
-    ASSERT_TRUE(late.waitForLog(24));
+    ASSERT_TRUE(late.wait_for_log(24));
     std::map<int, std::vector<std::string>> by_level;
-    for (const LogSample &sample : byId(late.log())) {
+    for (const LogSample &sample : by_id(late.log())) {
         by_level[sample.level].push_back(sample.message);
     }
     std::vector<std::string> ten;
@@ -98,7 +98,7 @@ TEST(LoggerNetwork, ALateJoinerGetsTheLastTenOfEachLevel) {
     EXPECT_EQ(by_level.size(), 3U);
     // And then goes on with everyone else.
     ASSERT_TRUE(app.run("log 300 - next"));
-    ASSERT_TRUE(late.waitForLog(25));
+    ASSERT_TRUE(late.wait_for_log(25));
     EXPECT_EQ(late.log().back().message, "next");
     EXPECT_EQ(late.log().back().id, 40);
 }
@@ -111,7 +111,7 @@ TEST(LoggerNetwork, NothingIsLostWithinTheProcessUnderLoad) {
     Monitor monitor({.domain = 82, .state = false, .commands = false});
     const Logger logger({.domain = 82, .queue_size = 100000});
     ASSERT_NE(logger.get(), nullptr);
-    ASSERT_TRUE(monitor.waitForLogWriters(1));
+    ASSERT_TRUE(monitor.wait_for_log_writers(1));
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&logger, t] {
@@ -123,8 +123,8 @@ TEST(LoggerNetwork, NothingIsLostWithinTheProcessUnderLoad) {
     for (std::thread &thread : threads) {
         thread.join();
     }
-    ASSERT_TRUE(monitor.waitForLog(kTotal)) << monitor.log().size();
-    const std::vector<LogSample> log = byId(monitor.log());
+    ASSERT_TRUE(monitor.wait_for_log(kTotal)) << monitor.log().size();
+    const std::vector<LogSample> log = by_id(monitor.log());
     ASSERT_EQ(log.size(), static_cast<std::size_t>(kTotal));
     std::vector<int> next(kThreads, 0);
     for (std::size_t i = 0; i < log.size(); ++i) {
@@ -146,14 +146,14 @@ TEST(LoggerNetwork, SeveralApplicationsAreToldApart) {
     }
     ASSERT_TRUE(first.run("log 300 - from the first"));
     ASSERT_TRUE(second.run("log 300 - from the second"));
-    ASSERT_TRUE(monitor.waitForLog(2));
+    ASSERT_TRUE(monitor.wait_for_log(2));
     const std::vector<LogSample> &log = monitor.log();
     EXPECT_NE(log[0].sender, log[1].sender);
     EXPECT_EQ(log[0].id, 1);
     EXPECT_EQ(log[1].id, 1);
-    ASSERT_TRUE(monitor.waitForStates(2));
+    ASSERT_TRUE(monitor.wait_for_states(2));
     for (const LogSample &sample : log) {
-        EXPECT_TRUE(monitor.waitForState(
+        EXPECT_TRUE(monitor.wait_for_state(
             [&](const auto &s) { return s.sender == sample.sender && s.kind == "twin"; }));
     }
 }

@@ -31,8 +31,8 @@ class RemoteCommands : public ::testing::Test {
         ASSERT_NE(logger_->get(), nullptr);
         monitor_ =
             std::make_unique<Monitor>(Monitor::Settings{.domain = options.domain, .log = false});
-        ASSERT_TRUE(monitor_->waitForStates(1));
-        target_ = monitor_->lastState().sender;
+        ASSERT_TRUE(monitor_->wait_for_states(1));
+        target_ = monitor_->last_state().sender;
         ASSERT_TRUE(monitor_->handshake(target_, options.filter_level));
     }
 
@@ -41,7 +41,7 @@ class RemoteCommands : public ::testing::Test {
         const std::size_t before = monitor_->responses().size();
         const int invocation = ++invocation_;
         EXPECT_TRUE(monitor_->request(target_, invocation, fill));
-        EXPECT_TRUE(monitor_->waitForResponses(before + 1));
+        EXPECT_TRUE(monitor_->wait_for_responses(before + 1));
         EXPECT_EQ(monitor_->responses().size(), before + 1);
         const ResponseSample response = monitor_->responses().back();
         EXPECT_EQ(response.invocation, invocation);
@@ -88,7 +88,8 @@ TEST_F(RemoteCommands, TheFilterLevelIsSetAnsweredAndPublished) {
     EXPECT_EQ(response.result, VUR_DL_COMMAND_RESULT_OK);
     EXPECT_EQ(response.message, "");
     EXPECT_EQ(VUR_DL_DistLogger_getFilterLevel(logger_->get()), 800);
-    EXPECT_TRUE(monitor_->waitForState([](const StateSample &s) { return s.filter_level == 800; }));
+    EXPECT_TRUE(
+        monitor_->wait_for_state([](const StateSample &s) { return s.filter_level == 800; }));
 }
 
 TEST_F(RemoteCommands, AnyLevelOfZeroOrMoreIsAccepted) {
@@ -116,7 +117,8 @@ TEST_F(RemoteCommands, TheLevelThatIsInForceIsNoNews) {
     const std::size_t before = states();
     EXPECT_EQ(ask(level(600)).result, VUR_DL_COMMAND_RESULT_OK);
     EXPECT_EQ(ask(level(601)).result, VUR_DL_COMMAND_RESULT_OK);
-    ASSERT_TRUE(monitor_->waitForState([](const StateSample &s) { return s.filter_level == 601; }));
+    ASSERT_TRUE(
+        monitor_->wait_for_state([](const StateSample &s) { return s.filter_level == 601; }));
     EXPECT_EQ(states(), before + 1);
 }
 
@@ -131,7 +133,7 @@ TEST_F(RemoteCommands, VerbositiesAreSetInTheOrderGiven) {
                                                            KOLT_CONFIG_LOG_CATEGORY_ENTITIES),
               KOLT_CONFIG_LOG_VERBOSITY_SILENT);
     // One State for each element, the last one as it is now.
-    ASSERT_TRUE(monitor_->waitForState([](const StateSample &s) {
+    ASSERT_TRUE(monitor_->wait_for_state([](const StateSample &s) {
         return s.valid && s.verbosities[3].verbosity == VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_SILENT;
     }));
     EXPECT_EQ(states(), before + 2);
@@ -162,7 +164,8 @@ TEST_F(RemoteCommands, NoElementsChangeNothing) {
     const std::size_t before = states();
     EXPECT_EQ(ask(verbosities({})).result, VUR_DL_COMMAND_RESULT_OK);
     EXPECT_EQ(ask(level(601)).result, VUR_DL_COMMAND_RESULT_OK);
-    ASSERT_TRUE(monitor_->waitForState([](const StateSample &s) { return s.filter_level == 601; }));
+    ASSERT_TRUE(
+        monitor_->wait_for_state([](const StateSample &s) { return s.filter_level == 601; }));
     EXPECT_EQ(states(), before + 1);
 }
 
@@ -188,8 +191,8 @@ TEST_F(RemoteCommands, EveryPrintFormatCanBeSet) {
         EXPECT_EQ(ask(format(i)).result, VUR_DL_COMMAND_RESULT_OK);
         EXPECT_EQ(KOLT_Config_Logger_get_print_format(KOLT_Config_Logger_get_instance()),
                   expected[i]);
-        EXPECT_TRUE(
-            monitor_->waitForState([i](const StateSample &s) { return s.valid && s.format == i; }));
+        EXPECT_TRUE(monitor_->wait_for_state(
+            [i](const StateSample &s) { return s.valid && s.format == i; }));
     }
     // One that does not exist is the default one.
     EXPECT_EQ(ask(format(2)).result, VUR_DL_COMMAND_RESULT_OK);
@@ -226,7 +229,7 @@ TEST_F(RemoteCommands, RequestsAreAnsweredInTheirOrder) {
     for (int i = 1; i <= kRequests; ++i) {
         ASSERT_TRUE(monitor_->request(target_, i, level(100 + i)));
     }
-    ASSERT_TRUE(monitor_->waitForResponses(kRequests));
+    ASSERT_TRUE(monitor_->wait_for_responses(kRequests));
     const std::vector<ResponseSample> &responses = monitor_->responses();
     ASSERT_EQ(responses.size(), static_cast<std::size_t>(kRequests));
     for (int i = 1; i <= kRequests; ++i) {
@@ -238,16 +241,16 @@ TEST_F(RemoteCommands, RequestsAreAnsweredInTheirOrder) {
 TEST_F(RemoteCommands, ADisabledLoggerDoesNotAnswer) {
     ASSERT_NO_FATAL_FAILURE(meet({.domain = 84}));
     VUR_DL_DistLogger_disable();
-    ASSERT_TRUE(monitor_->waitForState(
+    ASSERT_TRUE(monitor_->wait_for_state(
         [](const StateSample &s) { return s.valid && s.state == VUR_DL_STATE_NONOPERATIONAL; }));
     ASSERT_TRUE(monitor_->request(target_, 1, level(100)));
     // A second logger of the domain that is asked after it answers.
     LogApp app;
     ASSERT_TRUE(app.run("option domain 84"));
     ASSERT_TRUE(app.run("create"));
-    ASSERT_TRUE(monitor_->waitForState(
+    ASSERT_TRUE(monitor_->wait_for_state(
         [this](const StateSample &s) { return s.valid && s.sender != target_; }));
-    ASSERT_TRUE(monitor_->handshake(monitor_->lastState().sender, 600));
+    ASSERT_TRUE(monitor_->handshake(monitor_->last_state().sender, 600));
     EXPECT_TRUE(monitor_->responses().empty());
     EXPECT_EQ(VUR_DL_DistLogger_getFilterLevel(logger_->get()), 600);
 }
@@ -257,9 +260,9 @@ TEST(RemoteAdministration, WithoutItThereIsNobodyToAsk) {
     const Logger logger({.domain = 118, .remote = false});
     ASSERT_NE(logger.get(), nullptr);
     logger.log(600, "here all the same");
-    ASSERT_TRUE(monitor.waitForLog(1));
-    ASSERT_TRUE(monitor.waitForStates(1));
-    EXPECT_TRUE(monitor.nobodyTakesRequests());
+    ASSERT_TRUE(monitor.wait_for_log(1));
+    ASSERT_TRUE(monitor.wait_for_states(1));
+    EXPECT_TRUE(monitor.nobody_takes_requests());
 }
 
 TEST(RemoteAdministration, ACommandReachesALoggerInAnotherProcess) {
@@ -267,18 +270,18 @@ TEST(RemoteAdministration, ACommandReachesALoggerInAnotherProcess) {
     LogApp app;
     ASSERT_TRUE(app.run("option domain 119"));
     ASSERT_TRUE(app.run("create"));
-    ASSERT_TRUE(monitor.waitForStates(1));
-    const Ids target = monitor.lastState().sender;
+    ASSERT_TRUE(monitor.wait_for_states(1));
+    const Ids target = monitor.last_state().sender;
     ASSERT_TRUE(monitor.handshake(target, 600));
     ASSERT_TRUE(app.run("log 800 - before"));
     ASSERT_TRUE(monitor.request(target, 1, [](VUR_DL_ADMIN_Command &command) {
         command._d = VUR_DL_SET_LOG_LEVEL;
         command._u.filterLevel = 800;
     }));
-    ASSERT_TRUE(monitor.waitForResponses(1));
+    ASSERT_TRUE(monitor.wait_for_responses(1));
     EXPECT_EQ(monitor.responses()[0].result, VUR_DL_COMMAND_RESULT_OK);
     ASSERT_TRUE(app.run("log 800 - after"));
-    ASSERT_TRUE(monitor.waitForLog(1));
+    ASSERT_TRUE(monitor.wait_for_log(1));
     EXPECT_EQ(monitor.log()[0].message, "after");
     EXPECT_EQ(monitor.log().size(), 1U);
 }

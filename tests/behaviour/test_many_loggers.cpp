@@ -23,7 +23,7 @@ constexpr int kLoggers = 100;
 constexpr int kDomain = 154;
 
 std::vector<std::string> command(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), support::binaryPath("distlog"));
+    arguments.insert(arguments.begin(), support::binary_path("distlog"));
     arguments.insert(arguments.end(), {"--domain", std::to_string(kDomain)});
     return arguments;
 }

@@ -36,12 +36,12 @@ struct Block {
     std::string text;
 };
 
-std::string contentOf(const std::string &path) {
+std::string content_of(const std::string &path) {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-Lines linesOf(const std::string &text) {
+Lines lines_of(const std::string &text) {
     Lines lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
@@ -67,12 +67,12 @@ std::string replaced(std::string text, const std::string &what, const std::strin
 }
 
 // The fenced blocks of a Markdown text, those in lists without their indentation.
-std::vector<Block> blocksOf(const std::string &name, const std::string &text) {
+std::vector<Block> blocks_of(const std::string &name, const std::string &text) {
     std::vector<Block> blocks;
     bool inside = false;
     std::size_t indentation = 0;
     std::size_t number = 0;
-    for (const std::string &line : linesOf(text)) {
+    for (const std::string &line : lines_of(text)) {
         ++number;
         const std::size_t fence = line.find_first_not_of(' ');
         if (fence != std::string::npos && line.compare(fence, 3, "```") == 0) {
@@ -104,7 +104,8 @@ class ManualExamples : public testing::Test {
         std::filesystem::copy(source_ + "/examples/distlog.xml", "distlog.xml");
         std::filesystem::create_directory_symlink(source_ + "/xml", "xml");
         for (const char *name : {"operating.md", "configuration.md"}) {
-            const std::vector<Block> blocks = blocksOf(name, contentOf(source_ + "/docs/" + name));
+            const std::vector<Block> blocks =
+                blocks_of(name, content_of(source_ + "/docs/" + name));
             blocks_.insert(blocks_.end(), blocks.begin(), blocks.end());
         }
         KOLT_Config_Logger_set_verbosity(KOLT_Config_Logger_get_instance(),
@@ -116,7 +117,7 @@ class ManualExamples : public testing::Test {
         std::filesystem::remove_all(folder_);
     }
 
-    std::vector<Block> blocksOfKind(const std::string &info) const {
+    std::vector<Block> blocks_of_kind(const std::string &info) const {
         std::vector<Block> blocks;
         for (const Block &block : blocks_) {
             if (block.info == info) {
@@ -130,23 +131,23 @@ class ManualExamples : public testing::Test {
     static int run(const std::string &line, Lines &out, Lines &err,
                    const ChildProcess::Environment &environment = {}) {
         const std::string tools =
-            std::filesystem::path(support::binaryPath("distlog")).parent_path();
+            std::filesystem::path(support::binary_path("distlog")).parent_path();
         ChildProcess shell({"/bin/sh", "-c", "PATH='" + tools + "':\"$PATH\"; " + line},
                            environment);
-        shell.closeInput();
+        shell.close_input();
         const int code = shell.wait(std::chrono::seconds(60)).value_or(-1);
         out = shell.lines();
         err = shell.lines(Stream::kErr);
         return code;
     }
-    static void expectRuns(const std::string &line, const std::string &place) {
+    static void expect_runs(const std::string &line, const std::string &place) {
         Lines out;
         Lines err;
         EXPECT_EQ(run(line, out, err), 0) << place << ": " << line << "\n"
                                           << joined(out) << joined(err);
     }
 
-    static bool isEngineConfiguration(const Block &block) {
+    static bool is_engine_configuration(const Block &block) {
         return block.text.find("<CycloneDDS>") != std::string::npos;
     }
 
@@ -157,16 +158,16 @@ class ManualExamples : public testing::Test {
 
 TEST_F(ManualExamples, DocumentsAreRight) {
     int count = 0;
-    for (const Block &block : blocksOfKind("xml")) {
-        if (isEngineConfiguration(block)) {
+    for (const Block &block : blocks_of_kind("xml")) {
+        if (is_engine_configuration(block)) {
             continue;
         }
         SCOPED_TRACE(block.place);
         ++count;
         const bool whole = block.text.find("<dds>") != std::string::npos;
         std::ofstream("block.xml") << (whole ? block.text : "<dds>\n" + block.text + "</dds>\n");
-        expectRuns("xmllint --noout --nonet --schema xml/distlog.xsd block.xml 2>&1", block.place);
-        expectRuns("distlog check block.xml", block.place);
+        expect_runs("xmllint --noout --nonet --schema xml/distlog.xsd block.xml 2>&1", block.place);
+        expect_runs("distlog check block.xml", block.place);
         // One element stands for a whole document only where it is the logger's.
         const bool starts = block.text.find("<distributed_logger>") != std::string::npos &&
                             block.text.find("...") == std::string::npos;
@@ -183,8 +184,8 @@ TEST_F(ManualExamples, DocumentsAreRight) {
 
 TEST_F(ManualExamples, EngineConfigurationsAreAccepted) {
     int count = 0;
-    for (const Block &block : blocksOfKind("xml")) {
-        if (!isEngineConfiguration(block)) {
+    for (const Block &block : blocks_of_kind("xml")) {
+        if (!is_engine_configuration(block)) {
             continue;
         }
         SCOPED_TRACE(block.place);
@@ -216,14 +217,14 @@ TEST_F(ManualExamples, CommandsRun) {
     ASSERT_NE(VUR_DL_DistLogger_getInstance(), nullptr);
 
     std::set<std::string> subcommands;
-    for (const Block &block : blocksOfKind("sh")) {
-        for (const std::string &line : linesOf(block.text)) {
+    for (const Block &block : blocks_of_kind("sh")) {
+        for (const std::string &line : lines_of(block.text)) {
             const std::size_t at = line.find("distlog ");
             if (at != std::string::npos) {
                 subcommands.insert(line.substr(at + 8, line.find(' ', at + 8) - at - 8));
             }
-            expectRuns(replaced(replaced(line, "--domain 3", "--domain 198"), "10s", "1s"),
-                       block.place);
+            expect_runs(replaced(replaced(line, "--domain 3", "--domain 198"), "10s", "1s"),
+                        block.place);
         }
     }
     for (const char *expected : {"check", "ls", "set", "tail"}) {
@@ -232,7 +233,7 @@ TEST_F(ManualExamples, CommandsRun) {
 }
 
 // A line "..." of what is expected stands for any number of lines.
-void expectOutput(const Lines &expected, const Lines &actual) {
+void expect_output(const Lines &expected, const Lines &actual) {
     std::size_t next = 0;
     bool anywhere = false;
     for (const std::string &line : expected) {
@@ -262,7 +263,7 @@ TEST_F(ManualExamples, OutputIsAsShown) {
         ++count;
         ASSERT_GT(i, 0U);
         std::ofstream("distlog.xml") << blocks_[i - 1].text;
-        Lines expected = linesOf(block.text);
+        Lines expected = lines_of(block.text);
         ASSERT_FALSE(expected.empty());
         ASSERT_EQ(expected.front().rfind("$ ", 0), 0U);
         Lines out;
@@ -270,17 +271,17 @@ TEST_F(ManualExamples, OutputIsAsShown) {
         run(expected.front().substr(2), out, err);
         expected.erase(expected.begin());
         err.insert(err.end(), out.begin(), out.end());
-        expectOutput(expected, err);
+        expect_output(expected, err);
     }
     EXPECT_GE(count, 2);
 }
 
 // Nothing that a document may hold is left out of the manual.
 TEST_F(ManualExamples, TheManualNamesEverything) {
-    const std::string manual = contentOf(source_ + "/docs/configuration.md");
-    const std::string schema = contentOf(source_ + "/xml/distlog.xsd");
+    const std::string manual = content_of(source_ + "/docs/configuration.md");
+    const std::string schema = content_of(source_ + "/xml/distlog.xsd");
     int count = 0;
-    const auto expectNamed = [&](const std::string &mark) {
+    const auto expect_named = [&](const std::string &mark) {
         for (std::size_t at = schema.find(mark); at != std::string::npos;
              at = schema.find(mark, at + 1)) {
             const std::size_t begin = at + mark.size();
@@ -292,9 +293,9 @@ TEST_F(ManualExamples, TheManualNamesEverything) {
             }
         }
     };
-    expectNamed("<xs:element name=\"");
-    expectNamed("<xs:attribute name=\"");
-    expectNamed("<xs:enumeration value=\"");
+    expect_named("<xs:element name=\"");
+    expect_named("<xs:attribute name=\"");
+    expect_named("<xs:enumeration value=\"");
     EXPECT_GT(count, 100);
 }
 

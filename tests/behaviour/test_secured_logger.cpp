@@ -72,7 +72,7 @@ constexpr const char *kPermissions = R"(<?xml version="1.0" encoding="UTF-8"?>
 )";
 
 // Where the engine's plugins are: beside the engine, in a folder of its name or not.
-std::string pluginFolder() {
+std::string plugin_folder() {
     Dl_info info = {};
     void *engine = dlsym(RTLD_DEFAULT, "dds_create_participant");
     if (engine == nullptr || dladdr(engine, &info) == 0) {
@@ -92,14 +92,14 @@ std::string pluginFolder() {
 class SecuredLogger : public testing::Test {
   protected:
     void SetUp() override {
-        plugins_ = pluginFolder();
+        plugins_ = plugin_folder();
         ASSERT_FALSE(plugins_.empty()) << "the engine's security plugins are not installed";
         ASSERT_EQ(access(kOpenssl, X_OK), 0) << kOpenssl << " is not installed";
         unsetenv("KOLT_QOS_PROFILES");
         char folder[] = "/tmp/vur_dl_secured_XXXXXX";
         ASSERT_NE(mkdtemp(folder), nullptr);
         folder_ = folder;
-        makeCertificates();
+        make_certificates();
     }
     void TearDown() override {
         VUR_DL_DistLogger_finalizeInstance();
@@ -117,7 +117,7 @@ class SecuredLogger : public testing::Test {
         ChildProcess process(arguments);
         ASSERT_EQ(process.wait(), 0) << arguments.at(1);
     }
-    void makeCertificates() const {
+    void make_certificates() const {
         const std::vector<std::string> key = {"-newkey", "ec", "-pkeyopt",
                                               "ec_paramgen_curve:prime256v1", "-nodes"};
         std::vector<std::string> authority = {"req",   "-x509",         "-days",   "3650",
@@ -176,7 +176,7 @@ class SecuredLogger : public testing::Test {
                "</value></property></domain_participant_qos></qos_profile>\n</qos_library>\n</dds>";
     }
     static std::vector<std::string> distlog(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), support::binaryPath("distlog"));
+        arguments.insert(arguments.begin(), support::binary_path("distlog"));
         arguments.insert(arguments.end(), {"--domain", std::to_string(kDomain)});
         return arguments;
     }
@@ -195,7 +195,7 @@ TEST_F(SecuredLogger, IsReadByWhoHasTheKeysAndByNobodyElse) {
 
     ChildProcess insider(distlog({"tail", "--history", "--count", "1", "--timeout", "30"}),
                          {{"KOLT_QOS_PROFILES", path("logger.xml")}});
-    const std::optional<std::string> line = insider.readLineWith("for those who may read it");
+    const std::optional<std::string> line = insider.read_line_with("for those who may read it");
     EXPECT_TRUE(line.has_value());
     EXPECT_EQ(insider.wait(), 0);
     // The insider has seen that the logger can be found; who has no keys does not find it.

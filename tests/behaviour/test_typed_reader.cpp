@@ -40,7 +40,7 @@ class Written {
         using Type = TopicType<T>;
         Received<T> received(ends_.reader);
         received.take();
-        ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+        ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
         ends_.write(100, 1);
         ends_.write(200, 2);
         ends_.write(100, 3);
@@ -87,26 +87,26 @@ Numbers sorted(Numbers numbers) {
 // The samples are lent, or copied into the sequences' own room. Reading leaves them, taking does
 // not.
 template <typename T>
-void expectEveryForm(bool lent) {
+void expect_every_form(bool lent) {
     TypedEndpoints<T> ends(kDomain);
     Written<T> written(ends);
     for (const ReadForm<T> &form :
-         readForms<T>(written.last(), DDS_HANDLE_NIL, anyState(ends.untyped_reader))) {
+         read_forms<T>(written.last(), DDS_HANDLE_NIL, any_state(ends.untyped_reader))) {
         SCOPED_TRACE(form.name);
         written.again();
         Received<T> received(ends.reader);
         if (!lent) received.allocate(5);
         ASSERT_EQ(form.call(ends.reader, &received.data, &received.infos, DDS_LENGTH_UNLIMITED),
                   DDS_RETCODE_OK);
-        EXPECT_EQ(received.isOwned(), !lent);
+        EXPECT_EQ(received.is_owned(), !lent);
         EXPECT_EQ(TopicType<T>::Seq::get_pointers(&received.data) != nullptr, lent);
         EXPECT_EQ(TopicType<T>::Seq::get_maximum(&received.data), lent ? received.size() : 5U);
         EXPECT_EQ(DDS_SampleInfoSeq_get_length(&received.infos), received.size());
         const Numbers expected = written.expected(form.name);
         EXPECT_EQ(sorted(received.numbers()), sorted(expected));
         EXPECT_EQ(received.info(0).sample_state, DDS_READ_SAMPLE_STATE);
-        EXPECT_EQ(received.giveBack(), DDS_RETCODE_OK);
-        EXPECT_TRUE(received.isOwned());
+        EXPECT_EQ(received.give_back(), DDS_RETCODE_OK);
+        EXPECT_TRUE(received.is_owned());
         EXPECT_EQ(received.size(), lent ? 0U : expected.size()) << "copies stay";
 
         Received<T> left(ends.reader);
@@ -118,10 +118,10 @@ void expectEveryForm(bool lent) {
 }
 
 TYPED_TEST(TypedReader, EveryFormLends) {
-    expectEveryForm<TypeParam>(true);
+    expect_every_form<TypeParam>(true);
 }
 TYPED_TEST(TypedReader, EveryFormCopies) {
-    expectEveryForm<TypeParam>(false);
+    expect_every_form<TypeParam>(false);
 }
 
 TYPED_TEST(TypedReader, EveryFormBringsAtMostSoMany) {
@@ -129,7 +129,7 @@ TYPED_TEST(TypedReader, EveryFormBringsAtMostSoMany) {
     TypedEndpoints<TypeParam> ends(kDomain);
     Written<TypeParam> written(ends);
     for (const ReadForm<TypeParam> &form :
-         readForms<TypeParam>(written.first(), DDS_HANDLE_NIL, anyState(ends.untyped_reader))) {
+         read_forms<TypeParam>(written.first(), DDS_HANDLE_NIL, any_state(ends.untyped_reader))) {
         SCOPED_TRACE(form.name);
         written.again();
         Received<TypeParam> lent(ends.reader);
@@ -152,8 +152,8 @@ TYPED_TEST(TypedReader, EveryFormBringsAtMostSoMany) {
 TYPED_TEST(TypedReader, EveryFormWithoutDataEmptiesTheSequence) {
     TypedEndpoints<TypeParam> ends(kDomain);
     Written<TypeParam> written(ends);
-    DDS_ReadCondition *const condition = anyState(ends.untyped_reader);
-    const auto forms = readForms<TypeParam>(written.last(), written.last(), condition);
+    DDS_ReadCondition *const condition = any_state(ends.untyped_reader);
+    const auto forms = read_forms<TypeParam>(written.last(), written.last(), condition);
     {
         Received<TypeParam> received(ends.reader);
         ASSERT_EQ(received.take(), DDS_RETCODE_OK);
@@ -171,7 +171,7 @@ TYPED_TEST(TypedReader, EveryFormWithoutDataEmptiesTheSequence) {
                       DDS_RETCODE_NO_DATA);
             EXPECT_EQ(received.size(), 0U);
             EXPECT_EQ(DDS_SampleInfoSeq_get_length(&received.infos), 0U);
-            EXPECT_TRUE(received.isOwned());
+            EXPECT_TRUE(received.is_owned());
         }
     }
 }
@@ -192,7 +192,7 @@ TYPED_TEST(TypedReader, WalksOverTheInstances) {
         previous = received.info(0).instance_handle;
         handles.push_back(previous);
         EXPECT_EQ(received.numbers(), written.of(previous));
-        ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+        ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
         ASSERT_LE(handles.size(), 2U);
     }
     EXPECT_EQ(result, DDS_RETCODE_NO_DATA);
@@ -244,7 +244,7 @@ TYPED_TEST(TypedReader, StatesSelect) {
     Received<TypeParam> received(ends.reader);
     const auto read = [&](DDS_SampleStateMask samples, DDS_ViewStateMask views,
                           DDS_InstanceStateMask instances) {
-        EXPECT_EQ(received.giveBack(), DDS_RETCODE_OK);
+        EXPECT_EQ(received.give_back(), DDS_RETCODE_OK);
         Type::Read::read(ends.reader, &received.data, &received.infos, DDS_LENGTH_UNLIMITED,
                          samples, views, instances);
         return received.numbers();
@@ -297,7 +297,7 @@ TYPED_TEST(TypedReader, ConditionsSelect) {
          {std::pair{DDS_QueryCondition_as_readcondition(query), Numbers{1, 2}},
           std::pair{unread, Numbers{4}}}) {
         for (const ReadForm<TypeParam> &form :
-             readForms<TypeParam>(written.last(), DDS_HANDLE_NIL, condition)) {
+             read_forms<TypeParam>(written.last(), DDS_HANDLE_NIL, condition)) {
             if (!form.by_condition) continue;
             SCOPED_TRACE(form.name);
             written.again();
@@ -336,7 +336,7 @@ TEST(TypedReaderThreads, TakeSideBySide) {
                 if (result == DDS_RETCODE_OK) {
                     for (const DDS_Long number : received.numbers()) mine.push_back(number);
                     total += static_cast<DDS_Long>(received.size());
-                    EXPECT_EQ(received.giveBack(), DDS_RETCODE_OK);
+                    EXPECT_EQ(received.give_back(), DDS_RETCODE_OK);
                 } else {
                     EXPECT_EQ(result, DDS_RETCODE_NO_DATA);
                 }

@@ -28,8 +28,8 @@ struct OneSample {
         handle = received.info(0).instance_handle;
     }
     std::vector<ReadForm<T>> forms() {
-        if (condition == nullptr) condition = anyState(ends.untyped_reader);
-        return readForms<T>(handle, DDS_HANDLE_NIL, condition);
+        if (condition == nullptr) condition = any_state(ends.untyped_reader);
+        return read_forms<T>(handle, DDS_HANDLE_NIL, condition);
     }
 
     TypedEndpoints<T> ends;
@@ -59,7 +59,7 @@ TYPED_TEST(TypedReaderErrors, EveryFormWantsItsArguments) {
             EXPECT_TRUE(log.saw("bad parameter: max_samples"));
         }
         EXPECT_EQ(received.size(), 0U);
-        EXPECT_TRUE(received.isOwned());
+        EXPECT_TRUE(received.is_owned());
     }
 }
 
@@ -68,9 +68,9 @@ TYPED_TEST(TypedReaderErrors, ConditionsAreTheReadersOwn) {
     TypedEndpoints<TypeParam> others(kDomain, "other");
     LogCapture log;
     for (DDS_ReadCondition *const wrong :
-         {static_cast<DDS_ReadCondition *>(nullptr), anyState(others.untyped_reader)}) {
+         {static_cast<DDS_ReadCondition *>(nullptr), any_state(others.untyped_reader)}) {
         for (const ReadForm<TypeParam> &form :
-             readForms<TypeParam>(one.handle, DDS_HANDLE_NIL, wrong)) {
+             read_forms<TypeParam>(one.handle, DDS_HANDLE_NIL, wrong)) {
             if (!form.by_condition) continue;
             SCOPED_TRACE(form.name);
             Received<TypeParam> received(one.ends.reader);
@@ -83,11 +83,11 @@ TYPED_TEST(TypedReaderErrors, ConditionsAreTheReadersOwn) {
 
 TYPED_TEST(TypedReaderErrors, HandlesAreThoseOfInstances) {
     OneSample<TypeParam> one;
-    DDS_ReadCondition *const condition = anyState(one.ends.untyped_reader);
+    DDS_ReadCondition *const condition = any_state(one.ends.untyped_reader);
     LogCapture log;
     for (const DDS_InstanceHandle_t wrong : {DDS_HANDLE_NIL, one.handle + 1000}) {
         for (const ReadForm<TypeParam> &form :
-             readForms<TypeParam>(wrong, DDS_HANDLE_NIL, condition)) {
+             read_forms<TypeParam>(wrong, DDS_HANDLE_NIL, condition)) {
             const std::string name = form.name;
             if (name.find("_instance") == std::string::npos ||
                 name.find("_next") != std::string::npos) {
@@ -102,7 +102,7 @@ TYPED_TEST(TypedReaderErrors, HandlesAreThoseOfInstances) {
     }
     // The walk begins with any handle: what comes after it counts.
     for (const ReadForm<TypeParam> &form :
-         readForms<TypeParam>(one.handle, one.handle - 1, condition)) {
+         read_forms<TypeParam>(one.handle, one.handle - 1, condition)) {
         if (std::string(form.name).find("read_next") == std::string::npos) continue;
         Received<TypeParam> received(one.ends.reader);
         EXPECT_EQ(form.call(one.ends.reader, &received.data, &received.infos, 1), DDS_RETCODE_OK)
@@ -123,18 +123,18 @@ TYPED_TEST(TypedReaderErrors, EveryFormWantsSequencesThatFit) {
     for (const ReadForm<TypeParam> &form : one.forms()) {
         SCOPED_TRACE(form.name);
         Received<TypeParam> received(reader);
-        const auto expectRefused = [&](const char *text, DDS_Long max_samples = 1) {
+        const auto expect_refused = [&](const char *text, DDS_Long max_samples = 1) {
             EXPECT_EQ(form.call(reader, &received.data, &received.infos, max_samples),
                       DDS_RETCODE_PRECONDITION_NOT_MET);
             EXPECT_TRUE(log.saw(text));
         };
         ASSERT_TRUE(Seq::set_maximum(&received.data, 2));
-        expectRefused(kUnlike);
+        expect_refused(kUnlike);
         ASSERT_TRUE(DDS_SampleInfoSeq_set_maximum(&received.infos, 2));
         ASSERT_TRUE(Seq::set_length(&received.data, 1));
-        expectRefused(kUnlike);
+        expect_refused(kUnlike);
         ASSERT_TRUE(Seq::set_length(&received.data, 0));
-        expectRefused("max_samples exceeds the maximum of the sequences", 3);
+        expect_refused("max_samples exceeds the maximum of the sequences", 3);
         ASSERT_TRUE(Seq::set_maximum(&received.data, 0));
         ASSERT_TRUE(DDS_SampleInfoSeq_set_maximum(&received.infos, 0));
 
@@ -143,10 +143,10 @@ TYPED_TEST(TypedReaderErrors, EveryFormWantsSequencesThatFit) {
         DDS_SampleInfo info = {};
         ASSERT_TRUE(Seq::loan_pointers(&received.data, pointers.data(), 0, 1));
         ASSERT_TRUE(DDS_SampleInfoSeq_set_maximum(&received.infos, 1));
-        expectRefused(kUnlike);
+        expect_refused(kUnlike);
         ASSERT_TRUE(DDS_SampleInfoSeq_set_maximum(&received.infos, 0));
         ASSERT_TRUE(DDS_SampleInfoSeq_loan_contiguous(&received.infos, &info, 0, 1));
-        expectRefused("the sequences hold a loan");
+        expect_refused("the sequences hold a loan");
         ASSERT_TRUE(Seq::unloan(&received.data));
         ASSERT_TRUE(DDS_SampleInfoSeq_unloan(&received.infos));
     }
@@ -201,17 +201,17 @@ TYPED_TEST(TypedReaderErrors, LoansGoBackToTheReaderThatLent) {
     EXPECT_EQ(Type::Read::return_loan(reader, &neither.data, &first.infos),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_TRUE(log.saw("no such loan of this reader"));
-    EXPECT_FALSE(first.isOwned());
+    EXPECT_FALSE(first.is_owned());
     EXPECT_EQ(first.numbers(), (std::vector<DDS_Long>{1, 2})) << "all of it is still lent";
 
     ASSERT_TRUE(Type::Seq::set_length(&first.data, 1)) << "shortened by the application";
-    EXPECT_EQ(first.giveBack(), DDS_RETCODE_OK);
-    EXPECT_TRUE(first.isOwned());
+    EXPECT_EQ(first.give_back(), DDS_RETCODE_OK);
+    EXPECT_TRUE(first.is_owned());
     EXPECT_EQ(Type::Seq::get_maximum(&first.data), 0U);
     EXPECT_EQ(DDS_SampleInfoSeq_get_maximum(&first.infos), 0U);
-    EXPECT_EQ(first.giveBack(), DDS_RETCODE_OK) << "nothing is lent any more";
+    EXPECT_EQ(first.give_back(), DDS_RETCODE_OK) << "nothing is lent any more";
     EXPECT_EQ(second.numbers(), (std::vector<DDS_Long>{1, 2}));
-    EXPECT_EQ(second.giveBack(), DDS_RETCODE_OK);
+    EXPECT_EQ(second.give_back(), DDS_RETCODE_OK);
 }
 
 // A sequence that may not become so long takes no loan: it goes back at once.
@@ -228,14 +228,14 @@ TYPED_TEST(TypedReaderErrors, ALoanThatDoesNotFitGoesBack) {
         EXPECT_EQ(form.call(one.ends.reader, &received.data, &received.infos, DDS_LENGTH_UNLIMITED),
                   DDS_RETCODE_ERROR);
         EXPECT_TRUE(log.saw("new max cannot be larger than absolute maximum"));
-        EXPECT_TRUE(received.isOwned());
+        EXPECT_TRUE(received.is_owned());
         EXPECT_TRUE(DDS_SampleInfoSeq_has_ownership(&received.infos));
         ASSERT_TRUE(Type::Seq::set_absolute_maximum(&received.data, 2));
         ASSERT_TRUE(DDS_SampleInfoSeq_set_absolute_maximum(&received.infos, 1));
         EXPECT_EQ(form.call(one.ends.reader, &received.data, &received.infos, DDS_LENGTH_UNLIMITED),
                   DDS_RETCODE_ERROR);
         EXPECT_TRUE(log.saw("the info sequence takes no loan"));
-        EXPECT_TRUE(received.isOwned());
+        EXPECT_TRUE(received.is_owned());
     }
     DDS_DataReader_delete_contained_entities(one.ends.untyped_reader);
     EXPECT_EQ(DDS_Subscriber_delete_datareader(one.ends.node.subscriber, one.ends.untyped_reader),
@@ -252,14 +252,14 @@ TYPED_TEST(TypedReaderErrors, ForeignLoansStay) {
     LogCapture log;
     Received<TypeParam> received(one.ends.reader);
     ASSERT_TRUE(Type::Seq::loan_pointers(&received.data, pointers.data(), 1, 1));
-    EXPECT_EQ(received.giveBack(), DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(received.give_back(), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_TRUE(log.saw("no such loan of this reader"));
-    EXPECT_FALSE(received.isOwned());
+    EXPECT_FALSE(received.is_owned());
     ASSERT_TRUE(Type::Seq::unloan(&received.data));
     ASSERT_TRUE(Type::Seq::loan_contiguous(&received.data, sample.get(), 1, 1));
-    EXPECT_EQ(received.giveBack(), DDS_RETCODE_PRECONDITION_NOT_MET);
+    EXPECT_EQ(received.give_back(), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_TRUE(log.saw("no such loan of this reader"));
-    EXPECT_FALSE(received.isOwned());
+    EXPECT_FALSE(received.is_owned());
     ASSERT_TRUE(Type::Seq::unloan(&received.data));
 }
 

@@ -60,7 +60,7 @@ TYPED_TEST(TypedReaderKeys, TheKeyOfAnInstanceGoesWithIt) {
     ends.write(100, 1);
     ASSERT_EQ(received.take(), DDS_RETCODE_OK);
     const DDS_InstanceHandle_t handle = received.info(0).instance_handle;
-    ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+    ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
     EXPECT_EQ(Read::get_key_value(ends.reader, holder.get(), handle), DDS_RETCODE_OK)
         << "alive, though nothing is left to read";
 
@@ -70,7 +70,7 @@ TYPED_TEST(TypedReaderKeys, TheKeyOfAnInstanceGoesWithIt) {
     EXPECT_FALSE(received.info(0).valid_data);
     EXPECT_EQ(received.info(0).instance_handle, handle);
     EXPECT_EQ(Type::key(received.at(0)), 100) << "the sample that tells of it has the key";
-    ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+    ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
     EXPECT_EQ(Read::get_key_value(ends.reader, holder.get(), handle), DDS_RETCODE_OK)
         << "disposed, but its writer has it yet";
     EXPECT_EQ(Read::lookup_instance(ends.reader, key.get()), handle);
@@ -79,7 +79,7 @@ TYPED_TEST(TypedReaderKeys, TheKeyOfAnInstanceGoesWithIt) {
               DDS_RETCODE_OK);
     while (received.take() == DDS_RETCODE_OK) {
         EXPECT_EQ(Type::key(received.at(0)), 100);
-        ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+        ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
     }
     EXPECT_TRUE(eventually([&] {
         return Read::get_key_value(ends.reader, holder.get(), handle) == DDS_RETCODE_BAD_PARAMETER;
@@ -109,7 +109,7 @@ TYPED_TEST(TypedReaderKeys, TheKeyOfARegisteredInstanceStays) {
     ASSERT_EQ(Type::Write::unregister_instance(ends.writer, key.get(), handle), DDS_RETCODE_OK);
     Received<TypeParam> received(ends.reader);
     ASSERT_EQ(received.take(), DDS_RETCODE_OK);
-    ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+    ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
     EXPECT_EQ(received.take(), DDS_RETCODE_NO_DATA);
     EXPECT_EQ(Read::get_key_value(ends.reader, holder.get(), handle), DDS_RETCODE_OK);
     EXPECT_EQ(holder.key(), 100);

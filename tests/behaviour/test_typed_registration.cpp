@@ -62,7 +62,7 @@ using ReadOf = typename TopicType<T>::Read;
 
 template <template <typename> typename Side, typename Other, typename Mine, typename Untyped,
           typename Typed>
-void expectNarrowsTo(Untyped *untyped, Typed *typed, LogCapture &log) {
+void expect_narrows_to(Untyped *untyped, Typed *typed, LogCapture &log) {
     SCOPED_TRACE(TopicType<Other>::kTypeName);
     auto *const narrowed = Side<Other>::narrow(untyped);
     if constexpr (std::is_same_v<Other, Mine>) {
@@ -76,13 +76,13 @@ void expectNarrowsTo(Untyped *untyped, Typed *typed, LogCapture &log) {
 
 // The name in the type code counts; the one that the type was registered under says nothing.
 template <template <typename> typename Side, typename T, typename Untyped, typename Typed>
-void expectNarrowing(Untyped *untyped, Typed *typed) {
+void expect_narrowing(Untyped *untyped, Typed *typed) {
     EXPECT_STREQ(Side<T>::get_endpoint_type_name(untyped), TopicType<T>::kTypeName);
     LogCapture log;
-    expectNarrowsTo<Side, VUR_DL_LogMessage, T>(untyped, typed, log);
-    expectNarrowsTo<Side, VUR_DL_ADMIN_State, T>(untyped, typed, log);
-    expectNarrowsTo<Side, VUR_DL_ADMIN_CommandRequest, T>(untyped, typed, log);
-    expectNarrowsTo<Side, VUR_DL_ADMIN_CommandResponse, T>(untyped, typed, log);
+    expect_narrows_to<Side, VUR_DL_LogMessage, T>(untyped, typed, log);
+    expect_narrows_to<Side, VUR_DL_ADMIN_State, T>(untyped, typed, log);
+    expect_narrows_to<Side, VUR_DL_ADMIN_CommandRequest, T>(untyped, typed, log);
+    expect_narrows_to<Side, VUR_DL_ADMIN_CommandResponse, T>(untyped, typed, log);
     EXPECT_EQ(Side<T>::widen(typed), untyped);
     EXPECT_EQ(log.take(), "");
     const std::string missing = std::string("null ") + Side<T>::kEntity;
@@ -94,11 +94,11 @@ void expectNarrowing(Untyped *untyped, Typed *typed) {
 
 TYPED_TEST(TypedRegistration, WritersNarrow) {
     TypedEndpoints<TypeParam> ends(kDomain);
-    expectNarrowing<WriteOf, TypeParam>(ends.untyped_writer, ends.writer);
+    expect_narrowing<WriteOf, TypeParam>(ends.untyped_writer, ends.writer);
 }
 TYPED_TEST(TypedRegistration, ReadersNarrow) {
     TypedEndpoints<TypeParam> ends(kDomain);
-    expectNarrowing<ReadOf, TypeParam>(ends.untyped_reader, ends.reader);
+    expect_narrowing<ReadOf, TypeParam>(ends.untyped_reader, ends.reader);
 }
 
 }  // namespace

@@ -96,14 +96,14 @@ TYPED_TEST(TypedWriter, WritesInThreeForms) {
     ASSERT_EQ(DDS_DomainParticipant_get_current_time(ends.node.participant, &before),
               DDS_RETCODE_OK);
     ASSERT_EQ(Write::write(ends.writer, sample.get(), DDS_HANDLE_NIL), DDS_RETCODE_OK);
-    Type::setNumber(sample.get(), 2);
+    Type::set_number(sample.get(), 2);
     ASSERT_EQ(Write::write_w_params(ends.writer, sample.get(), &DDS_WRITEPARAMS_DEFAULT),
               DDS_RETCODE_OK);
-    Type::setNumber(sample.get(), 3);
+    Type::set_number(sample.get(), 3);
     ASSERT_EQ(Write::write_w_timestamp(ends.writer, sample.get(), DDS_HANDLE_NIL, &kStamp),
               DDS_RETCODE_OK);
-    Type::setNumber(sample.get(), 4);
-    const DDS_WriteParams_t params = paramsOf(DDS_HANDLE_NIL, {1700000001, 5});
+    Type::set_number(sample.get(), 4);
+    const DDS_WriteParams_t params = params_of(DDS_HANDLE_NIL, {1700000001, 5});
     ASSERT_EQ(Write::write_w_params(ends.writer, sample.get(), &params), DDS_RETCODE_OK);
 
     Received<TypeParam> received(ends.reader);
@@ -113,8 +113,8 @@ TYPED_TEST(TypedWriter, WritesInThreeForms) {
         EXPECT_GE(received.info(i).source_timestamp.sec, before.sec) << "the time of the call";
         EXPECT_LE(received.info(i).source_timestamp.sec, before.sec + 60);
     }
-    expectStamp(received.info(2), kStamp);
-    expectStamp(received.info(3), params.source_timestamp);
+    expect_stamp(received.info(2), kStamp);
+    expect_stamp(received.info(3), params.source_timestamp);
     for (DDS_Long i = 0; i < 4; ++i) {
         EXPECT_TRUE(received.info(i).valid_data);
         EXPECT_EQ(Type::key(received.at(i)), 100);
@@ -139,7 +139,7 @@ TYPED_TEST(TypedWriter, RefusesWrongWrites) {
     TypedEndpoints<TypeParam> ends(kDomain);
     Sample<TypeParam> sample(100, 1);
     const DDS_Time_t too_many_nanoseconds = {1, 1000000000};
-    const DDS_WriteParams_t wrong_time = paramsOf(DDS_HANDLE_NIL, too_many_nanoseconds);
+    const DDS_WriteParams_t wrong_time = params_of(DDS_HANDLE_NIL, too_many_nanoseconds);
     LogCapture log;
     EXPECT_EQ(Write::write(nullptr, sample.get(), DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_TRUE(log.saw("bad parameter"));

@@ -29,7 +29,7 @@ TYPED_TEST(TypedWriterInstances, AreRegisteredInThreeForms) {
     const DDS_InstanceHandle_t handle = Write::register_instance(ends.writer, one.get());
     ASSERT_NE(handle, DDS_HANDLE_NIL);
     EXPECT_EQ(Write::register_w_timestamp(ends.writer, one.get(), &kStamp), handle);
-    const DDS_WriteParams_t params = paramsOf(DDS_HANDLE_NIL, kStamp);
+    const DDS_WriteParams_t params = params_of(DDS_HANDLE_NIL, kStamp);
     EXPECT_EQ(Write::register_w_params(ends.writer, one.get(), &params), handle);
     EXPECT_EQ(Write::lookup_instance(ends.writer, one.get()), handle);
     EXPECT_EQ(Write::lookup_instance(ends.writer, two.get()), DDS_HANDLE_NIL);
@@ -60,7 +60,7 @@ TYPED_TEST(TypedWriterInstances, AreWrittenByTheirHandle) {
     Sample<TypeParam> one(100, 1);
     Sample<TypeParam> two(200, 2);
     const DDS_InstanceHandle_t handle = Write::register_instance(ends.writer, one.get());
-    const DDS_WriteParams_t params = paramsOf(handle, kStamp);
+    const DDS_WriteParams_t params = params_of(handle, kStamp);
     EXPECT_EQ(Write::write(ends.writer, one.get(), handle), DDS_RETCODE_OK);
     EXPECT_EQ(Write::write_w_timestamp(ends.writer, one.get(), handle, &kStamp), DDS_RETCODE_OK);
     EXPECT_EQ(Write::write_w_params(ends.writer, one.get(), &params), DDS_RETCODE_OK);
@@ -125,7 +125,7 @@ struct ChangeForm {
 };
 
 template <typename T, typename Plain, typename Timed, typename WithParams>
-std::vector<ChangeForm<T>> formsOf(Plain plain, Timed timed, WithParams with_params) {
+std::vector<ChangeForm<T>> forms_of(Plain plain, Timed timed, WithParams with_params) {
     using Writer = typename TopicType<T>::Writer;
     return {{"plain", false, plain},
             {"w_timestamp", true,
@@ -133,14 +133,14 @@ std::vector<ChangeForm<T>> formsOf(Plain plain, Timed timed, WithParams with_par
                  return timed(writer, sample, handle, &kStamp);
              }},
             {"w_params", true, [=](Writer *writer, const T *sample, DDS_InstanceHandle_t handle) {
-                 const DDS_WriteParams_t params = paramsOf(handle, kStamp);
+                 const DDS_WriteParams_t params = params_of(handle, kStamp);
                  return with_params(writer, sample, &params);
              }}};
 }
 
 // Each form, with the sample, the sample and the handle, and the handle alone.
 template <typename T>
-void expectChanges(const std::vector<ChangeForm<T>> &forms) {
+void expect_changes(const std::vector<ChangeForm<T>> &forms) {
     using Type = TopicType<T>;
     TypedEndpoints<T> ends(kDomain);
     DDS_Long key = 100;
@@ -156,7 +156,7 @@ void expectChanges(const std::vector<ChangeForm<T>> &forms) {
                 ASSERT_EQ(Type::Write::write(ends.writer, sample.get(), handle), DDS_RETCODE_OK);
                 Received<T> received(ends.reader);
                 ASSERT_EQ(received.take(), DDS_RETCODE_OK);
-                ASSERT_EQ(received.giveBack(), DDS_RETCODE_OK);
+                ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
                 ASSERT_EQ(form.call(ends.writer, with_sample ? sample.get() : nullptr,
                                     with_handle ? handle : DDS_HANDLE_NIL),
                           DDS_RETCODE_OK);
@@ -167,7 +167,7 @@ void expectChanges(const std::vector<ChangeForm<T>> &forms) {
                     << "unregistering disposes by default";
                 EXPECT_EQ(Type::key(received.at(0)), key) << "of the sample the key is there";
                 EXPECT_EQ(Type::number(received.at(0)), 0) << "and nothing more";
-                if (form.stamped) expectStamp(received.info(0), kStamp);
+                if (form.stamped) expect_stamp(received.info(0), kStamp);
             }
         }
     }
@@ -175,7 +175,7 @@ void expectChanges(const std::vector<ChangeForm<T>> &forms) {
 
 // What both have in common.
 template <typename T>
-void expectRefusals(const std::vector<ChangeForm<T>> &forms) {
+void expect_refusals(const std::vector<ChangeForm<T>> &forms) {
     using Write = typename TopicType<T>::Write;
     TypedEndpoints<T> ends(kDomain);
     Sample<T> one(100);
@@ -198,23 +198,23 @@ void expectRefusals(const std::vector<ChangeForm<T>> &forms) {
 template <typename T>
 std::vector<ChangeForm<T>> disposals() {
     using Write = typename TopicType<T>::Write;
-    return formsOf<T>(Write::dispose, Write::dispose_w_timestamp, Write::dispose_w_params);
+    return forms_of<T>(Write::dispose, Write::dispose_w_timestamp, Write::dispose_w_params);
 }
 template <typename T>
 std::vector<ChangeForm<T>> unregistrations() {
     using Write = typename TopicType<T>::Write;
-    return formsOf<T>(Write::unregister_instance, Write::unregister_w_timestamp,
-                      Write::unregister_w_params);
+    return forms_of<T>(Write::unregister_instance, Write::unregister_w_timestamp,
+                       Write::unregister_w_params);
 }
 
 TYPED_TEST(TypedWriterInstances, AreDisposedInThreeForms) {
-    expectChanges<TypeParam>(disposals<TypeParam>());
-    expectRefusals<TypeParam>(disposals<TypeParam>());
+    expect_changes<TypeParam>(disposals<TypeParam>());
+    expect_refusals<TypeParam>(disposals<TypeParam>());
 }
 
 TYPED_TEST(TypedWriterInstances, AreUnregisteredInThreeForms) {
-    expectChanges<TypeParam>(unregistrations<TypeParam>());
-    expectRefusals<TypeParam>(unregistrations<TypeParam>());
+    expect_changes<TypeParam>(unregistrations<TypeParam>());
+    expect_refusals<TypeParam>(unregistrations<TypeParam>());
 }
 
 TYPED_TEST(TypedWriterInstances, AreUnregisteredOnce) {

@@ -57,7 +57,7 @@ TEST(XmlConfigRemote, TheLevelSetFromAnotherProcessIsSaved) {
     ASSERT_EQ(
         VUR_DL_XMLConfig_startWithXMLConfiguration(participant, document.options(), kind.c_str()),
         1);
-    const auto expectSaved = [&](const std::string &level, int number) {
+    const auto expect_saved = [&](const std::string &level, int number) {
         const std::string text = saved(document.root());
         EXPECT_NE(text.find("<filter_level>" + level + "</filter_level>"), std::string::npos)
             << text;
@@ -66,18 +66,18 @@ TEST(XmlConfigRemote, TheLevelSetFromAnotherProcessIsSaved) {
         EXPECT_EQ(again.parse(text), DDS_RETCODE_OK);
         EXPECT_EQ(again.options()->filterLevel, number);
     };
-    expectSaved("ERROR", 300);
+    expect_saved("ERROR", 300);
     for (const auto &[given, name, number] :
          {std::tuple("trace", "TRACE", 800), std::tuple("123", "123", 123),
           std::tuple("silent", "SILENT", 0)}) {
-        ChildProcess command({support::binaryPath("distlog"), "set", "level", kind, given,
+        ChildProcess command({support::binary_path("distlog"), "set", "level", kind, given,
                               "--domain", std::to_string(kDomain)});
         EXPECT_EQ(command.wait(), 0);
         EXPECT_EQ(command.lines(ChildProcess::Stream::kErr), std::vector<std::string>{});
-        expectSaved(name, number);
+        expect_saved(name, number);
     }
     EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
-    expectSaved("ERROR", 300);
+    expect_saved("ERROR", 300);
     EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory(), participant),
               DDS_RETCODE_OK);
 }
@@ -126,7 +126,7 @@ class XmlConfigProfiles : public support::QosProfilesTest {
         return {DDS_KEEP_LAST_HISTORY_QOS, depth, DDS_RELIABLE_RELIABILITY_QOS,
                 durable ? DDS_TRANSIENT_LOCAL_DURABILITY_QOS : DDS_VOLATILE_DURABILITY_QOS, 0U};
     }
-    static void expectDefaults() {
+    static void expect_defaults() {
         EXPECT_EQ(history(VUR_DL_LOG_TOPIC_NAME), kept(10, true));
         EXPECT_EQ(history(VUR_DL_STATE_TOPIC_NAME), kept(1, true));
         EXPECT_EQ(history(VUR_DL_COMMAND_RESPONSE_TOPIC_NAME), kept(10, false));
@@ -134,37 +134,37 @@ class XmlConfigProfiles : public support::QosProfilesTest {
 };
 
 TEST_F(XmlConfigProfiles, ALibraryThatDoesNotExistIsAWarning) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 77)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"P\"", 77)), DDS_RETCODE_OK);
     EXPECT_EQ(start("M", "P"), std::string(kMissingProfile) + "\n");
-    expectDefaults();
+    expect_defaults();
 }
 
 TEST_F(XmlConfigProfiles, AProfileThatDoesNotExistIsAWarning) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 77)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"P\"", 77)), DDS_RETCODE_OK);
     EXPECT_EQ(start("L", "p"), std::string(kMissingProfile) + "\n") << "names are exact";
-    expectDefaults();
+    expect_defaults();
 }
 
 TEST_F(XmlConfigProfiles, EmptyNamesAreAWarning) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 77)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"P\"", 77)), DDS_RETCODE_OK);
     EXPECT_EQ(start("L", ""), std::string(kMissingProfile) + "\n");
-    expectDefaults();
+    expect_defaults();
 }
 
 TEST_F(XmlConfigProfiles, ADocumentThatIsWrongHasNoProfiles) {
-    EXPECT_EQ(addLibrary("<qos_profile name=\"P\"><datawriter_qos><histroy/></datawriter_qos>"
-                         "</qos_profile>"),
+    EXPECT_EQ(add_library("<qos_profile name=\"P\"><datawriter_qos><histroy/></datawriter_qos>"
+                          "</qos_profile>"),
               DDS_RETCODE_ERROR);
     EXPECT_EQ(start("L", "P"), std::string(kMissingProfile) + "\n");
-    expectDefaults();
+    expect_defaults();
 }
 
 // The profile is there: what it says counts, and a topic that it leaves out has the standard's
 // default, with what the logger needs on top.
 TEST_F(XmlConfigProfiles, AProfileWithoutATopicHasTheStandardsDefaults) {
-    ASSERT_EQ(addLibrary("<qos_profile name=\"P\"><datawriter_qos "
-                         "topic_filter=\"vur/distlog/administration/state\"><history><depth>5"
-                         "</depth></history></datawriter_qos></qos_profile>"),
+    ASSERT_EQ(add_library("<qos_profile name=\"P\"><datawriter_qos "
+                          "topic_filter=\"vur/distlog/administration/state\"><history><depth>5"
+                          "</depth></history></datawriter_qos></qos_profile>"),
               DDS_RETCODE_OK);
     EXPECT_EQ(start("L", "P"), "");
     EXPECT_EQ(history(VUR_DL_LOG_TOPIC_NAME), kept(1, true));
@@ -173,17 +173,17 @@ TEST_F(XmlConfigProfiles, AProfileWithoutATopicHasTheStandardsDefaults) {
 }
 
 TEST_F(XmlConfigProfiles, AnEmptyProfileStartsTheLogger) {
-    ASSERT_EQ(addLibrary("<qos_profile name=\"P\"/>"), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library("<qos_profile name=\"P\"/>"), DDS_RETCODE_OK);
     EXPECT_EQ(start("L", "P"), "");
     EXPECT_EQ(history(VUR_DL_LOG_TOPIC_NAME), kept(1, true));
 }
 
 // A profile whose policies do not fit each other is found when the writer is made.
 TEST_F(XmlConfigProfiles, AProfileThatContradictsItselfStopsTheStart) {
-    ASSERT_EQ(addLibrary("<qos_profile name=\"P\"><datawriter_qos><history><depth>9</depth>"
-                         "</history><resource_limits><max_samples_per_instance>3"
-                         "</max_samples_per_instance></resource_limits></datawriter_qos>"
-                         "</qos_profile>"),
+    ASSERT_EQ(add_library("<qos_profile name=\"P\"><datawriter_qos><history><depth>9</depth>"
+                          "</history><resource_limits><max_samples_per_instance>3"
+                          "</max_samples_per_instance></resource_limits></datawriter_qos>"
+                          "</qos_profile>"),
               DDS_RETCODE_OK);
     StdoutCapture capture;
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
@@ -228,7 +228,7 @@ TEST_F(XmlConfigProfiles, TheProfileOfTheLoggersNameMayComeFromTheEnvironment) {
 }
 
 TEST_F(XmlConfigProfiles, AProfileThatIsNamedAlreadyIsLeftAlone) {
-    ASSERT_EQ(addLibrary(profile("name=\"distributed_logger\"", 25)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"distributed_logger\"", 25)), DDS_RETCODE_OK);
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
     EXPECT_EQ(VUR_DL_Options_setQosLibrary(options, "mine"), DDS_RETCODE_OK);
     EXPECT_EQ(VUR_DL_XMLConfig_chooseQosProfile(options), 1);
@@ -246,7 +246,7 @@ TEST_F(XmlConfigProfiles, WithoutAProfileOfTheLoggersNameDefaultsApply) {
                                 profile("name=\"other\"", 24) + "</qos_library></dds>");
     ASSERT_EQ(VUR_DL_XMLConfig_startFromFile(path.c_str(), nullptr, 210, nullptr), 1);
     EXPECT_EQ(VUR_DL_DistLogger_getOptions()->qosLibrary, nullptr);
-    expectDefaults();
+    expect_defaults();
 }
 
 }  // namespace

@@ -156,7 +156,7 @@ TEST_F(XmlConfigRun, SavesTheLiveLevel) {
     DDS_XMLObject *root = DDS_XMLParser_get_root(parser);
     VUR_DL_Options *options =
         VUR_DL_XMLConfig_getDLOptions(VUR_DL_XMLConfig_getXMLConfigFromXMLRoot(root));
-    const auto savedWith = [&](const std::string &level) {
+    const auto saved_with = [&](const std::string &level) {
         DDS_XMLSaveContext context;
         DDS_XMLSaveContext_initialize(&context);
         DDS_XMLObject_save(root, &context);
@@ -167,13 +167,13 @@ TEST_F(XmlConfigRun, SavesTheLiveLevel) {
     ASSERT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(own, options, "kind"), 1);
     EXPECT_EQ(options->domainParticipant, own);
     EXPECT_STREQ(options->applicationKind, "kind");
-    EXPECT_TRUE(savedWith("DEBUG"));
+    EXPECT_TRUE(saved_with("DEBUG"));
     ASSERT_EQ(VUR_DL_DistLogger_setFilterLevel(VUR_DL_DistLogger_getInstance(), 123), 0);
-    EXPECT_TRUE(savedWith("123"));
+    EXPECT_TRUE(saved_with("123"));
     EXPECT_EQ(options->filterLevel, 700);
     // The object may go while the logger runs: it keeps a copy of the options.
     VUR_DL_DistLogger_finalizeInstance();
-    EXPECT_TRUE(savedWith("DEBUG"));
+    EXPECT_TRUE(saved_with("DEBUG"));
     DDS_XMLParser_delete(parser);
     VUR_DL_XMLConfig_destroyXMLExtensionClass(extension);
 }

@@ -116,7 +116,7 @@ std::string &reported() {
     return text;
 }
 
-void logError(const char *message, const char *method, DDS_UnsignedLong line) {
+void log_error(const char *message, const char *method, DDS_UnsignedLong line) {
     reported() += std::to_string(line) + " " + method + ": " + message + "\n";
 }
 
@@ -130,10 +130,10 @@ class XmlConfigFault : public testing::Test {
 
     // Calls the callback that makes an object, below a root, as a parser does. Everything that the
     // call should have released is found by the leak detector.
-    static bool makesObject() {
+    static bool makes_object() {
         const Faults wanted = faults;
         faults = {};
-        DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(logError);
+        DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(log_error);
         DDS_XMLObject root;
         EXPECT_TRUE(DDS_XMLObject_initialize(&root, nullptr, nullptr, "dds", nullptr));
         DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
@@ -155,7 +155,7 @@ class XmlConfigFault : public testing::Test {
 
 TEST_F(XmlConfigFault, NothingFails) {
     StdoutCapture capture;
-    EXPECT_TRUE(makesObject());
+    EXPECT_TRUE(makes_object());
     EXPECT_EQ(capture.text(), "");
     EXPECT_EQ(reported(), "");
 }
@@ -163,7 +163,7 @@ TEST_F(XmlConfigFault, NothingFails) {
 TEST_F(XmlConfigFault, ListenerCannotBeAllocated) {
     StdoutCapture capture;
     faults.allocation_size = sizeof(VUR_DL_XMLConfig_ExtensionClassListener);
-    EXPECT_EQ(VUR_DL_XMLConfig_createXMLExtensionClass(logError), nullptr);
+    EXPECT_EQ(VUR_DL_XMLConfig_createXMLExtensionClass(log_error), nullptr);
     EXPECT_EQ(capture.text(),
               "DL Error: VUR_DL_XMLConfig_createXMLExtensionClass: could not allocate extension "
               "class listener\n");
@@ -172,7 +172,7 @@ TEST_F(XmlConfigFault, ListenerCannotBeAllocated) {
 TEST_F(XmlConfigFault, ExtensionClassCannotBeMade) {
     StdoutCapture capture;
     faults.extension_class = true;
-    EXPECT_EQ(VUR_DL_XMLConfig_createXMLExtensionClass(logError), nullptr);
+    EXPECT_EQ(VUR_DL_XMLConfig_createXMLExtensionClass(log_error), nullptr);
     EXPECT_EQ(capture.text(),
               "DL Error: VUR_DL_XMLConfig_createXMLExtensionClass: creation of XML extension class "
               "failed\n");
@@ -181,7 +181,7 @@ TEST_F(XmlConfigFault, ExtensionClassCannotBeMade) {
 TEST_F(XmlConfigFault, ObjectCannotBeAllocated) {
     StdoutCapture capture;
     faults.allocation_size = sizeof(VUR_DL_XMLConfig);
-    EXPECT_FALSE(makesObject());
+    EXPECT_FALSE(makes_object());
     EXPECT_EQ(capture.text(),
               "DL Error: VUR_DL_XMLConfig_create: could not allocate XML options object\n"
               "DL Error: VUR_DL_XMLConfig_new: XML object creation failed\n");
@@ -189,13 +189,13 @@ TEST_F(XmlConfigFault, ObjectCannotBeAllocated) {
 
 TEST_F(XmlConfigFault, OptionsCannotBeMade) {
     faults.options = true;
-    EXPECT_FALSE(makesObject());
+    EXPECT_FALSE(makes_object());
     EXPECT_EQ(reported(), "7 VUR_DL_XMLConfig_new: default options creation failed\n");
 }
 
 TEST_F(XmlConfigFault, BaseObjectCannotBeInitialised) {
     faults.object = true;
-    EXPECT_FALSE(makesObject());
+    EXPECT_FALSE(makes_object());
     EXPECT_EQ(reported(), "7 VUR_DL_XMLConfig_new: XML object initialization failed\n");
 }
 
@@ -253,7 +253,7 @@ TEST_F(XmlConfigFault, ParticipantThatCannotBeSetDoesNotCount) {
 
 // A logger that is said to run and is not there: the parsed level is saved.
 TEST_F(XmlConfigFault, LoggerThatIsGoneWhileSavingDoesNotCount) {
-    DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(logError);
+    DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(log_error);
     DDS_XMLObject root;
     ASSERT_TRUE(DDS_XMLObject_initialize(&root, nullptr, nullptr, "dds", nullptr));
     DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;

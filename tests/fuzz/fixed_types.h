@@ -15,20 +15,20 @@ namespace fuzz {
 using namespace support;  // NOLINT
 
 // In the order of the corpus: appended to, never reordered.
-inline const std::vector<const DDS_TypeCode *> &fixedTypes() {
+inline const std::vector<const DDS_TypeCode *> &fixed_types() {
     static const std::vector<const DDS_TypeCode *> types = {
-        everythingType(),
-        messageType(),
-        mutableRequestType(),
-        finalRequestType(),
-        finalOptionsType(),
-        mutableOptionsType(),
-        appendableVersion2Type(),
-        mutableVersion2Type(),
-        mutableHolderType(),
-        appendableHolderType(),
-        largeType(),
-        appendableChoiceType(),
+        everything_type(),
+        message_type(),
+        mutable_request_type(),
+        final_request_type(),
+        final_options_type(),
+        mutable_options_type(),
+        appendable_version2_type(),
+        mutable_version2_type(),
+        mutable_holder_type(),
+        appendable_holder_type(),
+        large_type(),
+        appendable_choice_type(),
         VUR_DL_LogMessage_get_typecode(),
         VUR_DL_ADMIN_State_get_typecode(),
         VUR_DL_ADMIN_CommandRequest_get_typecode(),
@@ -36,15 +36,15 @@ inline const std::vector<const DDS_TypeCode *> &fixedTypes() {
         VUR_DL_ADMIN_Command_get_typecode(),
         VUR_DL_HostAndAppId_get_typecode(),
         VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode(),
-        appendableOptionsType(),
-        appendableVersion1Type(),
-        mutableVersion1Type(),
-        strictVersion2Type(),
-        finalHolderType(),
-        finalChoiceType(),
-        mutableChoiceType(),
-        fallbackType(),
-        pointType(),
+        appendable_options_type(),
+        appendable_version1_type(),
+        mutable_version1_type(),
+        strict_version2_type(),
+        final_holder_type(),
+        final_choice_type(),
+        mutable_choice_type(),
+        fallback_type(),
+        point_type(),
     };
     return types;
 }

@@ -23,26 +23,26 @@ using namespace fuzz;     // NOLINT
 using namespace support;  // NOLINT
 
 // Programs that stay: otherwise every input would compile its type again.
-void keepPrograms() {
+void keep_programs() {
     static const bool kept = [] {
-        for (const DDS_TypeCode *type : fixedTypes()) KOLT_TypePrograms_acquire(type);
+        for (const DDS_TypeCode *type : fixed_types()) KOLT_TypePrograms_acquire(type);
         return true;
     }();
     static_cast<void>(kept);
 }
 
 // Bytes of a good sample with a few of them changed.
-void checkEdited(const DDS_TypeCode *type, std::vector<uint8_t> bytes, Decisions decisions) {
+void check_edited(const DDS_TypeCode *type, std::vector<uint8_t> bytes, Decisions decisions) {
     for (int edits = 0; edits < 4 && !decisions.empty(); ++edits) {
         const size_t at = decisions.Word() % bytes.size();
         bytes[at] = decisions.Byte();
         if (decisions.OneIn(8)) bytes.resize(at + 1);
     }
-    checkSample(type, bytes.data(), bytes.size());
-    checkKey(type, bytes.data(), bytes.size());
+    check_sample(type, bytes.data(), bytes.size());
+    check_key(type, bytes.data(), bytes.size());
 }
 
-void runMadeUp(const uint8_t *data, size_t size) {
+void run_made_up(const uint8_t *data, size_t size) {
     if (size == 0) return;
     const size_t description = data[0] < size ? data[0] : size - 1;
     Decisions decisions(data + 1, description);
@@ -51,17 +51,17 @@ void runMadeUp(const uint8_t *data, size_t size) {
     const KOLT_TypePrograms *const programs = KOLT_TypePrograms_acquire(type);
     const uint8_t *const payload = data + 1 + description;
     const size_t length = size - 1 - description;
-    checkSample(type, payload, length);
-    checkKey(type, payload, length);
+    check_sample(type, payload, length);
+    check_key(type, payload, length);
     DDS_DynamicData *const value = DDS_DynamicData_new(type, nullptr);
     Decisions content(payload, length);
-    checkedFill(value, &content);
-    for (const DDS_UnsignedShort encapsulation : encapsulationsOf(type)) {
-        const std::vector<uint8_t> bytes = checkedBytes(value, encapsulation);
-        if (!checkSample(type, bytes.data(), bytes.size())) std::abort();
-        checkEdited(type, bytes, Decisions(payload, length));
+    checked_fill(value, &content);
+    for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
+        const std::vector<uint8_t> bytes = checked_bytes(value, encapsulation);
+        if (!check_sample(type, bytes.data(), bytes.size())) std::abort();
+        check_edited(type, bytes, Decisions(payload, length));
     }
-    if (made.shorter() != nullptr) checkEvolution(type, made.shorter(), value);
+    if (made.shorter() != nullptr) check_evolution(type, made.shorter(), value);
     DDS_DynamicData_delete(value);
     KOLT_TypePrograms_release(programs);
 }
@@ -70,14 +70,14 @@ void runMadeUp(const uint8_t *data, size_t size) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (size == 0) return 0;
-    keepPrograms();
+    keep_programs();
     const uint8_t selection = data[0] % kTypeSelections;
-    const std::vector<const DDS_TypeCode *> &types = fixedTypes();
+    const std::vector<const DDS_TypeCode *> &types = fixed_types();
     if (selection >= types.size()) {
-        runMadeUp(data + 1, size - 1);
+        run_made_up(data + 1, size - 1);
         return 0;
     }
-    checkSample(types[selection], data + 1, size - 1);
-    checkKey(types[selection], data + 1, size - 1);
+    check_sample(types[selection], data + 1, size - 1);
+    check_key(types[selection], data + 1, size - 1);
     return 0;
 }

@@ -74,7 +74,7 @@ class Subject {
 };
 
 std::deque<Subject> &subjects() {
-    static std::deque<Subject> all(fixedTypes().begin(), fixedTypes().end());
+    static std::deque<Subject> all(fixed_types().begin(), fixed_types().end());
     return all;
 }
 

@@ -18,7 +18,7 @@
 
 namespace {
 
-void ignoreError(const char *, const char *, DDS_UnsignedLong) {}
+void ignore_error(const char *, const char *, DDS_UnsignedLong) {}
 
 // What is wrong ends the process, so that the fuzzer keeps the input.
 void check(bool holds, const char *what) {
@@ -61,7 +61,7 @@ class Document {
         return checked(
             DDS_XMLParser_parse_string(parser_, text, static_cast<DDS_LongLong>(size), nullptr));
     }
-    bool parseFile(const char *path) { return checked(DDS_XMLParser_parse_file(parser_, path)); }
+    bool parse_file(const char *path) { return checked(DDS_XMLParser_parse_file(parser_, path)); }
 
     DDS_XMLObject *root() const { return DDS_XMLParser_get_root(parser_); }
     const VUR_DL_XMLConfig *config() const {
@@ -79,7 +79,7 @@ class Document {
         return parsed;
     }
 
-    DDS_XMLExtensionClass *class_ = VUR_DL_XMLConfig_createXMLExtensionClass(ignoreError);
+    DDS_XMLExtensionClass *class_ = VUR_DL_XMLConfig_createXMLExtensionClass(ignore_error);
     DDS_XMLParser *parser_ = DDS_XMLParser_new();
 };
 
@@ -94,7 +94,7 @@ bool save(const DDS_XMLObject *object, std::string &text) {
 }
 
 // The options of the element survive, and are written the same again.
-void compareElements(const VUR_DL_XMLConfig *first, const VUR_DL_XMLConfig *second) {
+void compare_elements(const VUR_DL_XMLConfig *first, const VUR_DL_XMLConfig *second) {
     check((first == nullptr) == (second == nullptr), "the element got lost");
     if (first == nullptr) {
         return;
@@ -107,7 +107,7 @@ void compareElements(const VUR_DL_XMLConfig *first, const VUR_DL_XMLConfig *seco
     check(text == again, "saved in another way");
 }
 
-void parseSaveParse(const char *text, std::size_t size) {
+void parse_save_parse(const char *text, std::size_t size) {
     Document document;
     std::string saved;
     if (!document.parse(text, size) || !save(document.root(), saved)) {
@@ -115,7 +115,7 @@ void parseSaveParse(const char *text, std::size_t size) {
     }
     Document again;
     if (again.parse(saved.data(), saved.size())) {
-        compareElements(document.config(), again.config());
+        compare_elements(document.config(), again.config());
     } else {
         // Saving indents, so that a document near the limits may not come back.
         check(size > 100000, "what was saved does not parse");
@@ -124,7 +124,7 @@ void parseSaveParse(const char *text, std::size_t size) {
 
 // A file is read in pieces, a text in one. The bytes stand behind a comment, so that the end of a
 // piece falls into them, where their first byte says.
-void parseBothWays(const char *text, std::size_t size) {
+void parse_both_ways(const char *text, std::size_t size) {
     constexpr std::size_t kPiece = 16384;
     if (size == 0) {
         return;
@@ -137,7 +137,7 @@ void parseBothWays(const char *text, std::size_t size) {
     Document from_text;
     Document from_file;
     const bool parsed = from_text.parse(document.data(), document.size());
-    check(parsed == from_file.parseFile(file.path()), "the file is another document");
+    check(parsed == from_file.parse_file(file.path()), "the file is another document");
     check(from_text.message() == from_file.message() && from_text.line() == from_file.line(),
           "another error");
     if (parsed) {
@@ -158,7 +158,7 @@ struct QosFunctions {
 
 // A profile that was loaded can be read, and says the same twice.
 template <typename Qos>
-void readTwice(const QosFunctions<Qos> &functions, const char *library, const char *profile) {
+void read_twice(const QosFunctions<Qos> &functions, const char *library, const char *profile) {
     Qos qos[2];
     for (Qos &each : qos) {
         functions.initialize(&each);
@@ -171,14 +171,14 @@ void readTwice(const QosFunctions<Qos> &functions, const char *library, const ch
     functions.finalize(&qos[1]);
 }
 
-#define READ_TWICE(Qos, name)                                                    \
-    readTwice<Qos>({Qos##_initialize, Qos##_finalize, Qos##_equals,              \
-                    DDS_DomainParticipantFactory_get_##name##_qos_from_profile}, \
-                   library, profile)
+#define READ_TWICE(Qos, name)                                                     \
+    read_twice<Qos>({Qos##_initialize, Qos##_finalize, Qos##_equals,              \
+                     DDS_DomainParticipantFactory_get_##name##_qos_from_profile}, \
+                    library, profile)
 
 // The same for a topic of its own.
 #define READ_TOPIC_TWICE(Qos, name)                                                          \
-    readTwice<Qos>(                                                                          \
+    read_twice<Qos>(                                                                         \
         {Qos##_initialize, Qos##_finalize, Qos##_equals,                                     \
          [](DDS_DomainParticipantFactory *factory, Qos *qos, const char *its_library,        \
             const char *its_profile) {                                                       \
@@ -187,7 +187,7 @@ void readTwice(const QosFunctions<Qos> &functions, const char *library, const ch
          }},                                                                                 \
         library, profile)
 
-void readProfile(const char *library, const char *profile) {
+void read_profile(const char *library, const char *profile) {
     READ_TWICE(DDS_DomainParticipantQos, participant);
     READ_TWICE(DDS_PublisherQos, publisher);
     READ_TWICE(DDS_SubscriberQos, subscriber);
@@ -199,7 +199,7 @@ void readProfile(const char *library, const char *profile) {
     READ_TOPIC_TWICE(DDS_DataReaderQos, datareader);
 }
 
-void loadProfiles(const char *text, std::size_t size) {
+void load_profiles(const char *text, std::size_t size) {
     DDS_DomainParticipantFactory *factory = DDS_DomainParticipantFactory_get_instance();
     DDS_DomainParticipantFactory_unload_profiles(factory);
     const TemporaryFile file(text, size);
@@ -216,7 +216,7 @@ void loadProfiles(const char *text, std::size_t size) {
                   DDS_RETCODE_OK,
               "a library without a list of profiles");
         for (DDS_UnsignedLong j = 0; j < DDS_StringSeq_get_length(&profiles); ++j) {
-            readProfile(library, DDS_StringSeq_get(&profiles, static_cast<DDS_Long>(j)));
+            read_profile(library, DDS_StringSeq_get(&profiles, static_cast<DDS_Long>(j)));
         }
     }
     DDS_StringSeq_finalize(&profiles);
@@ -240,13 +240,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string text(reinterpret_cast<const char *>(data) + 1, size - 1);
     switch (data[0] & 3U) {
         case 1U:
-            parseSaveParse(text.data(), text.size());
+            parse_save_parse(text.data(), text.size());
             break;
         case 3U:
-            parseBothWays(text.data(), text.size());
+            parse_both_ways(text.data(), text.size());
             break;
         default:
-            loadProfiles(text.data(), text.size());
+            load_profiles(text.data(), text.size());
             break;
     }
     return 0;

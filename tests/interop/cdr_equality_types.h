@@ -183,13 +183,13 @@ struct CommandRequest {
                 static_cast<com_vur_dl_admin_VURLoggerPrintFormat>(command._u.printFormat);
             to.command.printFormat = &print_format_;
         } else {
-            convertSequence(command._u.categoryAndVerbosity);
+            convert_sequence(command._u.categoryAndVerbosity);
             to.command.categoryAndVerbosity = &sequence_;
         }
     }
 
   private:
-    void convertSequence(const VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq &from) {
+    void convert_sequence(const VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq &from) {
         sequence_ = {};
         sequence_._maximum = static_cast<uint32_t>(elements_.size());
         sequence_._length = from._length;

@@ -56,7 +56,7 @@ inline constexpr const char *kProfiles = R"(<dds>
 </dds>)";
 
 // The factory's profiles, in a process that has asked for none so far.
-inline bool loadProfiles() {
+inline bool load_profiles() {
     DDS_DomainParticipantFactory *const factory = DDS_DomainParticipantFactory_get_instance();
     DDS_DomainParticipantFactoryQos qos;
     DDS_DomainParticipantFactoryQos_initialize(&qos);
@@ -78,7 +78,7 @@ struct LiveSettings {
     const char *profile = "Xcdr2";
 };
 
-inline bool storeOptions(int domain, int filter_level, const LiveSettings &settings) {
+inline bool store_options(int domain, int filter_level, const LiveSettings &settings) {
     VUR_DL_Options *const options = VUR_DL_Options_createDefault();
     const bool ok = VUR_DL_Options_setDomainId(options, domain) == DDS_RETCODE_OK &&
                     VUR_DL_Options_setFilterLevel(options, filter_level) == DDS_RETCODE_OK &&
@@ -98,7 +98,7 @@ inline bool storeOptions(int domain, int filter_level, const LiveSettings &setti
 class LiveLogger {
   public:
     LiveLogger(int domain, int filter_level, const LiveSettings &settings = {})
-        : logger_(loadProfiles() && storeOptions(domain, filter_level, settings)
+        : logger_(load_profiles() && store_options(domain, filter_level, settings)
                       ? VUR_DL_DistLogger_getInstance()
                       : nullptr) {}
     ~LiveLogger() { end(); }
@@ -110,7 +110,7 @@ class LiveLogger {
     support::Ids ids(int domain) const {
         support::Monitor monitor({.domain = domain, .log = false, .commands = false});
         support::Ids found;
-        EXPECT_TRUE(monitor.waitForState([&found](const support::StateSample &state) {
+        EXPECT_TRUE(monitor.wait_for_state([&found](const support::StateSample &state) {
             found = state.sender;
             return state.valid && state.kind == kind();
         }));
@@ -139,9 +139,9 @@ inline Fields split(const std::string &line) {
 }
 
 // Reads on until a line satisfies `wanted`; no fields when none does.
-inline Fields readUntil(support::ChildProcess &peer,
-                        const std::function<bool(const Fields &)> &wanted) {
-    while (const std::optional<std::string> line = peer.readLine()) {
+inline Fields read_until(support::ChildProcess &peer,
+                         const std::function<bool(const Fields &)> &wanted) {
+    while (const std::optional<std::string> line = peer.read_line()) {
         Fields fields = split(*line);
         if (wanted(fields)) {
             return fields;
@@ -149,13 +149,13 @@ inline Fields readUntil(support::ChildProcess &peer,
     }
     return {};
 }
-inline Fields readUntil(support::ChildProcess &peer, const std::string &first) {
-    return readUntil(peer, [&first](const Fields &fields) { return fields[0] == first; });
+inline Fields read_until(support::ChildProcess &peer, const std::string &first) {
+    return read_until(peer, [&first](const Fields &fields) { return fields[0] == first; });
 }
 
 // The peer ends in good order and has not complained.
 inline void dismiss(support::ChildProcess &peer) {
-    peer.closeInput();
+    peer.close_input();
     EXPECT_EQ(peer.wait(), 0);
     EXPECT_EQ(peer.lines(support::ChildProcess::Stream::kErr), Fields{});
 }

@@ -68,12 +68,12 @@ class EngineType {
     EngineType(const EngineType &) = delete;
     EngineType &operator=(const EngineType &) = delete;
 
-    bool isUsable() const { return first_ != nullptr; }
+    bool is_usable() const { return first_ != nullptr; }
 
     Serdata make(const void *sample) const {
         return Serdata(ddsi_serdata_from_sample(first_->type, SDK_DATA, sample));
     }
-    Serdata makeKey(const void *sample) const {
+    Serdata make_key(const void *sample) const {
         return Serdata(ddsi_serdata_from_sample(first_->type, SDK_KEY, sample));
     }
     Serdata make(const Bytes &bytes) const {
@@ -84,7 +84,7 @@ class EngineType {
         vector.iov_len = copy.size();
         return Serdata(ddsi_serdata_from_ser_iov(first_->type, SDK_DATA, 1, &vector, copy.size()));
     }
-    static Bytes bytesOf(const Serdata &data) {
+    static Bytes bytes_of(const Serdata &data) {
         Bytes bytes(ddsi_serdata_size(data.get()));
         ddsi_serdata_to_ser(data.get(), 0, bytes.size(), bytes.data());
         return bytes;
@@ -113,13 +113,13 @@ class CdrEquality : public testing::Test {
         Type::kFinalize(&ours_);
         Type::kFinalize(&read_);
     }
-    void SetUp() override { ASSERT_TRUE(engine_->isUsable()); }
+    void SetUp() override { ASSERT_TRUE(engine_->is_usable()); }
 
     void next() {
         Type::fill(ours_, random_);
         type_.convert(theirs_, ours_);
     }
-    Bytes ourBytes() const {
+    Bytes our_bytes() const {
         DDS_UnsignedLong length = 0;
         EXPECT_TRUE(Type::kSerialize(nullptr, &length, &ours_, DDS_XCDR2_DATA_REPRESENTATION));
         Bytes bytes(length);
@@ -128,7 +128,7 @@ class CdrEquality : public testing::Test {
         EXPECT_EQ(bytes.size(), length);
         return bytes;
     }
-    Bytes ourSwappedBytes() const {
+    Bytes our_swapped_bytes() const {
         const KOLT_TypePrograms *const programs = KOLT_TypePrograms_acquire(Type::kCode());
         const auto encapsulation = static_cast<DDS_UnsignedShort>(
             DDS_TypeCode_get_native_encapsulation(Type::kCode(), DDS_XCDR2_DATA_REPRESENTATION) ^
@@ -141,10 +141,10 @@ class CdrEquality : public testing::Test {
         return bytes;
     }
     // What the engine reads, as the engine writes it.
-    Bytes writtenAgain(const Serdata &data) {
+    Bytes written_again(const Serdata &data) {
         auto *const sample = static_cast<Theirs *>(dds_alloc(sizeof(Theirs)));
         EXPECT_TRUE(ddsi_serdata_to_sample(data.get(), sample, nullptr, nullptr));
-        Bytes again = EngineType::bytesOf(engine_->make(sample));
+        Bytes again = EngineType::bytes_of(engine_->make(sample));
         dds_sample_free(sample, &Type::kDescriptor, DDS_FREE_ALL);
         return again;
     }
@@ -172,7 +172,7 @@ TYPED_TEST(CdrEquality, SamplesReachEveryValue) {
         this->next();
         coverage.add(*TypeParam::kCode(), &this->ours_, "");
     }
-    coverage.expectAll(*TypeParam::kCode(), "");
+    coverage.expect_all(*TypeParam::kCode(), "");
 }
 
 TYPED_TEST(CdrEquality, SerialisesToTheSameBytes) {
@@ -180,14 +180,14 @@ TYPED_TEST(CdrEquality, SerialisesToTheSameBytes) {
         this->next();
         const Serdata data = this->engine_->make(&this->theirs_);
         ASSERT_NE(data, nullptr);
-        ASSERT_EQ(this->padded(this->ourBytes()), EngineType::bytesOf(data)) << "sample " << i;
+        ASSERT_EQ(this->padded(this->our_bytes()), EngineType::bytes_of(data)) << "sample " << i;
     }
 }
 
 TYPED_TEST(CdrEquality, ReadsWhatTheOtherWrites) {
     for (int i = 0; i < kSampleCount; ++i) {
         this->next();
-        const Bytes bytes = EngineType::bytesOf(this->engine_->make(&this->theirs_));
+        const Bytes bytes = EngineType::bytes_of(this->engine_->make(&this->theirs_));
         ASSERT_TRUE(TypeParam::kDeserialize(&this->read_,
                                             reinterpret_cast<const char *>(bytes.data()),
                                             static_cast<DDS_UnsignedLong>(bytes.size())))
@@ -199,18 +199,18 @@ TYPED_TEST(CdrEquality, ReadsWhatTheOtherWrites) {
 
 // The engine's reader is strict: what it takes, it gives back as the same bytes.
 template <typename Test>
-void expectReadByTheOther(Test *test, const Bytes &bytes) {
+void expect_read_by_the_other(Test *test, const Bytes &bytes) {
     const Serdata data = test->engine_->make(bytes);
     ASSERT_NE(data, nullptr);
-    const Bytes again = test->writtenAgain(data);
-    ASSERT_EQ(again, EngineType::bytesOf(test->engine_->make(&test->theirs_)));
+    const Bytes again = test->written_again(data);
+    ASSERT_EQ(again, EngineType::bytes_of(test->engine_->make(&test->theirs_)));
 }
 
 TYPED_TEST(CdrEquality, WritesWhatTheOtherReads) {
     for (int i = 0; i < kSampleCount; ++i) {
         SCOPED_TRACE(i);
         this->next();
-        ASSERT_NO_FATAL_FAILURE(expectReadByTheOther(this, this->ourBytes()));
+        ASSERT_NO_FATAL_FAILURE(expect_read_by_the_other(this, this->our_bytes()));
     }
 }
 
@@ -220,7 +220,7 @@ TYPED_TEST(CdrEquality, WritesTheOtherByteOrder) {
     for (int i = 0; i < kSampleCount; ++i) {
         SCOPED_TRACE(i);
         this->next();
-        ASSERT_NO_FATAL_FAILURE(expectReadByTheOther(this, this->ourSwappedBytes()));
+        ASSERT_NO_FATAL_FAILURE(expect_read_by_the_other(this, this->our_swapped_bytes()));
     }
 }
 
@@ -255,7 +255,7 @@ TYPED_TEST(CdrKeyEquality, ReadsTheKeysThatTheOtherWrites) {
     ASSERT_NE(programs, nullptr);
     for (int i = 0; i < kSampleCount; ++i) {
         this->next();
-        const Bytes bytes = EngineType::bytesOf(this->engine_->makeKey(&this->theirs_));
+        const Bytes bytes = EngineType::bytes_of(this->engine_->make_key(&this->theirs_));
         std::array<DDS_Octet, 64> key = {};
         std::array<DDS_Octet, 64> expected = {};
         size_t length = key.size();
@@ -282,7 +282,8 @@ TYPED_TEST(CdrKeyEquality, KeyPayloadsAreTheSame) {
         ASSERT_TRUE(KOLT_Cdr_serialize_key(programs, encapsulation, &this->ours_, bytes.data(),
                                            bytes.size(), &length));
         bytes.resize(length);
-        ASSERT_EQ(this->padded(bytes), EngineType::bytesOf(this->engine_->makeKey(&this->theirs_)))
+        ASSERT_EQ(this->padded(bytes),
+                  EngineType::bytes_of(this->engine_->make_key(&this->theirs_)))
             << "sample " << i;
     }
 }

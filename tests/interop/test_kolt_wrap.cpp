@@ -38,7 +38,7 @@ TEST(KoltWrap, WrapperIsUsedLikeAnyParticipant) {
 
     Node there(14);
     ASSERT_EQ(
-        DDS_DomainParticipant_register_type(wrapper, kMessageTypeName, &messagePlugin(), nullptr),
+        DDS_DomainParticipant_register_type(wrapper, kMessageTypeName, &message_plugin(), nullptr),
         DDS_RETCODE_OK);
     DDS_Topic *const topic = DDS_DomainParticipant_create_topic(
         wrapper, own("messages").c_str(), kMessageTypeName, nullptr, nullptr, DDS_STATUS_MASK_NONE);
@@ -48,9 +48,9 @@ TEST(KoltWrap, WrapperIsUsedLikeAnyParticipant) {
     DDS_DataWriter *const writer =
         DDS_Publisher_create_datawriter(publisher, topic, nullptr, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataReader *const reader = there.reader();
-    ASSERT_TRUE(isMatched(writer));
+    ASSERT_TRUE(is_matched(writer));
     ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
-    EXPECT_EQ(takeAtLeast(reader, 1).size(), 1U);
+    EXPECT_EQ(take_at_least(reader, 1).size(), 1U);
 
     EXPECT_EQ(KOLT_DomainParticipant_unwrap(wrapper), DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory, wrapper),

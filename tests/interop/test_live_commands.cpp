@@ -38,15 +38,15 @@ class LiveCommands : public ::testing::Test {
     // Has a tool send one request; the State before it and the response to it.
     void ask(const std::string &kind, const std::string &value, int invocation) {
         tool_ = std::make_unique<ChildProcess>(
-            std::vector<std::string>{support::helperPath("peer_request"), std::to_string(domain_),
+            std::vector<std::string>{support::helper_path("peer_request"), std::to_string(domain_),
                                      std::to_string(target_.host), std::to_string(target_.app),
                                      kind, value, std::to_string(invocation)});
-        const Fields self = interop::readUntil(*tool_, "self");
+        const Fields self = interop::read_until(*tool_, "self");
         ASSERT_EQ(self.size(), 3U);
-        before_ = interop::readUntil(*tool_, "state");
+        before_ = interop::read_until(*tool_, "state");
         ASSERT_EQ(before_.size(), kStateFields);
         // States that come before the response are looked for among all lines.
-        response_ = interop::readUntil(*tool_, "response");
+        response_ = interop::read_until(*tool_, "response");
         ASSERT_EQ(response_.size(), kMessage + 1);
         EXPECT_EQ(
             Fields(response_.begin() + 1, response_.begin() + kInvocation),
@@ -54,7 +54,7 @@ class LiveCommands : public ::testing::Test {
         EXPECT_EQ(response_[kInvocation], std::to_string(invocation));
     }
     // A State with `value` in `field` has come to the tool, or comes.
-    bool showsState(std::size_t field, const std::string &value) {
+    bool shows_state(std::size_t field, const std::string &value) {
         return support::eventually([&] {
             for (const std::string &line : tool_->lines()) {
                 const Fields fields = interop::split(line);
@@ -81,7 +81,7 @@ TEST_F(LiveCommands, TheFilterLevelIsSet) {
     EXPECT_EQ(response_[kResult], "0");
     EXPECT_EQ(response_[kMessage], "");
     EXPECT_EQ(VUR_DL_DistLogger_getFilterLevel(logger_->get()), 725);
-    EXPECT_TRUE(showsState(kFilterLevel, "725"));
+    EXPECT_TRUE(shows_state(kFilterLevel, "725"));
 
     EXPECT_EQ(before_[3], "140");
     EXPECT_EQ(before_[kStateKind], "1");
@@ -104,8 +104,8 @@ TEST_F(LiveCommands, TwoVerbositiesAreSet) {
     EXPECT_EQ(
         KOLT_Config_Logger_get_verbosity_by_category(config, KOLT_CONFIG_LOG_CATEGORY_DATABASE),
         KOLT_CONFIG_LOG_VERBOSITY_SILENT);
-    EXPECT_TRUE(showsState(kVerbosities + 3, "3:5"));
-    EXPECT_TRUE(showsState(kVerbosities + 2, "2:0"));
+    EXPECT_TRUE(shows_state(kVerbosities + 3, "3:5"));
+    EXPECT_TRUE(shows_state(kVerbosities + 2, "2:0"));
     interop::dismiss(*tool_);
 }
 
@@ -115,7 +115,7 @@ TEST_F(LiveCommands, ThePrintFormatIsSet) {
     EXPECT_EQ(response_[kResult], "0");
     EXPECT_EQ(KOLT_Config_Logger_get_print_format(KOLT_Config_Logger_get_instance()),
               KOLT_CONFIG_LOG_PRINT_FORMAT_DEBUG);
-    EXPECT_TRUE(showsState(kFormat, "4"));
+    EXPECT_TRUE(shows_state(kFormat, "4"));
     interop::dismiss(*tool_);
 }
 
@@ -145,8 +145,8 @@ TEST_F(LiveCommands, TheEndOfTheLoggerIsSeen) {
     ASSERT_NO_FATAL_FAILURE(ask("level", "600", 9));
     EXPECT_EQ(response_[kResult], "0");
     logger_->end();
-    EXPECT_TRUE(showsState(kStateKind, "2"));
-    const Fields gone = interop::readUntil(*tool_, "instance");
+    EXPECT_TRUE(shows_state(kStateKind, "2"));
+    const Fields gone = interop::read_until(*tool_, "instance");
     ASSERT_EQ(gone.size(), 4U);
     EXPECT_EQ(gone[2], std::to_string(target_.host));
     EXPECT_EQ(gone[3], std::to_string(target_.app));

@@ -100,14 +100,14 @@ class InstancesToIdlc : public ::testing::Test {
         node_.emplace(domain);
         writer_ = node_->writer();
         ASSERT_NE(writer_, nullptr);
-        monitor_.emplace(std::vector<std::string>{support::helperPath("peer_monitor"),
+        monitor_.emplace(std::vector<std::string>{support::helper_path("peer_monitor"),
                                                   std::to_string(domain), node_->topic_name});
-        ASSERT_TRUE(support::isMatched(VUR_DL_LogMessageDataWriter_as_datawriter(writer_)));
+        ASSERT_TRUE(support::is_matched(VUR_DL_LogMessageDataWriter_as_datawriter(writer_)));
     }
     // The next line about messages or instances.
     Fields next() {
-        return interop::readUntil(*monitor_,
-                                  [](const Fields &fields) { return fields[0] != "matched"; });
+        return interop::read_until(*monitor_,
+                                   [](const Fields &fields) { return fields[0] != "matched"; });
     }
 
     std::optional<Node> node_;
@@ -185,18 +185,18 @@ class InstancesFromIdlc : public ::testing::Test {
         node_.emplace(domain);
         reader_ = node_->reader();
         ASSERT_NE(reader_, nullptr);
-        source_.emplace(std::vector<std::string>{support::helperPath("peer_writer"),
+        source_.emplace(std::vector<std::string>{support::helper_path("peer_writer"),
                                                  std::to_string(domain), node_->topic_name});
         ASSERT_TRUE(run("matched 1"));
-        ASSERT_TRUE(support::isMatched(VUR_DL_LogMessageDataReader_as_datareader(reader_)));
+        ASSERT_TRUE(support::is_matched(VUR_DL_LogMessageDataReader_as_datareader(reader_)));
     }
     bool run(const std::string &line) {
         source_->say(line);
-        const std::optional<std::string> answer = source_->readLine();
+        const std::optional<std::string> answer = source_->read_line();
         EXPECT_EQ(answer.value_or("nothing"), "ok") << line;
         return answer == "ok";
     }
-    std::vector<Received> takeAll() {
+    std::vector<Received> take_all() {
         std::vector<Received> all;
         VUR_DL_LogMessageSeq samples = DDS_SEQUENCE_INITIALIZER;
         DDS_SampleInfoSeq infos = DDS_SEQUENCE_INITIALIZER;
@@ -215,9 +215,9 @@ class InstancesFromIdlc : public ::testing::Test {
         return all;
     }
     // Waits for the one sample that the source's last line has caused.
-    Received takeOne() {
+    Received take_one() {
         std::vector<Received> all;
-        EXPECT_TRUE(support::eventually([&] { return !(all = takeAll()).empty(); }));
+        EXPECT_TRUE(support::eventually([&] { return !(all = take_all()).empty(); }));
         EXPECT_EQ(all.size(), 1U);
         return all.empty() ? Received{} : all[0];
     }
@@ -238,7 +238,7 @@ class InstancesFromIdlc : public ::testing::Test {
         return received;
     }
     // The handle stands for the key.
-    void expectHandle(DDS_InstanceHandle_t handle, int host, int app, int level) const {
+    void expect_handle(DDS_InstanceHandle_t handle, int host, int app, int level) const {
         Message key(0, 0, 0);
         EXPECT_EQ(VUR_DL_LogMessageDataReader_get_key_value(reader_, key.get(), handle),
                   DDS_RETCODE_OK);
@@ -247,13 +247,13 @@ class InstancesFromIdlc : public ::testing::Test {
         EXPECT_EQ(key->level, level);
         EXPECT_EQ(VUR_DL_LogMessageDataReader_lookup_instance(reader_, key.get()), handle);
     }
-    static void expectKey(const Received &received, int host, int app, int level) {
+    static void expect_key(const Received &received, int host, int app, int level) {
         EXPECT_EQ(received.host, host);
         EXPECT_EQ(received.app, app);
         EXPECT_EQ(received.level, level);
     }
-    static void expectState(const Received &received, bool valid, DDS_InstanceStateKind instance,
-                            DDS_ViewStateKind view) {
+    static void expect_state(const Received &received, bool valid, DDS_InstanceStateKind instance,
+                             DDS_ViewStateKind view) {
         EXPECT_EQ(received.info.valid_data != DDS_BOOLEAN_FALSE, valid);
         EXPECT_EQ(received.info.instance_state, instance);
         EXPECT_EQ(received.info.view_state, view);
@@ -268,9 +268,9 @@ class InstancesFromIdlc : public ::testing::Test {
 TEST_F(InstancesFromIdlc, ALifeIsToldByTheSampleInfos) {
     ASSERT_NO_FATAL_FAILURE(start(148));
     ASSERT_TRUE(run("write -7 8 300 9000000000 pump hot"));
-    Received received = takeOne();
-    expectKey(received, -7, 8, 300);
-    expectState(received, true, DDS_ALIVE_INSTANCE_STATE, DDS_NEW_VIEW_STATE);
+    Received received = take_one();
+    expect_key(received, -7, 8, 300);
+    expect_state(received, true, DDS_ALIVE_INSTANCE_STATE, DDS_NEW_VIEW_STATE);
     EXPECT_EQ(received.id, 9000000000);
     EXPECT_EQ(received.category, "pump");
     EXPECT_EQ(received.message, "hot");
@@ -280,29 +280,29 @@ TEST_F(InstancesFromIdlc, ALifeIsToldByTheSampleInfos) {
     EXPECT_NE(publication, DDS_HANDLE_NIL);
 
     ASSERT_TRUE(run("write -7 8 300 2 pump warm"));
-    received = takeOne();
-    expectState(received, true, DDS_ALIVE_INSTANCE_STATE, DDS_NOT_NEW_VIEW_STATE);
+    received = take_one();
+    expect_state(received, true, DDS_ALIVE_INSTANCE_STATE, DDS_NOT_NEW_VIEW_STATE);
     EXPECT_EQ(received.info.instance_handle, instance);
 
     ASSERT_TRUE(run("dispose -7 8 300"));
-    received = takeOne();
-    expectKey(received, -7, 8, 300);
-    expectState(received, false, DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE, DDS_NOT_NEW_VIEW_STATE);
+    received = take_one();
+    expect_key(received, -7, 8, 300);
+    expect_state(received, false, DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE, DDS_NOT_NEW_VIEW_STATE);
     EXPECT_EQ(received.info.instance_handle, instance);
     EXPECT_EQ(received.info.publication_handle, publication);
-    expectHandle(instance, -7, 8, 300);
+    expect_handle(instance, -7, 8, 300);
 
     // Alive again: a new generation, which is a new instance to the view.
     ASSERT_TRUE(run("write -7 8 300 3 pump again"));
-    received = takeOne();
-    expectState(received, true, DDS_ALIVE_INSTANCE_STATE, DDS_NEW_VIEW_STATE);
+    received = take_one();
+    expect_state(received, true, DDS_ALIVE_INSTANCE_STATE, DDS_NEW_VIEW_STATE);
     EXPECT_EQ(received.info.disposed_generation_count, 1);
     EXPECT_EQ(received.info.no_writers_generation_count, 0);
 
     ASSERT_TRUE(run("unregister -7 8 300"));
-    received = takeOne();
-    expectKey(received, -7, 8, 300);
-    expectState(received, false, DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE, DDS_NOT_NEW_VIEW_STATE);
+    received = take_one();
+    expect_key(received, -7, 8, 300);
+    expect_state(received, false, DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE, DDS_NOT_NEW_VIEW_STATE);
     EXPECT_EQ(received.info.disposed_generation_count, 1);
     interop::dismiss(*source_);
 }
@@ -315,22 +315,22 @@ TEST_F(InstancesFromIdlc, KeysAreKeptApart) {
         char line[80];
         std::snprintf(line, sizeof line, "write %d %d %d 1 c m", key[0], key[1], key[2]);
         ASSERT_TRUE(run(line));
-        const Received received = takeOne();
-        expectKey(received, key[0], key[1], key[2]);
+        const Received received = take_one();
+        expect_key(received, key[0], key[1], key[2]);
         EXPECT_EQ(received.info.view_state, DDS_NEW_VIEW_STATE);
         handles.push_back(received.info.instance_handle);
-        expectHandle(received.info.instance_handle, key[0], key[1], key[2]);
+        expect_handle(received.info.instance_handle, key[0], key[1], key[2]);
     }
     // Only the one that is named goes.
     ASSERT_TRUE(run("dispose 2 1 100"));
-    const Received gone = takeOne();
+    const Received gone = take_one();
     EXPECT_EQ(gone.info.instance_handle, handles[2]);
-    expectKey(gone, 2, 1, 100);
+    expect_key(gone, 2, 1, 100);
     // The end of the writer is that of the others.
     interop::dismiss(*source_);
     std::vector<Received> orphans;
     ASSERT_TRUE(support::eventually([&] {
-        for (const Received &received : takeAll()) {
+        for (const Received &received : take_all()) {
             orphans.push_back(received);
         }
         return orphans.size() >= 3;
@@ -343,7 +343,7 @@ TEST_F(InstancesFromIdlc, KeysAreKeptApart) {
         ASSERT_NE(handle, handles.end());
         const auto index = handle - handles.begin();
         EXPECT_NE(index, 2);
-        expectKey(orphan, keys[index][0], keys[index][1], keys[index][2]);
+        expect_key(orphan, keys[index][0], keys[index][1], keys[index][2]);
     }
 }
 

@@ -53,8 +53,8 @@ TEST(LiveMessages, EveryMessageArrivesInOrder) {
     interop::LiveLogger logger(kDomain, 800);
     ASSERT_NE(logger.get(), nullptr);
     ChildProcess monitor(
-        {support::helperPath("peer_monitor"), std::to_string(kDomain), VUR_DL_LOG_TOPIC_NAME});
-    ASSERT_FALSE(interop::readUntil(monitor, "matched").empty());
+        {support::helper_path("peer_monitor"), std::to_string(kDomain), VUR_DL_LOG_TOPIC_NAME});
+    ASSERT_FALSE(interop::read_until(monitor, "matched").empty());
 
     const support::Ids ids = logger.ids(kDomain);
     const Fields sender{std::to_string(ids.host), std::to_string(ids.app)};
@@ -76,7 +76,7 @@ TEST(LiveMessages, EveryMessageArrivesInOrder) {
             log();
         }
         // Others may log in the domain.
-        const Fields fields = interop::readUntil(monitor, [&sender](const Fields &line) {
+        const Fields fields = interop::read_until(monitor, [&sender](const Fields &line) {
             return line[0] == "sample" && line.at(2) == sender[0] && line.at(3) == sender[1];
         });
         ASSERT_EQ(fields.size(), 8U) << "after " << received << " of " << logged;
@@ -97,9 +97,9 @@ class Stream {
   public:
     Stream(int domain, const interop::LiveSettings &settings)
         : logger_(domain, 800, settings),
-          monitor_({support::helperPath("peer_monitor"), std::to_string(domain),
+          monitor_({support::helper_path("peer_monitor"), std::to_string(domain),
                     VUR_DL_LOG_TOPIC_NAME}) {
-        if (logger_.get() == nullptr || interop::readUntil(monitor_, "matched").empty()) {
+        if (logger_.get() == nullptr || interop::read_until(monitor_, "matched").empty()) {
             ADD_FAILURE() << "they do not meet";
             return;
         }
@@ -107,7 +107,7 @@ class Stream {
         // The first message alone is certain to arrive: it says that the writer has found the
         // reader.
         log();
-        expectNext();
+        expect_next();
     }
 
     void log(std::size_t padding = 0) {
@@ -117,8 +117,8 @@ class Stream {
         VUR_DL_DistLogger_log(logger_.get(), 600, text.c_str());
     }
     // The message behind the last one is the next to arrive.
-    bool expectNext() {
-        const Fields fields = interop::readUntil(monitor_, [this](const Fields &line) {
+    bool expect_next() {
+        const Fields fields = interop::read_until(monitor_, [this](const Fields &line) {
             return line[0] == "sample" && line.at(2) == std::to_string(sender_.host) &&
                    line.at(3) == std::to_string(sender_.app);
         });
@@ -133,8 +133,8 @@ class Stream {
         EXPECT_TRUE(right) << "message " << fields[5] << " in place of " << received_;
         return right;
     }
-    void expectAll() {
-        while (received_ < logged_ && expectNext()) {
+    void expect_all() {
+        while (received_ < logged_ && expect_next()) {
         }
     }
     void end() { interop::dismiss(monitor_); }
@@ -151,7 +151,7 @@ class Stream {
     std::int64_t received_ = 0;
 };
 
-void expectHundredThousand(int domain, const char *profile) {
+void expect_hundred_thousand(int domain, const char *profile) {
     constexpr std::int64_t kMany = 100000;
     constexpr int kQueue = 8192;
     Stream stream(domain, {.queue_size = kQueue, .profile = profile});
@@ -163,7 +163,7 @@ void expectHundredThousand(int domain, const char *profile) {
         while (stream.logged() < kMany && stream.logged() - stream.received() < kQueue - 1) {
             stream.log(static_cast<std::size_t>(stream.logged() % 200));
         }
-        ASSERT_TRUE(stream.expectNext());
+        ASSERT_TRUE(stream.expect_next());
     }
     const std::chrono::duration<double> span = std::chrono::steady_clock::now() - start;
     std::printf("%.2f s, %.0f messages/s\n", span.count(), kMany / span.count());
@@ -172,14 +172,14 @@ void expectHundredThousand(int domain, const char *profile) {
 }
 
 TEST(LiveMessages, AHundredThousandArriveInOrder) {
-    expectHundredThousand(201, "Xcdr2");
+    expect_hundred_thousand(201, "Xcdr2");
 }
 
 // The writer waits for ever, and keeps no more than a little once everybody has it. (The engine
 // announces a writer's resource limits and does not enforce them: bytes that are not acknowledged
 // hold it back.)
 TEST(LiveMessages, AHundredThousandArriveInOrderFromABoundedHistory) {
-    expectHundredThousand(202, "Bounded");
+    expect_hundred_thousand(202, "Bounded");
 }
 
 // The writer waits for a reader that stands still, and log calls do not wait for the writer.
@@ -191,7 +191,7 @@ TEST(LiveMessages, AReaderThatStandsStillLosesNothing) {
         stream.log(2000);  // more in all than the writer keeps for a reader
     }
     stream.monitor().signal(SIGCONT);
-    stream.expectAll();
+    stream.expect_all();
     stream.end();
 }
 
@@ -211,7 +211,7 @@ TEST(LiveMessages, AWriteThatTimesOutDelaysItsMessage) {
     const std::int64_t target = stream.logged();
     while (stream.received() < target) {
         stream.log();
-        ASSERT_TRUE(stream.expectNext());
+        ASSERT_TRUE(stream.expect_next());
     }
     stream.end();
 }

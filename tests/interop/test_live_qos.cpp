@@ -61,8 +61,8 @@ class LiveQos : public testing::Test {
         return path_.c_str();
     }
     bool start(int domain, const std::string &library) {
-        watcher_.emplace(Fields{support::helperPath("peer_endpoints"), std::to_string(domain)});
-        EXPECT_EQ(interop::readUntil(*watcher_, "watching").size(), 1U);
+        watcher_.emplace(Fields{support::helper_path("peer_endpoints"), std::to_string(domain)});
+        EXPECT_EQ(interop::read_until(*watcher_, "watching").size(), 1U);
         return VUR_DL_XMLConfig_startFromFile(write(library + kLogger), nullptr, domain,
                                               interop::kind().c_str()) == 1;
     }
@@ -73,13 +73,13 @@ class LiveQos : public testing::Test {
                 return interop::split(line);
             }
         }
-        return interop::readUntil(*watcher_, wanted);
+        return interop::read_until(*watcher_, wanted);
     }
     Endpoint endpoint(const std::string &what, const std::string &topic) {
-        return endpointOf(
+        return endpoint_of(
             heard([&](const Fields &line) { return line[0] == what && line.at(1) == topic; }));
     }
-    static Endpoint endpointOf(const Fields &line) {
+    static Endpoint endpoint_of(const Fields &line) {
         if (line.size() != 12U) {
             ADD_FAILURE() << "no such endpoint";
             return {};

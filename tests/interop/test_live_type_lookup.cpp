@@ -31,7 +31,7 @@ constexpr unsigned kKey = 0x20;
 constexpr unsigned kDefault = 0x40;
 
 // "A::B" as "x::b", and so on: where the logger's types live on the network.
-std::string announcedName(const std::string &name) {
+std::string announced_name(const std::string &name) {
     for (const auto &[from, to] :
          {std::pair<std::string, std::string>{"VUR::DL::ADMIN::", "com::vur::dl::admin::"},
           {"VUR::DL::", "com::vur::dl::"}}) {
@@ -60,19 +60,19 @@ class Findings {
     int minimal() const { return minimal_; }
 
     // The type with the identifier, and all that it consists of, is the type code's.
-    void expectType(const std::string &id, const DDS_TypeCode &code) {
+    void expect_type(const std::string &id, const DDS_TypeCode &code) {
         if (!expected_.insert(id).second) return;
         ASSERT_EQ(types_.count(id), 1U) << code.name;
         const Fields &type = types_[id];
-        EXPECT_EQ(type.at(2), announcedName(code.name));
+        EXPECT_EQ(type.at(2), announced_name(code.name));
         EXPECT_EQ(type.at(3), code.kind == DDS_TK_STRUCT  ? "structure"
                               : code.kind == DDS_TK_UNION ? "union"
                                                           : "enumeration");
         EXPECT_EQ(number(type.at(4)), 1U << code.extensibility) << code.name;
         next_[id] = 0;
         for (DDS_UnsignedLong i = 0; i < code.member_count; ++i) {
-            code.kind == DDS_TK_ENUM ? expectEnumerator(id, code.members[i])
-                                     : expectMember(id, code, code.members[i]);
+            code.kind == DDS_TK_ENUM ? expect_enumerator(id, code.members[i])
+                                     : expect_member(id, code, code.members[i]);
         }
         EXPECT_EQ(next_[id], parts_[id].size()) << code.name;
     }
@@ -88,13 +88,13 @@ class Findings {
         return next_[id] < parts.size() ? parts[next_[id]++] : Fields(6);
     }
 
-    void expectEnumerator(const std::string &id, const DDS_TypeCodeMember &enumerator) {
+    void expect_enumerator(const std::string &id, const DDS_TypeCodeMember &enumerator) {
         EXPECT_EQ(next(id),
                   (Fields{"enumerator", id, std::to_string(enumerator.ordinal), enumerator.name}));
     }
 
-    void expectMember(const std::string &id, const DDS_TypeCode &code,
-                      const DDS_TypeCodeMember &member) {
+    void expect_member(const std::string &id, const DDS_TypeCode &code,
+                       const DDS_TypeCodeMember &member) {
         unsigned flags = kDiscard;
         if (member.is_optional) flags |= kOptional;
         if (member.is_key) flags |= kKey;
@@ -106,7 +106,7 @@ class Findings {
         ASSERT_EQ(fields.size(), 6U);
         EXPECT_EQ(Fields(fields.begin(), fields.end() - 1),
                   (Fields{"member", id, std::to_string(member.id), member.name, text}));
-        expectTypeOf(*member.type, fields.back());
+        expect_type_of(*member.type, fields.back());
         if (code.kind != DDS_TK_UNION) return;
         for (DDS_UnsignedLong i = 0; i < member.label_count; ++i) {
             EXPECT_EQ(next(id), (Fields{"case", id, std::to_string(member.id),
@@ -115,13 +115,13 @@ class Findings {
     }
 
     // What the tool says of a member's type.
-    void expectTypeOf(const DDS_TypeCode &code, const std::string &text) {
+    void expect_type_of(const DDS_TypeCode &code, const std::string &text) {
         const std::string bound = std::to_string(code.bound);
         switch (code.kind) {
             case DDS_TK_STRUCT:
             case DDS_TK_UNION:
             case DDS_TK_ENUM:
-                expectType(text, code);
+                expect_type(text, code);
                 break;
             case DDS_TK_STRING:
                 EXPECT_EQ(text, "string<" + bound + ">");
@@ -130,7 +130,7 @@ class Findings {
                 const std::string end = "," + bound + ">";
                 if (code.bound > 255) break;  // the tool spells small ones only
                 ASSERT_TRUE(text.starts_with("sequence<") && text.ends_with(end)) << text;
-                expectTypeOf(*code.content_type, text.substr(9, text.size() - 9 - end.size()));
+                expect_type_of(*code.content_type, text.substr(9, text.size() - 9 - end.size()));
                 break;
             }
             case DDS_TK_ARRAY: {
@@ -140,16 +140,16 @@ class Findings {
                     break;
                 }
                 ASSERT_TRUE(text.ends_with(end)) << text;
-                expectTypeOf(*code.content_type, text.substr(0, text.size() - end.size()));
+                expect_type_of(*code.content_type, text.substr(0, text.size() - end.size()));
                 break;
             }
             default:
-                EXPECT_EQ(text, primitiveName(code.kind));
+                EXPECT_EQ(text, primitive_name(code.kind));
                 break;
         }
     }
 
-    static std::string primitiveName(DDS_TCKind kind) {
+    static std::string primitive_name(DDS_TCKind kind) {
         static const std::map<DDS_TCKind, std::string> names = {
             {DDS_TK_BOOLEAN, "BOOLEAN"}, {DDS_TK_CHAR, "CHAR"},      {DDS_TK_OCTET, "BYTE"},
             {DDS_TK_SHORT, "INT16"},     {DDS_TK_USHORT, "UINT16"},  {DDS_TK_LONG, "INT32"},
@@ -166,19 +166,19 @@ class Findings {
     int minimal_ = 0;
 };
 
-std::unique_ptr<ChildProcess> startTool(int domain, const std::string &prefix,
-                                        const std::string &sample_topic = "") {
-    std::vector<std::string> command = {support::helperPath("peer_types"), std::to_string(domain),
+std::unique_ptr<ChildProcess> start_tool(int domain, const std::string &prefix,
+                                         const std::string &sample_topic = "") {
+    std::vector<std::string> command = {support::helper_path("peer_types"), std::to_string(domain),
                                         prefix};
     if (!sample_topic.empty()) command.push_back(sample_topic);
     return std::make_unique<ChildProcess>(command);
 }
 
 // "writer topic" to the rest of the endpoint's line, once there are `count`.
-std::map<std::string, Fields> readEndpoints(ChildProcess &tool, size_t count) {
+std::map<std::string, Fields> read_endpoints(ChildProcess &tool, size_t count) {
     std::map<std::string, Fields> endpoints;
     while (endpoints.size() < count) {
-        const Fields line = interop::readUntil(tool, "endpoint");
+        const Fields line = interop::read_until(tool, "endpoint");
         if (line.size() != 5) break;
         endpoints[line[1] + " " + line[2]] = Fields(line.begin() + 3, line.end());
     }
@@ -186,7 +186,7 @@ std::map<std::string, Fields> readEndpoints(ChildProcess &tool, size_t count) {
 }
 
 // The members, as the engine prints those of mutable types.
-void expectMembers(const std::string &sample, const std::vector<std::string> &members) {
+void expect_members(const std::string &sample, const std::vector<std::string> &members) {
     for (const std::string &member : members) {
         EXPECT_NE(sample.find(member), std::string::npos) << member << " in " << sample;
     }
@@ -198,8 +198,8 @@ TEST(LiveTypeLookup, TheLoggersTypesAreFound) {
     constexpr int kDomain = 164;
     interop::LiveLogger logger(kDomain, 600);
     ASSERT_NE(logger.get(), nullptr);
-    const auto tool = startTool(kDomain, VUR_DL_LOG_TOPIC_NAME);
-    const std::map<std::string, Fields> endpoints = readEndpoints(*tool, 4);
+    const auto tool = start_tool(kDomain, VUR_DL_LOG_TOPIC_NAME);
+    const std::map<std::string, Fields> endpoints = read_endpoints(*tool, 4);
     interop::dismiss(*tool);
     ASSERT_EQ(endpoints.size(), 4U);
 
@@ -220,7 +220,7 @@ TEST(LiveTypeLookup, TheLoggersTypesAreFound) {
     for (const auto &[endpoint, type_name, code] : expected) {
         ASSERT_EQ(endpoints.count(endpoint), 1U) << endpoint;
         EXPECT_EQ(endpoints.at(endpoint)[0], type_name);
-        findings.expectType(endpoints.at(endpoint)[1], *code);
+        findings.expect_type(endpoints.at(endpoint)[1], *code);
     }
     // LogMessage, HostAndAppId; State, StateKind, CategoryAndVerbosity, and three enumerations;
     // CommandResponse, CommandResult.
@@ -236,11 +236,11 @@ TEST(LiveTypeLookup, MessagesAreDecodedByTheirLookedUpType) {
     interop::LiveLogger logger(kDomain, 600);
     ASSERT_NE(logger.get(), nullptr);
     VUR_DL_DistLogger_logMessageWithLevelCategory(logger.get(), 300, "no oil", "pump");
-    const auto tool = startTool(kDomain, VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TOPIC_NAME);
-    const Fields sample = interop::readUntil(*tool, "sample");
+    const auto tool = start_tool(kDomain, VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TOPIC_NAME);
+    const Fields sample = interop::read_until(*tool, "sample");
     interop::dismiss(*tool);
     ASSERT_EQ(sample.size(), 3U);
-    expectMembers(sample[2], {"m:1,{300}", "m:2,{\"pump\"}", "m:3,{\"no oil\"}"});
+    expect_members(sample[2], {"m:1,{300}", "m:2,{\"pump\"}", "m:3,{\"no oil\"}"});
 }
 
 TEST(LiveTypeLookup, StatesAreDecodedByTheirLookedUpType) {
@@ -248,14 +248,14 @@ TEST(LiveTypeLookup, StatesAreDecodedByTheirLookedUpType) {
     const char *const topic = "vur/distlog/administration/state";
     interop::LiveLogger logger(kDomain, 700);
     ASSERT_NE(logger.get(), nullptr);
-    const auto tool = startTool(kDomain, topic, topic);
-    const Fields sample = interop::readUntil(*tool, [](const Fields &line) {
+    const auto tool = start_tool(kDomain, topic, topic);
+    const Fields sample = interop::read_until(*tool, [](const Fields &line) {
         return line[0] == "sample" && line.at(2).find(interop::kind()) != std::string::npos;
     });
     interop::dismiss(*tool);
     ASSERT_EQ(sample.size(), 3U);
-    expectMembers(sample[2],
-                  {"m:1,{166}", "m:2,{1}", "m:3,{\"" + interop::kind() + "\"}", "m:4,{700}"});
+    expect_members(sample[2],
+                   {"m:1,{166}", "m:2,{1}", "m:3,{\"" + interop::kind() + "\"}", "m:4,{700}"});
 }
 
 // ---- Every kind of type -------------------------------------------------------------------------
@@ -267,10 +267,10 @@ class LookedUp : public ::testing::Test {
 
     // A writer of a type without records, which never writes.
     void announce(const DDS_TypeCode *code, const std::string &topic_name) {
-        KOLT_TypePlugin plugin = support::pointPlugin();
+        KOLT_TypePlugin plugin = support::point_plugin();
         plugin.type_code = code;
         plugin.endpoint_type_name = code->name;
-        DDS_Topic *const topic = node_.topicOf(plugin, topic_name);
+        DDS_Topic *const topic = node_.topic_of(plugin, topic_name);
         ASSERT_NE(topic, nullptr);
         ASSERT_NE(node_.writer({}, topic), nullptr);
     }
@@ -289,15 +289,15 @@ TEST_F(LookedUp, EveryKindOfTypeIsFound) {
         {prefix + "deep", kinds_.deep()},
         {prefix + "arrays", kinds_.arrays()}};
     for (const auto &[topic, code] : codes) announce(code, topic);
-    const auto tool = startTool(kDomain, prefix);
-    const std::map<std::string, Fields> endpoints = readEndpoints(*tool, codes.size());
+    const auto tool = start_tool(kDomain, prefix);
+    const std::map<std::string, Fields> endpoints = read_endpoints(*tool, codes.size());
     interop::dismiss(*tool);
     Findings findings(tool->lines());
     EXPECT_EQ(findings.missing(), 0);
     for (const auto &[topic, code] : codes) {
         ASSERT_EQ(endpoints.count("writer " + topic), 1U) << topic;
         EXPECT_EQ(endpoints.at("writer " + topic)[0], code->name);
-        findings.expectType(endpoints.at("writer " + topic)[1], *code);
+        findings.expect_type(endpoints.at("writer " + topic)[1], *code);
     }
 }
 
@@ -305,12 +305,12 @@ TEST_F(LookedUp, EveryKindOfTypeIsFound) {
 // type_object.h). Its compiler and its dynamic types do not know it.
 TEST_F(LookedUp, AMutableUnionGoesByItsName) {
     const std::string prefix = support::own("union") + "/";
-    KOLT_TypePlugin plugin = support::pointPlugin();
-    plugin.type_code = support::mutableRequestType();
+    KOLT_TypePlugin plugin = support::point_plugin();
+    plugin.type_code = support::mutable_request_type();
     plugin.endpoint_type_name = "Test::MutableRequest";
-    ASSERT_NE(node_.writer({}, node_.topicOf(plugin, prefix + "request")), nullptr);
-    const auto tool = startTool(kDomain, prefix);
-    const std::map<std::string, Fields> endpoints = readEndpoints(*tool, 1);
+    ASSERT_NE(node_.writer({}, node_.topic_of(plugin, prefix + "request")), nullptr);
+    const auto tool = start_tool(kDomain, prefix);
+    const std::map<std::string, Fields> endpoints = read_endpoints(*tool, 1);
     interop::dismiss(*tool);
     ASSERT_EQ(endpoints.count("writer " + prefix + "request"), 1U);
     EXPECT_EQ(endpoints.begin()->second, (Fields{"Test::MutableRequest", "none"}));
@@ -320,10 +320,10 @@ TEST_F(LookedUp, AMutableUnionGoesByItsName) {
 TEST_F(LookedUp, TypesComeAndGo) {
     for (int i = 0; i < 20; ++i) {
         support::Node node(kDomain);
-        KOLT_TypePlugin plugin = support::pointPlugin();
+        KOLT_TypePlugin plugin = support::point_plugin();
         plugin.type_code = kinds_.everything();
         plugin.endpoint_type_name = "kinds::Everything";
-        DDS_Topic *const topic = node.topicOf(plugin, support::own("comes"));
+        DDS_Topic *const topic = node.topic_of(plugin, support::own("comes"));
         ASSERT_NE(node.writer({}, topic), nullptr);
         ASSERT_NE(node.reader({}, DDS_Topic_as_topicdescription(topic)), nullptr);
     }

@@ -20,7 +20,7 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-Bytes bytesOf(const dds_type_meta_ser &serialised) {
+Bytes bytes_of(const dds_type_meta_ser &serialised) {
     return Bytes(serialised.data, serialised.data + serialised.sz);
 }
 
@@ -37,27 +37,28 @@ class Octets {
     DDS_OctetSeq seq_ = DDS_SEQUENCE_INITIALIZER;
 };
 
-void expectEqual(const DDS_TypeCode *type, const dds_topic_descriptor_t &descriptor) {
+void expect_equal(const DDS_TypeCode *type, const dds_topic_descriptor_t &descriptor) {
     Octets information;
     Octets mapping;
     ASSERT_EQ(
         KOLT_TypeObject_describe(type, descriptor.m_typename, information.get(), mapping.get()), 0);
-    EXPECT_EQ(information.bytes(), bytesOf(descriptor.type_information));
-    EXPECT_EQ(mapping.bytes(), bytesOf(descriptor.type_mapping));
+    EXPECT_EQ(information.bytes(), bytes_of(descriptor.type_information));
+    EXPECT_EQ(mapping.bytes(), bytes_of(descriptor.type_mapping));
 }
 
 // ---- The logger's types -------------------------------------------------------------------------
 
 TEST(TypeInformation, LogMessageIsIdlcs) {
-    expectEqual(VUR_DL_LogMessage_get_typecode(), com_vur_dl_LogMessage_desc);
+    expect_equal(VUR_DL_LogMessage_get_typecode(), com_vur_dl_LogMessage_desc);
 }
 
 TEST(TypeInformation, StateIsIdlcs) {
-    expectEqual(VUR_DL_ADMIN_State_get_typecode(), com_vur_dl_admin_State_desc);
+    expect_equal(VUR_DL_ADMIN_State_get_typecode(), com_vur_dl_admin_State_desc);
 }
 
 TEST(TypeInformation, CommandResponseIsIdlcs) {
-    expectEqual(VUR_DL_ADMIN_CommandResponse_get_typecode(), com_vur_dl_admin_CommandResponse_desc);
+    expect_equal(VUR_DL_ADMIN_CommandResponse_get_typecode(),
+                 com_vur_dl_admin_CommandResponse_desc);
 }
 
 // What docs/wire-format.md says of them.
@@ -91,9 +92,9 @@ TEST(TypeInformation, IdentifiersAndSizesOfTheWireFormat) {
 }
 
 TEST(TypeInformation, NestedTypesAreIdlcs) {
-    expectEqual(VUR_DL_HostAndAppId_get_typecode(), com_vur_dl_HostAndAppId_desc);
-    expectEqual(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode(),
-                com_vur_dl_admin_VURLoggerCategoryAndVerbosity_desc);
+    expect_equal(VUR_DL_HostAndAppId_get_typecode(), com_vur_dl_HostAndAppId_desc);
+    expect_equal(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode(),
+                 com_vur_dl_admin_VURLoggerCategoryAndVerbosity_desc);
 }
 
 // ---- type_kinds_idlc.idl ------------------------------------------------------------------------
@@ -104,24 +105,24 @@ class Kinds : public ::testing::Test {
 };
 
 TEST_F(Kinds, EverythingIsIdlcs) {
-    expectEqual(kinds_.everything(), kinds_Everything_desc);
+    expect_equal(kinds_.everything(), kinds_Everything_desc);
 }
 
 TEST_F(Kinds, FinalStructureIsIdlcs) {
-    expectEqual(kinds_.plain(), kinds_Plain_desc);
+    expect_equal(kinds_.plain(), kinds_Plain_desc);
 }
 
 TEST_F(Kinds, AppendableStructureIsIdlcs) {
-    expectEqual(kinds_.growing(), kinds_Growing_desc);
+    expect_equal(kinds_.growing(), kinds_Growing_desc);
 }
 
 TEST_F(Kinds, UnionIsIdlcs) {
-    expectEqual(kinds_.top(), kinds_Top_desc);
+    expect_equal(kinds_.top(), kinds_Top_desc);
 }
 
 // A type of a module, made of types of the module around it.
 TEST_F(Kinds, ModulesAreIdlcs) {
-    expectEqual(kinds_.deep(), kinds_inner_Deep_desc);
+    expect_equal(kinds_.deep(), kinds_inner_Deep_desc);
 }
 
 }  // namespace

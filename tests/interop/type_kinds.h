@@ -27,7 +27,7 @@ class TypeKinds {
     const DDS_TypeCode *top() {
         return book_.unite("kinds::Top", DDS_APPENDABLE_EXTENSIBILITY, of(DDS_TK_SHORT),
                            {MemberOf("number", 1, long_).labels({1}),
-                            MemberOf("text", 2, book_.string()).byDefault()});
+                            MemberOf("text", 2, book_.string()).by_default()});
     }
     const DDS_TypeCode *deep() {
         return book_.structure("kinds::inner::Deep", DDS_FINAL_EXTENSIBILITY,
@@ -60,7 +60,7 @@ class TypeKinds {
                 MemberOf("text", 11, book_.string()).key(),
                 {"bounded", 12, book_.string(255)},
                 {"longer", 13, book_.string(256)},
-                MemberOf("shade", 14, shade_).mustUnderstand(),
+                MemberOf("shade", 14, shade_).must_understand(),
                 MemberOf("step", 15, step_).optional(),
                 MemberOf("perhaps", 16, book_.string(4)).optional(),
                 {"octets", 17, book_.sequence(of(DDS_TK_OCTET))},
@@ -99,7 +99,7 @@ class TypeKinds {
     const DDS_TypeCode *const fallback_ =
         book_.unite("kinds::Fallback", DDS_APPENDABLE_EXTENSIBILITY, shade_,
                     {MemberOf("real", 1, of(DDS_TK_DOUBLE)).labels({0}),
-                     MemberOf("pairs", 2, book_.sequence(pair_, 3)).byDefault()});
+                     MemberOf("pairs", 2, book_.sequence(pair_, 3)).by_default()});
     const DDS_TypeCode *const lettered_ =
         book_.unite("kinds::Lettered", DDS_FINAL_EXTENSIBILITY, of(DDS_TK_CHAR),
                     {MemberOf("one", 1, of(DDS_TK_OCTET)).labels({'a'}),

@@ -56,7 +56,7 @@ class Attached {
     }
     // What `write` (serialize or serialize_key) makes of the sample.
     template <typename Write>
-    std::vector<DDS_Octet> bytesOf(Write write, const T &sample, DDS_UnsignedShort encapsulation) {
+    std::vector<DDS_Octet> bytes_of(Write write, const T &sample, DDS_UnsignedShort encapsulation) {
         std::vector<DDS_Octet> buffer(8192);
         KOLT_CdrStream stream = {};
         KOLT_CdrStream_set(&stream, buffer.data(), buffer.size());
@@ -66,7 +66,7 @@ class Attached {
     }
     // Reads them back with `read` (deserialize, deserialize_key or deserialize_key_sample).
     template <typename Read>
-    bool readBack(Read read, std::vector<DDS_Octet> &bytes, T *sample) {
+    bool read_back(Read read, std::vector<DDS_Octet> &bytes, T *sample) {
         KOLT_CdrStream stream = {};
         KOLT_CdrStream_set(&stream, bytes.data(), bytes.size());
         void *target = sample;

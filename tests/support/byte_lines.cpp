@@ -10,40 +10,40 @@
 namespace support {
 namespace {
 
-Bytes bytesOf(const ByteLine &line, bool big) {
-    return fromHex(big ? line.big : line.little);
+Bytes bytes_of(const ByteLine &line, bool big) {
+    return from_hex(big ? line.big : line.little);
 }
 
-Bytes bytesOf(const ByteLines &lines, bool big) {
+Bytes bytes_of(const ByteLines &lines, bool big) {
     Bytes all;
     for (const ByteLine &line : lines) {
-        const Bytes bytes = bytesOf(line, big);
+        const Bytes bytes = bytes_of(line, big);
         all.insert(all.end(), bytes.begin(), bytes.end());
     }
     return all;
 }
 
 // The rule that a byte follows from.
-const char *ruleOf(const ByteLines &lines, bool big, size_t position) {
+const char *rule_of(const ByteLines &lines, bool big, size_t position) {
     size_t end = 0;
     for (const ByteLine &line : lines) {
-        end += bytesOf(line, big).size();
+        end += bytes_of(line, big).size();
         if (position < end) return line.why;
     }
     return "the end";
 }
 
-void expectWritten(const Bytes &written, const ByteLines &lines, bool big) {
-    const Bytes expected = bytesOf(lines, big);
+void expect_written(const Bytes &written, const ByteLines &lines, bool big) {
+    const Bytes expected = bytes_of(lines, big);
     if (written == expected) return;
     size_t at = 0;
     while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
-    ADD_FAILURE() << "byte " << at << " breaks: " << ruleOf(lines, big, at) << "\nwritten  "
-                  << toHex(written) << "\nexpected " << toHex(expected);
+    ADD_FAILURE() << "byte " << at << " breaks: " << rule_of(lines, big, at) << "\nwritten  "
+                  << to_hex(written) << "\nexpected " << to_hex(expected);
 }
 
-void expectRead(const DDS_TypeCode *type, const KOLT_TypePrograms *programs, const Bytes &bytes,
-                const void *record) {
+void expect_read(const DDS_TypeCode *type, const KOLT_TypePrograms *programs, const Bytes &bytes,
+                 const void *record) {
     if (type->kind == DDS_TK_ENUM) {
         DDS_Enum value = -1;
         EXPECT_TRUE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), &value));
@@ -55,14 +55,14 @@ void expectRead(const DDS_TypeCode *type, const KOLT_TypePrograms *programs, con
     const DDS_TypeDeallocationParams_t deallocation = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
     ASSERT_TRUE(KOLT_Record_initialize_w_params(type, memory.data(), &allocation));
     EXPECT_TRUE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), memory.data()));
-    EXPECT_TRUE(KOLT_Record_equals(type, record, memory.data())) << toHex(bytes);
+    EXPECT_TRUE(KOLT_Record_equals(type, record, memory.data())) << to_hex(bytes);
     KOLT_Record_finalize_w_params(type, memory.data(), &deallocation);
 }
 
 }  // namespace
 
-void expectLines(const DDS_TypeCode *type, const void *record,
-                 DDS_DataRepresentationId_t representation, const ByteLines &lines) {
+void expect_lines(const DDS_TypeCode *type, const void *record,
+                  DDS_DataRepresentationId_t representation, const ByteLines &lines) {
     const Programs programs(type);
     ASSERT_NE(static_cast<const KOLT_TypePrograms *>(programs), nullptr);
     const unsigned native = DDS_TypeCode_get_native_encapsulation(type, representation);
@@ -70,8 +70,8 @@ void expectLines(const DDS_TypeCode *type, const void *record,
         SCOPED_TRACE(std::string(DDS_TypeCode_name(type)) + (big ? ", big" : ", little") +
                      "-endian");
         const unsigned encapsulation = big ? native & ~1U : native | 1U;
-        expectWritten(serialize(programs, encapsulation, record), lines, big);
-        expectRead(type, programs, bytesOf(lines, big), record);
+        expect_written(serialize(programs, encapsulation, record), lines, big);
+        expect_read(type, programs, bytes_of(lines, big), record);
     }
 }
 

@@ -18,8 +18,8 @@ using ByteLines = std::vector<ByteLine>;
 
 // The record is written as these bytes in both byte orders, and these bytes are read as the record.
 // `representation`: which of the type's encapsulations the lines are of.
-void expectLines(const DDS_TypeCode *type, const void *record,
-                 DDS_DataRepresentationId_t representation, const ByteLines &lines);
+void expect_lines(const DDS_TypeCode *type, const void *record,
+                  DDS_DataRepresentationId_t representation, const ByteLines &lines);
 
 // One list of lines after the other.
 ByteLines joined(std::initializer_list<ByteLines> parts);

@@ -372,15 +372,15 @@ class FillFields : FieldWalk {
     Decisions &decisions_;
 };
 
-const DDS_Char *asChars(const uint8_t *bytes) {
+const DDS_Char *as_chars(const uint8_t *bytes) {
     return reinterpret_cast<const DDS_Char *>(bytes);
 }
 
 // Written in every encapsulation and read again, the record is the same.
-void checkRoundTrip(const KOLT_TypePrograms *programs, const void *record) {
+void check_round_trip(const KOLT_TypePrograms *programs, const void *record) {
     const DDS_TypeCode *const type = KOLT_TypePrograms_type(programs);
     AnyRecord again(type);
-    for (const DDS_UnsignedShort encapsulation : encapsulationsOf(type)) {
+    for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
         const DDS_UnsignedLong size = KOLT_Cdr_serialized_size(programs, encapsulation, record);
         REQUIRE(size >= KOLT_Cdr_serialized_min_size(programs, encapsulation));
         REQUIRE(size <= KOLT_Cdr_serialized_max_size(programs, encapsulation));
@@ -403,33 +403,33 @@ struct KeyShape {
     bool varies = false;     // in size
 };
 
-void addShape(const DDS_TypeCode &type, KeyShape *shape) {
+void add_shape(const DDS_TypeCode &type, KeyShape *shape) {
     const bool structured = type.kind == DDS_TK_STRUCT || type.kind == DDS_TK_UNION;
     if (structured && type.extensibility != DDS_FINAL_EXTENSIBILITY) shape->is_framed = true;
     if (type.kind == DDS_TK_STRING || type.kind == DDS_TK_SEQUENCE || type.kind == DDS_TK_UNION) {
         shape->varies = true;
     }
-    if (type.content_type != nullptr) addShape(*type.content_type, shape);
+    if (type.content_type != nullptr) add_shape(*type.content_type, shape);
     for (DDS_UnsignedLong i = 0; structured && i < type.member_count; ++i) {
         if (type.members[i].is_optional) shape->varies = true;
-        addShape(*type.members[i].type, shape);
+        add_shape(*type.members[i].type, shape);
     }
 }
 
 // An XCDR2 key is written plain, and read in the frames of its type as well. A plain one of another
 // size than the framed ones can't pass for one of them; the rest may, by its content.
-bool mayBeTakenForFramed(const DDS_TypeCode &type, DDS_UnsignedShort encapsulation) {
+bool may_be_taken_for_framed(const DDS_TypeCode &type, DDS_UnsignedShort encapsulation) {
     KeyShape shape;
     shape.is_framed = type.extensibility != DDS_FINAL_EXTENSIBILITY;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (type.members[i].is_key) addShape(*type.members[i].type, &shape);
+        if (type.members[i].is_key) add_shape(*type.members[i].type, &shape);
     }
     return encapsulation >= KOLT_ENCAPSULATION_CDR2_BE && shape.is_framed && shape.varies;
 }
 
 // Every way to the key of a sample leads to the same key.
-void checkKeys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
-               const void *record) {
+void check_keys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
+                const void *record) {
     const DDS_TypeCode *const type = KOLT_TypePrograms_type(programs);
     std::vector<DDS_Octet> expected(kMaximumKey);
     size_t length = expected.size();
@@ -448,7 +448,7 @@ void checkKeys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t s
         REQUIRE(length == 0 || std::memcmp(key.data(), expected.data(), length) == 0);
     };
     same(bytes, size, DDS_BOOLEAN_FALSE);
-    for (const DDS_UnsignedShort encapsulation : encapsulationsOf(type)) {
+    for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
         const DDS_UnsignedLong key_size =
             KOLT_Cdr_serialized_key_size(programs, encapsulation, record);
         std::vector<DDS_Octet> payload(key_size);
@@ -456,13 +456,13 @@ void checkKeys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t s
         REQUIRE(KOLT_Cdr_serialize_key(programs, encapsulation, record, payload.data(), key_size,
                                        &written));
         REQUIRE(written == key_size);
-        if (mayBeTakenForFramed(*type, encapsulation)) continue;
+        if (may_be_taken_for_framed(*type, encapsulation)) continue;
         same(payload.data(), key_size, DDS_BOOLEAN_TRUE);
     }
 }
 
 // The text has the size that is told, and nothing is written where it does not fit.
-void checkText(const DDS_DynamicData *data) {
+void check_text(const DDS_DynamicData *data) {
     for (const DDS_PrintFormatKind kind :
          {DDS_DEFAULT_PRINT_FORMAT, DDS_XML_PRINT_FORMAT, DDS_JSON_PRINT_FORMAT}) {
         DDS_PrintFormatProperty property = DDS_PRINT_FORMAT_PROPERTY_DEFAULT;
@@ -484,18 +484,18 @@ void checkText(const DDS_DynamicData *data) {
 }
 
 // The bytes as a dynamic value: the same as the record that was read from them.
-void checkDynamic(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
-                  const void *record) {
+void check_dynamic(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
+                   const void *record) {
     const DDS_TypeCode *const type = KOLT_TypePrograms_type(programs);
     const Value value(type);
-    REQUIRE(DDS_DynamicData_from_cdr_buffer(value, asChars(bytes),
+    REQUIRE(DDS_DynamicData_from_cdr_buffer(value, as_chars(bytes),
                                             static_cast<DDS_UnsignedLong>(size)) == DDS_RETCODE_OK);
     FindFields(programs, bytes, size, value).Run();
     for (const DDS_DataRepresentationId_t representation :
          {DDS_XCDR_DATA_REPRESENTATION, DDS_XCDR2_DATA_REPRESENTATION}) {
         const DDS_UnsignedShort encapsulation =
             DDS_TypeCode_get_native_encapsulation(type, representation);
-        const std::vector<uint8_t> expected = checkedBytes(value, encapsulation);
+        const std::vector<uint8_t> expected = checked_bytes(value, encapsulation);
         size_t length = 0;
         std::vector<DDS_Octet> written(expected.size());
         REQUIRE(KOLT_Cdr_serialize(programs, encapsulation, record, written.data(), written.size(),
@@ -505,7 +505,7 @@ void checkDynamic(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_
     const Value copy(type);
     REQUIRE(DDS_DynamicData_copy(copy, value) == DDS_RETCODE_OK);
     REQUIRE(DDS_DynamicData_equals(copy, value));
-    checkText(value);
+    check_text(value);
     REQUIRE(DDS_DynamicData_clear_all_members(copy) == DDS_RETCODE_OK);
     const Value fresh(type);
     REQUIRE(DDS_DynamicData_equals(copy, fresh));
@@ -513,7 +513,7 @@ void checkDynamic(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_
 
 }  // namespace
 
-std::vector<DDS_UnsignedShort> encapsulationsOf(const DDS_TypeCode *type) {
+std::vector<DDS_UnsignedShort> encapsulations_of(const DDS_TypeCode *type) {
     std::vector<DDS_UnsignedShort> all;
     for (const DDS_DataRepresentationId_t representation :
          {DDS_XCDR_DATA_REPRESENTATION, DDS_XCDR2_DATA_REPRESENTATION}) {
@@ -526,13 +526,13 @@ std::vector<DDS_UnsignedShort> encapsulationsOf(const DDS_TypeCode *type) {
     return all;
 }
 
-bool checkSample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
+bool check_sample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
     const ProgramsOf programs(type);
     AnyRecord record(type);
     if (!KOLT_Cdr_deserialize(programs, bytes, size, record.get())) {
         const Value value(type);
         REQUIRE(DDS_DynamicData_from_cdr_buffer(
-                    value, asChars(bytes), static_cast<DDS_UnsignedLong>(size)) != DDS_RETCODE_OK);
+                    value, as_chars(bytes), static_cast<DDS_UnsignedLong>(size)) != DDS_RETCODE_OK);
         const Value fresh(type);
         REQUIRE(DDS_DynamicData_equals(value, fresh));
         SearchMalformed(programs, bytes, size, value).Run();
@@ -541,13 +541,13 @@ bool checkSample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
         KOLT_Cdr_key_of_serialized(programs, bytes, size, DDS_BOOLEAN_FALSE, key, &length);
         return false;
     }
-    checkRoundTrip(programs, record.get());
-    checkKeys(programs, bytes, size, record.get());
-    checkDynamic(programs, bytes, size, record.get());
+    check_round_trip(programs, record.get());
+    check_keys(programs, bytes, size, record.get());
+    check_dynamic(programs, bytes, size, record.get());
     return true;
 }
 
-bool checkKey(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
+bool check_key(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
     const ProgramsOf programs(type);
     AnyRecord record(type);
     std::vector<DDS_Octet> key(kMaximumKey);
@@ -567,14 +567,14 @@ bool checkKey(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
     REQUIRE(has_key && length == expected_length);
     REQUIRE(length == 0 || std::memcmp(key.data(), expected.data(), length) == 0);
     // Written as a key and read again, it is the same.
-    for (const DDS_UnsignedShort encapsulation : encapsulationsOf(type)) {
+    for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
         const DDS_UnsignedLong key_size =
             KOLT_Cdr_serialized_key_size(programs, encapsulation, record.get());
         std::vector<DDS_Octet> payload(key_size);
         size_t written = 0;
         REQUIRE(KOLT_Cdr_serialize_key(programs, encapsulation, record.get(), payload.data(),
                                        key_size, &written));
-        if (mayBeTakenForFramed(*type, encapsulation)) continue;
+        if (may_be_taken_for_framed(*type, encapsulation)) continue;
         length = key.size();
         REQUIRE(KOLT_Cdr_key_of_serialized(programs, payload.data(), written, DDS_BOOLEAN_TRUE,
                                            key.data(), &length));
@@ -586,11 +586,11 @@ bool checkKey(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
     return true;
 }
 
-void checkedFill(DDS_DynamicData *data, Decisions *decisions) {
+void checked_fill(DDS_DynamicData *data, Decisions *decisions) {
     FillFields(data, decisions).Run();
 }
 
-std::vector<uint8_t> checkedBytes(const DDS_DynamicData *data, DDS_UnsignedShort encapsulation) {
+std::vector<uint8_t> checked_bytes(const DDS_DynamicData *data, DDS_UnsignedShort encapsulation) {
     const DDS_TypeCode *const type = DDS_DynamicData_get_type(data);
     const bool second = encapsulation >= KOLT_ENCAPSULATION_CDR2_BE;
     const DDS_DataRepresentationId_t representation =
@@ -614,14 +614,14 @@ std::vector<uint8_t> checkedBytes(const DDS_DynamicData *data, DDS_UnsignedShort
     return bytes;
 }
 
-void checkEvolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
-                    const DDS_DynamicData *data) {
+void check_evolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
+                     const DDS_DynamicData *data) {
     const DDS_TypeCodeMember &last = type->members[shorter->member_count];
     const bool must_understand = last.is_key || last.is_must_understand;
     const ProgramsOf programs(type);
     const ProgramsOf shorter_programs(shorter);
-    for (const DDS_UnsignedShort encapsulation : encapsulationsOf(type)) {
-        const std::vector<uint8_t> bytes = checkedBytes(data, encapsulation);
+    for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
+        const std::vector<uint8_t> bytes = checked_bytes(data, encapsulation);
         AnyRecord full(type);
         AnyRecord record(shorter);
         REQUIRE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), full.get()));
@@ -642,7 +642,7 @@ void checkEvolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
                                    short_bytes.data(), size, &length));
         REQUIRE(KOLT_Cdr_deserialize(programs, short_bytes.data(), size, full.get()));
         REQUIRE(KOLT_Record_equals(shorter, full.get(), record.get()));
-        checkSample(type, short_bytes.data(), size);
+        check_sample(type, short_bytes.data(), size);
     }
 }
 

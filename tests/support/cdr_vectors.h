@@ -12,12 +12,12 @@ namespace support {
 
 // The record is written as these bytes, and they are read as an equal one.
 template <typename T>
-void expectBytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
-                 const std::string &hex) {
+void expect_bytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
+                  const std::string &hex) {
     const Programs programs(type);
     ASSERT_NE(static_cast<const KOLT_TypePrograms *>(programs), nullptr);
-    const Bytes expected = fromHex(hex);
-    EXPECT_EQ(toHex(serialize(programs, encapsulation, record)), toHex(expected));
+    const Bytes expected = from_hex(hex);
+    EXPECT_EQ(to_hex(serialize(programs, encapsulation, record)), to_hex(expected));
     Record<T> back(type);
     ASSERT_TRUE(KOLT_Cdr_deserialize(programs, expected.data(), expected.size(), back.get()));
     EXPECT_TRUE(KOLT_Record_equals(type, record, back.get()));
@@ -26,8 +26,8 @@ void expectBytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
 inline void fill(Message *message) {
     message->id = {1, 2};
     message->level = 300;
-    setText(message->category, "c");
-    setText(message->text, "hi");
+    set_text(message->category, "c");
+    set_text(message->text, "hi");
     message->number = 7;
 }
 
@@ -35,18 +35,18 @@ inline void fill(Message *message) {
 inline void fill(Options *record) {
     DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
     params.allocate_optional_members = DDS_BOOLEAN_TRUE;
-    ASSERT_TRUE(KOLT_Record_initialize_w_params(finalOptionsType(), record, &params));
+    ASSERT_TRUE(KOLT_Record_initialize_w_params(final_options_type(), record, &params));
     record->always = 1;
     *record->number = 2;
     *record->point = {3, 4};
     record->last = 5;
-    setText(*record->text, "abc");
+    set_text(*record->text, "abc");
 }
 
 inline void fill(Request *request) {
     request->target = {1, 2};
     request->choice._d = 3;
-    setText(request->choice._u.text, "t");
+    set_text(request->choice._u.text, "t");
     request->after = 4;
 }
 

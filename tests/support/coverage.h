@@ -21,25 +21,25 @@ class Coverage {
         switch (type.kind) {
             case DDS_TK_STRUCT:
                 for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-                    addMember(type, value, i, name);
+                    add_member(type, value, i, name);
                 }
                 break;
             case DDS_TK_UNION: {
                 const auto kind = static_cast<DDS_UnsignedLong>(number<DDS_Enum>(value));
                 integers_[name + "._d"].insert(kind);
-                addMember(type, value, kind, name);
+                add_member(type, value, kind, name);
                 break;
             }
             case DDS_TK_ARRAY:
                 for (DDS_UnsignedLong i = 0; i < type.dimensions[0]; ++i) {
-                    addElement(*type.content_type, value, i, name);
+                    add_element(*type.content_type, value, i, name);
                 }
                 break;
             case DDS_TK_SEQUENCE: {
                 const auto &sequence = *static_cast<const KOLT_Sequence *>(value);
                 lengths_[name].insert(sequence._length);
                 for (DDS_UnsignedLong i = 0; i < sequence._length; ++i) {
-                    addElement(*type.content_type, sequence._contiguous_buffer, i, name);
+                    add_element(*type.content_type, sequence._contiguous_buffer, i, name);
                 }
                 break;
             }
@@ -55,7 +55,7 @@ class Coverage {
         }
     }
 
-    void expectAll(const DDS_TypeCode &type, const std::string &name) {
+    void expect_all(const DDS_TypeCode &type, const std::string &name) {
         SCOPED_TRACE(name);
         switch (type.kind) {
             case DDS_TK_UNION:
@@ -63,14 +63,14 @@ class Coverage {
                 [[fallthrough]];
             case DDS_TK_STRUCT:
                 for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-                    expectAll(*type.members[i].type, name + "." + type.members[i].name);
+                    expect_all(*type.members[i].type, name + "." + type.members[i].name);
                 }
                 break;
             case DDS_TK_SEQUENCE:
                 EXPECT_EQ(lengths_[name].size(), type.bound + 1) << "from none to the bound";
                 [[fallthrough]];
             case DDS_TK_ARRAY:
-                expectAll(*type.content_type, name);
+                expect_all(*type.content_type, name);
                 break;
             case DDS_TK_STRING:
                 EXPECT_EQ(lengths_[name].count(0), 1U) << "empty";
@@ -81,10 +81,10 @@ class Coverage {
                 EXPECT_EQ(integers_[name].size(), type.member_count) << "enumerators";
                 break;
             case DDS_TK_LONGLONG:
-                expectEnds(name, INT64_MIN, INT64_MAX);
+                expect_ends(name, INT64_MIN, INT64_MAX);
                 break;
             default:
-                expectEnds(name, INT32_MIN, INT32_MAX);
+                expect_ends(name, INT32_MIN, INT32_MAX);
                 break;
         }
     }
@@ -96,17 +96,17 @@ class Coverage {
         std::memcpy(&result, value, sizeof(result));
         return result;
     }
-    void addMember(const DDS_TypeCode &type, const void *record, DDS_UnsignedLong index,
-                   const std::string &name) {
+    void add_member(const DDS_TypeCode &type, const void *record, DDS_UnsignedLong index,
+                    const std::string &name) {
         add(*type.members[index].type,
             static_cast<const char *>(record) + type.access->member_offsets[index],
             name + "." + type.members[index].name);
     }
-    void addElement(const DDS_TypeCode &type, const void *first, DDS_UnsignedLong index,
-                    const std::string &name) {
+    void add_element(const DDS_TypeCode &type, const void *first, DDS_UnsignedLong index,
+                     const std::string &name) {
         add(type, static_cast<const char *>(first) + index * type.access->record_size, name);
     }
-    void expectEnds(const std::string &name, DDS_LongLong smallest, DDS_LongLong largest) {
+    void expect_ends(const std::string &name, DDS_LongLong smallest, DDS_LongLong largest) {
         for (const DDS_LongLong end : {smallest, largest, DDS_LongLong{0}, DDS_LongLong{-1}}) {
             EXPECT_EQ(integers_[name].count(end), 1U) << end;
         }

@@ -44,13 +44,13 @@ struct Outcome {
 
 inline Outcome check(const Lines &arguments, const ChildProcess::Environment &environment = {},
                      const std::string &input = "") {
-    Lines command{binaryPath("distlog"), "check"};
+    Lines command{binary_path("distlog"), "check"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     ChildProcess distlog(command, environment);
     if (!input.empty()) {
         distlog.say(input);
     }
-    distlog.closeInput();
+    distlog.close_input();
     Outcome outcome;
     outcome.code = distlog.wait().value_or(-1);
     outcome.out = distlog.lines();
@@ -77,7 +77,7 @@ class DistlogCheckTest : public testing::Test {
         std::ofstream(name, std::ios::binary) << text;
     }
     // A document "a.xml" with this content from line 2 on.
-    static void writeDocument(const std::string &content, const std::string &name = "a.xml") {
+    static void write_document(const std::string &content, const std::string &name = "a.xml") {
         write(name, "<dds>\n" + content + "\n</dds>\n");
     }
     static std::string logger(const std::string &content) {
@@ -109,7 +109,7 @@ class DistlogCheckTest : public testing::Test {
         return Json();
     }
     // Whether an application could start its logger from a.xml; finalised again at once.
-    static bool libraryStarts(int domain) {
+    static bool library_starts(int domain) {
         KOLT_Config_Logger_set_verbosity(KOLT_Config_Logger_get_instance(),
                                          KOLT_CONFIG_LOG_VERBOSITY_SILENT);
         StdoutCapture quiet;

@@ -22,13 +22,13 @@ inline Data make(const DDS_TypeCode *type) {
     return Data(DDS_DynamicData_new(type, &DDS_DYNAMIC_DATA_PROPERTY_DEFAULT));
 }
 
-inline DDS_Long getLong(const Data &data, const char *name) {
+inline DDS_Long get_long(const Data &data, const char *name) {
     DDS_Long value = -999;
     EXPECT_EQ(DDS_DynamicData_get_long(data.get(), &value, name, kNoId), DDS_RETCODE_OK) << name;
     return value;
 }
 
-inline std::string getString(const Data &data, const char *name) {
+inline std::string get_string(const Data &data, const char *name) {
     DDS_Char *value = nullptr;
     EXPECT_EQ(DDS_DynamicData_get_string(data.get(), &value, nullptr, name, kNoId), DDS_RETCODE_OK)
         << name;
@@ -38,7 +38,7 @@ inline std::string getString(const Data &data, const char *name) {
 }
 
 // The bytes of a value; empty when it cannot be serialised.
-inline std::vector<char> toBytes(const Data &data, DDS_DataRepresentationId_t representation) {
+inline std::vector<char> to_bytes(const Data &data, DDS_DataRepresentationId_t representation) {
     DDS_UnsignedLong size = 0;
     EXPECT_EQ(DDS_DynamicData_to_cdr_buffer_ex(data.get(), nullptr, &size, representation),
               DDS_RETCODE_OK);
@@ -48,7 +48,7 @@ inline std::vector<char> toBytes(const Data &data, DDS_DataRepresentationId_t re
     return bytes;
 }
 
-inline DDS_ReturnCode_t fromBytes(const Data &data, const std::vector<char> &bytes) {
+inline DDS_ReturnCode_t from_bytes(const Data &data, const std::vector<char> &bytes) {
     return DDS_DynamicData_from_cdr_buffer(data.get(), bytes.data(),
                                            static_cast<DDS_UnsignedLong>(bytes.size()));
 }

@@ -16,8 +16,8 @@ T *checked(T *made, const char *what) {
     return made;
 }
 
-DDS_Topic *topicOf(DDS_DomainParticipant *participant, const char *name, const char *type_name,
-                   DDS_ReturnCode_t (*register_type)(DDS_DomainParticipant *, const char *)) {
+DDS_Topic *topic_of(DDS_DomainParticipant *participant, const char *name, const char *type_name,
+                    DDS_ReturnCode_t (*register_type)(DDS_DomainParticipant *, const char *)) {
     if (DDS_Topic *known =
             DDS_Topic_narrow(DDS_DomainParticipant_lookup_topicdescription(participant, name))) {
         return known;
@@ -28,8 +28,8 @@ DDS_Topic *topicOf(DDS_DomainParticipant *participant, const char *name, const c
                    "create topic");
 }
 
-DDS_DataWriter *makeWriter(DDS_Publisher *publisher, DDS_Topic *topic,
-                           DDS_DurabilityQosPolicyKind durability, DDS_Long depth) {
+DDS_DataWriter *make_writer(DDS_Publisher *publisher, DDS_Topic *topic,
+                            DDS_DurabilityQosPolicyKind durability, DDS_Long depth) {
     DDS_DataWriterQos qos;
     DDS_DataWriterQos_initialize(&qos);
     qos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
@@ -59,17 +59,17 @@ FakeParticipant::~FakeParticipant() {
 FakeSender::FakeSender(const FakeParticipant &participant, Ids ids)
     : publisher_(DDS_DomainParticipant_create_publisher(participant.get(), nullptr, nullptr,
                                                         DDS_STATUS_MASK_NONE)),
-      writer_(makeWriter(publisher_,
-                         topicOf(participant.get(), VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TYPE_NAME,
-                                 VUR_DL_LogMessageTypeSupport_register_type),
-                         DDS_TRANSIENT_LOCAL_DURABILITY_QOS, 10)),
+      writer_(make_writer(publisher_,
+                          topic_of(participant.get(), VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TYPE_NAME,
+                                   VUR_DL_LogMessageTypeSupport_register_type),
+                          DDS_TRANSIENT_LOCAL_DURABILITY_QOS, 10)),
       ids_(ids) {}
 
 FakeSender::~FakeSender() {
     DDS_Publisher_delete_datawriter(publisher_, writer_);
 }
 
-bool FakeSender::waitForReaders(int count) {
+bool FakeSender::wait_for_readers(int count) {
     return eventually([&] {
         DDS_PublicationMatchedStatus status{};
         DDS_DataWriter_get_publication_matched_status(writer_, &status);
@@ -94,12 +94,12 @@ bool FakeSender::write(std::int64_t id, int level, const std::string &message,
 }
 
 FakeResponder::FakeResponder(const FakeParticipant &participant) {
-    DDS_Topic *request = topicOf(participant.get(), VUR_DL_COMMAND_REQUEST_TOPIC_NAME,
-                                 VUR_DL_COMMAND_REQUEST_TYPE_NAME,
-                                 VUR_DL_ADMIN_CommandRequestTypeSupport_register_type);
-    DDS_Topic *response = topicOf(participant.get(), VUR_DL_COMMAND_RESPONSE_TOPIC_NAME,
-                                  VUR_DL_COMMAND_RESPONSE_TYPE_NAME,
-                                  VUR_DL_ADMIN_CommandResponseTypeSupport_register_type);
+    DDS_Topic *request = topic_of(participant.get(), VUR_DL_COMMAND_REQUEST_TOPIC_NAME,
+                                  VUR_DL_COMMAND_REQUEST_TYPE_NAME,
+                                  VUR_DL_ADMIN_CommandRequestTypeSupport_register_type);
+    DDS_Topic *response = topic_of(participant.get(), VUR_DL_COMMAND_RESPONSE_TOPIC_NAME,
+                                   VUR_DL_COMMAND_RESPONSE_TYPE_NAME,
+                                   VUR_DL_ADMIN_CommandResponseTypeSupport_register_type);
     DDS_DataReaderQos qos;
     DDS_DataReaderQos_initialize(&qos);
     qos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
@@ -111,12 +111,12 @@ FakeResponder::FakeResponder(const FakeParticipant &participant) {
                     DDS_Topic_as_topicdescription(request), &qos, nullptr, DDS_STATUS_MASK_NONE),
                 "create reader");
     DDS_DataReaderQos_finalize(&qos);
-    responses_ = makeWriter(DDS_DomainParticipant_create_publisher(participant.get(), nullptr,
-                                                                   nullptr, DDS_STATUS_MASK_NONE),
-                            response, DDS_VOLATILE_DURABILITY_QOS, 10);
+    responses_ = make_writer(DDS_DomainParticipant_create_publisher(participant.get(), nullptr,
+                                                                    nullptr, DDS_STATUS_MASK_NONE),
+                             response, DDS_VOLATILE_DURABILITY_QOS, 10);
 }
 
-bool FakeResponder::answerOne(VUR_DL_ADMIN_CommandResult result, const std::string &message) {
+bool FakeResponder::answer_one(VUR_DL_ADMIN_CommandResult result, const std::string &message) {
     VUR_DL_ADMIN_CommandRequest request;
     VUR_DL_ADMIN_CommandRequest_initialize(&request);
     const bool asked = eventually([&] {

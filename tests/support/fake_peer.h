@@ -33,7 +33,7 @@ class FakeSender {
     FakeSender(const FakeSender &) = delete;
     FakeSender &operator=(const FakeSender &) = delete;
 
-    bool waitForReaders(int count);
+    bool wait_for_readers(int count);
     // The source time stamp is that of the call. Waits until it has been acknowledged.
     bool write(std::int64_t id, int level = 600, const std::string &message = "text",
                const std::string &category = "");
@@ -50,7 +50,7 @@ class FakeResponder {
     explicit FakeResponder(const FakeParticipant &participant);
 
     // Waits for the next request and answers it under its target's ids.
-    bool answerOne(VUR_DL_ADMIN_CommandResult result, const std::string &message);
+    bool answer_one(VUR_DL_ADMIN_CommandResult result, const std::string &message);
 
   private:
     DDS_DataReader *requests_;

@@ -10,14 +10,14 @@ namespace support {
 
 class LogApp {
   public:
-    LogApp() : process_({helperPath("helper_log_app")}) {}
+    LogApp() : process_({helper_path("helper_log_app")}) {}
 
     // Has the application carry out a line; false when it failed or has gone.
     bool run(const std::string &line) {
         process_.say(line);
         // Echoed messages may come before the answer.
         for (;;) {
-            const std::optional<std::string> answer = process_.readLine();
+            const std::optional<std::string> answer = process_.read_line();
             if (!answer || *answer == "failed") {
                 return false;
             }
@@ -31,7 +31,7 @@ class LogApp {
     ChildProcess &process() { return process_; }
     // Ends the application in good order; its exit code.
     std::optional<int> end() {
-        process_.closeInput();
+        process_.close_input();
         return process_.wait();
     }
 

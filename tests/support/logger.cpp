@@ -3,7 +3,7 @@
 
 namespace support {
 
-bool storeOptions(const LoggerOptions &options) {
+bool store_options(const LoggerOptions &options) {
     VUR_DL_Options *record = VUR_DL_Options_createDefault();
     if (record == nullptr) {
         return false;
@@ -28,7 +28,7 @@ bool storeOptions(const LoggerOptions &options) {
 }
 
 Logger::Logger(const LoggerOptions &options)
-    : logger_(storeOptions(options) ? VUR_DL_DistLogger_getInstance() : nullptr) {}
+    : logger_(store_options(options) ? VUR_DL_DistLogger_getInstance() : nullptr) {}
 
 Logger::~Logger() {
     VUR_DL_DistLogger_finalizeInstance();

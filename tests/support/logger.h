@@ -22,7 +22,7 @@ struct LoggerOptions {
 };
 
 // Stores the options for the next creation; false when they are refused.
-bool storeOptions(const LoggerOptions &options);
+bool store_options(const LoggerOptions &options);
 
 class Logger {
   public:

@@ -18,19 +18,22 @@ void check(bool ok, const char *what) {
     }
 }
 
-Ids toIds(const VUR_DL_HostAndAppId &ids) {
+Ids to_ids(const VUR_DL_HostAndAppId &ids) {
     return Ids{ids.rtps_host_id, ids.rtps_app_id};
 }
 
 LogSample convert(const VUR_DL_LogMessage &sample, const DDS_SampleInfo &info) {
-    return LogSample{
-        toIds(sample.hostAndAppId), sample.level,         sample.category, sample.message,
-        sample.messageId,           info.source_timestamp};
+    return LogSample{to_ids(sample.hostAndAppId),
+                     sample.level,
+                     sample.category,
+                     sample.message,
+                     sample.messageId,
+                     info.source_timestamp};
 }
 
 StateSample convert(const VUR_DL_ADMIN_State &sample, const DDS_SampleInfo &info) {
     StateSample result;
-    result.sender = toIds(sample.hostAndAppId);
+    result.sender = to_ids(sample.hostAndAppId);
     result.valid = info.valid_data != DDS_BOOLEAN_FALSE;
     result.instance_state = info.instance_state;
     if (result.valid) {
@@ -46,12 +49,12 @@ StateSample convert(const VUR_DL_ADMIN_State &sample, const DDS_SampleInfo &info
 }
 
 ResponseSample convert(const VUR_DL_ADMIN_CommandResponse &sample, const DDS_SampleInfo &) {
-    return ResponseSample{toIds(sample.hostAndAppId), toIds(sample.originatorHostAndAppId),
+    return ResponseSample{to_ids(sample.hostAndAppId), to_ids(sample.originatorHostAndAppId),
                           sample.invocation, sample.commandResult, sample.message};
 }
 
-DDS_Topic *makeTopic(DDS_DomainParticipant *participant, const char *name, const char *type_name,
-                     DDS_ReturnCode_t (*register_type)(DDS_DomainParticipant *, const char *)) {
+DDS_Topic *make_topic(DDS_DomainParticipant *participant, const char *name, const char *type_name,
+                      DDS_ReturnCode_t (*register_type)(DDS_DomainParticipant *, const char *)) {
     check(register_type(participant, type_name) == DDS_RETCODE_OK, "register type");
     DDS_Topic *topic = DDS_DomainParticipant_create_topic(participant, name, type_name, nullptr,
                                                           nullptr, DDS_STATUS_MASK_NONE);
@@ -60,8 +63,8 @@ DDS_Topic *makeTopic(DDS_DomainParticipant *participant, const char *name, const
 }
 
 // A reliable reader that keeps everything until it is taken.
-DDS_DataReader *makeReader(DDS_DomainParticipant *participant, DDS_Topic *topic,
-                           DDS_DurabilityQosPolicyKind durability) {
+DDS_DataReader *make_reader(DDS_DomainParticipant *participant, DDS_Topic *topic,
+                            DDS_DurabilityQosPolicyKind durability) {
     DDS_Subscriber *subscriber = DDS_DomainParticipant_create_subscriber(
         participant, nullptr, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataReaderQos qos;
@@ -76,7 +79,7 @@ DDS_DataReader *makeReader(DDS_DomainParticipant *participant, DDS_Topic *topic,
     return reader;
 }
 
-DDS_DataWriter *makeWriter(DDS_DomainParticipant *participant, DDS_Topic *topic) {
+DDS_DataWriter *make_writer(DDS_DomainParticipant *participant, DDS_Topic *topic) {
     DDS_Publisher *publisher =
         DDS_DomainParticipant_create_publisher(participant, nullptr, nullptr, DDS_STATUS_MASK_NONE);
     DDS_DataWriterQos qos;
@@ -90,13 +93,13 @@ DDS_DataWriter *makeWriter(DDS_DomainParticipant *participant, DDS_Topic *topic)
     return writer;
 }
 
-int matchedWriters(DDS_DataReader *reader) {
+int matched_writers(DDS_DataReader *reader) {
     DDS_SubscriptionMatchedStatus status{};
     DDS_DataReader_get_subscription_matched_status(reader, &status);
     return status.current_count;
 }
 
-int matchedReaders(DDS_DataWriter *writer) {
+int matched_readers(DDS_DataWriter *writer) {
     DDS_PublicationMatchedStatus status{};
     DDS_DataWriter_get_publication_matched_status(writer, &status);
     return status.current_count;
@@ -104,12 +107,12 @@ int matchedReaders(DDS_DataWriter *writer) {
 
 // One taking loop for the three topics; the typed functions are told by their signatures.
 template <typename Seq, typename TypedReader, typename Result>
-void takeAll(TypedReader *reader,
-             DDS_ReturnCode_t (*take)(TypedReader *, Seq *, DDS_SampleInfoSeq *, DDS_Long,
-                                      DDS_SampleStateMask, DDS_ViewStateMask,
-                                      DDS_InstanceStateMask),
-             DDS_ReturnCode_t (*return_loan)(TypedReader *, Seq *, DDS_SampleInfoSeq *),
-             bool invalid_too, std::vector<Result> &results) {
+void take_all(TypedReader *reader,
+              DDS_ReturnCode_t (*take)(TypedReader *, Seq *, DDS_SampleInfoSeq *, DDS_Long,
+                                       DDS_SampleStateMask, DDS_ViewStateMask,
+                                       DDS_InstanceStateMask),
+              DDS_ReturnCode_t (*return_loan)(TypedReader *, Seq *, DDS_SampleInfoSeq *),
+              bool invalid_too, std::vector<Result> &results) {
     Seq samples = DDS_SEQUENCE_INITIALIZER;
     DDS_SampleInfoSeq infos = DDS_SEQUENCE_INITIALIZER;
     const DDS_ReturnCode_t result =
@@ -149,24 +152,24 @@ Monitor::Monitor(const Settings &settings) : endpoints_(std::make_unique<Endpoin
     check(participant != nullptr, "create participant");
     endpoints_->participant = participant;
     if (settings.log) {
-        DDS_Topic *topic = makeTopic(participant, VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TYPE_NAME,
-                                     VUR_DL_LogMessageTypeSupport_register_type);
-        endpoints_->log = makeReader(participant, topic, settings.durability);
+        DDS_Topic *topic = make_topic(participant, VUR_DL_LOG_TOPIC_NAME, VUR_DL_LOG_TYPE_NAME,
+                                      VUR_DL_LogMessageTypeSupport_register_type);
+        endpoints_->log = make_reader(participant, topic, settings.durability);
     }
     if (settings.state) {
-        DDS_Topic *topic = makeTopic(participant, VUR_DL_STATE_TOPIC_NAME, VUR_DL_STATE_TYPE_NAME,
-                                     VUR_DL_ADMIN_StateTypeSupport_register_type);
-        endpoints_->state = makeReader(participant, topic, DDS_TRANSIENT_LOCAL_DURABILITY_QOS);
+        DDS_Topic *topic = make_topic(participant, VUR_DL_STATE_TOPIC_NAME, VUR_DL_STATE_TYPE_NAME,
+                                      VUR_DL_ADMIN_StateTypeSupport_register_type);
+        endpoints_->state = make_reader(participant, topic, DDS_TRANSIENT_LOCAL_DURABILITY_QOS);
     }
     if (settings.commands) {
-        DDS_Topic *answer = makeTopic(participant, VUR_DL_COMMAND_RESPONSE_TOPIC_NAME,
-                                      VUR_DL_COMMAND_RESPONSE_TYPE_NAME,
-                                      VUR_DL_ADMIN_CommandResponseTypeSupport_register_type);
-        endpoints_->responses = makeReader(participant, answer, DDS_VOLATILE_DURABILITY_QOS);
-        DDS_Topic *request = makeTopic(participant, VUR_DL_COMMAND_REQUEST_TOPIC_NAME,
-                                       VUR_DL_COMMAND_REQUEST_TYPE_NAME,
-                                       VUR_DL_ADMIN_CommandRequestTypeSupport_register_type);
-        endpoints_->requests = makeWriter(participant, request);
+        DDS_Topic *answer = make_topic(participant, VUR_DL_COMMAND_RESPONSE_TOPIC_NAME,
+                                       VUR_DL_COMMAND_RESPONSE_TYPE_NAME,
+                                       VUR_DL_ADMIN_CommandResponseTypeSupport_register_type);
+        endpoints_->responses = make_reader(participant, answer, DDS_VOLATILE_DURABILITY_QOS);
+        DDS_Topic *request = make_topic(participant, VUR_DL_COMMAND_REQUEST_TOPIC_NAME,
+                                        VUR_DL_COMMAND_REQUEST_TYPE_NAME,
+                                        VUR_DL_ADMIN_CommandRequestTypeSupport_register_type);
+        endpoints_->requests = make_writer(participant, request);
     }
 }
 
@@ -177,21 +180,21 @@ Monitor::~Monitor() {
 }
 
 const std::vector<LogSample> &Monitor::log() {
-    takeAll<VUR_DL_LogMessageSeq>(VUR_DL_LogMessageDataReader_narrow(endpoints_->log),
-                                  VUR_DL_LogMessageDataReader_take,
-                                  VUR_DL_LogMessageDataReader_return_loan, false, log_);
+    take_all<VUR_DL_LogMessageSeq>(VUR_DL_LogMessageDataReader_narrow(endpoints_->log),
+                                   VUR_DL_LogMessageDataReader_take,
+                                   VUR_DL_LogMessageDataReader_return_loan, false, log_);
     return log_;
 }
 
 const std::vector<StateSample> &Monitor::states() {
-    takeAll<VUR_DL_ADMIN_StateSeq>(VUR_DL_ADMIN_StateDataReader_narrow(endpoints_->state),
-                                   VUR_DL_ADMIN_StateDataReader_take,
-                                   VUR_DL_ADMIN_StateDataReader_return_loan, true, states_);
+    take_all<VUR_DL_ADMIN_StateSeq>(VUR_DL_ADMIN_StateDataReader_narrow(endpoints_->state),
+                                    VUR_DL_ADMIN_StateDataReader_take,
+                                    VUR_DL_ADMIN_StateDataReader_return_loan, true, states_);
     return states_;
 }
 
 const std::vector<ResponseSample> &Monitor::responses() {
-    takeAll<VUR_DL_ADMIN_CommandResponseSeq>(
+    take_all<VUR_DL_ADMIN_CommandResponseSeq>(
         VUR_DL_ADMIN_CommandResponseDataReader_narrow(endpoints_->responses),
         VUR_DL_ADMIN_CommandResponseDataReader_take,
         VUR_DL_ADMIN_CommandResponseDataReader_return_loan, false, responses_);
@@ -205,15 +208,15 @@ const std::vector<ResponseSample> &Monitor::responses() {
     return responses_;
 }
 
-bool Monitor::waitForLog(std::size_t count) {
+bool Monitor::wait_for_log(std::size_t count) {
     return eventually([&] { return log().size() >= count; });
 }
 
-bool Monitor::waitForLogWriters(int count) {
-    return eventually([&] { return matchedWriters(endpoints_->log) == count; });
+bool Monitor::wait_for_log_writers(int count) {
+    return eventually([&] { return matched_writers(endpoints_->log) == count; });
 }
 
-bool Monitor::waitForStates(std::size_t count) {
+bool Monitor::wait_for_states(std::size_t count) {
     return eventually([&] {
         const std::vector<StateSample> &all = states();
         return static_cast<std::size_t>(std::count_if(
@@ -221,14 +224,14 @@ bool Monitor::waitForStates(std::size_t count) {
     });
 }
 
-bool Monitor::waitForState(const std::function<bool(const StateSample &)> &wanted) {
+bool Monitor::wait_for_state(const std::function<bool(const StateSample &)> &wanted) {
     return eventually([&] {
         const std::vector<StateSample> &all = states();
         return std::any_of(all.begin(), all.end(), wanted);
     });
 }
 
-bool Monitor::waitForResponses(std::size_t count) {
+bool Monitor::wait_for_responses(std::size_t count) {
     return eventually([&] { return responses().size() >= count; });
 }
 
@@ -238,17 +241,18 @@ bool Monitor::handshake(const Ids &target, int level) {
         command._u.filterLevel = level;
     };
     return eventually([&] {
-        return matchedReaders(endpoints_->requests) > 0 && request(target, kHandshake, set_level) &&
+        return matched_readers(endpoints_->requests) > 0 &&
+               request(target, kHandshake, set_level) &&
                eventually([&] { return (responses(), shaken_.count(target) != 0); },
                           std::chrono::milliseconds(200));
     });
 }
 
-bool Monitor::nobodyTakesRequests() {
-    return matchedReaders(endpoints_->requests) == 0;
+bool Monitor::nobody_takes_requests() {
+    return matched_readers(endpoints_->requests) == 0;
 }
 
-StateSample Monitor::lastState() {
+StateSample Monitor::last_state() {
     const std::vector<StateSample> &all = states();
     const auto last =
         std::find_if(all.rbegin(), all.rend(), [](const StateSample &s) { return s.valid; });

@@ -72,20 +72,20 @@ class Monitor {
     const std::vector<ResponseSample> &responses();
 
     // Each waits for an event and gives false when it does not come in time.
-    bool waitForLog(std::size_t count);
-    bool waitForLogWriters(int count);
-    bool waitForStates(std::size_t count);
-    bool waitForState(const std::function<bool(const StateSample &)> &wanted);
-    bool waitForResponses(std::size_t count);
+    bool wait_for_log(std::size_t count);
+    bool wait_for_log_writers(int count);
+    bool wait_for_states(std::size_t count);
+    bool wait_for_state(const std::function<bool(const StateSample &)> &wanted);
+    bool wait_for_responses(std::size_t count);
     // The command topics of `target` and of this monitor have found each other in both directions:
     // requests will be taken and answers will arrive. `level` is the target's filter level: setting
     // it once more changes nothing. The answers to that are not among the responses.
     bool handshake(const Ids &target, int level);
     // False when a logger that takes requests has been found.
-    bool nobodyTakesRequests();
+    bool nobody_takes_requests();
 
     // The last valid State; a default one when there is none.
-    StateSample lastState();
+    StateSample last_state();
 
     // Sends a request to `target` under this monitor's ids.
     bool request(const Ids &target, int invocation,

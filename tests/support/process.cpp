@@ -22,7 +22,7 @@ extern char **environ;
 namespace support {
 namespace {
 
-std::string environmentVariable(const char *name) {
+std::string environment_variable(const char *name) {
     const char *value = std::getenv(name);
     if (value == nullptr) {
         throw std::runtime_error(std::string(name) + " is not set: run this through ctest");
@@ -37,13 +37,13 @@ void check(bool ok, const char *what) {
 }
 
 // Both ends close when another child is started.
-std::pair<int, int> makePipe() {
+std::pair<int, int> make_pipe() {
     int ends[2];
     check(pipe2(ends, O_CLOEXEC) == 0, "pipe2");
     return {ends[0], ends[1]};
 }
 
-std::vector<std::string> mergedEnvironment(const ChildProcess::Environment &additions) {
+std::vector<std::string> merged_environment(const ChildProcess::Environment &additions) {
     std::vector<std::string> result;
     for (char **entry = environ; *entry != nullptr; ++entry) {
         const std::string text(*entry);
@@ -81,7 +81,7 @@ pid_t spawn(std::vector<std::string> command, const ChildProcess::Environment &a
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    std::vector<std::string> environment = mergedEnvironment(additions);
+    std::vector<std::string> environment = merged_environment(additions);
     pid_t pid = -1;
     const int error = posix_spawn(&pid, command.at(0).c_str(), &actions, &attributes,
                                   pointers(command).data(), pointers(environment).data());
@@ -96,7 +96,7 @@ int decode(int status) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-std::vector<std::string> splitLines(const std::string &text) {
+std::vector<std::string> split_lines(const std::string &text) {
     std::vector<std::string> result;
     std::size_t begin = 0;
     while (begin < text.size()) {
@@ -109,12 +109,12 @@ std::vector<std::string> splitLines(const std::string &text) {
 
 }  // namespace
 
-std::string binaryPath(const std::string &name) {
-    return environmentVariable("VUR_DL_TEST_BIN_DIR") + "/" + name;
+std::string binary_path(const std::string &name) {
+    return environment_variable("VUR_DL_TEST_BIN_DIR") + "/" + name;
 }
 
-std::string helperPath(const std::string &name) {
-    return environmentVariable("VUR_DL_TEST_BIN_DIR") + "/tests/" + name;
+std::string helper_path(const std::string &name) {
+    return environment_variable("VUR_DL_TEST_BIN_DIR") + "/tests/" + name;
 }
 
 bool eventually(const std::function<bool()> &condition, std::chrono::milliseconds within) {
@@ -134,9 +134,9 @@ ChildProcess::ChildProcess(const std::vector<std::string> &command,
                            const Environment &environment) {
     // A child that has gone is a failed write here, not the end of the test program.
     ::signal(SIGPIPE, SIG_IGN);
-    const auto [child_in, to_child] = makePipe();
-    const auto [from_out, child_out] = makePipe();
-    const auto [from_err, child_err] = makePipe();
+    const auto [child_in, to_child] = make_pipe();
+    const auto [from_out, child_out] = make_pipe();
+    const auto [from_err, child_err] = make_pipe();
     pid_ = spawn(command, environment, child_in, child_out, child_err);
     close(child_in);
     close(child_out);
@@ -158,7 +158,7 @@ ChildProcess::~ChildProcess() {
     const std::uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = write(quit_, &one, sizeof one);
     collector_.join();
-    closeInput();
+    close_input();
     for (const int fd : {out_.fd, err_.fd, pidfd_, quit_}) {
         close(fd);
     }
@@ -170,7 +170,7 @@ void ChildProcess::say(const std::string &line) {
           "write to child");
 }
 
-void ChildProcess::closeInput() {
+void ChildProcess::close_input() {
     if (input_ >= 0) {
         close(input_);
         input_ = -1;
@@ -178,7 +178,7 @@ void ChildProcess::closeInput() {
 }
 
 // Reads what is there. False at the end of the stream.
-bool ChildProcess::readSome(Pipe &pipe) {
+bool ChildProcess::read_some(Pipe &pipe) {
     char buffer[65536];
     const ssize_t got = read(pipe.fd, buffer, sizeof buffer);
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -208,10 +208,10 @@ void ChildProcess::collect() {
         if (poll(watched, 4, -1) < 0) {
             continue;
         }
-        if (watched[0].revents != 0 && !readSome(out_)) {
+        if (watched[0].revents != 0 && !read_some(out_)) {
             watched[0].fd = -1;
         }
-        if (watched[1].revents != 0 && !readSome(err_)) {
+        if (watched[1].revents != 0 && !read_some(err_)) {
             watched[1].fd = -1;
         }
         // A child's own children may hold its streams open: its end does not wait for theirs.
@@ -230,9 +230,10 @@ void ChildProcess::collect() {
     }
 }
 
-std::optional<std::string> ChildProcess::readLine(Stream stream, std::chrono::milliseconds within) {
+std::optional<std::string> ChildProcess::read_line(Stream stream,
+                                                   std::chrono::milliseconds within) {
     std::unique_lock<std::mutex> lock(mutex_);
-    Pipe &pipe = pipeOf(stream);
+    Pipe &pipe = pipe_of(stream);
     changed_.wait_for(lock, within, [&] { return pipe.next < pipe.lines.size() || pipe.ended; });
     if (pipe.next >= pipe.lines.size()) {
         return std::nullopt;
@@ -240,14 +241,14 @@ std::optional<std::string> ChildProcess::readLine(Stream stream, std::chrono::mi
     return pipe.lines[pipe.next++];
 }
 
-std::optional<std::string> ChildProcess::readLineWith(const std::string &text, Stream stream,
-                                                      std::chrono::milliseconds within) {
+std::optional<std::string> ChildProcess::read_line_with(const std::string &text, Stream stream,
+                                                        std::chrono::milliseconds within) {
     const auto deadline = std::chrono::steady_clock::now() + within;
     for (;;) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         std::optional<std::string> line =
-            readLine(stream, std::max(left, std::chrono::milliseconds(0)));
+            read_line(stream, std::max(left, std::chrono::milliseconds(0)));
         if (!line || line->find(text) != std::string::npos) {
             return line;
         }
@@ -256,7 +257,7 @@ std::optional<std::string> ChildProcess::readLineWith(const std::string &text, S
 
 std::vector<std::string> ChildProcess::lines(Stream stream) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return pipeOf(stream).lines;
+    return pipe_of(stream).lines;
 }
 
 void ChildProcess::signal(int number) {
@@ -300,7 +301,7 @@ std::string StdoutCapture::text() {
 }
 
 std::vector<std::string> StdoutCapture::lines() {
-    return splitLines(text());
+    return split_lines(text());
 }
 
 int StdoutCapture::count(const std::string &line) {

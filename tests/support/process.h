@@ -22,8 +22,8 @@ namespace support {
 constexpr std::chrono::seconds kPatience{30};
 
 // The folders that the environment names: programs of the build, and its test helpers.
-std::string binaryPath(const std::string &name);
-std::string helperPath(const std::string &name);
+std::string binary_path(const std::string &name);
+std::string helper_path(const std::string &name);
 
 // Looks again, with growing pauses, until `condition` holds; false when it does not in time.
 bool eventually(const std::function<bool()> &condition,
@@ -45,15 +45,15 @@ class ChildProcess {
     pid_t pid() const { return pid_; }
     // Writes a line to the child's standard input.
     void say(const std::string &line);
-    void closeInput();
+    void close_input();
 
     // The next line of a stream that was not returned before, without its newline; empty when none
     // comes in time or the stream has ended.
-    std::optional<std::string> readLine(Stream stream = Stream::kOut,
-                                        std::chrono::milliseconds within = kPatience);
+    std::optional<std::string> read_line(Stream stream = Stream::kOut,
+                                         std::chrono::milliseconds within = kPatience);
     // Reads on until a line contains `text`, and returns that line.
-    std::optional<std::string> readLineWith(const std::string &text, Stream stream = Stream::kOut,
-                                            std::chrono::milliseconds within = kPatience);
+    std::optional<std::string> read_line_with(const std::string &text, Stream stream = Stream::kOut,
+                                              std::chrono::milliseconds within = kPatience);
     // All lines so far, also those that were returned.
     std::vector<std::string> lines(Stream stream = Stream::kOut);
 
@@ -72,8 +72,8 @@ class ChildProcess {
     };
 
     void collect();
-    bool readSome(Pipe &pipe);
-    Pipe &pipeOf(Stream stream) { return stream == Stream::kOut ? out_ : err_; }
+    bool read_some(Pipe &pipe);
+    Pipe &pipe_of(Stream stream) { return stream == Stream::kOut ? out_ : err_; }
 
     pid_t pid_ = -1;
     int input_ = -1;

@@ -31,25 +31,25 @@ struct Maker {
     }
 };
 
-KOLT_TypePluginParticipantData *attachParticipant(void *,
-                                                  const KOLT_TypePluginParticipantInfo *info,
-                                                  DDS_Boolean, void *, const DDS_TypeCode *type) {
+KOLT_TypePluginParticipantData *attach_participant(void *,
+                                                   const KOLT_TypePluginParticipantInfo *info,
+                                                   DDS_Boolean, void *, const DDS_TypeCode *type) {
     KOLT_TypePluginParticipantData *const data = KOLT_TypePlugin_ParticipantData_new(info);
     if (data == nullptr) return nullptr;
     KOLT_TypePlugin_ParticipantData_set_programs(data, KOLT_TypePrograms_acquire(type));
     return data;
 }
 
-DDS_UnsignedLong maxSize(KOLT_TypePluginEndpointData *data, DDS_Boolean header,
-                         DDS_UnsignedShort encapsulation, DDS_UnsignedLong alignment) {
+DDS_UnsignedLong max_size(KOLT_TypePluginEndpointData *data, DDS_Boolean header,
+                          DDS_UnsignedShort encapsulation, DDS_UnsignedLong alignment) {
     DDS_Boolean overflow = DDS_BOOLEAN_FALSE;
     const DDS_UnsignedLong size = KOLT_TypePlugin_get_serialized_sample_max_size(
         data, &overflow, header, encapsulation, alignment);
     return overflow ? KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED : size;
 }
 
-DDS_UnsignedLong keyMaxSize(KOLT_TypePluginEndpointData *data, DDS_Boolean header,
-                            DDS_UnsignedShort encapsulation, DDS_UnsignedLong alignment) {
+DDS_UnsignedLong key_max_size(KOLT_TypePluginEndpointData *data, DDS_Boolean header,
+                              DDS_UnsignedShort encapsulation, DDS_UnsignedLong alignment) {
     DDS_Boolean overflow = DDS_BOOLEAN_FALSE;
     const DDS_UnsignedLong size = KOLT_TypePlugin_get_serialized_key_max_size(
         data, &overflow, header, encapsulation, alignment);
@@ -57,15 +57,15 @@ DDS_UnsignedLong keyMaxSize(KOLT_TypePluginEndpointData *data, DDS_Boolean heade
 }
 
 template <typename Make>
-KOLT_TypePluginEndpointData *attachEndpoint(KOLT_TypePluginParticipantData *participant,
-                                            const KOLT_TypePluginEndpointInfo *info, DDS_Boolean,
-                                            void *) {
+KOLT_TypePluginEndpointData *attach_endpoint(KOLT_TypePluginParticipantData *participant,
+                                             const KOLT_TypePluginEndpointInfo *info, DDS_Boolean,
+                                             void *) {
     KOLT_TypePluginEndpointData *const data = KOLT_TypePlugin_EndpointData_new(
         participant, info, Make::create, Make::destroy, Make::create, Make::destroy);
     if (data == nullptr) return nullptr;
     if (info->kind == KOLT_TYPE_PLUGIN_WRITER &&
         !KOLT_TypePlugin_EndpointData_create_writer_pool(
-            data, maxSize, KOLT_TypePlugin_get_serialized_sample_size)) {
+            data, max_size, KOLT_TypePlugin_get_serialized_sample_size)) {
         KOLT_TypePlugin_EndpointData_delete(data);
         return nullptr;
     }
@@ -73,39 +73,39 @@ KOLT_TypePluginEndpointData *attachEndpoint(KOLT_TypePluginParticipantData *part
     return data;
 }
 
-void detachEndpoint(KOLT_TypePluginEndpointData *data) {
+void detach_endpoint(KOLT_TypePluginEndpointData *data) {
     KOLT_TypePlugin_EndpointData_delete(data);
     --g_live_endpoints;
 }
 
-KOLT_TypePluginKeyKind userKey() {
+KOLT_TypePluginKeyKind user_key() {
     return KOLT_TYPE_PLUGIN_USER_KEY;
 }
-KOLT_TypePluginKeyKind noKey() {
+KOLT_TypePluginKeyKind no_key() {
     return KOLT_TYPE_PLUGIN_NO_KEY;
 }
 
 template <typename Make>
-KOLT_TypePlugin makePlugin(const DDS_TypeCode *type, const char *name, bool keyed) {
+KOLT_TypePlugin make_plugin(const DDS_TypeCode *type, const char *name, bool keyed) {
     KOLT_TypePlugin plugin{};
-    plugin.on_participant_attached = attachParticipant;
+    plugin.on_participant_attached = attach_participant;
     plugin.on_participant_detached = KOLT_TypePlugin_ParticipantData_delete;
-    plugin.on_endpoint_attached = attachEndpoint<Make>;
-    plugin.on_endpoint_detached = detachEndpoint;
+    plugin.on_endpoint_attached = attach_endpoint<Make>;
+    plugin.on_endpoint_detached = detach_endpoint;
     plugin.create_sample = KOLT_TypePlugin_create_sample;
     plugin.destroy_sample = KOLT_TypePlugin_destroy_sample;
     plugin.serialize = KOLT_TypePlugin_serialize;
     plugin.deserialize = KOLT_TypePlugin_deserialize;
     plugin.get_sample = KOLT_TypePlugin_get_sample;
     plugin.return_sample = KOLT_TypePlugin_return_sample;
-    plugin.get_serialized_sample_max_size = maxSize;
+    plugin.get_serialized_sample_max_size = max_size;
     plugin.get_serialized_sample_min_size = KOLT_TypePlugin_get_serialized_sample_min_size;
     plugin.get_serialized_sample_size = KOLT_TypePlugin_get_serialized_sample_size;
-    plugin.get_key_kind = keyed ? userKey : noKey;
+    plugin.get_key_kind = keyed ? user_key : no_key;
     if (keyed) {
         plugin.get_key = KOLT_TypePlugin_get_key;
         plugin.return_key = KOLT_TypePlugin_return_key;
-        plugin.get_serialized_key_max_size = keyMaxSize;
+        plugin.get_serialized_key_max_size = key_max_size;
         plugin.serialize_key = KOLT_TypePlugin_serialize_key;
         plugin.deserialize_key = KOLT_TypePlugin_deserialize_key;
         plugin.deserialize_key_sample = KOLT_TypePlugin_deserialize_key_sample;
@@ -120,25 +120,25 @@ KOLT_TypePlugin makePlugin(const DDS_TypeCode *type, const char *name, bool keye
 
 }  // namespace
 
-const KOLT_TypePlugin &messagePlugin() {
-    static const KOLT_TypePlugin plugin = makePlugin<Maker<messageType, Message>>(
-        messageType(), DDS_TypeCode_name(messageType()), true);
+const KOLT_TypePlugin &message_plugin() {
+    static const KOLT_TypePlugin plugin = make_plugin<Maker<message_type, Message>>(
+        message_type(), DDS_TypeCode_name(message_type()), true);
     return plugin;
 }
 
-const KOLT_TypePlugin &pointPlugin() {
+const KOLT_TypePlugin &point_plugin() {
     static const KOLT_TypePlugin plugin =
-        makePlugin<Maker<pointType, Point>>(pointType(), DDS_TypeCode_name(pointType()), false);
+        make_plugin<Maker<point_type, Point>>(point_type(), DDS_TypeCode_name(point_type()), false);
     return plugin;
 }
 
-const KOLT_TypePlugin &largePlugin() {
+const KOLT_TypePlugin &large_plugin() {
     static const KOLT_TypePlugin plugin =
-        makePlugin<Maker<largeType, Large>>(largeType(), DDS_TypeCode_name(largeType()), false);
+        make_plugin<Maker<large_type, Large>>(large_type(), DDS_TypeCode_name(large_type()), false);
     return plugin;
 }
 
-int liveEndpoints() {
+int live_endpoints() {
     return g_live_endpoints.load();
 }
 
@@ -152,7 +152,7 @@ Node::Node(DDS_DomainId_t domain, const std::string &topic_name, const DDS_Topic
     : factory(DDS_DomainParticipantFactory_get_instance()),
       participant(DDS_DomainParticipantFactory_create_participant(factory, domain, nullptr, nullptr,
                                                                   DDS_STATUS_MASK_NONE)) {
-    if (DDS_DomainParticipant_register_type(participant, kMessageTypeName, &messagePlugin(),
+    if (DDS_DomainParticipant_register_type(participant, kMessageTypeName, &message_plugin(),
                                             nullptr) != DDS_RETCODE_OK) {
         std::abort();
     }
@@ -171,7 +171,7 @@ Node::~Node() {
     }
 }
 
-DDS_Topic *Node::topicOf(const KOLT_TypePlugin &plugin, const std::string &name) {
+DDS_Topic *Node::topic_of(const KOLT_TypePlugin &plugin, const std::string &name) {
     if (DDS_DomainParticipant_register_type(participant, plugin.endpoint_type_name, &plugin,
                                             nullptr) != DDS_RETCODE_OK) {
         std::abort();
@@ -207,12 +207,12 @@ DDS_DataReader *Node::reader(const std::function<void(DDS_DataReaderQos &)> &adj
 
 DDS_ReturnCode_t write(DDS_DataWriter *writer, int host, int level, long long number,
                        const std::string &text, DDS_InstanceHandle_t handle) {
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     message->id = {host, 1};
     message->level = level;
     message->number = number;
-    setText(message->category, "test");
-    setText(message->text, text.c_str());
+    set_text(message->category, "test");
+    set_text(message->text, text.c_str());
     return DDS_DataWriter_write(writer, message.get(), handle);
 }
 
@@ -258,7 +258,7 @@ std::vector<Text> take(DDS_DataReader *reader) {
     return access(reader, selection(true));
 }
 
-std::vector<Text> takeAtLeast(DDS_DataReader *reader, size_t count) {
+std::vector<Text> take_at_least(DDS_DataReader *reader, size_t count) {
     std::vector<Text> all;
     eventually([&] {
         for (Text &text : take(reader)) all.push_back(std::move(text));
@@ -267,7 +267,7 @@ std::vector<Text> takeAtLeast(DDS_DataReader *reader, size_t count) {
     return all;
 }
 
-bool isMatched(DDS_DataWriter *writer, int count) {
+bool is_matched(DDS_DataWriter *writer, int count) {
     return eventually([&] {
         DDS_PublicationMatchedStatus status{};
         DDS_DataWriter_get_publication_matched_status(writer, &status);
@@ -275,7 +275,7 @@ bool isMatched(DDS_DataWriter *writer, int count) {
     });
 }
 
-bool isMatched(DDS_DataReader *reader, int count) {
+bool is_matched(DDS_DataReader *reader, int count) {
     return eventually([&] {
         DDS_SubscriptionMatchedStatus status{};
         DDS_DataReader_get_subscription_matched_status(reader, &status);

@@ -20,11 +20,11 @@ std::string own(const std::string &name);
 
 // Plugins made of KOLT's generic operations: of support::Message, keyed by id and level, and of
 // support::Point and support::Large, which have no key.
-const KOLT_TypePlugin &messagePlugin();
-const KOLT_TypePlugin &pointPlugin();
-const KOLT_TypePlugin &largePlugin();
+const KOLT_TypePlugin &message_plugin();
+const KOLT_TypePlugin &point_plugin();
+const KOLT_TypePlugin &large_plugin();
 // How many of the endpoint data that the plugins made exist.
-int liveEndpoints();
+int live_endpoints();
 
 // A participant with the Message type and one topic of it. Deletes everything with the scope.
 class Node {
@@ -46,7 +46,7 @@ class Node {
                            DDS_StatusMask mask = DDS_STATUS_MASK_NONE);
 
     // A topic of another plugin's type, under the type's own name.
-    DDS_Topic *topicOf(const KOLT_TypePlugin &plugin, const std::string &name);
+    DDS_Topic *topic_of(const KOLT_TypePlugin &plugin, const std::string &name);
 
     DDS_DomainParticipantFactory *factory;
     DDS_DomainParticipant *participant;
@@ -77,11 +77,11 @@ std::vector<Text> access(DDS_DataReader *reader, const KOLT_ReadSelection &selec
                          DDS_ReturnCode_t *code = nullptr);
 std::vector<Text> take(DDS_DataReader *reader);
 // Takes until there are `count` messages or the deadline has passed.
-std::vector<Text> takeAtLeast(DDS_DataReader *reader, size_t count);
+std::vector<Text> take_at_least(DDS_DataReader *reader, size_t count);
 
 // Waits until the endpoints know of `count` peers.
-bool isMatched(DDS_DataWriter *writer, int count = 1);
-bool isMatched(DDS_DataReader *reader, int count = 1);
+bool is_matched(DDS_DataWriter *writer, int count = 1);
+bool is_matched(DDS_DataReader *reader, int count = 1);
 
 // A sequence of strings for a filter.
 class Strings {

@@ -85,7 +85,7 @@ class QosProfilesTest : public testing::Test {
         }
         return false;
     }
-    static std::string allMessages() {
+    static std::string all_messages() {
         std::string all;
         for (const std::string &message : messages()) {
             all += message + "\n";
@@ -102,8 +102,8 @@ class QosProfilesTest : public testing::Test {
         return KOLT_DomainParticipantFactory_add_profiles(factory(), write(name, content).c_str());
     }
     // A document with one library `L` of the given profiles.
-    DDS_ReturnCode_t addLibrary(const std::string &profiles,
-                                const std::string &name = "a.xml") const {
+    DDS_ReturnCode_t add_library(const std::string &profiles,
+                                 const std::string &name = "a.xml") const {
         return add("<dds>\n<qos_library name=\"L\">\n" + profiles + "\n</qos_library>\n</dds>",
                    name);
     }

@@ -12,7 +12,7 @@ constexpr int kMaximumDepth = 4;
 // Bytes that one value may take in memory, with the buffers that it is born with.
 constexpr size_t kMaximumWeight = 16384;
 
-size_t sizeOf(const DDS_TypeCode &type) {
+size_t size_of(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_BOOLEAN:
         case DDS_TK_CHAR:
@@ -35,14 +35,14 @@ size_t sizeOf(const DDS_TypeCode &type) {
         case DDS_TK_ARRAY: {
             size_t count = 1;
             for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) count *= type.dimensions[i];
-            return count * sizeOf(*type.content_type);
+            return count * size_of(*type.content_type);
         }
         default:
             return 4;
     }
 }
 
-size_t alignmentOf(const DDS_TypeCode &type) {
+size_t alignment_of(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_SEQUENCE:
             return alignof(KOLT_Sequence);
@@ -50,34 +50,34 @@ size_t alignmentOf(const DDS_TypeCode &type) {
         case DDS_TK_UNION:
             return type.access->record_alignment;
         case DDS_TK_ARRAY:
-            return alignmentOf(*type.content_type);
+            return alignment_of(*type.content_type);
         default:
-            return sizeOf(type);
+            return size_of(type);
     }
 }
 
-size_t weightOf(const DDS_TypeCode &type) {
+size_t weight_of(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_STRING:
             return 32 + type.bound;
         case DDS_TK_SEQUENCE:
-            return 128 + type.bound * weightOf(*type.content_type);
+            return 128 + type.bound * weight_of(*type.content_type);
         case DDS_TK_ARRAY:
-            return sizeOf(type) / sizeOf(*type.content_type) * weightOf(*type.content_type);
+            return size_of(type) / size_of(*type.content_type) * weight_of(*type.content_type);
         case DDS_TK_STRUCT:
         case DDS_TK_UNION: {
             size_t weight = type.access->record_size;
             for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-                weight += weightOf(*type.members[i].type);
+                weight += weight_of(*type.members[i].type);
             }
             return weight;
         }
         default:
-            return sizeOf(type);
+            return size_of(type);
     }
 }
 
-bool isIntegral(DDS_TCKind kind) {
+bool is_integral(DDS_TCKind kind) {
     return (kind >= DDS_TK_BOOLEAN && kind <= DDS_TK_ULONGLONG) || kind == DDS_TK_ENUM;
 }
 
@@ -140,7 +140,7 @@ const DDS_TypeCode *RandomType::Make(int depth) {
             made = MakeSequence(depth + 1);
             break;
     }
-    return weightOf(*made) > kMaximumWeight ? small : made;
+    return weight_of(*made) > kMaximumWeight ? small : made;
 }
 
 const DDS_TypeCode *RandomType::MakeEnum() {
@@ -192,7 +192,7 @@ const DDS_TypeCode *RandomType::MakeSequence(int depth) {
 void RandomType::GiveDefault(DDS_TypeCodeMember *member) {
     const DDS_TCKind kind = member->type->kind;
     DDS_AnnotationParameterValue *const value = &member->default_value;
-    if (isIntegral(kind)) {
+    if (is_integral(kind)) {
         value->kind = DDS_TK_LONGLONG;
         value->value.integer = kind == DDS_TK_ENUM ? member->type->members[0].ordinal : 1;
     } else if (kind == DDS_TK_FLOAT || kind == DDS_TK_DOUBLE) {
@@ -232,12 +232,12 @@ const DDS_TypeCode *RandomType::Finish(DDS_TypeCode aggregate,
                                        std::vector<DDS_TypeCodeMember> members, size_t start) {
     DDS_SampleAccessInfo access{};
     access.language_binding = KOLT_LANGUAGE_BINDING_PLAIN_RECORD;
-    access.record_alignment = start == 0 ? 1 : alignmentOf(*aggregate.discriminator_type);
+    access.record_alignment = start == 0 ? 1 : alignment_of(*aggregate.discriminator_type);
     std::vector<size_t> offsets;
     size_t end = start;
     for (const DDS_TypeCodeMember &member : members) {
-        const size_t size = member.is_optional ? sizeof(void *) : sizeOf(*member.type);
-        const size_t alignment = member.is_optional ? alignof(void *) : alignmentOf(*member.type);
+        const size_t size = member.is_optional ? sizeof(void *) : size_of(*member.type);
+        const size_t alignment = member.is_optional ? alignof(void *) : alignment_of(*member.type);
         end = (end + alignment - 1) / alignment * alignment;
         offsets.push_back(end);
         end += size;
@@ -293,7 +293,7 @@ const DDS_TypeCode *RandomType::MakeUnion(int depth) {
         member.label_count = static_cast<DDS_UnsignedLong>(labels_.back().size());
     }
     members.back().is_default_label = decisions_.OneIn(2);
-    return Finish(type, std::move(members), sizeOf(*type.discriminator_type));
+    return Finish(type, std::move(members), size_of(*type.discriminator_type));
 }
 
 void RandomType::MakeShorter() {

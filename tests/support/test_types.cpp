@@ -28,16 +28,16 @@ DDS_TypeCodeMember optional(DDS_TypeCodeMember m) {
     m.is_optional = 1;
     return m;
 }
-DDS_TypeCodeMember mustUnderstand(DDS_TypeCodeMember m) {
+DDS_TypeCodeMember must_understand(DDS_TypeCodeMember m) {
     m.is_must_understand = 1;
     return m;
 }
-DDS_TypeCodeMember withDefault(DDS_TypeCodeMember m, DDS_LongLong value) {
+DDS_TypeCodeMember with_default(DDS_TypeCodeMember m, DDS_LongLong value) {
     m.default_value.kind = DDS_TK_LONGLONG;
     m.default_value.value.integer = value;
     return m;
 }
-DDS_TypeCodeMember withDefault(DDS_TypeCodeMember m, const char *value) {
+DDS_TypeCodeMember with_default(DDS_TypeCodeMember m, const char *value) {
     m.default_value.kind = DDS_TK_STRING;
     m.default_value.value.string = value;
     return m;
@@ -104,7 +104,7 @@ struct Aggregate {
     Aggregate(const Aggregate &) = delete;
     Aggregate &operator=(const Aggregate &) = delete;
 
-    void makeUnion(const DDS_TypeCode *discriminator, size_t offset, DDS_Long initial) {
+    void make_union(const DDS_TypeCode *discriminator, size_t offset, DDS_Long initial) {
         type.kind = DDS_TK_UNION;
         type.discriminator_type = discriminator;
         type.default_discriminator = initial;
@@ -120,11 +120,11 @@ Aggregate<kCount> aggregate(const char *name, DDS_ExtensibilityKind extensibilit
 }
 
 template <typename... M>
-std::array<DDS_TypeCodeMember, sizeof...(M)> membersOf(const M &...all) {
+std::array<DDS_TypeCodeMember, sizeof...(M)> members_of(const M &...all) {
     return {all...};
 }
 template <typename... O>
-std::array<size_t, sizeof...(O)> offsetsOf(O... all) {
+std::array<size_t, sizeof...(O)> offsets_of(O... all) {
     return {all...};
 }
 
@@ -132,7 +132,7 @@ constexpr DDS_ExtensibilityKind kFinal = DDS_FINAL_EXTENSIBILITY;
 constexpr DDS_ExtensibilityKind kAppendable = DDS_APPENDABLE_EXTENSIBILITY;
 constexpr DDS_ExtensibilityKind kMutable = DDS_MUTABLE_EXTENSIBILITY;
 
-const DDS_TypeCode *stringType(DDS_UnsignedLong bound) {
+const DDS_TypeCode *string_type(DDS_UnsignedLong bound) {
     static const DDS_TypeCode unbounded = string(0), s8 = string(8), s16 = string(16),
                               s32 = string(32), s64 = string(64);
     switch (bound) {
@@ -149,17 +149,17 @@ const DDS_TypeCode *stringType(DDS_UnsignedLong bound) {
     }
 }
 
-DDS_Boolean initializePoint(void *element, const DDS_TypeAllocationParams_t *params) {
-    return KOLT_Record_initialize_w_params(pointType(), element, params);
+DDS_Boolean initialize_point(void *element, const DDS_TypeAllocationParams_t *params) {
+    return KOLT_Record_initialize_w_params(point_type(), element, params);
 }
-void finalizePoint(void *element, const DDS_TypeDeallocationParams_t *params) {
-    KOLT_Record_finalize_w_params(pointType(), element, params);
+void finalize_point(void *element, const DDS_TypeDeallocationParams_t *params) {
+    KOLT_Record_finalize_w_params(point_type(), element, params);
 }
-DDS_Boolean copyPoint(void *destination, const void *source) {
-    return KOLT_Record_copy(pointType(), destination, source);
+DDS_Boolean copy_point(void *destination, const void *source) {
+    return KOLT_Record_copy(point_type(), destination, source);
 }
-constexpr KOLT_SequenceElementType kPoint = {"PointSeq", sizeof(Point), initializePoint,
-                                             finalizePoint, copyPoint};
+constexpr KOLT_SequenceElementType kPoint = {"PointSeq", sizeof(Point), initialize_point,
+                                             finalize_point, copy_point};
 constexpr KOLT_SequenceElementType kId = {"IdSeq", sizeof(Id), nullptr, nullptr, nullptr};
 
 }  // namespace
@@ -167,7 +167,7 @@ constexpr KOLT_SequenceElementType kId = {"IdSeq", sizeof(Id), nullptr, nullptr,
 KOLT_SEQUENCE_DEFINE(PointSeq, Point, &kPoint);
 KOLT_SEQUENCE_DEFINE(IdSeq, Id, &kId);
 
-const DDS_TypeCode *colorType() {
+const DDS_TypeCode *color_type() {
     static DDS_TypeCodeMember enumerators[3] = {
         member("RED", 0, nullptr), member("GREEN", 1, nullptr), member("BLUE", 2, nullptr)};
     static const DDS_TypeCode type = [] {
@@ -186,61 +186,62 @@ const DDS_TypeCode *colorType() {
     return &type;
 }
 
-const DDS_TypeCode *idType() {
-    static const auto type = aggregate<Id>("Test::Id", kAppendable,
-                                           membersOf(key(member("host", 0, primitive(DDS_TK_LONG))),
-                                                     key(member("app", 1, primitive(DDS_TK_LONG)))),
-                                           offsetsOf(offsetof(Id, host), offsetof(Id, app)));
+const DDS_TypeCode *id_type() {
+    static const auto type =
+        aggregate<Id>("Test::Id", kAppendable,
+                      members_of(key(member("host", 0, primitive(DDS_TK_LONG))),
+                                 key(member("app", 1, primitive(DDS_TK_LONG)))),
+                      offsets_of(offsetof(Id, host), offsetof(Id, app)));
     return &type.type;
 }
 
-const DDS_TypeCode *messageType() {
+const DDS_TypeCode *message_type() {
     static const auto type = aggregate<Message>(
         "Test::Message", kMutable,
-        membersOf(key(member("id", 0, idType())), key(member("level", 1, primitive(DDS_TK_LONG))),
-                  member("category", 2, stringType(16)), member("text", 3, stringType(64)),
-                  member("number", 4, primitive(DDS_TK_LONGLONG))),
-        offsetsOf(offsetof(Message, id), offsetof(Message, level), offsetof(Message, category),
-                  offsetof(Message, text), offsetof(Message, number)));
+        members_of(key(member("id", 0, id_type())), key(member("level", 1, primitive(DDS_TK_LONG))),
+                   member("category", 2, string_type(16)), member("text", 3, string_type(64)),
+                   member("number", 4, primitive(DDS_TK_LONGLONG))),
+        offsets_of(offsetof(Message, id), offsetof(Message, level), offsetof(Message, category),
+                   offsetof(Message, text), offsetof(Message, number)));
     return &type.type;
 }
 
-const DDS_TypeCode *pointType() {
-    static const auto type = aggregate<Point>(
-        "Test::Point", kFinal,
-        membersOf(member("x", 0, primitive(DDS_TK_SHORT)), member("y", 1, primitive(DDS_TK_SHORT))),
-        offsetsOf(offsetof(Point, x), offsetof(Point, y)));
+const DDS_TypeCode *point_type() {
+    static const auto type = aggregate<Point>("Test::Point", kFinal,
+                                              members_of(member("x", 0, primitive(DDS_TK_SHORT)),
+                                                         member("y", 1, primitive(DDS_TK_SHORT))),
+                                              offsets_of(offsetof(Point, x), offsetof(Point, y)));
     return &type.type;
 }
 
-const DDS_TypeCode *everythingType() {
+const DDS_TypeCode *everything_type() {
     static constexpr DDS_UnsignedLong kMatrix[] = {2, 3};
     static constexpr DDS_UnsignedLong kTwo[] = {2};
     static const DDS_TypeCode matrix = array(primitive(DDS_TK_LONG), kMatrix);
-    static const DDS_TypeCode points = array(pointType(), kTwo);
-    static const DDS_TypeCode colors = array(colorType(), kTwo);
+    static const DDS_TypeCode points = array(point_type(), kTwo);
+    static const DDS_TypeCode colors = array(color_type(), kTwo);
     static const DDS_TypeCode octets = sequence(primitive(DDS_TK_OCTET), 8);
     static const DDS_TypeCode numbers = sequence(primitive(DDS_TK_LONGLONG), 0);
-    static const DDS_TypeCode names = sequence(stringType(8), 4);
-    static const DDS_TypeCode path = sequence(pointType(), 3);
+    static const DDS_TypeCode names = sequence(string_type(8), 4);
+    static const DDS_TypeCode path = sequence(point_type(), 3);
     static const auto type = aggregate<Everything>(
         "Test::Everything", kFinal,
-        membersOf(member("flag", 0, primitive(DDS_TK_BOOLEAN)),
-                  member("wide", 1, primitive(DDS_TK_LONGLONG)),
-                  member("octet", 2, primitive(DDS_TK_OCTET)),
-                  member("real", 3, primitive(DDS_TK_DOUBLE)),
-                  member("letter", 4, primitive(DDS_TK_CHAR)),
-                  member("small", 5, primitive(DDS_TK_SHORT)),
-                  member("positive", 6, primitive(DDS_TK_USHORT)),
-                  member("word", 7, primitive(DDS_TK_ULONG)),
-                  member("largest", 8, primitive(DDS_TK_ULONGLONG)),
-                  member("single", 9, primitive(DDS_TK_FLOAT)), member("color", 10, colorType()),
-                  member("text", 11, stringType(0)), member("matrix", 12, &matrix),
-                  member("points", 13, &points), member("colors", 14, &colors),
-                  member("octets", 15, &octets), member("numbers", 16, &numbers),
-                  member("names", 17, &names), member("path", 18, &path),
-                  member("id", 19, idType())),
-        offsetsOf(
+        members_of(member("flag", 0, primitive(DDS_TK_BOOLEAN)),
+                   member("wide", 1, primitive(DDS_TK_LONGLONG)),
+                   member("octet", 2, primitive(DDS_TK_OCTET)),
+                   member("real", 3, primitive(DDS_TK_DOUBLE)),
+                   member("letter", 4, primitive(DDS_TK_CHAR)),
+                   member("small", 5, primitive(DDS_TK_SHORT)),
+                   member("positive", 6, primitive(DDS_TK_USHORT)),
+                   member("word", 7, primitive(DDS_TK_ULONG)),
+                   member("largest", 8, primitive(DDS_TK_ULONGLONG)),
+                   member("single", 9, primitive(DDS_TK_FLOAT)), member("color", 10, color_type()),
+                   member("text", 11, string_type(0)), member("matrix", 12, &matrix),
+                   member("points", 13, &points), member("colors", 14, &colors),
+                   member("octets", 15, &octets), member("numbers", 16, &numbers),
+                   member("names", 17, &names), member("path", 18, &path),
+                   member("id", 19, id_type())),
+        offsets_of(
             offsetof(Everything, flag), offsetof(Everything, wide), offsetof(Everything, octet),
             offsetof(Everything, real), offsetof(Everything, letter), offsetof(Everything, small),
             offsetof(Everything, positive), offsetof(Everything, word),
@@ -259,62 +260,62 @@ struct ChoiceType : Aggregate<3> {
         : Aggregate<3>(
               name, extensibility, sizeof(Choice), alignof(Choice), members3(),
               {offsetof(Choice, _u.number), offsetof(Choice, _u.ids), offsetof(Choice, _u.text)}) {
-        makeUnion(primitive(DDS_TK_LONG), offsetof(Choice, _d), 0);
+        make_union(primitive(DDS_TK_LONG), offsetof(Choice, _d), 0);
     }
     static std::array<DDS_TypeCodeMember, 3> members3() {
         static constexpr DDS_Long kNumber[] = {0};
         static constexpr DDS_Long kIds[] = {1, 2};
         static constexpr DDS_Long kText[] = {3};
-        static const DDS_TypeCode ids = sequence(idType(), 5);
+        static const DDS_TypeCode ids = sequence(id_type(), 5);
         return {labelled(member("number", 1, primitive(DDS_TK_LONG)), kNumber),
                 labelled(member("ids", 2, &ids), kIds),
-                labelled(member("text", 3, stringType(8)), kText)};
+                labelled(member("text", 3, string_type(8)), kText)};
     }
 };
 
 struct RequestType : Aggregate<3> {
     RequestType(const char *name, DDS_ExtensibilityKind extensibility, const DDS_TypeCode *choice)
         : Aggregate<3>(name, extensibility, sizeof(Request), alignof(Request),
-                       membersOf(member("target", 0, idType()), member("choice", 1, choice),
-                                 member("after", 2, primitive(DDS_TK_LONG))),
-                       offsetsOf(offsetof(Request, target), offsetof(Request, choice),
-                                 offsetof(Request, after))) {}
+                       members_of(member("target", 0, id_type()), member("choice", 1, choice),
+                                  member("after", 2, primitive(DDS_TK_LONG))),
+                       offsets_of(offsetof(Request, target), offsetof(Request, choice),
+                                  offsetof(Request, after))) {}
 };
 
 struct OptionsType : Aggregate<5> {
     OptionsType(const char *name, DDS_ExtensibilityKind extensibility)
         : Aggregate<5>(name, extensibility, sizeof(Options), alignof(Options),
-                       membersOf(member("always", 0, primitive(DDS_TK_LONG)),
-                                 optional(member("number", 1, primitive(DDS_TK_LONG))),
-                                 optional(member("text", 2, stringType(8))),
-                                 optional(member("point", 3, pointType())),
-                                 member("last", 4, primitive(DDS_TK_OCTET))),
-                       offsetsOf(offsetof(Options, always), offsetof(Options, number),
-                                 offsetof(Options, text), offsetof(Options, point),
-                                 offsetof(Options, last))) {}
+                       members_of(member("always", 0, primitive(DDS_TK_LONG)),
+                                  optional(member("number", 1, primitive(DDS_TK_LONG))),
+                                  optional(member("text", 2, string_type(8))),
+                                  optional(member("point", 3, point_type())),
+                                  member("last", 4, primitive(DDS_TK_OCTET))),
+                       offsets_of(offsetof(Options, always), offsetof(Options, number),
+                                  offsetof(Options, text), offsetof(Options, point),
+                                  offsetof(Options, last))) {}
 };
 
 struct Version1Type : Aggregate<2> {
     Version1Type(const char *name, DDS_ExtensibilityKind extensibility)
         : Aggregate<2>(
               name, extensibility, sizeof(Version1), alignof(Version1),
-              membersOf(member("a", 0, primitive(DDS_TK_LONG)), member("name", 1, stringType(8))),
-              offsetsOf(offsetof(Version1, a), offsetof(Version1, name))) {}
+              members_of(member("a", 0, primitive(DDS_TK_LONG)), member("name", 1, string_type(8))),
+              offsets_of(offsetof(Version1, a), offsetof(Version1, name))) {}
 };
 
 struct Version2Type : Aggregate<5> {
     Version2Type(const char *name, DDS_ExtensibilityKind extensibility, bool strict = false)
         : Aggregate<5>(
               name, extensibility, sizeof(Version2), alignof(Version2), all(strict),
-              offsetsOf(offsetof(Version2, a), offsetof(Version2, name), offsetof(Version2, b),
-                        offsetof(Version2, extra), offsetof(Version2, more))) {}
+              offsets_of(offsetof(Version2, a), offsetof(Version2, name), offsetof(Version2, b),
+                         offsetof(Version2, extra), offsetof(Version2, more))) {}
     static std::array<DDS_TypeCodeMember, 5> all(bool strict) {
         static const DDS_TypeCode more = sequence(primitive(DDS_TK_LONG), 4);
         const DDS_TypeCodeMember b =
-            withDefault(member("b", 2, primitive(DDS_TK_SHORT)), DDS_LongLong{7});
-        return {member("a", 0, primitive(DDS_TK_LONG)), member("name", 1, stringType(8)),
-                strict ? mustUnderstand(b) : b,
-                withDefault(member("extra", 3, stringType(8)), "none"), member("more", 4, &more)};
+            with_default(member("b", 2, primitive(DDS_TK_SHORT)), DDS_LongLong{7});
+        return {member("a", 0, primitive(DDS_TK_LONG)), member("name", 1, string_type(8)),
+                strict ? must_understand(b) : b,
+                with_default(member("extra", 3, string_type(8)), "none"), member("more", 4, &more)};
     }
 };
 
@@ -322,108 +323,108 @@ struct HolderType : Aggregate<3> {
     HolderType(const char *name, DDS_ExtensibilityKind extensibility)
         : Aggregate<3>(
               name, extensibility, sizeof(Holder), alignof(Holder),
-              membersOf(key(member("name", 30, stringType(32))), key(member("id", 20, idType())),
-                        member("where", 10, pointType())),
-              offsetsOf(offsetof(Holder, name), offsetof(Holder, id), offsetof(Holder, where))) {}
+              members_of(key(member("name", 30, string_type(32))), key(member("id", 20, id_type())),
+                         member("where", 10, point_type())),
+              offsets_of(offsetof(Holder, name), offsetof(Holder, id), offsetof(Holder, where))) {}
 };
 
 }  // namespace
 
-const DDS_TypeCode *finalChoiceType() {
+const DDS_TypeCode *final_choice_type() {
     static const ChoiceType type("Test::FinalChoice", kFinal);
     return &type.type;
 }
-const DDS_TypeCode *appendableChoiceType() {
+const DDS_TypeCode *appendable_choice_type() {
     static const ChoiceType type("Test::AppendableChoice", kAppendable);
     return &type.type;
 }
-const DDS_TypeCode *mutableChoiceType() {
+const DDS_TypeCode *mutable_choice_type() {
     static const ChoiceType type("Test::MutableChoice", kMutable);
     return &type.type;
 }
 
-const DDS_TypeCode *fallbackType() {
+const DDS_TypeCode *fallback_type() {
     static constexpr DDS_Long kOne[] = {1};
-    static auto type =
-        aggregate<Fallback>("Test::Fallback", kFinal,
-                            membersOf(labelled(member("wide", 1, primitive(DDS_TK_LONGLONG)), kOne),
-                                      member("small", 2, primitive(DDS_TK_OCTET))),
-                            offsetsOf(offsetof(Fallback, _u.wide), offsetof(Fallback, _u.small)));
+    static auto type = aggregate<Fallback>(
+        "Test::Fallback", kFinal,
+        members_of(labelled(member("wide", 1, primitive(DDS_TK_LONGLONG)), kOne),
+                   member("small", 2, primitive(DDS_TK_OCTET))),
+        offsets_of(offsetof(Fallback, _u.wide), offsetof(Fallback, _u.small)));
     static const bool made = [] {
         type.members[1].is_default_label = 1;
-        type.makeUnion(primitive(DDS_TK_OCTET), offsetof(Fallback, _d), 0);
+        type.make_union(primitive(DDS_TK_OCTET), offsetof(Fallback, _d), 0);
         return true;
     }();
     return made ? &type.type : nullptr;
 }
 
-const DDS_TypeCode *mutableRequestType() {
-    static const RequestType type("Test::MutableRequest", kMutable, mutableChoiceType());
+const DDS_TypeCode *mutable_request_type() {
+    static const RequestType type("Test::MutableRequest", kMutable, mutable_choice_type());
     return &type.type;
 }
-const DDS_TypeCode *finalRequestType() {
-    static const RequestType type("Test::FinalRequest", kFinal, finalChoiceType());
+const DDS_TypeCode *final_request_type() {
+    static const RequestType type("Test::FinalRequest", kFinal, final_choice_type());
     return &type.type;
 }
 
-const DDS_TypeCode *finalOptionsType() {
+const DDS_TypeCode *final_options_type() {
     static const OptionsType type("Test::FinalOptions", kFinal);
     return &type.type;
 }
-const DDS_TypeCode *appendableOptionsType() {
+const DDS_TypeCode *appendable_options_type() {
     static const OptionsType type("Test::AppendableOptions", kAppendable);
     return &type.type;
 }
-const DDS_TypeCode *mutableOptionsType() {
+const DDS_TypeCode *mutable_options_type() {
     static const OptionsType type("Test::MutableOptions", kMutable);
     return &type.type;
 }
 
-const DDS_TypeCode *appendableVersion1Type() {
+const DDS_TypeCode *appendable_version1_type() {
     static const Version1Type type("Test::AppendableVersion", kAppendable);
     return &type.type;
 }
-const DDS_TypeCode *appendableVersion2Type() {
+const DDS_TypeCode *appendable_version2_type() {
     static const Version2Type type("Test::AppendableVersion", kAppendable);
     return &type.type;
 }
-const DDS_TypeCode *mutableVersion1Type() {
+const DDS_TypeCode *mutable_version1_type() {
     static const Version1Type type("Test::MutableVersion", kMutable);
     return &type.type;
 }
-const DDS_TypeCode *mutableVersion2Type() {
+const DDS_TypeCode *mutable_version2_type() {
     static const Version2Type type("Test::MutableVersion", kMutable);
     return &type.type;
 }
-const DDS_TypeCode *strictVersion2Type() {
+const DDS_TypeCode *strict_version2_type() {
     static const Version2Type type("Test::MutableVersion", kMutable, true);
     return &type.type;
 }
 
-const DDS_TypeCode *mutableHolderType() {
+const DDS_TypeCode *mutable_holder_type() {
     static const HolderType type("Test::MutableHolder", kMutable);
     return &type.type;
 }
-const DDS_TypeCode *finalHolderType() {
+const DDS_TypeCode *final_holder_type() {
     static const HolderType type("Test::FinalHolder", kFinal);
     return &type.type;
 }
-const DDS_TypeCode *appendableHolderType() {
+const DDS_TypeCode *appendable_holder_type() {
     static const HolderType type("Test::AppendableHolder", kAppendable);
     return &type.type;
 }
 
-const DDS_TypeCode *largeType() {
+const DDS_TypeCode *large_type() {
     static const DDS_TypeCode data = sequence(primitive(DDS_TK_OCTET), 0);
     static const auto type = aggregate<Large>(
         "Test::Large", kMutable,
-        membersOf(member("data", 0, &data), member("far", 0x3f01, primitive(DDS_TK_LONG)),
-                  member("farther", 0x0ffffff0, primitive(DDS_TK_LONG))),
-        offsetsOf(offsetof(Large, data), offsetof(Large, far), offsetof(Large, farther)));
+        members_of(member("data", 0, &data), member("far", 0x3f01, primitive(DDS_TK_LONG)),
+                   member("farther", 0x0ffffff0, primitive(DDS_TK_LONG))),
+        offsets_of(offsetof(Large, data), offsetof(Large, far), offsetof(Large, farther)));
     return &type.type;
 }
 
-const DDS_TypeCode *collectionsType() {
+const DDS_TypeCode *collections_type() {
     static constexpr DDS_UnsignedLong kThree[] = {3};
     static constexpr DDS_UnsignedLong kTwo[] = {2};
     static constexpr DDS_UnsignedLong kFour[] = {4};
@@ -436,20 +437,20 @@ const DDS_TypeCode *collectionsType() {
     static const DDS_TypeCode four = array(primitive(DDS_TK_OCTET), kFour);
     static const auto type = aggregate<Collections>(
         "Test::Collections", kMutable,
-        membersOf(member("wide", 0, &wide), member("reals", 1, &reals),
-                  member("numbers", 2, &numbers), member("octets", 3, &octets),
-                  member("triple", 4, &triple), member("pair", 5, &pair), member("four", 6, &four),
-                  member("half", 7, primitive(DDS_TK_SHORT)),
-                  member("one", 8, primitive(DDS_TK_OCTET))),
-        offsetsOf(offsetof(Collections, wide), offsetof(Collections, reals),
-                  offsetof(Collections, numbers), offsetof(Collections, octets),
-                  offsetof(Collections, triple), offsetof(Collections, pair),
-                  offsetof(Collections, four), offsetof(Collections, half),
-                  offsetof(Collections, one)));
+        members_of(member("wide", 0, &wide), member("reals", 1, &reals),
+                   member("numbers", 2, &numbers), member("octets", 3, &octets),
+                   member("triple", 4, &triple), member("pair", 5, &pair), member("four", 6, &four),
+                   member("half", 7, primitive(DDS_TK_SHORT)),
+                   member("one", 8, primitive(DDS_TK_OCTET))),
+        offsets_of(offsetof(Collections, wide), offsetof(Collections, reals),
+                   offsetof(Collections, numbers), offsetof(Collections, octets),
+                   offsetof(Collections, triple), offsetof(Collections, pair),
+                   offsetof(Collections, four), offsetof(Collections, half),
+                   offsetof(Collections, one)));
     return &type.type;
 }
 
-Bytes fromHex(const std::string &hex) {
+Bytes from_hex(const std::string &hex) {
     Bytes bytes;
     int high = -1;
     bool quoted = false;
@@ -473,7 +474,7 @@ Bytes fromHex(const std::string &hex) {
     return bytes;
 }
 
-std::string toHex(const Bytes &bytes) {
+std::string to_hex(const Bytes &bytes) {
     std::string text;
     for (size_t i = 0; i < bytes.size(); ++i) {
         char digits[4];
@@ -496,7 +497,7 @@ Bytes serialize(const KOLT_TypePrograms *programs, unsigned encapsulation, const
     return bytes;
 }
 
-Bytes serializeKey(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record) {
+Bytes serialize_key(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record) {
     const auto id = static_cast<DDS_UnsignedShort>(encapsulation);
     Bytes bytes(KOLT_Cdr_serialized_key_size(programs, id, record));
     size_t length = 0;
@@ -508,11 +509,11 @@ Bytes serializeKey(const KOLT_TypePrograms *programs, unsigned encapsulation, co
     return bytes;
 }
 
-void setText(DDS_Char *buffer, const char *text) {
+void set_text(DDS_Char *buffer, const char *text) {
     std::memcpy(buffer, text, std::strlen(text) + 1);
 }
 
-void fillEverything(Everything *record) {
+void fill_everything(Everything *record) {
     record->flag = 1;
     record->wide = -2;
     record->octet = 0xfe;

@@ -14,14 +14,14 @@ namespace support {
 
 // @appendable enum Color { RED = 1, GREEN = 2, BLUE = 5 }
 enum Color : DDS_Enum { RED = 1, GREEN = 2, BLUE = 5 };
-const DDS_TypeCode *colorType();
+const DDS_TypeCode *color_type();
 
 // @appendable struct Id { @key long host; @key long app; }
 struct Id {
     DDS_Long host;
     DDS_Long app;
 };
-const DDS_TypeCode *idType();
+const DDS_TypeCode *id_type();
 
 // @mutable struct Message { @key Id id; @key long level; string<16> category; string<64> text;
 //                           long long number; }
@@ -32,14 +32,14 @@ struct Message {
     DDS_Char *text;
     DDS_LongLong number;
 };
-const DDS_TypeCode *messageType();
+const DDS_TypeCode *message_type();
 
 // @final struct Point { short x; short y; }
 struct Point {
     DDS_Short x;
     DDS_Short y;
 };
-const DDS_TypeCode *pointType();
+const DDS_TypeCode *point_type();
 KOLT_SEQUENCE_DECLARE(PointSeq, Point, );
 KOLT_SEQUENCE_DECLARE(IdSeq, Id, );
 
@@ -66,7 +66,7 @@ struct Everything {
     PointSeq path;            // sequence<Point, 3>
     Id id;                    // an appendable structure
 };
-const DDS_TypeCode *everythingType();
+const DDS_TypeCode *everything_type();
 
 // union Choice switch (long) { case 0: long number; case 1: case 2: sequence<Id, 5> ids;
 //                              case 3: string<8> text; }, in each extensibility.
@@ -78,9 +78,9 @@ struct Choice {
         DDS_Char *text;
     } _u;
 };
-const DDS_TypeCode *finalChoiceType();
-const DDS_TypeCode *appendableChoiceType();
-const DDS_TypeCode *mutableChoiceType();
+const DDS_TypeCode *final_choice_type();
+const DDS_TypeCode *appendable_choice_type();
+const DDS_TypeCode *mutable_choice_type();
 
 // @final union Fallback switch (octet) { case 1: long long wide; default: octet small; }
 struct Fallback {
@@ -90,7 +90,7 @@ struct Fallback {
         DDS_Octet small;
     } _u;
 };
-const DDS_TypeCode *fallbackType();
+const DDS_TypeCode *fallback_type();
 
 // struct Request { Id target; Choice choice; long after; }: @mutable around the mutable union,
 // @final around the final one.
@@ -99,8 +99,8 @@ struct Request {
     Choice choice;
     DDS_Long after;
 };
-const DDS_TypeCode *mutableRequestType();
-const DDS_TypeCode *finalRequestType();
+const DDS_TypeCode *mutable_request_type();
+const DDS_TypeCode *final_request_type();
 
 // struct Options { long always; @optional long number; @optional string<8> text;
 //                  @optional Point point; octet last; }
@@ -111,9 +111,9 @@ struct Options {
     Point *point;
     DDS_Octet last;
 };
-const DDS_TypeCode *finalOptionsType();
-const DDS_TypeCode *appendableOptionsType();
-const DDS_TypeCode *mutableOptionsType();
+const DDS_TypeCode *final_options_type();
+const DDS_TypeCode *appendable_options_type();
+const DDS_TypeCode *mutable_options_type();
 
 // Two versions of a type, appendable and mutable.
 struct Version1 {
@@ -127,12 +127,12 @@ struct Version2 {
     DDS_Char *extra;   // string<8>, @default "none"
     DDS_LongSeq more;  // sequence<long, 4>
 };
-const DDS_TypeCode *appendableVersion1Type();
-const DDS_TypeCode *appendableVersion2Type();
-const DDS_TypeCode *mutableVersion1Type();
-const DDS_TypeCode *mutableVersion2Type();
+const DDS_TypeCode *appendable_version1_type();
+const DDS_TypeCode *appendable_version2_type();
+const DDS_TypeCode *mutable_version1_type();
+const DDS_TypeCode *mutable_version2_type();
 // mutableVersion2 whose member `b` must be understood.
-const DDS_TypeCode *strictVersion2Type();
+const DDS_TypeCode *strict_version2_type();
 
 // @mutable struct Holder { @key string<32> name; @key Id id; Point where; } with ids 30, 20, 10,
 // and the same as @final and @appendable.
@@ -141,9 +141,9 @@ struct Holder {
     Id id;
     Point where;
 };
-const DDS_TypeCode *mutableHolderType();
-const DDS_TypeCode *finalHolderType();
-const DDS_TypeCode *appendableHolderType();
+const DDS_TypeCode *mutable_holder_type();
+const DDS_TypeCode *final_holder_type();
+const DDS_TypeCode *appendable_holder_type();
 
 // @mutable struct Large { sequence<octet> data; @id(0x3f01) long far; @id(0x0ffffff0) long farther;
 // }
@@ -152,7 +152,7 @@ struct Large {
     DDS_Long far;
     DDS_Long farther;
 };
-const DDS_TypeCode *largeType();
+const DDS_TypeCode *large_type();
 
 // @mutable struct Collections { sequence<long long, 4> wide; sequence<double, 4> reals;
 //     sequence<long, 4> numbers; sequence<octet, 8> octets; long triple[3]; long long pair[2];
@@ -168,7 +168,7 @@ struct Collections {
     DDS_Short half;
     DDS_Octet one;
 };
-const DDS_TypeCode *collectionsType();
+const DDS_TypeCode *collections_type();
 
 // A value initialised by its type code and finalised with the scope.
 template <typename T>
@@ -211,18 +211,18 @@ class Programs {
 using Bytes = std::vector<uint8_t>;
 
 // "00 07 0000 'abc' 00": hexadecimal digits, white space ignored, text in single quotes.
-Bytes fromHex(const std::string &hex);
-std::string toHex(const Bytes &bytes);
+Bytes from_hex(const std::string &hex);
+std::string to_hex(const Bytes &bytes);
 
 // Serialised bytes of a record; empty when it can't be serialised.
 Bytes serialize(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record);
-Bytes serializeKey(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record);
+Bytes serialize_key(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record);
 
 // Sets a string member that has a buffer.
-void setText(DDS_Char *buffer, const char *text);
+void set_text(DDS_Char *buffer, const char *text);
 
 // An Everything with a value everywhere.
-void fillEverything(Everything *record);
+void fill_everything(Everything *record);
 
 }  // namespace support
 

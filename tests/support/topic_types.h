@@ -132,26 +132,26 @@ struct TopicType;
 
 // Tests tell samples apart by a number, which is no key member, and instances by a key: one of the
 // key members, or of the members of the type that has none.
-#define SUPPORT_TOPIC_TYPE(T, full_name, keyed, number_member, key_member)                    \
-    template <>                                                                               \
-    struct TopicType<T> {                                                                     \
-        using Record = T;                                                                     \
-        static constexpr const char *kRecordName = #T;                                        \
-        static constexpr const char *kTypeName = full_name;                                   \
-        static constexpr bool kKeyed = keyed;                                                 \
-        static constexpr const char *kNumberMember = #number_member;                          \
-        static constexpr const char *kKeyMember = #key_member;                                \
-        static void setNumber(T *record, DDS_Long number) { record->number_member = number; } \
-        static DDS_Long number(const T &record) {                                             \
-            return static_cast<DDS_Long>(record.number_member);                               \
-        }                                                                                     \
-        static void setKey(T *record, DDS_Long key) { record->key_member = key; }             \
-        static DDS_Long key(const T &record) { return record.key_member; }                    \
-        SUPPORT_PLUGIN_FUNCTIONS(T);                                                          \
-        SUPPORT_TYPE_FUNCTIONS(T);                                                            \
-        SUPPORT_WRITER_FUNCTIONS(T);                                                          \
-        SUPPORT_READER_FUNCTIONS(T);                                                          \
-        SUPPORT_SEQUENCE_FUNCTIONS(T);                                                        \
+#define SUPPORT_TOPIC_TYPE(T, full_name, keyed, number_member, key_member)                     \
+    template <>                                                                                \
+    struct TopicType<T> {                                                                      \
+        using Record = T;                                                                      \
+        static constexpr const char *kRecordName = #T;                                         \
+        static constexpr const char *kTypeName = full_name;                                    \
+        static constexpr bool kKeyed = keyed;                                                  \
+        static constexpr const char *kNumberMember = #number_member;                           \
+        static constexpr const char *kKeyMember = #key_member;                                 \
+        static void set_number(T *record, DDS_Long number) { record->number_member = number; } \
+        static DDS_Long number(const T &record) {                                              \
+            return static_cast<DDS_Long>(record.number_member);                                \
+        }                                                                                      \
+        static void set_key(T *record, DDS_Long key) { record->key_member = key; }             \
+        static DDS_Long key(const T &record) { return record.key_member; }                     \
+        SUPPORT_PLUGIN_FUNCTIONS(T);                                                           \
+        SUPPORT_TYPE_FUNCTIONS(T);                                                             \
+        SUPPORT_WRITER_FUNCTIONS(T);                                                           \
+        SUPPORT_READER_FUNCTIONS(T);                                                           \
+        SUPPORT_SEQUENCE_FUNCTIONS(T);                                                         \
     }
 
 SUPPORT_TOPIC_TYPE(VUR_DL_LogMessage, "VUR::DL::LogMessage", true, messageId, level);
@@ -185,8 +185,8 @@ class Sample {
     explicit Sample(DDS_Long key = 0, DDS_Long number = 0)
         : record_(TopicType<T>::Support::create_data()) {
         EXPECT_NE(record_, nullptr);
-        TopicType<T>::setKey(record_, key);
-        TopicType<T>::setNumber(record_, number);
+        TopicType<T>::set_key(record_, key);
+        TopicType<T>::set_number(record_, number);
     }
     ~Sample() { TopicType<T>::Support::delete_data(record_); }
     Sample(const Sample &) = delete;

@@ -10,12 +10,12 @@ namespace {
 constexpr size_t kAlignment = alignof(std::max_align_t);
 
 // The room for a value in a record, aligned for whatever comes next.
-size_t roomFor(const DDS_TypeCode &type) {
+size_t room_for(const DDS_TypeCode &type) {
     size_t size = kAlignment;
     if (type.kind == DDS_TK_SEQUENCE) size = sizeof(KOLT_Sequence);
     if (type.access != nullptr) size = type.access->record_size;
     if (type.kind == DDS_TK_ARRAY) {
-        size = roomFor(*type.content_type);
+        size = room_for(*type.content_type);
         for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) size *= type.dimensions[i];
     }
     return (size + kAlignment - 1) / kAlignment * kAlignment;
@@ -30,8 +30,8 @@ DDS_TypeCode &TypeBook::add(DDS_TCKind kind) {
     return type;
 }
 
-DDS_TypeCode &TypeBook::addNamed(DDS_TCKind kind, const std::string &name,
-                                 DDS_ExtensibilityKind extensibility) {
+DDS_TypeCode &TypeBook::add_named(DDS_TCKind kind, const std::string &name,
+                                  DDS_ExtensibilityKind extensibility) {
     DDS_TypeCode &type = add(kind);
     type.name = keep(name);
     type.extensibility = extensibility;
@@ -64,7 +64,7 @@ const DDS_TypeCode *TypeBook::array(const DDS_TypeCode *content,
 const DDS_TypeCode *TypeBook::enumeration(const std::string &name,
                                           DDS_ExtensibilityKind extensibility,
                                           const Enumerators &enumerators) {
-    DDS_TypeCode &type = addNamed(DDS_TK_ENUM, name, extensibility);
+    DDS_TypeCode &type = add_named(DDS_TK_ENUM, name, extensibility);
     auto &members = members_.emplace_back();
     for (const auto &[text, value] : enumerators) {
         DDS_TypeCodeMember &member = members.emplace_back();
@@ -76,7 +76,7 @@ const DDS_TypeCode *TypeBook::enumeration(const std::string &name,
     return &type;
 }
 
-void TypeBook::addMembers(DDS_TypeCode &type, const Members &members) {
+void TypeBook::add_members(DDS_TypeCode &type, const Members &members) {
     auto &kept = members_.emplace_back();
     auto &offsets = offsets_.emplace_back();
     size_t end = kAlignment;  // behind a discriminator
@@ -93,7 +93,7 @@ void TypeBook::addMembers(DDS_TypeCode &type, const Members &members) {
         code.labels = labels.data();
         code.label_count = static_cast<DDS_UnsignedLong>(labels.size());
         offsets.push_back(end);
-        end += roomFor(*member.type);
+        end += room_for(*member.type);
     }
     DDS_SampleAccessInfo &access = accesses_.emplace_back();
     access.language_binding = KOLT_LANGUAGE_BINDING_PLAIN_RECORD;
@@ -109,16 +109,16 @@ void TypeBook::addMembers(DDS_TypeCode &type, const Members &members) {
 const DDS_TypeCode *TypeBook::structure(const std::string &name,
                                         DDS_ExtensibilityKind extensibility,
                                         const Members &members) {
-    DDS_TypeCode &type = addNamed(DDS_TK_STRUCT, name, extensibility);
-    addMembers(type, members);
+    DDS_TypeCode &type = add_named(DDS_TK_STRUCT, name, extensibility);
+    add_members(type, members);
     return &type;
 }
 
 const DDS_TypeCode *TypeBook::unite(const std::string &name, DDS_ExtensibilityKind extensibility,
                                     const DDS_TypeCode *discriminator, const Members &branches) {
-    DDS_TypeCode &type = addNamed(DDS_TK_UNION, name, extensibility);
+    DDS_TypeCode &type = add_named(DDS_TK_UNION, name, extensibility);
     type.discriminator_type = discriminator;
-    addMembers(type, branches);
+    add_members(type, branches);
     return &type;
 }
 

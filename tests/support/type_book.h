@@ -25,7 +25,7 @@ struct MemberOf {
         is_optional = true;
         return *this;
     }
-    MemberOf &mustUnderstand() {
+    MemberOf &must_understand() {
         is_must_understand = true;
         return *this;
     }
@@ -33,7 +33,7 @@ struct MemberOf {
         case_labels = std::move(values);
         return *this;
     }
-    MemberOf &byDefault() {
+    MemberOf &by_default() {
         is_default = true;
         return *this;
     }
@@ -70,10 +70,10 @@ class TypeBook {
 
   private:
     DDS_TypeCode &add(DDS_TCKind kind);
-    DDS_TypeCode &addNamed(DDS_TCKind kind, const std::string &name,
-                           DDS_ExtensibilityKind extensibility);
+    DDS_TypeCode &add_named(DDS_TCKind kind, const std::string &name,
+                            DDS_ExtensibilityKind extensibility);
     const char *keep(const std::string &text) { return texts_.emplace_back(text).c_str(); }
-    void addMembers(DDS_TypeCode &type, const Members &members);
+    void add_members(DDS_TypeCode &type, const Members &members);
 
     std::deque<DDS_TypeCode> types_;
     std::deque<DDS_SampleAccessInfo> accesses_;

@@ -29,8 +29,8 @@ class TypedEndpoints {
         untyped_reader = node.reader({}, DDS_Topic_as_topicdescription(topic));
         writer = Type::Write::narrow(untyped_writer);
         reader = Type::Read::narrow(untyped_reader);
-        EXPECT_TRUE(isMatched(untyped_writer));
-        EXPECT_TRUE(isMatched(untyped_reader));
+        EXPECT_TRUE(is_matched(untyped_writer));
+        EXPECT_TRUE(is_matched(untyped_reader));
     }
 
     void write(DDS_Long key, DDS_Long number) {
@@ -56,7 +56,7 @@ class Received {
 
     explicit Received(typename Type::Reader *reader) : reader_(reader) {}
     ~Received() {
-        EXPECT_EQ(giveBack(), DDS_RETCODE_OK);
+        EXPECT_EQ(give_back(), DDS_RETCODE_OK);
         Type::Seq::finalize(&data);
         DDS_SampleInfoSeq_finalize(&infos);
     }
@@ -70,7 +70,7 @@ class Received {
     }
     DDS_ReturnCode_t read() { return access(Type::Read::read); }
     DDS_ReturnCode_t take() { return access(Type::Read::take); }
-    DDS_ReturnCode_t giveBack() { return Type::Read::return_loan(reader_, &data, &infos); }
+    DDS_ReturnCode_t give_back() { return Type::Read::return_loan(reader_, &data, &infos); }
 
     DDS_UnsignedLong size() const { return Type::Seq::get_length(&data); }
     const T &at(DDS_Long index) const { return *Type::Seq::get_reference(&data, index); }
@@ -86,7 +86,7 @@ class Received {
         return result;
     }
     // True when the samples are copies in the sequence's own elements.
-    bool isOwned() const { return Type::Seq::has_ownership(&data) != DDS_BOOLEAN_FALSE; }
+    bool is_owned() const { return Type::Seq::has_ownership(&data) != DDS_BOOLEAN_FALSE; }
 
     typename Type::Sequence data = DDS_SEQUENCE_INITIALIZER;
     DDS_SampleInfoSeq infos = DDS_SEQUENCE_INITIALIZER;
@@ -104,19 +104,19 @@ class Received {
 // A time stamp that no clock gives, write parameters with one, and whether a sample carries it.
 constexpr DDS_Time_t kStamp = {1700000000, 123456789};
 
-inline DDS_WriteParams_t paramsOf(DDS_InstanceHandle_t handle, const DDS_Time_t &stamp) {
+inline DDS_WriteParams_t params_of(DDS_InstanceHandle_t handle, const DDS_Time_t &stamp) {
     DDS_WriteParams_t params = DDS_WRITEPARAMS_DEFAULT;
     params.handle = handle;
     params.source_timestamp = stamp;
     return params;
 }
-inline void expectStamp(const DDS_SampleInfo &info, const DDS_Time_t &stamp) {
+inline void expect_stamp(const DDS_SampleInfo &info, const DDS_Time_t &stamp) {
     EXPECT_EQ(info.source_timestamp.sec, stamp.sec);
     EXPECT_EQ(info.source_timestamp.nanosec, stamp.nanosec);
 }
 
 // A read condition for everything; it goes with the reader.
-inline DDS_ReadCondition *anyState(DDS_DataReader *reader) {
+inline DDS_ReadCondition *any_state(DDS_DataReader *reader) {
     return DDS_DataReader_create_readcondition(reader, DDS_ANY_SAMPLE_STATE, DDS_ANY_VIEW_STATE,
                                                DDS_ANY_INSTANCE_STATE);
 }
@@ -137,8 +137,8 @@ struct ReadForm {
 
 // All twelve forms. `handle` is for the forms of one instance, `previous` for those of the next.
 template <typename T>
-std::vector<ReadForm<T>> readForms(DDS_InstanceHandle_t handle, DDS_InstanceHandle_t previous,
-                                   DDS_ReadCondition *condition) {
+std::vector<ReadForm<T>> read_forms(DDS_InstanceHandle_t handle, DDS_InstanceHandle_t previous,
+                                    DDS_ReadCondition *condition) {
     using Type = TopicType<T>;
     using Reader = typename Type::Reader;
     using Sequence = typename Type::Sequence;

@@ -19,7 +19,7 @@ inline Lines &errors() {
     return all;
 }
 
-inline void logError(const char *message, const char *method, DDS_UnsignedLong line) {
+inline void log_error(const char *message, const char *method, DDS_UnsignedLong line) {
     errors().push_back(std::to_string(line) + " " + method + ": " + message);
 }
 
@@ -28,7 +28,7 @@ class XmlConfigDocument {
   public:
     XmlConfigDocument() {
         errors().clear();
-        class_ = VUR_DL_XMLConfig_createXMLExtensionClass(logError);
+        class_ = VUR_DL_XMLConfig_createXMLExtensionClass(log_error);
         EXPECT_NE(class_, nullptr);
         EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_, class_), DDS_RETCODE_OK);
     }
@@ -43,7 +43,7 @@ class XmlConfigDocument {
         return DDS_XMLParser_parse_string(parser_, text.c_str(), -1, "test.xml");
     }
     // The content of one element; its first line is line 3.
-    DDS_ReturnCode_t parseElement(const std::string &content) {
+    DDS_ReturnCode_t parse_element(const std::string &content) {
         return parse("<dds>\n<distributed_logger>\n" + content + "\n</distributed_logger>\n</dds>");
     }
     DDS_XMLObject *root() const { return DDS_XMLParser_get_root(parser_); }

@@ -20,12 +20,12 @@ inline DDS_ReturnCode_t parse(const ParserPtr &parser, const std::string &text) 
                                       static_cast<DDS_LongLong>(text.size()), nullptr);
 }
 
-inline std::string tagOf(const DDS_XMLObject *object) {
+inline std::string tag_of(const DDS_XMLObject *object) {
     const char *name = DDS_XMLObject_get_tag_name(object);
     return name == nullptr ? "(none)" : name;
 }
 
-inline std::string textOf(const DDS_XMLObject *object) {
+inline std::string text_of(const DDS_XMLObject *object) {
     const char *text = DDS_XMLObject_get_text(object);
     return text == nullptr ? "(none)" : text;
 }

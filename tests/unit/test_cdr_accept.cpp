@@ -16,13 +16,13 @@ using namespace support;  // NOLINT
 
 bool read(const DDS_TypeCode *type, const std::string &hex, void *record) {
     const Programs programs(type);
-    const Bytes bytes = fromHex(hex);
+    const Bytes bytes = from_hex(hex);
     return KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), record) != 0;
 }
 
 // An XCDR2 body, little-endian, with the DHEADER before it.
 std::string list2(const std::string &members) {
-    return "000b0000" + toHex({static_cast<uint8_t>(fromHex(members).size()), 0, 0, 0}) + members;
+    return "000b0000" + to_hex({static_cast<uint8_t>(from_hex(members).size()), 0, 0, 0}) + members;
 }
 // An XCDR1 parameter list, little-endian, with an end behind it.
 std::string list1(const std::string &members, const std::string &end = "023f0000") {
@@ -33,12 +33,12 @@ class AcceptMessage : public testing::Test {
   protected:
     AcceptMessage() : message_(VUR_DL_LogMessage_get_typecode()) {}
 
-    void expectRead(const std::string &hex) {
+    void expect_read(const std::string &hex) {
         SCOPED_TRACE(hex);
         message_->hostAndAppId = {-1, -1};
         message_->level = -1;
-        setText(message_->category, "old");
-        setText(message_->message, "old");
+        set_text(message_->category, "old");
+        set_text(message_->message, "old");
         message_->messageId = -1;
         ASSERT_TRUE(read(VUR_DL_LogMessage_get_typecode(), hex, message_.get()));
         EXPECT_EQ(message_->hostAndAppId.rtps_host_id, 1);
@@ -81,20 +81,20 @@ TEST_F(AcceptMessage, MembersInEveryOrder) {
             members1[i] = kMembers1[order[i]];
             members2[i] = kMembers2[order[i]];
         }
-        expectRead(list1(all(members1)));
-        expectRead(list2(all(members2)));
+        expect_read(list1(all(members1)));
+        expect_read(list2(all(members2)));
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
 TEST_F(AcceptMessage, TheMustUnderstandFlagIsTheWriters) {
     // Not set on keys.
-    expectRead(list1(with(kMembers1, 0, "0000 0800 01000000 02000000")));
-    expectRead(list1(with(kMembers1, 1, "0100 0400 2c010000")));
-    expectRead(list2(with(kMembers2, 0, "00000040 0c000000 08000000 01000000 02000000")));
-    expectRead(list2(with(kMembers2, 1, "01000020 2c010000")));
+    expect_read(list1(with(kMembers1, 0, "0000 0800 01000000 02000000")));
+    expect_read(list1(with(kMembers1, 1, "0100 0400 2c010000")));
+    expect_read(list2(with(kMembers2, 0, "00000040 0c000000 08000000 01000000 02000000")));
+    expect_read(list2(with(kMembers2, 1, "01000020 2c010000")));
     // Set on others.
-    expectRead(list1(with(kMembers1, 4, "0440 0800 0700000000000000")));
-    expectRead(list2(with(kMembers2, 4, "040000b0 0700000000000000")));
+    expect_read(list1(with(kMembers1, 4, "0440 0800 0700000000000000")));
+    expect_read(list2(with(kMembers2, 4, "040000b0 0700000000000000")));
 }
 
 TEST_F(AcceptMessage, UnknownMembersArePassedOver) {
@@ -106,7 +106,7 @@ TEST_F(AcceptMessage, UnknownMembersArePassedOver) {
             for (size_t i = 0; i < kMembers1.size(); ++i) {
                 text += (i == place ? unknown : "") + kMembers1[i];
             }
-            expectRead(list1(text + (place == kMembers1.size() ? unknown : "")));
+            expect_read(list1(text + (place == kMembers1.size() ? unknown : "")));
         }
         for (const char *unknown :
              {"63000000 ff 000000", "63000010 ffff 0000", "63000020 ffffffff",
@@ -117,7 +117,7 @@ TEST_F(AcceptMessage, UnknownMembersArePassedOver) {
             for (size_t i = 0; i < kMembers2.size(); ++i) {
                 text += (i == place ? unknown : "") + kMembers2[i];
             }
-            expectRead(list2(text + (place == kMembers2.size() ? unknown : "")));
+            expect_read(list2(text + (place == kMembers2.size() ? unknown : "")));
         }
     }
 }
@@ -135,19 +135,19 @@ TEST_F(AcceptMessage, UnknownMembersThatMustBeUnderstoodFailTheSample) {
         EXPECT_FALSE(read(type, list2(unknown + all(kMembers2)), message_.get())) << unknown;
     }
     // PID_IGNORE is no member, whatever its flags.
-    expectRead(list1("037f 0400 ffffffff" + all(kMembers1)));
+    expect_read(list1("037f 0400 ffffffff" + all(kMembers1)));
 }
 
 // The first of several values counts: for the sample as for a filter that looks for one field.
 TEST_F(AcceptMessage, OfRepeatedMembersTheFirstCounts) {
     const std::string again1 = "0140 0400 63000000 0200 0600 02000000 'x' 00 0000";
     const std::string again2 = "010000a0 63000000 02000050 02000000 'x' 00 0000";
-    expectRead(list1(all(kMembers1) + again1));
-    expectRead(list2(all(kMembers2) + again2));
+    expect_read(list1(all(kMembers1) + again1));
+    expect_read(list2(all(kMembers2) + again2));
     const Programs programs(VUR_DL_LogMessage_get_typecode());
     for (const std::string &hex :
          {list1(all(kMembers1) + again1), list2(all(kMembers2) + again2)}) {
-        const Bytes bytes = fromHex(hex);
+        const Bytes bytes = from_hex(hex);
         KOLT_CdrValue value{};
         const KOLT_CdrPathStep level[] = {{0, 1}};
         ASSERT_TRUE(KOLT_Cdr_find_field(programs, bytes.data(), bytes.size(), level, 1, &value));
@@ -157,20 +157,20 @@ TEST_F(AcceptMessage, OfRepeatedMembersTheFirstCounts) {
 
 TEST_F(AcceptMessage, BytesBehindTheSampleArePassedOver) {
     for (const char *rest : {"ff", "ffff", "ffffff", "ffffffff", "ffffffff ff"}) {
-        expectRead(list1(all(kMembers1)) + rest);
-        expectRead(list2(all(kMembers2)) + rest);
+        expect_read(list1(all(kMembers1)) + rest);
+        expect_read(list2(all(kMembers2)) + rest);
     }
-    expectRead("000b0003 40000000" + all(kMembers2) + "ff 000000");
+    expect_read("000b0003 40000000" + all(kMembers2) + "ff 000000");
 }
 
 TEST_F(AcceptMessage, AStringEndsAtItsFirstNul) {
     const std::string padded1 = list1(with(kMembers1, 2, "0200 0800 04000000 'c' 000000"));
     const std::string padded2 = list2(with(kMembers2, 2, "02000050 04000000 'c' 000000"));
-    expectRead(padded1);
-    expectRead(padded2);
+    expect_read(padded1);
+    expect_read(padded2);
     const Programs programs(VUR_DL_LogMessage_get_typecode());
     for (const std::string &hex : {padded1, padded2}) {
-        const Bytes bytes = fromHex(hex);
+        const Bytes bytes = from_hex(hex);
         KOLT_CdrValue value{};
         const KOLT_CdrPathStep category[] = {{0, 2}};
         ASSERT_TRUE(KOLT_Cdr_find_field(programs, bytes.data(), bytes.size(), category, 1, &value));
@@ -190,19 +190,19 @@ TEST_F(AcceptMessage, Xcdr1HeadersShortOrExtended) {
     };
     std::array<std::string, 5> members;
     for (size_t i = 0; i < members.size(); ++i) {
-        expectRead(list1(with(kMembers1, i, extended[i])));
+        expect_read(list1(with(kMembers1, i, extended[i])));
         members[i] = extended[i];
     }
-    expectRead(list1(all(members)));
+    expect_read(list1(all(members)));
     // The implementation's flag, 0x8000, says nothing.
-    expectRead(list1(with(kMembers1, 4, "0480 0800 0700000000000000")));
-    expectRead(list1(with(kMembers1, 4, "04c0 0800 0700000000000000")));
+    expect_read(list1(with(kMembers1, 4, "0480 0800 0700000000000000")));
+    expect_read(list1(with(kMembers1, 4, "04c0 0800 0700000000000000")));
 }
 
 TEST_F(AcceptMessage, Xcdr1LengthsWithPadding) {
-    expectRead(list1(with(kMembers1, 2, "0200 0800 02000000 'c' 00 0000")));
-    expectRead(list1(with(kMembers1, 3, "0300 0800 03000000 'hi' 00 00")));
-    expectRead(list1(with(kMembers1, 4, "0400 0c00 0700000000000000 ffffffff")));
+    expect_read(list1(with(kMembers1, 2, "0200 0800 02000000 'c' 00 0000")));
+    expect_read(list1(with(kMembers1, 3, "0300 0800 03000000 'hi' 00 00")));
+    expect_read(list1(with(kMembers1, 4, "0400 0c00 0700000000000000 ffffffff")));
 }
 
 TEST_F(AcceptMessage, Xcdr1ListEnds) {
@@ -210,7 +210,7 @@ TEST_F(AcceptMessage, Xcdr1ListEnds) {
                             "023f 0400 00000000",  // a length, and so many bytes
                             "023f 0400",           // a length that says nothing
                             "023f ffff", "027f 0100 00"}) {
-        expectRead(list1(all(kMembers1), end));
+        expect_read(list1(all(kMembers1), end));
     }
     // Inside, where members follow: the list of a union ends, whatever the length of its end says.
     Record<VUR_DL_ADMIN_CommandRequest> request(VUR_DL_ADMIN_CommandRequest_get_typecode());
@@ -226,18 +226,18 @@ TEST_F(AcceptMessage, Xcdr1ListEnds) {
 
 TEST_F(AcceptMessage, Xcdr2LengthCodes4And5) {
     // A structure: NEXTINT is its DHEADER.
-    expectRead(list2(with(kMembers2, 0, "000000d0 08000000 01000000 02000000")));
+    expect_read(list2(with(kMembers2, 0, "000000d0 08000000 01000000 02000000")));
     // A string: a NEXTINT of its own before the length.
-    expectRead(list2(with(kMembers2, 2, "02000040 06000000 02000000 'c' 00 0000")));
-    expectRead(list2(with(kMembers2, 3, "03000040 07000000 03000000 'hi' 00 00")));
+    expect_read(list2(with(kMembers2, 2, "02000040 06000000 02000000 'c' 00 0000")));
+    expect_read(list2(with(kMembers2, 3, "03000040 07000000 03000000 'hi' 00 00")));
     // Numbers: a NEXTINT where the length code would do.
-    expectRead(list2(with(kMembers2, 1, "010000c0 04000000 2c010000")));
-    expectRead(list2(with(kMembers2, 4, "04000040 08000000 0700000000000000")));
+    expect_read(list2(with(kMembers2, 1, "010000c0 04000000 2c010000")));
+    expect_read(list2(with(kMembers2, 4, "04000040 08000000 0700000000000000")));
     // More bytes than the value takes.
-    expectRead(list2(with(kMembers2, 4, "04000040 0c000000 0700000000000000 ffffffff")));
+    expect_read(list2(with(kMembers2, 4, "04000040 0c000000 0700000000000000 ffffffff")));
     // Length codes 6 and 7 count in 4 and 8 bytes, and the count belongs to the value.
-    expectRead(list2(with(kMembers2, 2, "02000060 02000000 'c' 00 0000 ffffffff")));
-    expectRead(
+    expect_read(list2(with(kMembers2, 2, "02000060 02000000 'c' 00 0000 ffffffff")));
+    expect_read(
         list2(with(kMembers2, 2, "02000070 02000000 'c' 00 0000 ffffffff ffffffffffffffff")));
 }
 
@@ -253,7 +253,7 @@ TEST(AcceptCommand, Xcdr2LengthCodes4And5) {
             ASSERT_TRUE(read(type, hex, command.get())) << branch;
             EXPECT_EQ(command->_d, VUR_DL_SET_VUR_LOGGER_LEVEL);
             const Programs programs(type);
-            const Bytes bytes = fromHex(hex);
+            const Bytes bytes = from_hex(hex);
             KOLT_CdrValue value{};
             const KOLT_CdrPathStep path[] = {{0, 1}, {1, 1}, {0, 1}};
             ASSERT_TRUE(KOLT_Cdr_find_field(programs, bytes.data(), bytes.size(), path, 3, &value));
@@ -301,8 +301,8 @@ TEST(AcceptState, Xcdr2ArrayWithLengthCodes4And5) {
 
 class AcceptCollections : public testing::Test {
   protected:
-    AcceptCollections() : record_(collectionsType()) {}
-    bool reads(const std::string &hex) { return read(collectionsType(), hex, record_.get()); }
+    AcceptCollections() : record_(collections_type()) {}
+    bool reads(const std::string &hex) { return read(collections_type(), hex, record_.get()); }
 
     Record<Collections> record_;
 };
@@ -470,7 +470,7 @@ TYPED_TEST(AcceptAbsent, MembersHaveTheirInitialValues) {
 
 TEST(AcceptAbsentNested, StringsInAnAbsentStructureAreMade) {
     // A record of zero bytes, as one is when nothing but a key is read.
-    const DDS_TypeCode *const type = mutableRequestType();
+    const DDS_TypeCode *const type = mutable_request_type();
     Request request{};
     ASSERT_TRUE(read(type, list1("0200 0400 04000000"), &request));
     EXPECT_STREQ(request.choice._u.text, "");
@@ -484,20 +484,20 @@ TEST(AcceptAbsentNested, StringsInAnAbsentStructureAreMade) {
 // ----------------------------------------------------------------------
 
 TEST(AcceptVersions, AFinalTypeIsWholeOrRefused) {
-    Record<Everything> record(everythingType());
-    fillEverything(record.get());
-    const Programs programs(everythingType());
+    Record<Everything> record(everything_type());
+    fill_everything(record.get());
+    const Programs programs(everything_type());
     for (const unsigned encapsulation : {KOLT_ENCAPSULATION_CDR_LE, KOLT_ENCAPSULATION_CDR_BE,
                                          KOLT_ENCAPSULATION_CDR2_LE, KOLT_ENCAPSULATION_CDR2_BE}) {
         const Bytes bytes = serialize(programs, encapsulation, record.get());
-        Record<Everything> back(everythingType());
+        Record<Everything> back(everything_type());
         // A writer's type with one member less: the last one is missing.
         EXPECT_FALSE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size() - 8, back.get()));
         // One member more can't be told from padding: it is passed over.
         Bytes longer = bytes;
         longer.insert(longer.end(), 8, 0xff);
         ASSERT_TRUE(KOLT_Cdr_deserialize(programs, longer.data(), longer.size(), back.get()));
-        EXPECT_TRUE(KOLT_Record_equals(everythingType(), record.get(), back.get()));
+        EXPECT_TRUE(KOLT_Record_equals(everything_type(), record.get(), back.get()));
     }
 }
 

@@ -8,20 +8,20 @@
 namespace {
 
 using support::ByteLines;
-using support::expectLines;
+using support::expect_lines;
 
 class MessageBytes : public testing::Test {
   protected:
     MessageBytes() : message_(VUR_DL_LogMessage_get_typecode()) {}
 
     void expect(DDS_DataRepresentationId_t representation, const ByteLines &lines) {
-        expectLines(VUR_DL_LogMessage_get_typecode(), message_.get(), representation, lines);
+        expect_lines(VUR_DL_LogMessage_get_typecode(), message_.get(), representation, lines);
     }
     void fill() {
         message_->hostAndAppId = {0x01020304, -2};
         message_->level = 300;
-        support::setText(message_->category, "pump");
-        support::setText(message_->message, "it is hot");
+        support::set_text(message_->category, "pump");
+        support::set_text(message_->message, "it is hot");
         message_->messageId = 0x0102030405060708;
     }
 

@@ -7,43 +7,43 @@
 
 namespace {
 
-using support::expectLines;
+using support::expect_lines;
 
 TEST(NestedBytes, HostAndAppId) {
     const VUR_DL_HostAndAppId identity = {0x01020304, -2};
     const DDS_TypeCode *const type = VUR_DL_HostAndAppId_get_typecode();
-    expectLines(type, &identity, DDS_XCDR_DATA_REPRESENTATION,
-                {
-                    {"00 01 00 00", "00 00 00 00", "7.6.3.1.2: CDR, an appendable type is plain"},
-                    {"04 03 02 01", "01 02 03 04", "rtps_host_id"},
-                    {"fe ff ff ff", "ff ff ff fe", "rtps_app_id"},
-                });
-    expectLines(type, &identity, DDS_XCDR2_DATA_REPRESENTATION,
-                {
-                    {"00 09 00 00", "00 08 00 00", "7.6.3.1.2: D_CDR2"},
-                    {"08 00 00 00", "00 00 00 08", "7.4.3.5: DHEADER"},
-                    {"04 03 02 01", "01 02 03 04", "rtps_host_id"},
-                    {"fe ff ff ff", "ff ff ff fe", "rtps_app_id"},
-                });
+    expect_lines(type, &identity, DDS_XCDR_DATA_REPRESENTATION,
+                 {
+                     {"00 01 00 00", "00 00 00 00", "7.6.3.1.2: CDR, an appendable type is plain"},
+                     {"04 03 02 01", "01 02 03 04", "rtps_host_id"},
+                     {"fe ff ff ff", "ff ff ff fe", "rtps_app_id"},
+                 });
+    expect_lines(type, &identity, DDS_XCDR2_DATA_REPRESENTATION,
+                 {
+                     {"00 09 00 00", "00 08 00 00", "7.6.3.1.2: D_CDR2"},
+                     {"08 00 00 00", "00 00 00 08", "7.4.3.5: DHEADER"},
+                     {"04 03 02 01", "01 02 03 04", "rtps_host_id"},
+                     {"fe ff ff ff", "ff ff ff fe", "rtps_app_id"},
+                 });
 }
 
 TEST(NestedBytes, CategoryAndVerbosity) {
     const VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity pair = {
         VUR_DL_KOLT_CONFIG_LOG_CATEGORY_API, VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_STATUS_ALL};
     const DDS_TypeCode *const type = VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode();
-    expectLines(type, &pair, DDS_XCDR_DATA_REPRESENTATION,
-                {
-                    {"00 01 00 00", "00 00 00 00", "7.6.3.1.2: CDR"},
-                    {"04 00 00 00", "00 00 00 04", "category; 7.4.1.1: an enumeration is a long"},
-                    {"05 00 00 00", "00 00 00 05", "verbosity"},
-                });
-    expectLines(type, &pair, DDS_XCDR2_DATA_REPRESENTATION,
-                {
-                    {"00 09 00 00", "00 08 00 00", "7.6.3.1.2: D_CDR2"},
-                    {"08 00 00 00", "00 00 00 08", "7.4.3.5: DHEADER"},
-                    {"04 00 00 00", "00 00 00 04", "category"},
-                    {"05 00 00 00", "00 00 00 05", "verbosity"},
-                });
+    expect_lines(type, &pair, DDS_XCDR_DATA_REPRESENTATION,
+                 {
+                     {"00 01 00 00", "00 00 00 00", "7.6.3.1.2: CDR"},
+                     {"04 00 00 00", "00 00 00 04", "category; 7.4.1.1: an enumeration is a long"},
+                     {"05 00 00 00", "00 00 00 05", "verbosity"},
+                 });
+    expect_lines(type, &pair, DDS_XCDR2_DATA_REPRESENTATION,
+                 {
+                     {"00 09 00 00", "00 08 00 00", "7.6.3.1.2: D_CDR2"},
+                     {"08 00 00 00", "00 00 00 08", "7.4.3.5: DHEADER"},
+                     {"04 00 00 00", "00 00 00 04", "category"},
+                     {"05 00 00 00", "00 00 00 05", "verbosity"},
+                 });
 }
 
 // 7.4.1.1 and 7.4.2: four bytes without a header, whatever the extensibility says; every
@@ -59,12 +59,12 @@ TEST(NestedBytes, Enumerations) {
             const std::string digit = "0" + std::to_string(i);
             const std::string little = digit + "000000";
             const std::string big = "000000" + digit;
-            expectLines(type, &value, DDS_XCDR_DATA_REPRESENTATION,
-                        {{"00 01 00 00", "00 00 00 00", "7.6.3.1.2: CDR"},
-                         {little.c_str(), big.c_str(), "the value"}});
-            expectLines(type, &value, DDS_XCDR2_DATA_REPRESENTATION,
-                        {{"00 07 00 00", "00 06 00 00", "7.6.3.1.2: CDR2"},
-                         {little.c_str(), big.c_str(), "the value"}});
+            expect_lines(type, &value, DDS_XCDR_DATA_REPRESENTATION,
+                         {{"00 01 00 00", "00 00 00 00", "7.6.3.1.2: CDR"},
+                          {little.c_str(), big.c_str(), "the value"}});
+            expect_lines(type, &value, DDS_XCDR2_DATA_REPRESENTATION,
+                         {{"00 07 00 00", "00 06 00 00", "7.6.3.1.2: CDR2"},
+                          {little.c_str(), big.c_str(), "the value"}});
         }
     }
 }

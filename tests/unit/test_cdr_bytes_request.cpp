@@ -9,7 +9,7 @@
 namespace {
 
 using support::ByteLines;
-using support::expectLines;
+using support::expect_lines;
 using support::joined;
 
 // A command, and what it is on the wire without its frame: the lines between the union's header and
@@ -161,19 +161,19 @@ class RequestBytes : public testing::TestWithParam<Case> {};
 TEST_P(RequestBytes, CommandInXcdr1) {
     support::Record<VUR_DL_ADMIN_Command> command(VUR_DL_ADMIN_Command_get_typecode());
     fill(command.get(), GetParam());
-    expectLines(VUR_DL_ADMIN_Command_get_typecode(), command.get(), DDS_XCDR_DATA_REPRESENTATION,
-                joined({{{"00 03 00 00", "00 02 00 00", "7.6.3.1.2: PL_CDR"}},
-                        GetParam().xcdr1,
-                        {{"02 3f 00 00", "3f 02 00 00", "7.4.1.2: PID_LIST_END"}}}));
+    expect_lines(VUR_DL_ADMIN_Command_get_typecode(), command.get(), DDS_XCDR_DATA_REPRESENTATION,
+                 joined({{{"00 03 00 00", "00 02 00 00", "7.6.3.1.2: PL_CDR"}},
+                         GetParam().xcdr1,
+                         {{"02 3f 00 00", "3f 02 00 00", "7.4.1.2: PID_LIST_END"}}}));
 }
 
 TEST_P(RequestBytes, CommandInXcdr2) {
     support::Record<VUR_DL_ADMIN_Command> command(VUR_DL_ADMIN_Command_get_typecode());
     fill(command.get(), GetParam());
     const NumberLine size(GetParam().size2, "7.4.3.5: DHEADER");
-    expectLines(VUR_DL_ADMIN_Command_get_typecode(), command.get(), DDS_XCDR2_DATA_REPRESENTATION,
-                joined({{{"00 0b 00 00", "00 0a 00 00", "7.6.3.1.2: PL_CDR2"}, size.line()},
-                        GetParam().xcdr2}));
+    expect_lines(VUR_DL_ADMIN_Command_get_typecode(), command.get(), DDS_XCDR2_DATA_REPRESENTATION,
+                 joined({{{"00 0b 00 00", "00 0a 00 00", "7.6.3.1.2: PL_CDR2"}, size.line()},
+                         GetParam().xcdr2}));
 }
 
 class RequestOf {
@@ -197,7 +197,7 @@ TEST_P(RequestBytes, Xcdr1) {
     const char text[] = {digits[size >> 4], digits[size & 15], '\0'};
     const std::string little = std::string("0300") + text + "00";
     const std::string big = std::string("000300") + text;
-    expectLines(
+    expect_lines(
         VUR_DL_ADMIN_CommandRequest_get_typecode(), request.get(), DDS_XCDR_DATA_REPRESENTATION,
         joined({{
                     {"00 03 00 00", "00 02 00 00", "7.6.3.1.2: PL_CDR, nothing to fill up"},
@@ -222,7 +222,7 @@ TEST_P(RequestBytes, Xcdr2) {
     const NumberLine whole(static_cast<unsigned char>(20 + 20 + 8 + 12 + size), "7.4.3.5: DHEADER");
     const NumberLine member(static_cast<unsigned char>(4 + size), "7.4.3.4.2: NEXTINT");
     const NumberLine inner(size, "7.4.3.5: DHEADER of the union");
-    expectLines(
+    expect_lines(
         VUR_DL_ADMIN_CommandRequest_get_typecode(), request.get(), DDS_XCDR2_DATA_REPRESENTATION,
         joined({{
                     {"00 0b 00 00", "00 0a 00 00", "7.6.3.1.2: PL_CDR2, nothing to fill up"},

@@ -9,7 +9,7 @@ namespace {
 
 using support::ByteLine;
 using support::ByteLines;
-using support::expectLines;
+using support::expect_lines;
 using support::joined;
 
 struct Case {
@@ -24,11 +24,11 @@ class ResponseBytes : public testing::TestWithParam<Case> {
         response_->originatorHostAndAppId = {3, -4};
         response_->invocation = 0x05060708;
         response_->commandResult = GetParam().result;
-        support::setText(response_->message, "ok");
+        support::set_text(response_->message, "ok");
     }
     void expect(DDS_DataRepresentationId_t representation, const ByteLines &lines) {
-        expectLines(VUR_DL_ADMIN_CommandResponse_get_typecode(), response_.get(), representation,
-                    lines);
+        expect_lines(VUR_DL_ADMIN_CommandResponse_get_typecode(), response_.get(), representation,
+                     lines);
     }
 
     support::Record<VUR_DL_ADMIN_CommandResponse> response_;

@@ -8,7 +8,7 @@
 namespace {
 
 using support::ByteLines;
-using support::expectLines;
+using support::expect_lines;
 
 class StateBytes : public testing::Test {
   protected:
@@ -16,7 +16,7 @@ class StateBytes : public testing::Test {
         state_->hostAndAppId = {-3, 0x04030201};
         state_->administrationDomainId = 7;
         state_->state = VUR_DL_STATE_OPERATIONAL;
-        support::setText(state_->applicationKind, "rig 1");
+        support::set_text(state_->applicationKind, "rig 1");
         state_->filterLevel = 600;
         for (int i = 0; i < 5; ++i) {
             state_->vurLoggerVerbosities[i] = {static_cast<VUR_DL_ADMIN_VURLoggerCategory>(i),
@@ -25,7 +25,7 @@ class StateBytes : public testing::Test {
         state_->vurLoggerPrintFormat = VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_MAXIMAL;
     }
     void expect(DDS_DataRepresentationId_t representation, const ByteLines &lines) {
-        expectLines(VUR_DL_ADMIN_State_get_typecode(), state_.get(), representation, lines);
+        expect_lines(VUR_DL_ADMIN_State_get_typecode(), state_.get(), representation, lines);
     }
 
     support::Record<VUR_DL_ADMIN_State> state_;

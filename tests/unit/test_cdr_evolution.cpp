@@ -19,19 +19,19 @@ struct Case {
 // XCDR1 tells appendable versions apart by the end of the sample alone.
 const std::vector<Case> &cases() {
     static const std::vector<Case> all = {
-        {appendableVersion1Type(), appendableVersion2Type(), DDS_XCDR_DATA_REPRESENTATION},
-        {appendableVersion1Type(), appendableVersion2Type(), DDS_XCDR2_DATA_REPRESENTATION},
-        {mutableVersion1Type(), mutableVersion2Type(), DDS_XCDR_DATA_REPRESENTATION},
-        {mutableVersion1Type(), mutableVersion2Type(), DDS_XCDR2_DATA_REPRESENTATION},
+        {appendable_version1_type(), appendable_version2_type(), DDS_XCDR_DATA_REPRESENTATION},
+        {appendable_version1_type(), appendable_version2_type(), DDS_XCDR2_DATA_REPRESENTATION},
+        {mutable_version1_type(), mutable_version2_type(), DDS_XCDR_DATA_REPRESENTATION},
+        {mutable_version1_type(), mutable_version2_type(), DDS_XCDR2_DATA_REPRESENTATION},
     };
     return all;
 }
 
 void fill(Version2 *record) {
     record->a = 5;
-    setText(record->name, "name");
+    set_text(record->name, "name");
     record->b = 6;
-    setText(record->extra, "extra");
+    set_text(record->extra, "extra");
     const DDS_Long more[] = {1, 2};
     DDS_LongSeq_from_array(&record->more, more, 2);
 }
@@ -43,7 +43,7 @@ TEST(Evolution, ANewReaderGivesAbsentMembersTheirInitialValues) {
         Record<Version1> written(c.type1);
         written->a = 1;
         for (const char *name : {"", "a", "ab", "abc", "abcd"}) {  // every padding
-            setText(written->name, name);
+            set_text(written->name, name);
             const Bytes bytes =
                 serialize(writer, DDS_TypeCode_get_native_encapsulation(c.type1, c.representation),
                           written.get());
@@ -92,22 +92,22 @@ TEST(Evolution, AnOldReaderPassesOverWhatItDoesNotKnow) {
 }
 
 TEST(Evolution, AnUnknownMemberThatMustBeUnderstoodFailsTheSample) {
-    const Programs writer(strictVersion2Type());
-    const Programs reader(mutableVersion1Type());
-    Record<Version2> written(strictVersion2Type());
+    const Programs writer(strict_version2_type());
+    const Programs reader(mutable_version1_type());
+    Record<Version2> written(strict_version2_type());
     for (const unsigned encapsulation :
          {KOLT_ENCAPSULATION_PL_CDR_LE, KOLT_ENCAPSULATION_PL_CDR2_LE}) {
         const Bytes bytes = serialize(writer, encapsulation, written.get());
-        Record<Version1> read(mutableVersion1Type());
+        Record<Version1> read(mutable_version1_type());
         EXPECT_FALSE(KOLT_Cdr_deserialize(reader, bytes.data(), bytes.size(), read.get()));
-        Record<Version2> same(strictVersion2Type());
+        Record<Version2> same(strict_version2_type());
         EXPECT_TRUE(KOLT_Cdr_deserialize(writer, bytes.data(), bytes.size(), same.get()));
     }
 }
 
 TEST(Evolution, AppendableMembersInsideGrowAndShrink) {
     // Id with one member and with three, as a member of a mutable structure.
-    const Programs programs(messageType());
+    const Programs programs(message_type());
     struct {
         const char *hex;
         DDS_Long host, app;
@@ -119,23 +119,23 @@ TEST(Evolution, AppendableMembersInsideGrowAndShrink) {
         {"00030000 0040 0c00 09000000 08000000 07000000 023f0000", 9, 8},
     };
     for (const auto &sample : samples) {
-        Record<Message> message(messageType());
+        Record<Message> message(message_type());
         message->id = {1, 2};
-        const Bytes bytes = fromHex(sample.hex);
+        const Bytes bytes = from_hex(sample.hex);
         ASSERT_TRUE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), message.get()))
             << sample.hex;
         EXPECT_EQ(message->id.host, sample.host) << sample.hex;
         EXPECT_EQ(message->id.app, sample.app) << sample.hex;
     }
     // Half a member is no member.
-    Record<Message> message(messageType());
-    const Bytes half = fromHex("000b0000 0e000000 000000c0 06000000 02000000 0900");
+    Record<Message> message(message_type());
+    const Bytes half = from_hex("000b0000 0e000000 000000c0 06000000 02000000 0900");
     EXPECT_FALSE(KOLT_Cdr_deserialize(programs, half.data(), half.size(), message.get()));
 }
 
 TEST(Evolution, AReusedRecordHoldsNothingOfTheSampleBefore) {
     for (const DDS_TypeCode *type :
-         {finalOptionsType(), appendableOptionsType(), mutableOptionsType()}) {
+         {final_options_type(), appendable_options_type(), mutable_options_type()}) {
         const Programs programs(type);
         Record<Options> full(type);
         DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
@@ -160,12 +160,12 @@ TEST(Evolution, AReusedRecordHoldsNothingOfTheSampleBefore) {
 }
 
 TEST(Programs, AreSharedAndCounted) {
-    const KOLT_TypePrograms *const first = KOLT_TypePrograms_acquire(messageType());
-    const KOLT_TypePrograms *const second = KOLT_TypePrograms_acquire(messageType());
+    const KOLT_TypePrograms *const first = KOLT_TypePrograms_acquire(message_type());
+    const KOLT_TypePrograms *const second = KOLT_TypePrograms_acquire(message_type());
     EXPECT_EQ(first, second);
-    EXPECT_EQ(KOLT_TypePrograms_type(first), messageType());
+    EXPECT_EQ(KOLT_TypePrograms_type(first), message_type());
     KOLT_TypePrograms_release(first);
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     EXPECT_FALSE(serialize(second, KOLT_ENCAPSULATION_PL_CDR2_LE, message.get()).empty());
     KOLT_TypePrograms_release(second);
 }
@@ -174,11 +174,11 @@ TEST(Programs, ManyThreads) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([i] {
-            Record<Message> message(messageType());
+            Record<Message> message(message_type());
             message->level = i;
-            Record<Message> back(messageType());
+            Record<Message> back(message_type());
             for (int round = 0; round < 200; ++round) {
-                const Programs programs(messageType());
+                const Programs programs(message_type());
                 const Bytes bytes =
                     serialize(programs, KOLT_ENCAPSULATION_PL_CDR2_LE, message.get());
                 ASSERT_TRUE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), back.get()));

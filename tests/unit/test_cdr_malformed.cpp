@@ -32,10 +32,10 @@ bool reads(const DDS_TypeCode *type, const Bytes &bytes, T *record) {
 template <typename T>
 bool reads(const DDS_TypeCode *type, const std::string &hex) {
     Record<T> record(type);
-    return reads(type, fromHex(hex), record.get());
+    return reads(type, from_hex(hex), record.get());
 }
 
-std::vector<unsigned> encapsulationsOf(const DDS_TypeCode *type) {
+std::vector<unsigned> encapsulations_of(const DDS_TypeCode *type) {
     std::vector<unsigned> all;
     for (const DDS_DataRepresentationId_t representation :
          {DDS_XCDR_DATA_REPRESENTATION, DDS_XCDR2_DATA_REPRESENTATION}) {
@@ -51,7 +51,7 @@ template <typename T>
 void mutilate(const DDS_TypeCode *type, T *record, bool prefixes_fail) {
     const Programs programs(type);
     Record<T> target(type);
-    for (const unsigned encapsulation : encapsulationsOf(type)) {
+    for (const unsigned encapsulation : encapsulations_of(type)) {
         const Bytes valid = serialize(programs, encapsulation, record);
         ASSERT_FALSE(valid.empty());
         for (size_t length = 0; length < valid.size(); ++length) {
@@ -92,31 +92,31 @@ void mutilate(const DDS_TypeCode *type, T *record, bool prefixes_fail) {
 }
 
 TEST(Malformed, EverythingMutilated) {
-    Record<Everything> record(everythingType());
-    fillEverything(record.get());
-    mutilate(everythingType(), record.get(), true);
+    Record<Everything> record(everything_type());
+    fill_everything(record.get());
+    mutilate(everything_type(), record.get(), true);
 }
 
 TEST(Malformed, MessageMutilated) {
-    Record<Message> message(messageType());
-    setText(message->text, "some text");
-    mutilate(messageType(), message.get(), true);
+    Record<Message> message(message_type());
+    set_text(message->text, "some text");
+    mutilate(message_type(), message.get(), true);
 }
 
 TEST(Malformed, RequestMutilated) {
-    Record<Request> request(mutableRequestType());
+    Record<Request> request(mutable_request_type());
     request->choice._d = 1;
     ASSERT_TRUE(IdSeq_set_length(&request->choice._u.ids, 2));
-    mutilate(mutableRequestType(), request.get(), true);
-    Record<Request> plain(finalRequestType());
+    mutilate(mutable_request_type(), request.get(), true);
+    Record<Request> plain(final_request_type());
     plain->choice._d = 1;
     ASSERT_TRUE(IdSeq_set_length(&plain->choice._u.ids, 2));
-    mutilate(finalRequestType(), plain.get(), true);
+    mutilate(final_request_type(), plain.get(), true);
 }
 
 TEST(Malformed, OptionsMutilated) {
     for (const DDS_TypeCode *type :
-         {finalOptionsType(), appendableOptionsType(), mutableOptionsType()}) {
+         {final_options_type(), appendable_options_type(), mutable_options_type()}) {
         Record<Options> options(type);
         DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
         params.allocate_optional_members = DDS_BOOLEAN_TRUE;
@@ -127,102 +127,102 @@ TEST(Malformed, OptionsMutilated) {
 
 TEST(Malformed, HolderMutilated) {
     for (const DDS_TypeCode *type :
-         {finalHolderType(), appendableHolderType(), mutableHolderType()}) {
+         {final_holder_type(), appendable_holder_type(), mutable_holder_type()}) {
         Record<Holder> holder(type);
-        setText(holder->name, "abc");
+        set_text(holder->name, "abc");
         mutilate(type, holder.get(), false);
     }
 }
 
 TEST(Malformed, RandomBytes) {
     std::mt19937 random(20);
-    Record<Request> request(mutableRequestType());
-    Record<Everything> everything(everythingType());
+    Record<Request> request(mutable_request_type());
+    Record<Everything> everything(everything_type());
     for (int i = 0; i < 20000; ++i) {
         Bytes bytes(4 + random() % 96);
         for (uint8_t &byte : bytes) byte = static_cast<uint8_t>(random() % 4 == 0 ? random() : 0);
         bytes[0] = 0;
         bytes[1] = static_cast<uint8_t>(random() % 12);
-        reads(mutableRequestType(), bytes, request.get());
-        reads(everythingType(), bytes, everything.get());
+        reads(mutable_request_type(), bytes, request.get());
+        reads(everything_type(), bytes, everything.get());
     }
 }
 
 TEST(Malformed, Encapsulations) {
-    EXPECT_FALSE(reads<Point>(pointType(), ""));
-    EXPECT_FALSE(reads<Point>(pointType(), "000100"));
-    EXPECT_TRUE(reads<Point>(pointType(), "00010000 01000200"));
-    EXPECT_FALSE(reads<Point>(pointType(), "00030000 01000200")) << "PL_CDR of a final type";
-    EXPECT_FALSE(reads<Point>(pointType(), "00090000 01000200")) << "D_CDR2 of a final type";
-    EXPECT_FALSE(reads<Point>(pointType(), "00040000 01000200")) << "XML";
-    EXPECT_FALSE(reads<Point>(pointType(), "80010000 01000200"));
-    EXPECT_FALSE(reads<Point>(pointType(), "ffff0000 01000200"));
-    EXPECT_FALSE(reads<Message>(messageType(), "00010000 023f0000"));
-    EXPECT_FALSE(reads<Point>(pointType(), "00010001 01000200")) << "a byte of it is padding";
+    EXPECT_FALSE(reads<Point>(point_type(), ""));
+    EXPECT_FALSE(reads<Point>(point_type(), "000100"));
+    EXPECT_TRUE(reads<Point>(point_type(), "00010000 01000200"));
+    EXPECT_FALSE(reads<Point>(point_type(), "00030000 01000200")) << "PL_CDR of a final type";
+    EXPECT_FALSE(reads<Point>(point_type(), "00090000 01000200")) << "D_CDR2 of a final type";
+    EXPECT_FALSE(reads<Point>(point_type(), "00040000 01000200")) << "XML";
+    EXPECT_FALSE(reads<Point>(point_type(), "80010000 01000200"));
+    EXPECT_FALSE(reads<Point>(point_type(), "ffff0000 01000200"));
+    EXPECT_FALSE(reads<Message>(message_type(), "00010000 023f0000"));
+    EXPECT_FALSE(reads<Point>(point_type(), "00010001 01000200")) << "a byte of it is padding";
 }
 
 TEST(Malformed, Strings) {
     const std::string head = "000b0000";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "0a000000 02000050 02000000 'ab'"))
+    EXPECT_FALSE(reads<Message>(message_type(), head + "0a000000 02000050 02000000 'ab'"))
         << "no terminator";
-    EXPECT_TRUE(reads<Message>(messageType(), head + "0a000000 02000050 02000000 'a' 00"));
-    EXPECT_TRUE(reads<Message>(messageType(), head + "08000000 02000050 00000000"))
+    EXPECT_TRUE(reads<Message>(message_type(), head + "0a000000 02000050 02000000 'a' 00"));
+    EXPECT_TRUE(reads<Message>(message_type(), head + "08000000 02000050 00000000"))
         << "a string without even its terminator is taken for an empty one";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "0a000000 02000050 ffffffff 'a' 00"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "0a000000 02000050 ffffffff 'a' 00"));
     EXPECT_FALSE(
-        reads<Message>(messageType(), head + "1a000000 02000050 12000000 '0123456789abcdefX' 00"))
+        reads<Message>(message_type(), head + "1a000000 02000050 12000000 '0123456789abcdefX' 00"))
         << "one more than the bound";
     EXPECT_TRUE(
-        reads<Message>(messageType(), head + "19000000 02000050 11000000 '0123456789abcdef' 00"));
+        reads<Message>(message_type(), head + "19000000 02000050 11000000 '0123456789abcdef' 00"));
 }
 
 TEST(Malformed, Sequences) {
     // More elements than the bound, or than there are bytes.
-    EXPECT_FALSE(
-        reads<Choice>(finalChoiceType(), "00010000 01000000 06000000" + std::string(6 * 16, '0')));
-    EXPECT_FALSE(reads<Choice>(finalChoiceType(), "00010000 01000000 02000000 0000000000000000"));
-    EXPECT_FALSE(reads<Large>(largeType(), "000b0000 08000000 00000050 ffffff7f"));
-    EXPECT_FALSE(reads<Large>(largeType(), "00030000 0000 0400 ffffffff 023f0000"));
-    EXPECT_FALSE(reads<Large>(largeType(), "00030000 013f 0800 00000000 ffffffff ffffffff"));
+    EXPECT_FALSE(reads<Choice>(final_choice_type(),
+                               "00010000 01000000 06000000" + std::string(6 * 16, '0')));
+    EXPECT_FALSE(reads<Choice>(final_choice_type(), "00010000 01000000 02000000 0000000000000000"));
+    EXPECT_FALSE(reads<Large>(large_type(), "000b0000 08000000 00000050 ffffff7f"));
+    EXPECT_FALSE(reads<Large>(large_type(), "00030000 0000 0400 ffffffff 023f0000"));
+    EXPECT_FALSE(reads<Large>(large_type(), "00030000 013f 0800 00000000 ffffffff ffffffff"));
 }
 
 TEST(Malformed, ParameterLists) {
     const std::string head = "00030000";
-    EXPECT_TRUE(reads<Message>(messageType(), head + "023f0000"));
-    EXPECT_FALSE(reads<Message>(messageType(), head)) << "no sentinel";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "0100 0400 01000000")) << "no sentinel";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "0100 0300 01000000 023f0000"))
+    EXPECT_TRUE(reads<Message>(message_type(), head + "023f0000"));
+    EXPECT_FALSE(reads<Message>(message_type(), head)) << "no sentinel";
+    EXPECT_FALSE(reads<Message>(message_type(), head + "0100 0400 01000000")) << "no sentinel";
+    EXPECT_FALSE(reads<Message>(message_type(), head + "0100 0300 01000000 023f0000"))
         << "shorter than its value";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "0100 ff00 01000000 023f0000"));
-    EXPECT_FALSE(reads<Message>(messageType(), head + "013f 0400 01000000 023f0000"))
+    EXPECT_FALSE(reads<Message>(message_type(), head + "0100 ff00 01000000 023f0000"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "013f 0400 01000000 023f0000"))
         << "an extended header of another length";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "043f 0000 023f0000")) << "reserved";
-    EXPECT_TRUE(reads<Message>(messageType(), head + "6300 0000 023f0000"));
-    EXPECT_FALSE(reads<Message>(messageType(), head + "6340 0000 023f0000"))
+    EXPECT_FALSE(reads<Message>(message_type(), head + "043f 0000 023f0000")) << "reserved";
+    EXPECT_TRUE(reads<Message>(message_type(), head + "6300 0000 023f0000"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "6340 0000 023f0000"))
         << "unknown, and must be understood";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "013f 0800 63000040 00000000 023f0000"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "013f 0800 63000040 00000000 023f0000"));
 }
 
 TEST(Malformed, MemberHeaders) {
     const std::string head = "000b0000";
-    EXPECT_TRUE(reads<Message>(messageType(), head + "00000000"));
-    EXPECT_FALSE(reads<Message>(messageType(), head + "04000000")) << "the list is longer";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "04000000 01000020")) << "no value";
-    EXPECT_TRUE(reads<Message>(messageType(), head + "08000000 63000020 00000000"));
-    EXPECT_FALSE(reads<Message>(messageType(), head + "08000000 630000a0 00000000"))
+    EXPECT_TRUE(reads<Message>(message_type(), head + "00000000"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "04000000")) << "the list is longer";
+    EXPECT_FALSE(reads<Message>(message_type(), head + "04000000 01000020")) << "no value";
+    EXPECT_TRUE(reads<Message>(message_type(), head + "08000000 63000020 00000000"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "08000000 630000a0 00000000"))
         << "unknown, and must be understood";
-    EXPECT_FALSE(reads<Message>(messageType(), head + "08000000 63000070 ffffffff"));
-    EXPECT_FALSE(reads<Message>(messageType(), head + "06000000 01000000 0100"))
+    EXPECT_FALSE(reads<Message>(message_type(), head + "08000000 63000070 ffffffff"));
+    EXPECT_FALSE(reads<Message>(message_type(), head + "06000000 01000000 0100"))
         << "one byte for a long";
-    EXPECT_FALSE(reads<Choice>(mutableChoiceType(), head + "00000000")) << "no discriminator";
-    EXPECT_FALSE(reads<Choice>(mutableChoiceType(), head + "10000000 01000020 00000000"
-                                                           "000000a0 00000000"))
+    EXPECT_FALSE(reads<Choice>(mutable_choice_type(), head + "00000000")) << "no discriminator";
+    EXPECT_FALSE(reads<Choice>(mutable_choice_type(), head + "10000000 01000020 00000000"
+                                                             "000000a0 00000000"))
         << "a branch before the discriminator";
-    EXPECT_TRUE(reads<Choice>(mutableChoiceType(), head + "08000000 000000a0 00000000"));
+    EXPECT_TRUE(reads<Choice>(mutable_choice_type(), head + "08000000 000000a0 00000000"));
 }
 
 TEST(Malformed, Arguments) {
-    const Programs programs(pointType());
+    const Programs programs(point_type());
     Point point{};
     DDS_Octet bytes[16] = {0, 1};
     size_t length = 0;
@@ -247,18 +247,18 @@ TEST(Malformed, TypeCodes) {
         return programs == nullptr;
     };
     EXPECT_TRUE(refused(*DDS_TypeCodeFactory_get_primitive_tc(DDS_TK_LONG)));
-    DDS_TypeCode type = *pointType();
+    DDS_TypeCode type = *point_type();
     EXPECT_FALSE(refused(type));
     type.access = nullptr;
     EXPECT_TRUE(refused(type));
 
-    DDS_SampleAccessInfo access = *pointType()->access;
+    DDS_SampleAccessInfo access = *point_type()->access;
     access.record_size = 3;
     type.access = &access;
     EXPECT_TRUE(refused(type)) << "a member outside the record";
 
-    DDS_TypeCodeMember members[2] = {pointType()->members[0], pointType()->members[1]};
-    type = *pointType();
+    DDS_TypeCodeMember members[2] = {point_type()->members[0], point_type()->members[1]};
+    type = *point_type();
     type.members = members;
     members[1].id = members[0].id;
     EXPECT_TRUE(refused(type));
@@ -276,7 +276,7 @@ TEST(Malformed, TypeCodes) {
     type.access = &access;
     EXPECT_TRUE(refused(type));
 
-    DDS_TypeCode choice = *mutableChoiceType();
+    DDS_TypeCode choice = *mutable_choice_type();
     choice.discriminator_type = DDS_TypeCodeFactory_get_primitive_tc(DDS_TK_FLOAT);
     EXPECT_TRUE(refused(choice));
 }

@@ -13,7 +13,7 @@ namespace {
 using support::Decisions;
 
 // Bytes that decide, small ones mostly.
-std::vector<uint8_t> decisionsOf(std::mt19937 *random, size_t count) {
+std::vector<uint8_t> decisions_of(std::mt19937 *random, size_t count) {
     std::vector<uint8_t> bytes(count);
     for (uint8_t &byte : bytes) byte = static_cast<uint8_t>((*random)());
     return bytes;
@@ -25,26 +25,26 @@ TEST_P(RandomTypes, EveryWayToReadThemSaysTheSame) {
     std::mt19937 random(GetParam());
     for (int i = 0; i < 250; ++i) {
         SCOPED_TRACE(i);
-        const std::vector<uint8_t> description = decisionsOf(&random, 20 + random() % 100);
+        const std::vector<uint8_t> description = decisions_of(&random, 20 + random() % 100);
         Decisions decisions(description.data(), description.size());
         const support::RandomType made(&decisions);
         const DDS_TypeCode *const type = made.type();
         const KOLT_TypePrograms *const programs = KOLT_TypePrograms_acquire(type);
         ASSERT_NE(programs, nullptr);
         DDS_DynamicData *const value = DDS_DynamicData_new(type, nullptr);
-        const std::vector<uint8_t> content = decisionsOf(&random, random() % 400);
+        const std::vector<uint8_t> content = decisions_of(&random, random() % 400);
         Decisions content_decisions(content.data(), content.size());
-        support::checkedFill(value, &content_decisions);
-        for (const DDS_UnsignedShort encapsulation : support::encapsulationsOf(type)) {
-            std::vector<uint8_t> bytes = support::checkedBytes(value, encapsulation);
-            EXPECT_TRUE(support::checkSample(type, bytes.data(), bytes.size()));
+        support::checked_fill(value, &content_decisions);
+        for (const DDS_UnsignedShort encapsulation : support::encapsulations_of(type)) {
+            std::vector<uint8_t> bytes = support::checked_bytes(value, encapsulation);
+            EXPECT_TRUE(support::check_sample(type, bytes.data(), bytes.size()));
             for (int edits = 0; edits < 3; ++edits) {
                 bytes[random() % bytes.size()] = static_cast<uint8_t>(random() % 16);
-                support::checkSample(type, bytes.data(), bytes.size());
-                support::checkKey(type, bytes.data(), bytes.size());
+                support::check_sample(type, bytes.data(), bytes.size());
+                support::check_key(type, bytes.data(), bytes.size());
             }
         }
-        if (made.shorter() != nullptr) support::checkEvolution(type, made.shorter(), value);
+        if (made.shorter() != nullptr) support::check_evolution(type, made.shorter(), value);
         DDS_DynamicData_delete(value);
         KOLT_TypePrograms_release(programs);
     }

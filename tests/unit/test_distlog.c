@@ -17,7 +17,7 @@ static int failures = 0;
 _Static_assert(sizeof(VUR_DL_ADMIN_StateKind) == 4, "an enumeration takes four bytes");
 _Static_assert(sizeof(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity) == 8, "two of them take eight");
 
-static void checkRecords(void) {
+static void check_records(void) {
     VUR_DL_ADMIN_CommandRequest request;
     VUR_DL_ADMIN_CommandRequest copy;
     VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity element;
@@ -37,14 +37,14 @@ static void checkRecords(void) {
     VUR_DL_ADMIN_CommandRequest_finalize(&copy);
 }
 
-static void checkSequences(void) {
+static void check_sequences(void) {
     VUR_DL_LogMessageSeq sequence = DDS_SEQUENCE_INITIALIZER;
     CHECK(VUR_DL_LogMessageSeq_set_length(&sequence, 2));
     CHECK(strcmp(VUR_DL_LogMessageSeq_get_reference(&sequence, 1)->message, "") == 0);
     CHECK(VUR_DL_LogMessageSeq_finalize(&sequence));
 }
 
-static void checkSupport(void) {
+static void check_support(void) {
     const DDS_PrintFormatProperty property = DDS_PRINT_FORMAT_PROPERTY_DEFAULT;
     char buffer[1024];
     DDS_UnsignedLong length = sizeof(buffer);
@@ -59,7 +59,7 @@ static void checkSupport(void) {
     CHECK(VUR_DL_LogMessageTypeSupport_delete_data(message) == DDS_RETCODE_OK);
 }
 
-static void checkNulls(void) {
+static void check_nulls(void) {
     CHECK(!VUR_DL_ADMIN_State_initialize(NULL));
     VUR_DL_ADMIN_State_finalize(NULL);
     CHECK(!VUR_DL_ADMIN_State_copy(NULL, NULL));
@@ -74,9 +74,9 @@ static void checkNulls(void) {
 }
 
 int main(void) {
-    checkRecords();
-    checkSequences();
-    checkSupport();
-    checkNulls();
+    check_records();
+    check_sequences();
+    check_support();
+    check_nulls();
     return failures == 0 ? 0 : 1;
 }

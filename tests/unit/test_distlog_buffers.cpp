@@ -11,7 +11,7 @@
 
 namespace {
 
-using support::setText;
+using support::set_text;
 
 #define STRUCTURED(T, xcdr1_size, xcdr2_size)                                        \
     struct T##Buffers {                                                              \
@@ -46,8 +46,8 @@ void fill(VUR_DL_HostAndAppId *identity) {
 void fill(VUR_DL_LogMessage *message) {
     fill(&message->hostAndAppId);
     message->level = INT32_MIN;
-    setText(message->category, std::string(512, 'c').c_str());
-    setText(message->message, std::string(4096, 'm').c_str());
+    set_text(message->category, std::string(512, 'c').c_str());
+    set_text(message->message, std::string(4096, 'm').c_str());
     message->messageId = INT64_MAX;
 }
 void fill(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity *pair) {
@@ -57,7 +57,7 @@ void fill(VUR_DL_ADMIN_State *state) {
     fill(&state->hostAndAppId);
     state->administrationDomainId = 232;
     state->state = VUR_DL_STATE_SHUTTING_DOWN;
-    setText(state->applicationKind, std::string(256, 'a').c_str());
+    set_text(state->applicationKind, std::string(256, 'a').c_str());
     for (auto &pair : state->vurLoggerVerbosities) fill(&pair);
     state->vurLoggerPrintFormat = VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_MAXIMAL;
 }
@@ -74,7 +74,7 @@ void fill(VUR_DL_ADMIN_CommandRequest *request) {
 void fill(VUR_DL_ADMIN_CommandResponse *response) {
     fill(&response->hostAndAppId);
     response->commandResult = VUR_DL_COMMAND_RESULT_ERROR;
-    setText(response->message, std::string(2048, 'r').c_str());
+    set_text(response->message, std::string(2048, 'r').c_str());
 }
 
 template <typename Type>
@@ -85,8 +85,8 @@ class DistlogBuffers : public testing::Test {
 
     DistlogBuffers() : fresh_(Type::kCode()), full_(Type::kCode()) { fill(full_.get()); }
 
-    static std::vector<char> bytesOf(const Value *sample,
-                                     DDS_DataRepresentationId_t representation) {
+    static std::vector<char> bytes_of(const Value *sample,
+                                      DDS_DataRepresentationId_t representation) {
         DDS_UnsignedLong size = 1;  // goes for nothing
         EXPECT_TRUE(Type::kSerializeEx(nullptr, &size, sample, representation));
         std::vector<char> bytes(size);
@@ -94,12 +94,12 @@ class DistlogBuffers : public testing::Test {
         EXPECT_EQ(size, bytes.size());
         return bytes;
     }
-    static DDS_UnsignedLong sizeOf(const std::vector<char> &bytes) {
+    static DDS_UnsignedLong size_of(const std::vector<char> &bytes) {
         return static_cast<DDS_UnsignedLong>(bytes.size());
     }
     static bool reads(const std::vector<char> &bytes, const Value *expected) {
         Record back(Type::kCode());
-        return Type::kDeserialize(back.get(), bytes.data(), sizeOf(bytes)) != 0 &&
+        return Type::kDeserialize(back.get(), bytes.data(), size_of(bytes)) != 0 &&
                KOLT_Record_equals(Type::kCode(), back.get(), expected) != 0;
     }
 
@@ -122,12 +122,12 @@ TYPED_TEST_SUITE(DistlogBuffers, Structured, RecordName);
 
 TYPED_TEST(DistlogBuffers, TheSizeThatIsAskedForIsTheSizeThatIsWritten) {
     for (size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(this->bytesOf(this->fresh_.get(), kRepresentations[i]).size(),
+        EXPECT_EQ(this->bytes_of(this->fresh_.get(), kRepresentations[i]).size(),
                   TypeParam::kInitialSize[i]);
-        const std::vector<char> bytes = this->bytesOf(this->full_.get(), kRepresentations[i]);
+        const std::vector<char> bytes = this->bytes_of(this->full_.get(), kRepresentations[i]);
         // In a larger buffer the rest stays.
         std::vector<char> larger(bytes.size() + 9, '#');
-        auto length = this->sizeOf(larger);
+        auto length = this->size_of(larger);
         ASSERT_TRUE(TypeParam::kSerializeEx(larger.data(), &length, this->full_.get(),
                                             kRepresentations[i]));
         EXPECT_EQ(length, bytes.size());
@@ -138,7 +138,7 @@ TYPED_TEST(DistlogBuffers, TheSizeThatIsAskedForIsTheSizeThatIsWritten) {
 
 TYPED_TEST(DistlogBuffers, NoSmallerBufferWillDo) {
     for (const DDS_DataRepresentationId_t representation : kRepresentations) {
-        const std::vector<char> bytes = this->bytesOf(this->full_.get(), representation);
+        const std::vector<char> bytes = this->bytes_of(this->full_.get(), representation);
         for (size_t size = 0; size < bytes.size(); ++size) {
             std::vector<char> small(size + 1, '#');
             auto length = static_cast<DDS_UnsignedLong>(size);
@@ -153,9 +153,9 @@ TYPED_TEST(DistlogBuffers, NoSmallerBufferWillDo) {
 TYPED_TEST(DistlogBuffers, WhatIsWrittenIsReadAsItWas) {
     for (const DDS_DataRepresentationId_t representation : kRepresentations) {
         EXPECT_TRUE(
-            this->reads(this->bytesOf(this->fresh_.get(), representation), this->fresh_.get()));
+            this->reads(this->bytes_of(this->fresh_.get(), representation), this->fresh_.get()));
         EXPECT_TRUE(
-            this->reads(this->bytesOf(this->full_.get(), representation), this->full_.get()));
+            this->reads(this->bytes_of(this->full_.get(), representation), this->full_.get()));
         // The other byte order, too.
         const auto encapsulation = static_cast<DDS_UnsignedShort>(
             DDS_TypeCode_get_native_encapsulation(TypeParam::kCode(), representation) ^ 1U);
@@ -168,8 +168,8 @@ TYPED_TEST(DistlogBuffers, WhatIsWrittenIsReadAsItWas) {
 
 TYPED_TEST(DistlogBuffers, TheAutomaticRepresentationIsXcdr1) {
     const std::vector<char> expected =
-        this->bytesOf(this->full_.get(), DDS_XCDR_DATA_REPRESENTATION);
-    EXPECT_EQ(this->bytesOf(this->full_.get(), DDS_AUTO_DATA_REPRESENTATION), expected);
+        this->bytes_of(this->full_.get(), DDS_XCDR_DATA_REPRESENTATION);
+    EXPECT_EQ(this->bytes_of(this->full_.get(), DDS_AUTO_DATA_REPRESENTATION), expected);
     DDS_UnsignedLong length = 0;
     ASSERT_TRUE(TypeParam::kSerialize(nullptr, &length, this->full_.get()));
     EXPECT_EQ(length, expected.size());
@@ -179,8 +179,8 @@ TYPED_TEST(DistlogBuffers, TheAutomaticRepresentationIsXcdr1) {
 }
 
 TYPED_TEST(DistlogBuffers, Failures) {
-    std::vector<char> bytes = this->bytesOf(this->full_.get(), DDS_XCDR2_DATA_REPRESENTATION);
-    const auto size = this->sizeOf(bytes);
+    std::vector<char> bytes = this->bytes_of(this->full_.get(), DDS_XCDR2_DATA_REPRESENTATION);
+    const auto size = this->size_of(bytes);
     auto *const sample = this->full_.get();
     DDS_UnsignedLong length = size;
     EXPECT_FALSE(TypeParam::kSerialize(bytes.data(), nullptr, sample));
@@ -201,7 +201,7 @@ TYPED_TEST(DistlogBuffers, Failures) {
     EXPECT_FALSE(TypeParam::kDeserialize(sample, bytes.data(), size)) << "no such encapsulation";
     // The sample can still be used.
     fill(sample);
-    EXPECT_TRUE(this->reads(this->bytesOf(sample, DDS_XCDR_DATA_REPRESENTATION), sample));
+    EXPECT_TRUE(this->reads(this->bytes_of(sample, DDS_XCDR_DATA_REPRESENTATION), sample));
 }
 
 }  // namespace

@@ -221,7 +221,8 @@ TYPED_TEST(DistlogOperations, BothRepresentationsAreAllowedAndServed) {
     KOLT_TypePrograms_release(programs);
 }
 
-void expectIntegers(const DDS_TypeCodeMember &member, DDS_LongLong smallest, DDS_LongLong largest) {
+void expect_integers(const DDS_TypeCodeMember &member, DDS_LongLong smallest,
+                     DDS_LongLong largest) {
     EXPECT_EQ(member.default_value.kind, member.type->kind);
     EXPECT_EQ(member.default_value.value.integer, 0);
     EXPECT_EQ(member.minimum.kind, member.type->kind);
@@ -243,12 +244,12 @@ TYPED_TEST(DistlogOperations, AnnotationsAreTheNaturalOnes) {
         }
         switch (member.type->kind) {
             case DDS_TK_LONG:
-                expectIntegers(member, std::numeric_limits<DDS_Long>::min(),
-                               std::numeric_limits<DDS_Long>::max());
+                expect_integers(member, std::numeric_limits<DDS_Long>::min(),
+                                std::numeric_limits<DDS_Long>::max());
                 break;
             case DDS_TK_LONGLONG:
-                expectIntegers(member, std::numeric_limits<DDS_LongLong>::min(),
-                               std::numeric_limits<DDS_LongLong>::max());
+                expect_integers(member, std::numeric_limits<DDS_LongLong>::min(),
+                                std::numeric_limits<DDS_LongLong>::max());
                 break;
             case DDS_TK_STRING:
                 EXPECT_EQ(member.default_value.kind, DDS_TK_STRING);

@@ -48,7 +48,7 @@ class DistlogPluginSamples : public testing::Test {
 
     DistlogPluginSamples() { EXPECT_TRUE(Support::kInitialize(&initial_)); }
     ~DistlogPluginSamples() override { Support::kFinalize(&initial_); }
-    bool isInitial(const Record *record) {
+    bool is_initial(const Record *record) {
         return record != nullptr && KOLT_Record_equals(Support::kCode(), record, &initial_) != 0;
     }
 
@@ -61,15 +61,15 @@ TYPED_TEST(DistlogPluginSamples, EveryWayToMakeAndFree) {
     const DDS_TypeAllocationParams_t allocation = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
     const DDS_TypeDeallocationParams_t deallocation = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
     typename TypeParam::Record *record = TypeParam::kCreate();
-    EXPECT_TRUE(this->isInitial(record));
+    EXPECT_TRUE(this->is_initial(record));
     TypeParam::kDestroy(record);
     for (const DDS_Boolean allocate_pointers : {DDS_BOOLEAN_TRUE, DDS_BOOLEAN_FALSE}) {
         record = TypeParam::kCreateEx(allocate_pointers);
-        EXPECT_TRUE(this->isInitial(record)) << "no type has members that are pointers";
+        EXPECT_TRUE(this->is_initial(record)) << "no type has members that are pointers";
         TypeParam::kDestroyEx(record, DDS_BOOLEAN_TRUE);
     }
     record = TypeParam::kCreateWithParams(&allocation);
-    EXPECT_TRUE(this->isInitial(record));
+    EXPECT_TRUE(this->is_initial(record));
     TypeParam::kDestroyWithParams(record, &deallocation);
     TypeParam::kDestroyWithParams(TypeParam::kCreate(), nullptr);
     TypeParam::kDestroy(nullptr);
@@ -96,7 +96,7 @@ TYPED_TEST(DistlogPluginSamples, CopyIsTheRecordsCopy) {
     typename TypeParam::Record *const copy = TypeParam::kCreate();
     ASSERT_NE(copy, nullptr);
     EXPECT_TRUE(TypeParam::kCopy(copy, &this->initial_));
-    EXPECT_TRUE(this->isInitial(copy));
+    EXPECT_TRUE(this->is_initial(copy));
     EXPECT_FALSE(TypeParam::kCopy(copy, nullptr));
     EXPECT_FALSE(TypeParam::kCopy(nullptr, copy));
     TypeParam::kDestroy(copy);
@@ -123,8 +123,8 @@ TEST(DistlogPluginCopies, AreDeep) {
 // ---- Key holders --------------------------------------------------------------------------------
 
 template <typename T>
-void expectKeyHolders(T *(*create)(), T *(*create_ex)(DDS_Boolean), void (*destroy)(T *),
-                      void (*destroy_ex)(T *, DDS_Boolean), const DDS_TypeCode *code) {
+void expect_key_holders(T *(*create)(), T *(*create_ex)(DDS_Boolean), void (*destroy)(T *),
+                        void (*destroy_ex)(T *, DDS_Boolean), const DDS_TypeCode *code) {
     SCOPED_TRACE(DDS_TypeCode_name(code));
     T *const key = create();
     T *const other = create_ex(DDS_BOOLEAN_TRUE);
@@ -137,10 +137,10 @@ void expectKeyHolders(T *(*create)(), T *(*create_ex)(DDS_Boolean), void (*destr
     destroy_ex(nullptr, DDS_BOOLEAN_TRUE);
 }
 
-#define EXPECT_KEY_HOLDERS(T)                                                          \
-    expectKeyHolders<T>(T##PluginSupport_create_key, T##PluginSupport_create_key_ex,   \
-                        T##PluginSupport_destroy_key, T##PluginSupport_destroy_key_ex, \
-                        T##_get_typecode())
+#define EXPECT_KEY_HOLDERS(T)                                                            \
+    expect_key_holders<T>(T##PluginSupport_create_key, T##PluginSupport_create_key_ex,   \
+                          T##PluginSupport_destroy_key, T##PluginSupport_destroy_key_ex, \
+                          T##_get_typecode())
 
 TEST(DistlogPluginKeyHolders, AreRecordsOfTheKeyedTypes) {
     EXPECT_KEY_HOLDERS(VUR_DL_HostAndAppId);

@@ -100,15 +100,15 @@ TEST(DistlogPluginSerialize, MessageBytes) {
         DDS_UnsignedLong length = 256;
         EXPECT_TRUE(VUR_DL_LogMessagePlugin_serialize_to_cdr_buffer_ex(
             buffer.data(), &length, message.get(), representation));
-        return support::toHex(support::Bytes(buffer.begin(), buffer.begin() + length));
+        return support::to_hex(support::Bytes(buffer.begin(), buffer.begin() + length));
     };
     EXPECT_EQ(bytes(DDS_XCDR_DATA_REPRESENTATION),
-              support::toHex(support::fromHex(
+              support::to_hex(support::from_hex(
                   "00030000 00400800 04030201 08070605 01400400 2c010000 02000900 05000000"
                   "70756d70 00000000 03000800 04000000 686f7400 04000800 09000000 00000000"
                   "023f0000")));
     EXPECT_EQ(bytes(DDS_XCDR2_DATA_REPRESENTATION),
-              support::toHex(support::fromHex(
+              support::to_hex(support::from_hex(
                   "000b0000 44000000 000000c0 0c000000 08000000 04030201 08070605 010000a0"
                   "2c010000 02000050 05000000 70756d70 00000000 03000050 04000000 686f7400"
                   "04000030 09000000 00000000")));
@@ -124,8 +124,8 @@ TEST(DistlogPluginSerialize, RequestBytes) {
     DDS_UnsignedLong length = 256;
     ASSERT_TRUE(VUR_DL_ADMIN_CommandRequestPlugin_serialize_to_cdr_buffer_ex(
         buffer.data(), &length, request.get(), DDS_XCDR2_DATA_REPRESENTATION));
-    EXPECT_EQ(support::toHex(support::Bytes(buffer.begin(), buffer.begin() + length)),
-              support::toHex(support::fromHex(
+    EXPECT_EQ(support::to_hex(support::Bytes(buffer.begin(), buffer.begin() + length)),
+              support::to_hex(support::from_hex(
                   "000b0000 4c000000 00000040 0c000000 08000000 01000000 02000000 01000040"
                   "0c000000 08000000 03000000 04000000 02000020 05000000 03000040 14000000"
                   "10000000 000000a0 00000000 01000020 20030000")));

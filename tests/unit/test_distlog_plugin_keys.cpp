@@ -19,7 +19,7 @@ TYPED_TEST_SUITE(DistlogPluginKeys, KeyedTopicTypes, TopicTypeName);
 
 // The key of what fill() makes, big-endian: host 11, application -12 and, of a message, level 300.
 template <typename T>
-std::array<DDS_Octet, 16> expectedHash() {
+std::array<DDS_Octet, 16> expected_hash() {
     std::array<DDS_Octet, 16> hash = {0, 0, 0, 11, 0xff, 0xff, 0xff, 0xf4};
     if (std::is_same_v<T, VUR_DL_LogMessage>) {
         hash[10] = 1;
@@ -31,12 +31,12 @@ template <typename T>
 constexpr DDS_UnsignedLong kKeySize = std::is_same_v<T, VUR_DL_LogMessage> ? 12 : 8;
 
 template <typename T>
-void expectKeyOnly(Sample<T> &key, Sample<T> &filled) {
+void expect_key_only(Sample<T> &key, Sample<T> &filled) {
     EXPECT_EQ(key.key(), filled.key());
     EXPECT_EQ(key.number(), 0) << "no more than the key";
-    TopicType<T>::setNumber(key.get(), filled.number());
+    TopicType<T>::set_number(key.get(), filled.number());
     EXPECT_FALSE(equal(*key, *filled)) << "the texts are not there either";
-    TopicType<T>::setNumber(key.get(), 0);
+    TopicType<T>::set_number(key.get(), 0);
 }
 
 TYPED_TEST(DistlogPluginKeys, HoldersTakeTheKeyMembers) {
@@ -53,7 +53,7 @@ TYPED_TEST(DistlogPluginKeys, HoldersTakeTheKeyMembers) {
 
     Sample<TypeParam> holder;
     ASSERT_TRUE(plugin.instance_to_key(attached.reader, holder.get(), filled.get()));
-    expectKeyOnly(holder, filled);
+    expect_key_only(holder, filled);
     Sample<TypeParam> instance(0, 77);
     ASSERT_TRUE(plugin.key_to_instance(attached.reader, instance.get(), holder.get()));
     EXPECT_EQ(instance.key(), filled.key());
@@ -70,19 +70,20 @@ TYPED_TEST(DistlogPluginKeys, TravelAloneAndInSamples) {
     Filled<TypeParam> filled;
     for (const DDS_UnsignedShort encapsulation : kMutableEncapsulations) {
         SCOPED_TRACE(encapsulation);
-        std::vector<DDS_Octet> key = attached.bytesOf(plugin.serialize_key, *filled, encapsulation);
+        std::vector<DDS_Octet> key =
+            attached.bytes_of(plugin.serialize_key, *filled, encapsulation);
         EXPECT_LE(key.size(),
                   plugin.get_serialized_key_max_size(attached.writer, 1, encapsulation, 0));
         Sample<TypeParam> holder;
-        ASSERT_TRUE(attached.readBack(plugin.deserialize_key, key, holder.get()));
-        expectKeyOnly(holder, filled);
-        std::vector<DDS_Octet> sample = attached.bytesOf(plugin.serialize, *filled, encapsulation);
+        ASSERT_TRUE(attached.read_back(plugin.deserialize_key, key, holder.get()));
+        expect_key_only(holder, filled);
+        std::vector<DDS_Octet> sample = attached.bytes_of(plugin.serialize, *filled, encapsulation);
         Sample<TypeParam> of_sample;
-        ASSERT_TRUE(attached.readBack(plugin.deserialize_key_sample, sample, of_sample.get()));
-        expectKeyOnly(of_sample, filled);
+        ASSERT_TRUE(attached.read_back(plugin.deserialize_key_sample, sample, of_sample.get()));
+        expect_key_only(of_sample, filled);
         key.resize(6);
-        EXPECT_FALSE(attached.readBack(plugin.deserialize_key, key, holder.get())) << "cut off";
-        EXPECT_FALSE(attached.readBack(plugin.deserialize_key, key, nullptr));
+        EXPECT_FALSE(attached.read_back(plugin.deserialize_key, key, holder.get())) << "cut off";
+        EXPECT_FALSE(attached.read_back(plugin.deserialize_key, key, nullptr));
     }
     EXPECT_EQ(plugin.get_serialized_key_max_size(attached.writer, 0, KOLT_ENCAPSULATION_CDR2_BE, 0),
               kKeySize<TypeParam>);
@@ -92,8 +93,8 @@ TYPED_TEST(DistlogPluginKeys, HashesComeFromRecordsAndFromBytes) {
     Attached<TypeParam> attached;
     const KOLT_TypePlugin &plugin = *attached.plugin;
     Filled<TypeParam> sample;
-    const auto hashOfBytes = [&](DDS_UnsignedShort encapsulation) {
-        std::vector<DDS_Octet> bytes = attached.bytesOf(plugin.serialize, *sample, encapsulation);
+    const auto hash_of_bytes = [&](DDS_UnsignedShort encapsulation) {
+        std::vector<DDS_Octet> bytes = attached.bytes_of(plugin.serialize, *sample, encapsulation);
         KOLT_CdrStream stream = {};
         KOLT_CdrStream_set(&stream, bytes.data(), bytes.size());
         KOLT_KeyHash hash = {};
@@ -104,18 +105,18 @@ TYPED_TEST(DistlogPluginKeys, HashesComeFromRecordsAndFromBytes) {
     KOLT_KeyHash direct = {};
     ASSERT_TRUE(plugin.instance_to_keyhash(attached.writer, &direct, sample.get(),
                                            KOLT_ENCAPSULATION_PL_CDR2_LE));
-    const auto expected = expectedHash<TypeParam>();
+    const auto expected = expected_hash<TypeParam>();
     EXPECT_EQ(std::memcmp(direct.value, expected.data(), expected.size()), 0)
         << "a key that fits is its own hash";
     for (const DDS_UnsignedShort encapsulation : kMutableEncapsulations) {
-        EXPECT_EQ(hashOfBytes(encapsulation),
+        EXPECT_EQ(hash_of_bytes(encapsulation),
                   std::vector<DDS_Octet>(expected.begin(), expected.end()));
     }
-    const std::vector<DDS_Octet> before = hashOfBytes(KOLT_ENCAPSULATION_PL_CDR_LE);
-    TopicType<TypeParam>::setNumber(sample.get(), 4711);
-    EXPECT_EQ(hashOfBytes(KOLT_ENCAPSULATION_PL_CDR_LE), before) << "the same instance";
-    TopicType<TypeParam>::setKey(sample.get(), 4711);
-    EXPECT_NE(hashOfBytes(KOLT_ENCAPSULATION_PL_CDR_LE), before) << "another one";
+    const std::vector<DDS_Octet> before = hash_of_bytes(KOLT_ENCAPSULATION_PL_CDR_LE);
+    TopicType<TypeParam>::set_number(sample.get(), 4711);
+    EXPECT_EQ(hash_of_bytes(KOLT_ENCAPSULATION_PL_CDR_LE), before) << "the same instance";
+    TopicType<TypeParam>::set_key(sample.get(), 4711);
+    EXPECT_NE(hash_of_bytes(KOLT_ENCAPSULATION_PL_CDR_LE), before) << "another one";
 }
 
 TYPED_TEST(DistlogPluginKeys, BrokenBytesHaveNoHash) {

@@ -13,7 +13,7 @@ using namespace support;  // NOLINT
 // ---- What is in the slots -----------------------------------------------------------------------
 
 // The slots that hold the same thing for every topic type.
-void expectCommonSlots(const KOLT_TypePlugin &plugin, const DDS_TypeCode *code) {
+void expect_common_slots(const KOLT_TypePlugin &plugin, const DDS_TypeCode *code) {
     EXPECT_EQ(plugin.create_sample, KOLT_TypePlugin_create_sample);
     EXPECT_EQ(plugin.destroy_sample, KOLT_TypePlugin_destroy_sample);
     EXPECT_EQ(plugin.serialize, KOLT_TypePlugin_serialize);
@@ -43,7 +43,7 @@ void expectCommonSlots(const KOLT_TypePlugin &plugin, const DDS_TypeCode *code) 
     EXPECT_FALSE(plugin.is_metadata_type);
 }
 
-void expectEmptyKeySlots(const KOLT_TypePlugin &plugin) {
+void expect_empty_key_slots(const KOLT_TypePlugin &plugin) {
     EXPECT_EQ(plugin.instance_to_keyhash, nullptr);
     EXPECT_EQ(plugin.serialized_sample_to_keyhash, nullptr);
     EXPECT_EQ(plugin.get_key, nullptr);
@@ -57,7 +57,7 @@ void expectEmptyKeySlots(const KOLT_TypePlugin &plugin) {
 }
 
 #define EXPECT_TYPE_SLOTS(plugin, T)                                                              \
-    expectCommonSlots(plugin, T##_get_typecode());                                                \
+    expect_common_slots(plugin, T##_get_typecode());                                              \
     EXPECT_EQ((plugin).on_participant_attached, T##Plugin_on_participant_attached);               \
     EXPECT_EQ((plugin).on_participant_detached, T##Plugin_on_participant_detached);               \
     EXPECT_EQ((plugin).on_endpoint_attached, T##Plugin_on_endpoint_attached);                     \
@@ -95,7 +95,7 @@ TEST(DistlogPluginSlots, KeyedTypes) {
 TEST(DistlogPluginSlots, UnkeyedTypeHasNoKeyOperations) {
     const Plugin<VUR_DL_ADMIN_CommandRequest> request;
     EXPECT_TYPE_SLOTS(*request, VUR_DL_ADMIN_CommandRequest);
-    expectEmptyKeySlots(*request);
+    expect_empty_key_slots(*request);
 }
 
 TEST(DistlogPluginSlots, KeyKinds) {
@@ -162,7 +162,7 @@ TYPED_TEST(DistlogPluginJobs, SerialisesInEveryEncapsulation) {
     Filled<TypeParam> sample;
     for (const DDS_UnsignedShort encapsulation : kMutableEncapsulations) {
         SCOPED_TRACE(encapsulation);
-        std::vector<DDS_Octet> bytes = attached.bytesOf(plugin.serialize, *sample, encapsulation);
+        std::vector<DDS_Octet> bytes = attached.bytes_of(plugin.serialize, *sample, encapsulation);
         EXPECT_EQ(bytes[1], encapsulation);
         EXPECT_EQ(
             plugin.get_serialized_sample_size(attached.writer, 1, encapsulation, 0, sample.get()),
@@ -177,10 +177,10 @@ TYPED_TEST(DistlogPluginJobs, SerialisesInEveryEncapsulation) {
                   bytes.size());
         EXPECT_GT(plugin.get_serialized_sample_min_size(attached.writer, 1, encapsulation, 0), 4U);
         Sample<TypeParam> read;
-        ASSERT_TRUE(attached.readBack(plugin.deserialize, bytes, read.get()));
+        ASSERT_TRUE(attached.read_back(plugin.deserialize, bytes, read.get()));
         EXPECT_TRUE(equal(*read, *sample));
         bytes.resize(bytes.size() / 2);
-        EXPECT_FALSE(attached.readBack(plugin.deserialize, bytes, read.get())) << "cut off";
+        EXPECT_FALSE(attached.read_back(plugin.deserialize, bytes, read.get())) << "cut off";
     }
 }
 

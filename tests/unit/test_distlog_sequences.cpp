@@ -88,7 +88,7 @@ class DistlogSequences : public testing::Test {
 
     ~DistlogSequences() override { Family::kFinalize(&sequence_); }
 
-    static bool isInitial(const Record &record) {
+    static bool is_initial(const Record &record) {
         Record initial = {};
         EXPECT_TRUE(Family::kInitializeRecord(&initial));
         const bool equal = KOLT_Record_equals(Family::kCode(), &record, &initial) != 0;
@@ -120,7 +120,7 @@ TYPED_TEST(DistlogSequences, GrowsByExactlyWhatIsNeededWithInitialElements) {
     EXPECT_EQ(std::memcmp(&first, TypeParam::kGetReference(&this->sequence_, 0), sizeof(first)), 0)
         << "a shallow copy";
     for (DDS_Long i = 0; i < 3; ++i) {
-        EXPECT_TRUE(this->isInitial(*TypeParam::kGetReference(&this->sequence_, i)));
+        EXPECT_TRUE(this->is_initial(*TypeParam::kGetReference(&this->sequence_, i)));
     }
     ASSERT_TRUE(TypeParam::kSetMaximum(&this->sequence_, 1));
     EXPECT_EQ(TypeParam::kGetLength(&this->sequence_), 1U);
@@ -141,7 +141,7 @@ TYPED_TEST(DistlogSequences, CopiesDeeplyToAndFromArrays) {
     typename TypeParam::Sequence copy = {};
     ASSERT_EQ(TypeParam::kCopy(&copy, &this->sequence_), &copy);
     ASSERT_TRUE(TypeParam::kToArray(&copy, array.data(), 2));
-    EXPECT_TRUE(this->isInitial(array[1]));
+    EXPECT_TRUE(this->is_initial(array[1]));
     EXPECT_NE(copy._contiguous_buffer, this->sequence_._contiguous_buffer);
     ASSERT_TRUE(TypeParam::kFinalize(&copy));
     for (typename TypeParam::Record &record : array) {
@@ -447,12 +447,12 @@ TEST_F(LogMessageSeq, AFailedGrowthLeavesTheSequenceAsItWas) {
     ASSERT_TRUE(VUR_DL_LogMessageSeq_set_length(&sequence_, 1));
     // An element that cannot be copied: its text is longer than the bound.
     DDS_Char *const own = at(0).category;
-    const std::string tooLong(600, 'x');
-    at(0).category = DDS_String_dup(tooLong.c_str());
+    const std::string too_long(600, 'x');
+    at(0).category = DDS_String_dup(too_long.c_str());
     EXPECT_FALSE(VUR_DL_LogMessageSeq_set_maximum(&sequence_, 3));
     EXPECT_TRUE(log_.saw("copy contiguous buffer"));
     EXPECT_EQ(VUR_DL_LogMessageSeq_get_maximum(&sequence_), 1U);
-    EXPECT_STREQ(at(0).category, tooLong.c_str());
+    EXPECT_STREQ(at(0).category, too_long.c_str());
     DDS_String_free(at(0).category);
     at(0).category = own;
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-using support::setText;
+using support::set_text;
 
 // ---- data_to_string -----------------------------------------------------------------------------
 
@@ -38,8 +38,8 @@ void fill(VUR_DL_HostAndAppId *identity) {
 void fill(VUR_DL_LogMessage *message) {
     fill(&message->hostAndAppId);
     message->level = 300;
-    setText(message->category, "a \"b\" <c> & d");
-    setText(message->message, "line");
+    set_text(message->category, "a \"b\" <c> & d");
+    set_text(message->message, "line");
     message->messageId = INT64_MIN;
 }
 void fill(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity *pair) {
@@ -48,7 +48,7 @@ void fill(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity *pair) {
 void fill(VUR_DL_ADMIN_State *state) {
     fill(&state->hostAndAppId);
     state->state = VUR_DL_STATE_SHUTTING_DOWN;
-    setText(state->applicationKind, "rig");
+    set_text(state->applicationKind, "rig");
     state->filterLevel = 800;
     for (auto &pair : state->vurLoggerVerbosities) fill(&pair);
 }
@@ -66,11 +66,11 @@ void fill(VUR_DL_ADMIN_CommandRequest *request) {
 void fill(VUR_DL_ADMIN_CommandResponse *response) {
     fill(&response->hostAndAppId);
     response->commandResult = VUR_DL_COMMAND_RESULT_NOT_SUPPORTED;
-    setText(response->message, "no");
+    set_text(response->message, "no");
 }
 
 template <typename Type>
-std::string textOf(const typename Type::Value *sample, const DDS_PrintFormatProperty &property) {
+std::string text_of(const typename Type::Value *sample, const DDS_PrintFormatProperty &property) {
     DDS_UnsignedLong size = 0;
     EXPECT_EQ(Type::kToString(sample, nullptr, &size, &property), DDS_RETCODE_OK);
     std::vector<char> text(size, '#');
@@ -134,7 +134,7 @@ TYPED_TEST(DistlogText, EveryFormatWithEveryOption) {
                                                       static_cast<DDS_Boolean>((options >> 1) & 1),
                                                       static_cast<DDS_Boolean>((options >> 2) & 1)};
             const auto *const sample = this->sample_.get();
-            const std::string text = textOf<TypeParam>(sample, property);
+            const std::string text = text_of<TypeParam>(sample, property);
             EXPECT_EQ(text, formatted<TypeParam>(sample, property));
             EXPECT_EQ(text.find('\n') != std::string::npos, property.pretty_print != 0) << text;
             const std::string type_name = DDS_TypeCode_name(TypeParam::kCode());
@@ -181,12 +181,12 @@ TEST(DistlogTextOfMessages, AStringThatCannotBeSerialised) {
 TEST(DistlogTextOfMessages, WhatMustBeEscapedIs) {
     support::Record<VUR_DL_LogMessage> message(VUR_DL_LogMessage_get_typecode());
     fill(message.get());
-    setText(message->message, "line\nline");
-    EXPECT_EQ(textOf<VUR_DL_LogMessageText>(message.get(), {DDS_JSON_PRINT_FORMAT, 0, 0, 0}),
+    set_text(message->message, "line\nline");
+    EXPECT_EQ(text_of<VUR_DL_LogMessageText>(message.get(), {DDS_JSON_PRINT_FORMAT, 0, 0, 0}),
               R"({"hostAndAppId":{"rtps_host_id":1,"rtps_app_id":-2},"level":300,)"
               R"("category":"a \"b\" <c> & d","message":"line\nline",)"
               R"("messageId":-9223372036854775808})");
-    EXPECT_EQ(textOf<VUR_DL_LogMessageText>(message.get(), {DDS_XML_PRINT_FORMAT, 0, 0, 1}),
+    EXPECT_EQ(text_of<VUR_DL_LogMessageText>(message.get(), {DDS_XML_PRINT_FORMAT, 0, 0, 1}),
               "<LogMessage><hostAndAppId><rtps_host_id>1</rtps_host_id><rtps_app_id>-2"
               "</rtps_app_id></hostAndAppId><level>300</level><category>a \"b\" &lt;c&gt; &amp; d"
               "</category><message>line\nline</message><messageId>-9223372036854775808"
@@ -200,7 +200,7 @@ TEST(DistlogTextOfStates, EveryMember) {
     for (int i = 0; i < 5; ++i) {
         elements += std::string(i == 0 ? "" : ",") + R"({"category":2,"verbosity":5})";
     }
-    EXPECT_EQ(textOf<VUR_DL_ADMIN_StateText>(state.get(), {DDS_JSON_PRINT_FORMAT, 0, 1, 0}),
+    EXPECT_EQ(text_of<VUR_DL_ADMIN_StateText>(state.get(), {DDS_JSON_PRINT_FORMAT, 0, 1, 0}),
               R"({"hostAndAppId":{"rtps_host_id":1,"rtps_app_id":-2},"administrationDomainId":0,)"
               R"("state":3,"applicationKind":"rig","filterLevel":800,"vurLoggerVerbosities":[)" +
                   elements + R"(],"vurLoggerPrintFormat":0})");
@@ -303,8 +303,8 @@ TEST(DistlogPrint, CommandsWithALoanedSequence) {
 }
 
 template <typename T>
-void expectEnumeration(void (*print)(const T *, const char *, DDS_UnsignedLong),
-                       const DDS_TypeCode *code, const char *record_name) {
+void expect_enumeration(void (*print)(const T *, const char *, DDS_UnsignedLong),
+                        const DDS_TypeCode *code, const char *record_name) {
     const auto captured = [print](const T *value, const char *description,
                                   DDS_UnsignedLong indent) {
         testing::internal::CaptureStdout();
@@ -326,7 +326,7 @@ void expectEnumeration(void (*print)(const T *, const char *, DDS_UnsignedLong),
 }
 
 #define EXPECT_ENUMERATION(T) \
-    expectEnumeration<T>(T##PluginSupport_print_data, T##_get_typecode(), #T)
+    expect_enumeration<T>(T##PluginSupport_print_data, T##_get_typecode(), #T)
 
 TEST(DistlogPrint, Enumerations) {
     EXPECT_ENUMERATION(VUR_DL_ADMIN_VURLoggerVerbosity);

@@ -22,9 +22,9 @@ struct ExpectedMember {
     bool is_key;
 };
 
-void expectStructure(const DDS_TypeCode *code, const char *name,
-                     DDS_ExtensibilityKind extensibility,
-                     const std::vector<ExpectedMember> &members, DDS_UnsignedLong first_id = 0) {
+void expect_structure(const DDS_TypeCode *code, const char *name,
+                      DDS_ExtensibilityKind extensibility,
+                      const std::vector<ExpectedMember> &members, DDS_UnsignedLong first_id = 0) {
     SCOPED_TRACE(name);
     EXPECT_STREQ(DDS_TypeCode_name(code), name);
     EXPECT_EQ(code->extensibility, extensibility);
@@ -53,21 +53,21 @@ constexpr const char *kIdentity = "VUR::DL::HostAndAppId";
 TEST(DistlogTypeCodes, HostAndAppId) {
     const DDS_TypeCode *const code = VUR_DL_HostAndAppId_get_typecode();
     EXPECT_EQ(DDS_TypeCode_kind(code), DDS_TK_STRUCT);
-    expectStructure(code, kIdentity, DDS_APPENDABLE_EXTENSIBILITY,
-                    {{"rtps_host_id", DDS_TK_LONG, nullptr, 0, true},
-                     {"rtps_app_id", DDS_TK_LONG, nullptr, 0, true}});
+    expect_structure(code, kIdentity, DDS_APPENDABLE_EXTENSIBILITY,
+                     {{"rtps_host_id", DDS_TK_LONG, nullptr, 0, true},
+                      {"rtps_app_id", DDS_TK_LONG, nullptr, 0, true}});
     EXPECT_TRUE(DDS_TypeCode_is_keyed(code));
 }
 
 TEST(DistlogTypeCodes, LogMessage) {
     const DDS_TypeCode *const code = VUR_DL_LogMessage_get_typecode();
     EXPECT_EQ(DDS_TypeCode_kind(code), DDS_TK_STRUCT);
-    expectStructure(code, "VUR::DL::LogMessage", DDS_MUTABLE_EXTENSIBILITY,
-                    {{"hostAndAppId", DDS_TK_STRUCT, kIdentity, 0, true},
-                     {"level", DDS_TK_LONG, nullptr, 0, true},
-                     {"category", DDS_TK_STRING, nullptr, 512, false},
-                     {"message", DDS_TK_STRING, nullptr, 4096, false},
-                     {"messageId", DDS_TK_LONGLONG, nullptr, 0, false}});
+    expect_structure(code, "VUR::DL::LogMessage", DDS_MUTABLE_EXTENSIBILITY,
+                     {{"hostAndAppId", DDS_TK_STRUCT, kIdentity, 0, true},
+                      {"level", DDS_TK_LONG, nullptr, 0, true},
+                      {"category", DDS_TK_STRING, nullptr, 512, false},
+                      {"message", DDS_TK_STRING, nullptr, 4096, false},
+                      {"messageId", DDS_TK_LONGLONG, nullptr, 0, false}});
     EXPECT_TRUE(DDS_TypeCode_is_keyed(code));
     EXPECT_EQ(DDS_TypeCode_member(code, 0)->type, VUR_DL_HostAndAppId_get_typecode());
 }
@@ -75,17 +75,17 @@ TEST(DistlogTypeCodes, LogMessage) {
 TEST(DistlogTypeCodes, CategoryAndVerbosity) {
     const DDS_TypeCode *const code = VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity_get_typecode();
     EXPECT_EQ(DDS_TypeCode_kind(code), DDS_TK_STRUCT);
-    expectStructure(code, "VUR::DL::ADMIN::VURLoggerCategoryAndVerbosity",
-                    DDS_APPENDABLE_EXTENSIBILITY,
-                    {{"category", DDS_TK_ENUM, "VUR::DL::ADMIN::VURLoggerCategory", 0, false},
-                     {"verbosity", DDS_TK_ENUM, "VUR::DL::ADMIN::VURLoggerVerbosity", 0, false}});
+    expect_structure(code, "VUR::DL::ADMIN::VURLoggerCategoryAndVerbosity",
+                     DDS_APPENDABLE_EXTENSIBILITY,
+                     {{"category", DDS_TK_ENUM, "VUR::DL::ADMIN::VURLoggerCategory", 0, false},
+                      {"verbosity", DDS_TK_ENUM, "VUR::DL::ADMIN::VURLoggerVerbosity", 0, false}});
     EXPECT_FALSE(DDS_TypeCode_is_keyed(code));
 }
 
 TEST(DistlogTypeCodes, State) {
     const DDS_TypeCode *const code = VUR_DL_ADMIN_State_get_typecode();
     EXPECT_EQ(DDS_TypeCode_kind(code), DDS_TK_STRUCT);
-    expectStructure(
+    expect_structure(
         code, "VUR::DL::ADMIN::State", DDS_MUTABLE_EXTENSIBILITY,
         {{"hostAndAppId", DDS_TK_STRUCT, kIdentity, 0, true},
          {"administrationDomainId", DDS_TK_LONG, nullptr, 0, false},
@@ -104,7 +104,7 @@ TEST(DistlogTypeCodes, State) {
 TEST(DistlogTypeCodes, Command) {
     const DDS_TypeCode *const code = VUR_DL_ADMIN_Command_get_typecode();
     EXPECT_EQ(DDS_TypeCode_kind(code), DDS_TK_UNION);
-    expectStructure(
+    expect_structure(
         code, "VUR::DL::ADMIN::Command", DDS_MUTABLE_EXTENSIBILITY,
         {{"filterLevel", DDS_TK_LONG, nullptr, 0, false},
          {"categoryAndVerbosity", DDS_TK_SEQUENCE, nullptr, 5, false},
@@ -125,24 +125,24 @@ TEST(DistlogTypeCodes, Command) {
 
 TEST(DistlogTypeCodes, CommandRequestAndResponse) {
     const DDS_TypeCode *const request = VUR_DL_ADMIN_CommandRequest_get_typecode();
-    expectStructure(request, "VUR::DL::ADMIN::CommandRequest", DDS_MUTABLE_EXTENSIBILITY,
-                    {{"targetHostAndAppId", DDS_TK_STRUCT, kIdentity, 0, false},
-                     {"originatorHostAndAppId", DDS_TK_STRUCT, kIdentity, 0, false},
-                     {"invocation", DDS_TK_LONG, nullptr, 0, false},
-                     {"command", DDS_TK_UNION, "VUR::DL::ADMIN::Command", 0, false}});
+    expect_structure(request, "VUR::DL::ADMIN::CommandRequest", DDS_MUTABLE_EXTENSIBILITY,
+                     {{"targetHostAndAppId", DDS_TK_STRUCT, kIdentity, 0, false},
+                      {"originatorHostAndAppId", DDS_TK_STRUCT, kIdentity, 0, false},
+                      {"invocation", DDS_TK_LONG, nullptr, 0, false},
+                      {"command", DDS_TK_UNION, "VUR::DL::ADMIN::Command", 0, false}});
     EXPECT_FALSE(DDS_TypeCode_is_keyed(request));
     const DDS_TypeCode *const response = VUR_DL_ADMIN_CommandResponse_get_typecode();
-    expectStructure(response, "VUR::DL::ADMIN::CommandResponse", DDS_MUTABLE_EXTENSIBILITY,
-                    {{"hostAndAppId", DDS_TK_STRUCT, kIdentity, 0, true},
-                     {"originatorHostAndAppId", DDS_TK_STRUCT, kIdentity, 0, false},
-                     {"invocation", DDS_TK_LONG, nullptr, 0, false},
-                     {"commandResult", DDS_TK_ENUM, "VUR::DL::ADMIN::CommandResult", 0, false},
-                     {"message", DDS_TK_STRING, nullptr, 2048, false}});
+    expect_structure(response, "VUR::DL::ADMIN::CommandResponse", DDS_MUTABLE_EXTENSIBILITY,
+                     {{"hostAndAppId", DDS_TK_STRUCT, kIdentity, 0, true},
+                      {"originatorHostAndAppId", DDS_TK_STRUCT, kIdentity, 0, false},
+                      {"invocation", DDS_TK_LONG, nullptr, 0, false},
+                      {"commandResult", DDS_TK_ENUM, "VUR::DL::ADMIN::CommandResult", 0, false},
+                      {"message", DDS_TK_STRING, nullptr, 2048, false}});
     EXPECT_TRUE(DDS_TypeCode_is_keyed(response));
 }
 
-void expectEnumeration(const DDS_TypeCode *code, const char *name,
-                       const std::vector<const char *> &enumerators) {
+void expect_enumeration(const DDS_TypeCode *code, const char *name,
+                        const std::vector<const char *> &enumerators) {
     SCOPED_TRACE(name);
     EXPECT_EQ(DDS_TypeCode_kind(code), DDS_TK_ENUM);
     EXPECT_STREQ(DDS_TypeCode_name(code), name);
@@ -156,20 +156,20 @@ void expectEnumeration(const DDS_TypeCode *code, const char *name,
 }
 
 TEST(DistlogTypeCodes, Enumerations) {
-    expectEnumeration(
+    expect_enumeration(
         VUR_DL_ADMIN_VURLoggerVerbosity_get_typecode(), "VUR::DL::ADMIN::VURLoggerVerbosity",
         {"VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_SILENT", "VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_ERROR",
          "VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_WARNING",
          "VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL",
          "VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_STATUS_REMOTE",
          "VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_STATUS_ALL"});
-    expectEnumeration(
+    expect_enumeration(
         VUR_DL_ADMIN_VURLoggerCategory_get_typecode(), "VUR::DL::ADMIN::VURLoggerCategory",
         {"VUR_DL_KOLT_CONFIG_LOG_CATEGORY_PLATFORM",
          "VUR_DL_KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION",
          "VUR_DL_KOLT_CONFIG_LOG_CATEGORY_DATABASE", "VUR_DL_KOLT_CONFIG_LOG_CATEGORY_ENTITIES",
          "VUR_DL_KOLT_CONFIG_LOG_CATEGORY_API"});
-    expectEnumeration(
+    expect_enumeration(
         VUR_DL_ADMIN_VURLoggerPrintFormat_get_typecode(), "VUR::DL::ADMIN::VURLoggerPrintFormat",
         {"VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_DEFAULT",
          "VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_TIMESTAMPED",
@@ -177,15 +177,15 @@ TEST(DistlogTypeCodes, Enumerations) {
          "VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_VERBOSE_TIMESTAMPED",
          "VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_DEBUG", "VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_MINIMAL",
          "VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_MAXIMAL"});
-    expectEnumeration(VUR_DL_ADMIN_StateKind_get_typecode(), "VUR::DL::ADMIN::StateKind",
-                      {"VUR_DL_STATE_INITIALIZING", "VUR_DL_STATE_OPERATIONAL",
-                       "VUR_DL_STATE_NONOPERATIONAL", "VUR_DL_STATE_SHUTTING_DOWN"});
-    expectEnumeration(VUR_DL_ADMIN_CommandKind_get_typecode(), "VUR::DL::ADMIN::CommandKind",
-                      {"VUR_DL_SET_LOG_LEVEL", "VUR_DL_SET_VUR_LOGGER_LEVEL",
-                       "VUR_DL_SET_VUR_LOGGER_PRINT_FORMAT"});
-    expectEnumeration(VUR_DL_ADMIN_CommandResult_get_typecode(), "VUR::DL::ADMIN::CommandResult",
-                      {"VUR_DL_COMMAND_RESULT_OK", "VUR_DL_COMMAND_RESULT_NOT_SUPPORTED",
-                       "VUR_DL_COMMAND_RESULT_ERROR"});
+    expect_enumeration(VUR_DL_ADMIN_StateKind_get_typecode(), "VUR::DL::ADMIN::StateKind",
+                       {"VUR_DL_STATE_INITIALIZING", "VUR_DL_STATE_OPERATIONAL",
+                        "VUR_DL_STATE_NONOPERATIONAL", "VUR_DL_STATE_SHUTTING_DOWN"});
+    expect_enumeration(VUR_DL_ADMIN_CommandKind_get_typecode(), "VUR::DL::ADMIN::CommandKind",
+                       {"VUR_DL_SET_LOG_LEVEL", "VUR_DL_SET_VUR_LOGGER_LEVEL",
+                        "VUR_DL_SET_VUR_LOGGER_PRINT_FORMAT"});
+    expect_enumeration(VUR_DL_ADMIN_CommandResult_get_typecode(), "VUR::DL::ADMIN::CommandResult",
+                       {"VUR_DL_COMMAND_RESULT_OK", "VUR_DL_COMMAND_RESULT_NOT_SUPPORTED",
+                        "VUR_DL_COMMAND_RESULT_ERROR"});
 }
 
 TEST(DistlogTypeCodes, AnnotationsAreTheNaturalOnes) {
@@ -405,11 +405,11 @@ TEST(DistlogRecords, CopyNeverOverrunsAString) {
     ASSERT_TRUE(VUR_DL_LogMessage_initialize(&source));
     ASSERT_TRUE(VUR_DL_LogMessage_initialize(&copy));
     source.hostAndAppId = {3, 4};
-    const std::string tooLong(513, 'c');
-    ASSERT_NE(DDS_String_replace(&source.category, tooLong.c_str()), nullptr);
+    const std::string too_long(513, 'c');
+    ASSERT_NE(DDS_String_replace(&source.category, too_long.c_str()), nullptr);
     EXPECT_FALSE(VUR_DL_LogMessage_copy(&copy, &source));
     EXPECT_EQ(copy.hostAndAppId.rtps_app_id, 4) << "what was copied before stays";
-    ASSERT_NE(DDS_String_replace(&source.category, tooLong.substr(1).c_str()), nullptr);
+    ASSERT_NE(DDS_String_replace(&source.category, too_long.substr(1).c_str()), nullptr);
     EXPECT_TRUE(VUR_DL_LogMessage_copy(&copy, &source));
     DDS_String_replace(&source.category, nullptr);
     EXPECT_FALSE(VUR_DL_LogMessage_copy(&copy, &source)) << "a NULL string";

@@ -15,40 +15,40 @@ using namespace support;  // NOLINT
 
 TEST(DynamicData, IsOfStructuresAndUnions) {
     EXPECT_EQ(DDS_DynamicData_new(nullptr, nullptr), nullptr);
-    EXPECT_EQ(DDS_DynamicData_new(colorType(), nullptr), nullptr);
+    EXPECT_EQ(DDS_DynamicData_new(color_type(), nullptr), nullptr);
     EXPECT_EQ(DDS_DynamicData_new(DDS_TypeCodeFactory_get_primitive_tc(DDS_TK_LONG), nullptr),
               nullptr);
-    const Data data(DDS_DynamicData_new(idType(), nullptr));
+    const Data data(DDS_DynamicData_new(id_type(), nullptr));
     ASSERT_NE(data, nullptr);
-    EXPECT_EQ(DDS_DynamicData_get_type(data.get()), idType());
+    EXPECT_EQ(DDS_DynamicData_get_type(data.get()), id_type());
     EXPECT_EQ(DDS_DynamicData_get_type(nullptr), nullptr);
     DDS_DynamicData_delete(nullptr);
 }
 
 TEST(DynamicData, BeginsWithInitialValues) {
-    const Data data = make(mutableVersion2Type());
-    EXPECT_EQ(getLong(data, "a"), 0);
-    EXPECT_EQ(getLong(data, "b"), 7) << "the member's default";
-    EXPECT_EQ(getString(data, "extra"), "none");
+    const Data data = make(mutable_version2_type());
+    EXPECT_EQ(get_long(data, "a"), 0);
+    EXPECT_EQ(get_long(data, "b"), 7) << "the member's default";
+    EXPECT_EQ(get_string(data, "extra"), "none");
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), "a", kNoId, 5), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "extra", kNoId, "x"), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_clear_all_members(data.get()), DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "a"), 0);
-    EXPECT_EQ(getString(data, "extra"), "none");
+    EXPECT_EQ(get_long(data, "a"), 0);
+    EXPECT_EQ(get_string(data, "extra"), "none");
 }
 
 TEST(DynamicData, CopiesAndCompares) {
-    const Data left = make(messageType());
-    const Data right = make(messageType());
+    const Data left = make(message_type());
+    const Data right = make(message_type());
     EXPECT_TRUE(DDS_DynamicData_equals(left.get(), right.get()));
     ASSERT_EQ(DDS_DynamicData_set_string(left.get(), "text", kNoId, "hello"), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_set_long(left.get(), "id.host", kNoId, 3), DDS_RETCODE_OK);
     EXPECT_FALSE(DDS_DynamicData_equals(left.get(), right.get()));
     ASSERT_EQ(DDS_DynamicData_copy(right.get(), left.get()), DDS_RETCODE_OK);
     EXPECT_TRUE(DDS_DynamicData_equals(left.get(), right.get()));
-    EXPECT_EQ(getString(right, "text"), "hello");
+    EXPECT_EQ(get_string(right, "text"), "hello");
     EXPECT_EQ(DDS_DynamicData_copy(right.get(), right.get()), DDS_RETCODE_OK);
-    const Data other = make(idType());
+    const Data other = make(id_type());
     EXPECT_EQ(DDS_DynamicData_copy(right.get(), other.get()), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_FALSE(DDS_DynamicData_equals(right.get(), other.get()));
     EXPECT_FALSE(DDS_DynamicData_equals(nullptr, nullptr));
@@ -57,10 +57,10 @@ TEST(DynamicData, CopiesAndCompares) {
 // ---- Members ------------------------------------------------------------------------------------
 
 TEST(DynamicDataMembers, ByNameAndById) {
-    const Data data = make(messageType());
-    const DDS_UnsignedLong id = DDS_TypeCode_find_member_by_name(messageType(), "level")->id;
+    const Data data = make(message_type());
+    const DDS_UnsignedLong id = DDS_TypeCode_find_member_by_name(message_type(), "level")->id;
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), nullptr, id, 400), DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "level"), 400);
+    EXPECT_EQ(get_long(data, "level"), 400);
     DDS_Long value = 1;
     EXPECT_EQ(DDS_DynamicData_get_long(data.get(), &value, nullptr, 4711),
               DDS_RETCODE_BAD_PARAMETER);
@@ -90,7 +90,7 @@ TEST(DynamicDataMembers, ByNameAndById) {
     } while (false)
 
 TEST(DynamicDataMembers, EveryPrimitiveKind) {
-    const Data data = make(everythingType());
+    const Data data = make(everything_type());
     EXPECT_KEEPS(data, boolean, DDS_Boolean, "flag", DDS_BOOLEAN_TRUE);
     EXPECT_KEEPS(data, char, DDS_Char, "letter", '\xe4');
     EXPECT_KEEPS(data, octet, DDS_Octet, "octet", 255);
@@ -107,7 +107,7 @@ TEST(DynamicDataMembers, EveryPrimitiveKind) {
 }
 
 TEST(DynamicDataMembers, NumbersThatFitAreConverted) {
-    const Data data = make(everythingType());
+    const Data data = make(everything_type());
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), "small", kNoId, 200), DDS_RETCODE_OK);
     DDS_Octet octet = 0;
     EXPECT_EQ(DDS_DynamicData_get_octet(data.get(), &octet, "small", kNoId), DDS_RETCODE_OK);
@@ -135,8 +135,8 @@ TEST(DynamicDataMembers, NumbersThatFitAreConverted) {
 }
 
 TEST(DynamicDataMembers, ValuesThatDoNotFitChangeNothing) {
-    const Data data = make(everythingType());
-    const Data before = make(everythingType());
+    const Data data = make(everything_type());
+    const Data before = make(everything_type());
     EXPECT_EQ(DDS_DynamicData_set_long(data.get(), "small", kNoId, 32768),
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(DDS_DynamicData_set_long(data.get(), "octet", kNoId, -1), DDS_RETCODE_BAD_PARAMETER);
@@ -158,7 +158,7 @@ TEST(DynamicDataMembers, ValuesThatDoNotFitChangeNothing) {
 }
 
 TEST(DynamicDataMembers, ElementsOfArraysAndSequences) {
-    const Data data = make(everythingType());
+    const Data data = make(everything_type());
     DDS_UnsignedLong length = 99;
     EXPECT_EQ(DDS_DynamicData_get_length(data.get(), &length, "path", kNoId), DDS_RETCODE_OK);
     EXPECT_EQ(length, 0U);
@@ -168,12 +168,12 @@ TEST(DynamicDataMembers, ElementsOfArraysAndSequences) {
               DDS_RETCODE_BAD_PARAMETER);
     ASSERT_EQ(DDS_DynamicData_set_length(data.get(), 2, "path", kNoId), DDS_RETCODE_OK);
     EXPECT_EQ(DDS_DynamicData_set_long(data.get(), "path[1].y", kNoId, 8), DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "path[1].y"), 8);
+    EXPECT_EQ(get_long(data, "path[1].y"), 8);
     EXPECT_EQ(DDS_DynamicData_set_length(data.get(), 4, "path", kNoId), DDS_RETCODE_BAD_PARAMETER)
         << "above the bound";
     ASSERT_EQ(DDS_DynamicData_set_length(data.get(), 1, "path", kNoId), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_set_length(data.get(), 2, "path", kNoId), DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "path[1].y"), 0) << "a new element is an initial one";
+    EXPECT_EQ(get_long(data, "path[1].y"), 0) << "a new element is an initial one";
     EXPECT_EQ(DDS_DynamicData_set_length(data.get(), 2, "points", kNoId),
               DDS_RETCODE_BAD_PARAMETER);
     DDS_Long value = 0;
@@ -187,12 +187,12 @@ TEST(DynamicDataMembers, ElementsOfArraysAndSequences) {
 }
 
 TEST(DynamicDataMembers, Strings) {
-    const Data data = make(messageType());
+    const Data data = make(message_type());
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "category", kNoId, "0123456789abcdef"),
               DDS_RETCODE_OK);
     EXPECT_EQ(DDS_DynamicData_set_string(data.get(), "category", kNoId, "0123456789abcdefg"),
               DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_EQ(getString(data, "category"), "0123456789abcdef");
+    EXPECT_EQ(get_string(data, "category"), "0123456789abcdef");
     char buffer[16] = "unchanged";
     DDS_Char *value = buffer;
     DDS_UnsignedLong size = sizeof(buffer);
@@ -217,31 +217,31 @@ TEST(DynamicDataMembers, Strings) {
 }
 
 TEST(DynamicDataMembers, StringsInSequences) {
-    const Data data = make(everythingType());
+    const Data data = make(everything_type());
     ASSERT_EQ(DDS_DynamicData_set_length(data.get(), 2, "names", kNoId), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "names[1]", kNoId, "12345678"),
               DDS_RETCODE_OK);
     EXPECT_EQ(DDS_DynamicData_set_string(data.get(), "names[1]", kNoId, "123456789"),
               DDS_RETCODE_BAD_PARAMETER);
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "text", kNoId, "no bound"), DDS_RETCODE_OK);
-    const Data copy = make(everythingType());
+    const Data copy = make(everything_type());
     ASSERT_EQ(DDS_DynamicData_copy(copy.get(), data.get()), DDS_RETCODE_OK);
-    EXPECT_EQ(getString(copy, "names[1]"), "12345678");
-    EXPECT_EQ(getString(copy, "names[0]"), "");
-    EXPECT_EQ(getString(copy, "text"), "no bound");
+    EXPECT_EQ(get_string(copy, "names[1]"), "12345678");
+    EXPECT_EQ(get_string(copy, "names[0]"), "");
+    EXPECT_EQ(get_string(copy, "text"), "no bound");
 }
 
 TEST(DynamicDataMembers, NestedValues) {
-    const Data data = make(messageType());
-    const Data id = make(idType());
+    const Data data = make(message_type());
+    const Data id = make(id_type());
     ASSERT_EQ(DDS_DynamicData_set_long(id.get(), "host", kNoId, 21), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_set_complex_member(data.get(), id.get(), "id", kNoId),
               DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "id.host"), 21);
+    EXPECT_EQ(get_long(data, "id.host"), 21);
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), "id.app", kNoId, 22), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_get_complex_member(data.get(), id.get(), "id", kNoId),
               DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(id, "app"), 22);
+    EXPECT_EQ(get_long(id, "app"), 22);
     EXPECT_EQ(DDS_DynamicData_get_complex_member(data.get(), id.get(), "level", kNoId),
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(DDS_DynamicData_set_complex_member(data.get(), data.get(), "id", kNoId),

@@ -41,7 +41,7 @@ std::string render(const Data &data, const DDS_PrintFormat &print_format) {
     return text;
 }
 
-Data makeRequest() {
+Data make_request() {
     Data data = make(VUR_DL_ADMIN_CommandRequest_get_typecode());
     DDS_DynamicData_set_long(data.get(), "targetHostAndAppId.rtps_host_id", kNoId, 1);
     DDS_DynamicData_set_long(data.get(), "invocation", kNoId, -7);
@@ -51,7 +51,7 @@ Data makeRequest() {
 }
 
 TEST(DynamicText, JsonOnOneLine) {
-    EXPECT_EQ(render(makeRequest(), format(DDS_JSON_PRINT_FORMAT)),
+    EXPECT_EQ(render(make_request(), format(DDS_JSON_PRINT_FORMAT)),
               R"({"targetHostAndAppId":{"rtps_host_id":1,"rtps_app_id":0},)"
               R"("originatorHostAndAppId":{"rtps_host_id":0,"rtps_app_id":0},"invocation":-7,)"
               R"("command":{"_d":"VUR_DL_SET_VUR_LOGGER_LEVEL","categoryAndVerbosity":[)"
@@ -115,11 +115,11 @@ TEST(DynamicText, Default) {
     DDS_DynamicData_set_length(data.get(), 0, "command.categoryAndVerbosity", kNoId);
     const std::string text = render(data, format(DDS_DEFAULT_PRINT_FORMAT, true));
     EXPECT_NE(text.find("    categoryAndVerbosity: []"), std::string::npos) << text;
-    EXPECT_EQ(render(make(idType()), format(DDS_DEFAULT_PRINT_FORMAT)), "{host: 0, app: 0}");
+    EXPECT_EQ(render(make(id_type()), format(DDS_DEFAULT_PRINT_FORMAT)), "{host: 0, app: 0}");
 }
 
 TEST(DynamicText, EveryKind) {
-    const Data data = make(everythingType());
+    const Data data = make(everything_type());
     DDS_DynamicData_set_boolean(data.get(), "flag", kNoId, 1);
     DDS_DynamicData_set_ulonglong(data.get(), "largest", kNoId, ~0ULL);
     DDS_DynamicData_set_double(data.get(), "real", kNoId, 0.1);
@@ -137,7 +137,7 @@ TEST(DynamicText, EveryKind) {
 }
 
 TEST(DynamicText, WhatIsNoNumber) {
-    const Data data = make(everythingType());
+    const Data data = make(everything_type());
     DDS_DynamicData_set_double(data.get(), "real", kNoId, std::nan(""));
     DDS_DynamicData_set_float(data.get(), "single", kNoId,
                               -std::numeric_limits<DDS_Float>::infinity());
@@ -153,7 +153,7 @@ TEST(DynamicText, WhatIsNoNumber) {
 }
 
 TEST(DynamicText, OptionalMembersThatAreAbsentAreLeftOut) {
-    const Data data = make(mutableOptionsType());
+    const Data data = make(mutable_options_type());
     EXPECT_EQ(render(data, format(DDS_JSON_PRINT_FORMAT)), R"({"always":0,"last":0})");
     DDS_DynamicData_set_long(data.get(), "point.y", kNoId, 2);
     EXPECT_EQ(render(data, format(DDS_JSON_PRINT_FORMAT)),
@@ -182,7 +182,7 @@ struct TextCase {
 class DynamicTextEscapes : public testing::TestWithParam<TextCase> {};
 
 TEST_P(DynamicTextEscapes, InJsonAndXml) {
-    const Data data = make(messageType());
+    const Data data = make(message_type());
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "text", kNoId, GetParam().value),
               DDS_RETCODE_OK);
     const std::string json = render(data, format(DDS_JSON_PRINT_FORMAT));
@@ -220,7 +220,7 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"\xef\xbf\xbf", "\xef\xbf\xbf", REPLACEMENT}));
 
 TEST(DynamicText, MissingArguments) {
-    const Data data = make(idType());
+    const Data data = make(id_type());
     const DDS_PrintFormat json = format(DDS_JSON_PRINT_FORMAT);
     DDS_UnsignedLong length = 0;
     EXPECT_EQ(DDS_DynamicDataFormatter_to_string_w_format(nullptr, nullptr, &length, &json),

@@ -18,7 +18,7 @@ constexpr DDS_DataRepresentationId_t kRepresentations[] = {DDS_XCDR_DATA_REPRESE
                                                            DDS_XCDR2_DATA_REPRESENTATION};
 
 template <typename T>
-std::vector<char> bytesOf(const T &sample, DDS_DataRepresentationId_t representation) {
+std::vector<char> bytes_of(const T &sample, DDS_DataRepresentationId_t representation) {
     DDS_UnsignedLong size = 0;
     EXPECT_TRUE(TopicType<T>::serialize(nullptr, &size, &sample, representation));
     std::vector<char> bytes(size);
@@ -40,11 +40,11 @@ TYPED_TEST(DynamicTopicTypes, BytesComeBackAsTheyWere) {
     using Type = TopicType<TypeParam>;
     Filled<TypeParam> sample;
     for (const DDS_DataRepresentationId_t from : kRepresentations) {
-        ASSERT_EQ(fromBytes(this->data_, bytesOf(*sample, from)), DDS_RETCODE_OK);
-        EXPECT_EQ(getLong(this->data_, Type::kKeyMember), sample.key());
+        ASSERT_EQ(from_bytes(this->data_, bytes_of(*sample, from)), DDS_RETCODE_OK);
+        EXPECT_EQ(get_long(this->data_, Type::kKeyMember), sample.key());
         for (const DDS_DataRepresentationId_t to : kRepresentations) {
-            const std::vector<char> bytes = toBytes(this->data_, to);
-            EXPECT_EQ(bytes, bytesOf(*sample, to));
+            const std::vector<char> bytes = to_bytes(this->data_, to);
+            EXPECT_EQ(bytes, bytes_of(*sample, to));
             Sample<TypeParam> read;
             ASSERT_TRUE(Type::deserialize(read.get(), bytes.data(),
                                           static_cast<DDS_UnsignedLong>(bytes.size())));
@@ -58,7 +58,7 @@ TYPED_TEST(DynamicTopicTypes, BytesComeBackAsTheyWere) {
         DDS_UnsignedLong size = 8192;
         ASSERT_EQ(DDS_DynamicData_to_cdr_buffer(other.get(), bytes.data(), &size), DDS_RETCODE_OK);
         bytes.resize(size);
-        EXPECT_EQ(bytes, bytesOf(*sample, from));
+        EXPECT_EQ(bytes, bytes_of(*sample, from));
         DDS_UnsignedLong too_short = size - 1;
         EXPECT_EQ(DDS_DynamicData_to_cdr_buffer(other.get(), bytes.data(), &too_short),
                   DDS_RETCODE_OUT_OF_RESOURCES);
@@ -71,13 +71,13 @@ TYPED_TEST(DynamicTopicTypes, BrokenBytesLeaveInitialValues) {
     const Data initial = make(TopicType<TypeParam>::get_typecode());
     Filled<TypeParam> sample;
     for (const DDS_DataRepresentationId_t representation : kRepresentations) {
-        const std::vector<char> whole = bytesOf(*sample, representation);
+        const std::vector<char> whole = bytes_of(*sample, representation);
         const std::vector<char> header(whole.begin(), whole.begin() + 4);
         for (size_t length = 0; length < whole.size(); ++length) {
-            ASSERT_EQ(fromBytes(this->data_, whole), DDS_RETCODE_OK);
+            ASSERT_EQ(from_bytes(this->data_, whole), DDS_RETCODE_OK);
             const std::vector<char> cut(whole.begin(),
                                         whole.begin() + static_cast<std::ptrdiff_t>(length));
-            EXPECT_EQ(fromBytes(this->data_, cut),
+            EXPECT_EQ(from_bytes(this->data_, cut),
                       length == 0 ? DDS_RETCODE_BAD_PARAMETER : DDS_RETCODE_ERROR)
                 << length;
             if (length != 0) {
@@ -86,7 +86,7 @@ TYPED_TEST(DynamicTopicTypes, BrokenBytesLeaveInitialValues) {
         }
     }
     const std::vector<char> foreign = {0, 0x55, 0, 0, 1, 2, 3, 4};
-    EXPECT_EQ(fromBytes(this->data_, foreign), DDS_RETCODE_ERROR);
+    EXPECT_EQ(from_bytes(this->data_, foreign), DDS_RETCODE_ERROR);
     EXPECT_EQ(DDS_DynamicData_from_cdr_buffer(this->data_.get(), nullptr, 4),
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(DDS_DynamicData_from_cdr_buffer(nullptr, foreign.data(), 4),
@@ -110,9 +110,9 @@ TYPED_TEST(DynamicTopicTypes, MembersAreSetByNameAndById) {
     DDS_LongLong number = 0;
     EXPECT_EQ(DDS_DynamicData_get_longlong(data, &number, nullptr, id), DDS_RETCODE_OK);
     EXPECT_EQ(number, -5);
-    EXPECT_EQ(getLong(this->data_, Type::kNumberMember), -5);
+    EXPECT_EQ(get_long(this->data_, Type::kNumberMember), -5);
     for (const DDS_DataRepresentationId_t representation : kRepresentations) {
-        const std::vector<char> bytes = toBytes(this->data_, representation);
+        const std::vector<char> bytes = to_bytes(this->data_, representation);
         Sample<TypeParam> read;
         ASSERT_TRUE(Type::deserialize(read.get(), bytes.data(),
                                       static_cast<DDS_UnsignedLong>(bytes.size())));
@@ -180,18 +180,18 @@ TEST(DynamicMessages, IdentityAndTexts) {
     ASSERT_EQ(DDS_DynamicData_set_long(identity.get(), "rtps_host_id", kNoId, 3), DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_set_complex_member(data.get(), identity.get(), "hostAndAppId", kNoId),
               DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "hostAndAppId.rtps_host_id"), 3);
+    EXPECT_EQ(get_long(data, "hostAndAppId.rtps_host_id"), 3);
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), "hostAndAppId.rtps_app_id", kNoId, 4),
               DDS_RETCODE_OK);
     ASSERT_EQ(DDS_DynamicData_get_complex_member(data.get(), identity.get(), "hostAndAppId", kNoId),
               DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(identity, "rtps_app_id"), 4);
+    EXPECT_EQ(get_long(identity, "rtps_app_id"), 4);
     const std::string longest(VUR_DL_LOG_MESSAGE_CATEGORY_BOUND, 'c');
     ASSERT_EQ(DDS_DynamicData_set_string(data.get(), "category", kNoId, longest.c_str()),
               DDS_RETCODE_OK);
     EXPECT_EQ(DDS_DynamicData_set_string(data.get(), "category", kNoId, (longest + "c").c_str()),
               DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_EQ(getString(data, "category"), longest);
+    EXPECT_EQ(get_string(data, "category"), longest);
     ASSERT_EQ(DDS_DynamicData_set_longlong(data.get(), "messageId", kNoId,
                                            std::numeric_limits<DDS_LongLong>::max()),
               DDS_RETCODE_OK);
@@ -210,7 +210,7 @@ TEST(DynamicStates, VerbositiesAreFive) {
         return DDS_DynamicData_set_long(data.get(), name, kNoId, value);
     };
     EXPECT_EQ(set("vurLoggerVerbosities[4].category", 3), DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "vurLoggerVerbosities[4].category"), 3);
+    EXPECT_EQ(get_long(data, "vurLoggerVerbosities[4].category"), 3);
     EXPECT_EQ(set("vurLoggerVerbosities[5].category", 3), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(set("vurLoggerVerbosities[4].verbosity", 6), DDS_RETCODE_BAD_PARAMETER)
         << "no enumerator";
@@ -225,7 +225,7 @@ TEST(DynamicStates, VerbositiesAreFive) {
 TEST(DynamicRequests, BranchesSwitchTheDiscriminator) {
     const Data data = make(VUR_DL_ADMIN_CommandRequest_get_typecode());
     const auto read = [&](Sample<VUR_DL_ADMIN_CommandRequest> &request) {
-        const std::vector<char> bytes = toBytes(data, DDS_XCDR2_DATA_REPRESENTATION);
+        const std::vector<char> bytes = to_bytes(data, DDS_XCDR2_DATA_REPRESENTATION);
         ASSERT_TRUE(VUR_DL_ADMIN_CommandRequestPlugin_deserialize_from_cdr_buffer(
             request.get(), bytes.data(), static_cast<DDS_UnsignedLong>(bytes.size())));
     };
@@ -244,7 +244,7 @@ TEST(DynamicRequests, BranchesSwitchTheDiscriminator) {
     EXPECT_EQ(DDS_DynamicData_set_length(data.get(), 6, "command.categoryAndVerbosity", kNoId),
               DDS_RETCODE_BAD_PARAMETER)
         << "above the bound";
-    EXPECT_EQ(getLong(data, "command._d"), VUR_DL_SET_LOG_LEVEL);
+    EXPECT_EQ(get_long(data, "command._d"), VUR_DL_SET_LOG_LEVEL);
     ASSERT_EQ(DDS_DynamicData_set_length(data.get(), 5, "command.categoryAndVerbosity", kNoId),
               DDS_RETCODE_OK);
     ASSERT_EQ(
@@ -264,7 +264,7 @@ TEST(DynamicRequests, BranchesSwitchTheDiscriminator) {
               VUR_DL_KOLT_CONFIG_LOG_VERBOSITY_WARNING);
 
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), "command._d", kNoId, 2), DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(data, "command.printFormat"), 0) << "another branch begins afresh";
+    EXPECT_EQ(get_long(data, "command.printFormat"), 0) << "another branch begins afresh";
     EXPECT_EQ(DDS_DynamicData_set_long(data.get(), "command.printFormat", kNoId, 7),
               DDS_RETCODE_BAD_PARAMETER);
     ASSERT_EQ(DDS_DynamicData_set_long(data.get(), "command.printFormat", kNoId, 6),
@@ -296,7 +296,7 @@ TEST(DynamicCommands, AreUnionsOfTheirOwn) {
     const Data request = make(VUR_DL_ADMIN_CommandRequest_get_typecode());
     ASSERT_EQ(DDS_DynamicData_set_complex_member(request.get(), data.get(), "command", kNoId),
               DDS_RETCODE_OK);
-    EXPECT_EQ(getLong(request, "command._d"), VUR_DL_SET_VUR_LOGGER_LEVEL);
+    EXPECT_EQ(get_long(request, "command._d"), VUR_DL_SET_VUR_LOGGER_LEVEL);
     const Data back = make(VUR_DL_ADMIN_Command_get_typecode());
     ASSERT_EQ(DDS_DynamicData_get_complex_member(request.get(), back.get(), "command", kNoId),
               DDS_RETCODE_OK);

@@ -70,15 +70,15 @@ TEST(KoltEntities, NullArguments) {
 TEST(KoltEntities, TypesAreRegisteredByName) {
     Node node(10);
     EXPECT_EQ(DDS_DomainParticipant_register_type(node.participant, kMessageTypeName,
-                                                  &messagePlugin(), nullptr),
+                                                  &message_plugin(), nullptr),
               DDS_RETCODE_OK);
     EXPECT_EQ(DDS_DomainParticipant_register_type(node.participant, kMessageTypeName,
-                                                  &pointPlugin(), nullptr),
+                                                  &point_plugin(), nullptr),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(
-        DDS_DomainParticipant_register_type(node.participant, "other", &pointPlugin(), nullptr),
+        DDS_DomainParticipant_register_type(node.participant, "other", &point_plugin(), nullptr),
         DDS_RETCODE_OK);
-    EXPECT_EQ(DDS_DomainParticipant_register_type(node.participant, "", &pointPlugin(), nullptr),
+    EXPECT_EQ(DDS_DomainParticipant_register_type(node.participant, "", &point_plugin(), nullptr),
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(DDS_DomainParticipant_register_type(node.participant, "x", nullptr, nullptr),
               DDS_RETCODE_BAD_PARAMETER);
@@ -124,8 +124,10 @@ TEST(KoltEntities, EndpointsKnowTheirPlace) {
     EXPECT_EQ(DDS_Publisher_get_participant(node.publisher), node.participant);
     EXPECT_EQ(DDS_DataReader_get_subscriber(reader), node.subscriber);
     EXPECT_EQ(DDS_Subscriber_get_participant(node.subscriber), node.participant);
-    EXPECT_STREQ(DDS_DataWriter_get_endpoint_type_name(writer), messagePlugin().endpoint_type_name);
-    EXPECT_STREQ(DDS_DataReader_get_endpoint_type_name(reader), messagePlugin().endpoint_type_name);
+    EXPECT_STREQ(DDS_DataWriter_get_endpoint_type_name(writer),
+                 message_plugin().endpoint_type_name);
+    EXPECT_STREQ(DDS_DataReader_get_endpoint_type_name(reader),
+                 message_plugin().endpoint_type_name);
     EXPECT_EQ(DDS_Publisher_lookup_datawriter(node.publisher, name), writer);
     EXPECT_EQ(DDS_Publisher_lookup_datawriter(node.publisher, "nosuch"), nullptr);
     EXPECT_EQ(DDS_Subscriber_lookup_datareader(node.subscriber, name), reader);
@@ -175,7 +177,7 @@ TEST(KoltEntities, SamplesOfTheWriter) {
 TEST(KoltEntities, InjectingSamplesIsNotSupported) {
     Node node(10);
     DDS_DataReader *const reader = node.reader();
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     const DDS_WriteParams_t params = DDS_WRITEPARAMS_DEFAULT;
     EXPECT_EQ(DDS_DataReader_add_sample_to_remote_writer_queue(reader, message.get(), &params),
               DDS_RETCODE_UNSUPPORTED);
@@ -239,7 +241,7 @@ TEST(KoltEntities, DisabledWriterAndReader) {
     EXPECT_EQ(DDS_WaitSet_wait(waitset, &active, &timeout), DDS_RETCODE_OK);
     DDS_ConditionSeq_finalize(&active);
     EXPECT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
-    EXPECT_EQ(takeAtLeast(reader, 1).size(), 1U);
+    EXPECT_EQ(take_at_least(reader, 1).size(), 1U);
     EXPECT_EQ(DDS_WaitSet_delete(waitset), DDS_RETCODE_OK);
 }
 
@@ -271,10 +273,10 @@ TEST(KoltEntities, DisabledParticipantEnablesWhatItContains) {
                   DDS_RETCODE_OK);
         EXPECT_TRUE(DDS_Entity_is_enabled(DDS_Subscriber_as_entity(node.subscriber)));
         EXPECT_TRUE(DDS_Entity_is_enabled(DDS_DataReader_as_entity(reader)));
-        ASSERT_TRUE(isMatched(writer));
+        ASSERT_TRUE(is_matched(writer));
         EXPECT_EQ(write(writer, 1, 2, 1), DDS_RETCODE_OK);
         EXPECT_EQ(write(writer, 1, 1, 2), DDS_RETCODE_OK);
-        const auto got = takeAtLeast(reader, 1);
+        const auto got = take_at_least(reader, 1);
         ASSERT_EQ(got.size(), 1U);
         EXPECT_EQ(got[0].number, 2);
     }

@@ -94,11 +94,11 @@ TEST_F(QosProfileErrors, WhatIsWrongIsToldWithLineAndNames) {
     for (const WrongProfile &row : rows) {
         SCOPED_TRACE(row.content);
         messages().clear();
-        EXPECT_EQ(addLibrary("<qos_profile name=\"P\">\n" + row.content + "</qos_profile>"),
+        EXPECT_EQ(add_library("<qos_profile name=\"P\">\n" + row.content + "</qos_profile>"),
                   DDS_RETCODE_ERROR);
         const std::string expected = "/a.xml:" + std::to_string(row.line) + ": ";
-        EXPECT_TRUE(logged(expected)) << allMessages();
-        EXPECT_TRUE(logged(row.message)) << allMessages();
+        EXPECT_TRUE(logged(expected)) << all_messages();
+        EXPECT_TRUE(logged(row.message)) << all_messages();
         EXPECT_TRUE(libraries().empty());
     }
 }
@@ -144,27 +144,27 @@ TEST_F(QosProfileErrors, WrongLibrariesAndProfilesAreRefused) {
         messages().clear();
         EXPECT_EQ(add(row.content), DDS_RETCODE_ERROR);
         EXPECT_TRUE(logged("/a.xml:" + std::to_string(row.line) + ": " + row.message))
-            << allMessages();
+            << all_messages();
         EXPECT_TRUE(libraries().empty());
     }
     EXPECT_EQ(KOLT_DomainParticipantFactory_add_profiles(factory(), "/nowhere.xml"),
               DDS_RETCODE_ERROR);
-    EXPECT_TRUE(logged("/nowhere.xml: cannot open the file")) << allMessages();
+    EXPECT_TRUE(logged("/nowhere.xml: cannot open the file")) << all_messages();
 }
 
 TEST_F(QosProfileErrors, UnknownNamesAreToldWithTheKnownOnes) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2) + profile("name=\"Q\"", 3)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"P\"", 2) + profile("name=\"Q\"", 3)), DDS_RETCODE_OK);
     WriterQos qos;
     qos->history.depth = 77;
     EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
                                                                            "M", "P"),
               DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(logged("no QoS library \"M\"; libraries: L")) << allMessages();
+    EXPECT_TRUE(logged("no QoS library \"M\"; libraries: L")) << all_messages();
     EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
                                                                            "L", "p"),
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_TRUE(logged("no QoS profile \"p\" in the library \"L\"; profiles: P, Q"))
-        << allMessages();
+        << all_messages();
     EXPECT_EQ(qos->history.depth, 77);
     EXPECT_EQ(profiles("M", DDS_RETCODE_BAD_PARAMETER), Strings{});
 }

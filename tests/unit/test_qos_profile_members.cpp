@@ -28,15 +28,15 @@ struct Anything {
     operator T() const;
 };
 template <typename Record, typename... Fields>
-consteval std::size_t memberCount() {
+consteval std::size_t member_count() {
     if constexpr (requires { Record{Fields{}..., Anything{}}; }) {
-        return memberCount<Record, Fields..., Anything>();
+        return member_count<Record, Fields..., Anything>();
     } else {
         return sizeof...(Fields);
     }
 }
-static_assert(memberCount<DDS_HistoryQosPolicy>() == 2);
-static_assert(memberCount<DDS_UserDataQosPolicy>() == 1);
+static_assert(member_count<DDS_HistoryQosPolicy>() == 2);
+static_assert(member_count<DDS_UserDataQosPolicy>() == 1);
 
 // A member of a policy, content of its element that is not the default, and what that stands for.
 template <typename Qos>
@@ -116,9 +116,9 @@ void assign(DDS_Char *&value, DDS_Char *const &source) {
 }
 
 // ROW(policy, member, content, value)
-#define ROW(policy, member, content, ...)                                                   \
-    Row<Qos> {                                                                              \
-#policy, #member, content, memberCount<decltype(Qos::policy)>(),                          \
+#define ROW(policy, member, content, ...)                                                    \
+    Row<Qos> {                                                                               \
+#policy, #member, content, member_count<decltype(Qos::policy)>(),                          \
             [](const Qos &qos) { return same(qos.policy.member, __VA_ARGS__); },                  \
             [](Qos &qos, const Qos &other) { assign(qos.policy.member, other.policy.member); } \
     }
@@ -145,19 +145,19 @@ Rows<Qos> marked() {
     return {ROW(protocol, vendor_specific_entity, "true", DDS_BOOLEAN_TRUE)};
 }
 template <typename Qos>
-Rows<Qos> withProperties() {
+Rows<Qos> with_properties() {
     return {ROW(property, value,
                 "<element><name>n</name><value>v</value><propagate>true</propagate></element>",
                 Strings{"n", "v"}),
             ROW(user_data, value, kOctets, octets())};
 }
 template <typename Qos>
-Rows<Qos> factoryRows() {
+Rows<Qos> factory_rows() {
     return {ROW(entity_factory, autoenable_created_entities, "false", DDS_BOOLEAN_FALSE)};
 }
 template <typename Qos>
-Rows<Qos> groupRows() {
-    return factoryRows<Qos>() + marked<Qos>() +
+Rows<Qos> group_rows() {
+    return factory_rows<Qos>() + marked<Qos>() +
            Rows<Qos>{ROW(presentation, access_scope, "GROUP_PRESENTATION_QOS",
                          DDS_GROUP_PRESENTATION_QOS),
                      ROW(presentation, coherent_access, "true", DDS_BOOLEAN_TRUE),
@@ -168,7 +168,7 @@ Rows<Qos> groupRows() {
 }
 // What topics, writers and readers have.
 template <typename Qos>
-Rows<Qos> commonRows() {
+Rows<Qos> common_rows() {
     return marked<Qos>() +
            Rows<Qos>{
                ROW(durability, kind, "PERSISTENT_DURABILITY_QOS", DDS_PERSISTENT_DURABILITY_QOS),
@@ -194,8 +194,8 @@ Rows<Qos> commonRows() {
 }
 // What topics and writers have.
 template <typename Qos>
-Rows<Qos> sendingRows() {
-    return commonRows<Qos>() +
+Rows<Qos> sending_rows() {
+    return common_rows<Qos>() +
            Rows<Qos>{ROW(durability_service, service_cleanup_delay, kSpan, kSevenAndALittle),
                      ROW(durability_service, history_kind, "KEEP_ALL_HISTORY_QOS",
                          DDS_KEEP_ALL_HISTORY_QOS),
@@ -207,29 +207,29 @@ Rows<Qos> sendingRows() {
                      ROW(lifespan, duration, kSpan, kSevenAndALittle)};
 }
 
-Rows<DDS_DomainParticipantQos> participantRows() {
+Rows<DDS_DomainParticipantQos> participant_rows() {
     using Qos = DDS_DomainParticipantQos;
-    return factoryRows<Qos>() + marked<Qos>() + withProperties<Qos>() +
+    return factory_rows<Qos>() + marked<Qos>() + with_properties<Qos>() +
            Rows<Qos>{ROW(participant_name, name, " a name ", " a name ")};
 }
-Rows<DDS_TopicQos> topicRows() {
+Rows<DDS_TopicQos> topic_rows() {
     using Qos = DDS_TopicQos;
-    return sendingRows<Qos>() + Rows<Qos>{ROW(reliability, kind, "RELIABLE_RELIABILITY_QOS",
-                                              DDS_RELIABLE_RELIABILITY_QOS),
-                                          ROW(topic_data, value, kOctets, octets())};
+    return sending_rows<Qos>() + Rows<Qos>{ROW(reliability, kind, "RELIABLE_RELIABILITY_QOS",
+                                               DDS_RELIABLE_RELIABILITY_QOS),
+                                           ROW(topic_data, value, kOctets, octets())};
 }
-Rows<DDS_DataWriterQos> writerRows() {
+Rows<DDS_DataWriterQos> writer_rows() {
     using Qos = DDS_DataWriterQos;
-    return sendingRows<Qos>() + withProperties<Qos>() +
+    return sending_rows<Qos>() + with_properties<Qos>() +
            Rows<Qos>{ROW(reliability, kind, "BEST_EFFORT_RELIABILITY_QOS",
                          DDS_BEST_EFFORT_RELIABILITY_QOS),
                      ROW(ownership_strength, value, "12", 12),
                      ROW(writer_data_lifecycle, autodispose_unregistered_instances, "0",
                          DDS_BOOLEAN_FALSE)};
 }
-Rows<DDS_DataReaderQos> readerRows() {
+Rows<DDS_DataReaderQos> reader_rows() {
     using Qos = DDS_DataReaderQos;
-    return commonRows<Qos>() + withProperties<Qos>() +
+    return common_rows<Qos>() + with_properties<Qos>() +
            Rows<Qos>{
                ROW(reliability, kind, "RELIABLE_RELIABILITY_QOS", DDS_RELIABLE_RELIABILITY_QOS),
                ROW(time_based_filter, minimum_separation, kSpan, kSevenAndALittle),
@@ -281,15 +281,15 @@ class QosProfileMembers : public support::QosProfilesTest {
     }
     DDS_ReturnCode_t load(const std::string &element) const {
         forget();
-        return addLibrary("<qos_profile name=\"P\">" + element + "</qos_profile>");
+        return add_library("<qos_profile name=\"P\">" + element + "</qos_profile>");
     }
 
     // The row's value is read back, in every way, and everything else is the default.
     template <typename Qos>
-    void expectRow(const Row<Qos> &row, const std::string &tag,
-                   const Functions<Qos> &functions) const {
+    void expect_row(const Row<Qos> &row, const std::string &tag,
+                    const Functions<Qos> &functions) const {
         SCOPED_TRACE(row.element(tag));
-        ASSERT_EQ(load(row.element(tag)), DDS_RETCODE_OK) << allMessages();
+        ASSERT_EQ(load(row.element(tag)), DDS_RETCODE_OK) << all_messages();
         for (const auto &get : functions.get) {
             Qos fresh;
             Qos qos;
@@ -307,7 +307,7 @@ class QosProfileMembers : public support::QosProfilesTest {
 
     // What may stand in an element, as the reader itself says of one that may not; nothing when the
     // element holds a value.
-    Strings expectedIn(const Strings &path) const {
+    Strings expected_in(const Strings &path) const {
         std::string open;
         std::string close;
         for (const std::string &tag : path) {
@@ -316,7 +316,7 @@ class QosProfileMembers : public support::QosProfilesTest {
         }
         EXPECT_EQ(load(open + "<no_such/>" + close), DDS_RETCODE_ERROR) << open;
         const std::string marker = "; expected: ";
-        const std::string text = allMessages();
+        const std::string text = all_messages();
         const std::size_t place = text.find(marker);
         EXPECT_NE(place, std::string::npos) << text;
         if (text.find("expected: a value") != std::string::npos) {
@@ -333,8 +333,8 @@ class QosProfileMembers : public support::QosProfilesTest {
         return names;
     }
     // The paths of all elements that hold a value.
-    void collectGrammar(const Strings &path, std::set<std::string> &leaves) const {
-        const Strings names = expectedIn(path);
+    void collect_grammar(const Strings &path, std::set<std::string> &leaves) const {
+        const Strings names = expected_in(path);
         if (names.empty()) {
             std::string leaf;
             for (const std::string &tag : path) {
@@ -345,40 +345,40 @@ class QosProfileMembers : public support::QosProfilesTest {
         for (const std::string &name : names) {
             Strings longer = path;
             longer.push_back(name);
-            collectGrammar(longer, leaves);
+            collect_grammar(longer, leaves);
         }
     }
-    static void collectLeaves(const DDS_XMLObject *object, const std::string &path,
-                              std::set<std::string> &leaves) {
-        const std::string own = path + "/" + support::tagOf(object);
+    static void collect_leaves(const DDS_XMLObject *object, const std::string &path,
+                               std::set<std::string> &leaves) {
+        const std::string own = path + "/" + support::tag_of(object);
         const DDS_XMLObject *child = DDS_XMLObject_get_first_child(object);
         if (child == nullptr) {
             leaves.insert(own);
         }
         for (; child != nullptr; child = DDS_XMLObject_get_next_sibling(child)) {
-            collectLeaves(child, own, leaves);
+            collect_leaves(child, own, leaves);
         }
     }
 
     // Rows for one kind of entity: each is read back, and together they are all that there is.
     // `unreadable`: policies of the record that no document can set.
     template <typename Qos>
-    void expectAll(const std::string &tag, const Rows<Qos> &rows, const Functions<Qos> &functions,
-                   std::size_t unreadable = 0) const {
+    void expect_all(const std::string &tag, const Rows<Qos> &rows, const Functions<Qos> &functions,
+                    std::size_t unreadable = 0) const {
         std::set<std::string> tested;
         for (const Row<Qos> &row : rows) {
-            expectRow(row, tag, functions);
-            EXPECT_EQ(expectedIn({tag, row.policy}).size(), row.members_of_policy) << row.policy;
+            expect_row(row, tag, functions);
+            EXPECT_EQ(expected_in({tag, row.policy}).size(), row.members_of_policy) << row.policy;
             const support::ParserPtr parser(DDS_XMLParser_new());
             ASSERT_EQ(support::parse(parser, "<dds>" + row.element(tag) + "</dds>"),
                       DDS_RETCODE_OK);
-            collectLeaves(DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser.get())), "",
-                          tested);
+            collect_leaves(DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser.get())), "",
+                           tested);
         }
         std::set<std::string> known;
-        collectGrammar({tag}, known);
+        collect_grammar({tag}, known);
         EXPECT_EQ(tested, known);
-        EXPECT_EQ(expectedIn({tag}).size() + unreadable, memberCount<Qos>());
+        EXPECT_EQ(expected_in({tag}).size() + unreadable, member_count<Qos>());
     }
 };
 
@@ -386,35 +386,36 @@ TEST_F(QosProfileMembers, OfParticipants) {
     const auto functions =
         FUNCTIONS(DDS_DomainParticipantQos, PLAIN(DDS_DomainParticipantQos, participant));
     // Only the engine knows a participant's place on the network.
-    expectAll("domain_participant_qos", participantRows(), functions, 1);
-    expectAll("participant_qos", participantRows(), functions, 1);
+    expect_all("domain_participant_qos", participant_rows(), functions, 1);
+    expect_all("participant_qos", participant_rows(), functions, 1);
 }
 
 TEST_F(QosProfileMembers, OfPublishers) {
-    expectAll("publisher_qos", groupRows<DDS_PublisherQos>(),
-              FUNCTIONS(DDS_PublisherQos, PLAIN(DDS_PublisherQos, publisher)));
+    expect_all("publisher_qos", group_rows<DDS_PublisherQos>(),
+               FUNCTIONS(DDS_PublisherQos, PLAIN(DDS_PublisherQos, publisher)));
 }
 
 TEST_F(QosProfileMembers, OfSubscribers) {
-    expectAll("subscriber_qos", groupRows<DDS_SubscriberQos>(),
-              FUNCTIONS(DDS_SubscriberQos, PLAIN(DDS_SubscriberQos, subscriber)));
+    expect_all("subscriber_qos", group_rows<DDS_SubscriberQos>(),
+               FUNCTIONS(DDS_SubscriberQos, PLAIN(DDS_SubscriberQos, subscriber)));
 }
 
 TEST_F(QosProfileMembers, OfTopics) {
-    expectAll("topic_qos", topicRows(),
-              FUNCTIONS(DDS_TopicQos, PLAIN(DDS_TopicQos, topic), WITH_TOPIC(DDS_TopicQos, topic)));
+    expect_all(
+        "topic_qos", topic_rows(),
+        FUNCTIONS(DDS_TopicQos, PLAIN(DDS_TopicQos, topic), WITH_TOPIC(DDS_TopicQos, topic)));
 }
 
 TEST_F(QosProfileMembers, OfWriters) {
-    expectAll("datawriter_qos", writerRows(),
-              FUNCTIONS(DDS_DataWriterQos, PLAIN(DDS_DataWriterQos, datawriter),
-                        WITH_TOPIC(DDS_DataWriterQos, datawriter)));
+    expect_all("datawriter_qos", writer_rows(),
+               FUNCTIONS(DDS_DataWriterQos, PLAIN(DDS_DataWriterQos, datawriter),
+                         WITH_TOPIC(DDS_DataWriterQos, datawriter)));
 }
 
 TEST_F(QosProfileMembers, OfReaders) {
-    expectAll("datareader_qos", readerRows(),
-              FUNCTIONS(DDS_DataReaderQos, PLAIN(DDS_DataReaderQos, datareader),
-                        WITH_TOPIC(DDS_DataReaderQos, datareader)));
+    expect_all("datareader_qos", reader_rows(),
+               FUNCTIONS(DDS_DataReaderQos, PLAIN(DDS_DataReaderQos, datareader),
+                         WITH_TOPIC(DDS_DataReaderQos, datareader)));
 }
 
 // ---- Names of values ----------------------------------------------------------------------------
@@ -475,14 +476,14 @@ TEST_F(QosProfileMembers, EveryEnumeratorHasItsValue) {
         for (const auto &[name, value] : enumeration.names) {
             known += (known.empty() ? "" : ", ") + name;
             support::ReaderQos qos;
-            ASSERT_EQ(load(element(name)), DDS_RETCODE_OK) << allMessages();
+            ASSERT_EQ(load(element(name)), DDS_RETCODE_OK) << all_messages();
             EXPECT_EQ(DDS_DomainParticipantFactory_get_datareader_qos_from_profile(
                           factory(), qos.get(), "L", "P"),
                       DDS_RETCODE_OK);
             EXPECT_EQ(enumeration.value(*qos.get()), value) << name;
         }
         EXPECT_EQ(load(element("DDS_" + enumeration.names[0].first)), DDS_RETCODE_ERROR);
-        EXPECT_TRUE(logged("; expected: " + known)) << allMessages();
+        EXPECT_TRUE(logged("; expected: " + known)) << all_messages();
     }
 }
 
@@ -495,7 +496,7 @@ TEST_F(QosProfileMembers, AccessScopesHaveTheirValues) {
         ASSERT_EQ(load("<publisher_qos><presentation><access_scope>" + std::string(name) +
                        "</access_scope></presentation></publisher_qos>"),
                   DDS_RETCODE_OK)
-            << allMessages();
+            << all_messages();
         support::PublisherQos qos;
         EXPECT_EQ(DDS_DomainParticipantFactory_get_publisher_qos_from_profile(factory(), qos.get(),
                                                                               "L", "P"),
@@ -531,7 +532,7 @@ TEST_F(QosProfileMembers, DurationsHaveSymbolicNames) {
         ASSERT_EQ(load("<datawriter_qos><latency_budget><duration>" + row.content +
                        "</duration></latency_budget></datawriter_qos>"),
                   DDS_RETCODE_OK)
-            << allMessages();
+            << all_messages();
         support::WriterQos qos;
         EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
                                                                                "L", "P"),

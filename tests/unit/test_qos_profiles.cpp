@@ -106,7 +106,7 @@ constexpr const char *kEverything = R"(
 </qos_profile>)";
 
 TEST_F(QosProfiles, EveryEntityAndPolicyIsRead) {
-    ASSERT_EQ(addLibrary(kEverything), DDS_RETCODE_OK) << allMessages();
+    ASSERT_EQ(add_library(kEverything), DDS_RETCODE_OK) << all_messages();
 
     ParticipantQos participant;
     ASSERT_EQ(DDS_DomainParticipantFactory_get_participant_qos_from_profile(
@@ -164,7 +164,7 @@ TEST_F(QosProfiles, EveryEntityAndPolicyIsRead) {
 }
 
 TEST_F(QosProfiles, EveryEndpointPolicyIsRead) {
-    ASSERT_EQ(addLibrary(kEverything), DDS_RETCODE_OK) << allMessages();
+    ASSERT_EQ(add_library(kEverything), DDS_RETCODE_OK) << all_messages();
 
     WriterQos writer;
     ASSERT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), writer.get(),
@@ -208,7 +208,7 @@ TEST_F(QosProfiles, EveryEndpointPolicyIsRead) {
 }
 
 TEST_F(QosProfiles, EntityThatIsNotMentionedHasTheDefault) {
-    ASSERT_EQ(addLibrary("<qos_profile name=\"P\"/>"), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library("<qos_profile name=\"P\"/>"), DDS_RETCODE_OK);
     WriterQos qos;
     WriterQos fresh;
     qos->history.depth = 77;
@@ -235,20 +235,20 @@ TEST_F(QosProfiles, NamesComeInTheOrderOfLoading) {
 
 TEST_F(QosProfiles, BasesApplyFromTheOutermostOn) {
     ASSERT_EQ(
-        addLibrary("<qos_profile name=\"Derived\" base_name=\"Middle\"><datawriter_qos>"
-                   "<history><depth>3</depth></history></datawriter_qos></qos_profile>"
-                   "<qos_profile name=\"Middle\" base_name=\"L::Base\"/>"
-                   "<qos_profile name=\"Base\"><datawriter_qos><history><kind>KEEP_ALL_HISTORY_QOS"
-                   "</kind><depth>2</depth></history><ownership_strength><value>5</value>"
-                   "</ownership_strength></datawriter_qos></qos_profile>"),
+        add_library("<qos_profile name=\"Derived\" base_name=\"Middle\"><datawriter_qos>"
+                    "<history><depth>3</depth></history></datawriter_qos></qos_profile>"
+                    "<qos_profile name=\"Middle\" base_name=\"L::Base\"/>"
+                    "<qos_profile name=\"Base\"><datawriter_qos><history><kind>KEEP_ALL_HISTORY_QOS"
+                    "</kind><depth>2</depth></history><ownership_strength><value>5</value>"
+                    "</ownership_strength></datawriter_qos></qos_profile>"),
         DDS_RETCODE_OK)
-        << allMessages();
+        << all_messages();
     ASSERT_EQ(add("<dds><qos_library name=\"M\"><qos_profile name=\"P\" base_name=\"L::Derived\">"
                   "<datawriter_qos><ownership_strength><value>6</value></ownership_strength>"
                   "</datawriter_qos></qos_profile></qos_library></dds>",
                   "b.xml"),
               DDS_RETCODE_OK)
-        << allMessages();
+        << all_messages();
     EXPECT_EQ(depth("Base"), 2);
     EXPECT_EQ(depth("Middle"), 2);
     EXPECT_EQ(depth("Derived"), 3);
@@ -269,17 +269,17 @@ TEST_F(QosProfiles, ChainsOfBasesMayBeLong) {
                  std::to_string(i - 1) + "\"/>\n";
     }
     const std::string root = profile("name=\"0\"", 31);
-    ASSERT_EQ(addLibrary(chain + root), DDS_RETCODE_OK) << allMessages();
+    ASSERT_EQ(add_library(chain + root), DDS_RETCODE_OK) << all_messages();
     EXPECT_EQ(depth(std::to_string(kProfiles).c_str()), 31);
     ASSERT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
     messages().clear();
-    EXPECT_EQ(addLibrary(chain + "<qos_profile name=\"0\" base_name=\"" +
-                         std::to_string(kProfiles) + "\"/>"),
+    EXPECT_EQ(add_library(chain + "<qos_profile name=\"0\" base_name=\"" +
+                          std::to_string(kProfiles) + "\"/>"),
               DDS_RETCODE_ERROR);
-    EXPECT_TRUE(logged(" is a base of itself")) << allMessages();
+    EXPECT_TRUE(logged(" is a base of itself")) << all_messages();
 }
 
-std::string defaultName() {
+std::string default_name() {
     ParticipantQos qos;
     EXPECT_EQ(DDS_DomainParticipantFactory_get_default_participant_qos(factory(), qos.get()),
               DDS_RETCODE_OK);
@@ -291,30 +291,31 @@ TEST_F(QosProfiles, TheDefaultProfileLoadedLastHolds) {
         return "<qos_profile " + attributes + "><participant_qos><participant_name><name>" + name +
                "</name></participant_name></participant_qos></qos_profile>";
     };
-    EXPECT_EQ(defaultName(), "none");
+    EXPECT_EQ(default_name(), "none");
     ASSERT_EQ(
-        addLibrary(named("name=\"A\" is_default_qos=\"true\"", "a") +
-                   named("name=\"B\" is_default_qos=\" 1 \"", "b") +
-                   named("name=\"C\" is_default_qos=\"false\"", "c") + named("name=\"D\"", "d")),
+        add_library(named("name=\"A\" is_default_qos=\"true\"", "a") +
+                    named("name=\"B\" is_default_qos=\" 1 \"", "b") +
+                    named("name=\"C\" is_default_qos=\"false\"", "c") + named("name=\"D\"", "d")),
         DDS_RETCODE_OK)
-        << allMessages();
-    EXPECT_EQ(defaultName(), "b");
-    ASSERT_EQ(addLibrary(named("name=\"E\" base_name=\"C\" is_default_qos=\"true\"", "e"), "b.xml"),
-              DDS_RETCODE_OK)
-        << allMessages();
-    EXPECT_EQ(defaultName(), "e");
+        << all_messages();
+    EXPECT_EQ(default_name(), "b");
+    ASSERT_EQ(
+        add_library(named("name=\"E\" base_name=\"C\" is_default_qos=\"true\"", "e"), "b.xml"),
+        DDS_RETCODE_OK)
+        << all_messages();
+    EXPECT_EQ(default_name(), "e");
     // One that says nothing of participants leaves them to the standard's default.
-    ASSERT_EQ(addLibrary(profile("name=\"F\" is_default_qos=\"true\"", 9), "c.xml"),
+    ASSERT_EQ(add_library(profile("name=\"F\" is_default_qos=\"true\"", 9), "c.xml"),
               DDS_RETCODE_OK);
-    EXPECT_EQ(defaultName(), "none");
+    EXPECT_EQ(default_name(), "none");
     ASSERT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
-    EXPECT_EQ(defaultName(), "none");
-    ASSERT_EQ(addLibrary(named("name=\"A\" is_default_qos=\"true\"", "again")), DDS_RETCODE_OK);
-    EXPECT_EQ(defaultName(), "again");
+    EXPECT_EQ(default_name(), "none");
+    ASSERT_EQ(add_library(named("name=\"A\" is_default_qos=\"true\"", "again")), DDS_RETCODE_OK);
+    EXPECT_EQ(default_name(), "again");
 }
 
 TEST_F(QosProfiles, ListsOfABaseAreReplacedAndItsPropertiesKept) {
-    ASSERT_EQ(addLibrary(
+    ASSERT_EQ(add_library(
                   "<qos_profile name=\"B\"><publisher_qos><partition><name><element>a</element>"
                   "<element>b</element></name></partition></publisher_qos><participant_qos>"
                   "<property><value><element><name>x</name><value>1</value></element><element>"
@@ -324,7 +325,7 @@ TEST_F(QosProfiles, ListsOfABaseAreReplacedAndItsPropertiesKept) {
                   "<property><value><element><name>y</name><value>2</value></element></value>"
                   "</property></participant_qos></qos_profile>"),
               DDS_RETCODE_OK)
-        << allMessages();
+        << all_messages();
     PublisherQos publisher;
     ASSERT_EQ(DDS_DomainParticipantFactory_get_publisher_qos_from_profile(
                   factory(), publisher.get(), "L", "D"),
@@ -348,10 +349,10 @@ std::string filtered(const char *filter, int depth) {
 }
 
 TEST_F(QosProfiles, FirstMatchingTopicFilterIsTaken) {
-    ASSERT_EQ(addLibrary("<qos_profile name=\"P\">" + filtered("vur/distlog", 2) +
-                         filtered("vur/*/s?ate", 3) + filtered("vur/*", 4) + "</qos_profile>" +
-                         "<qos_profile name=\"D\" base_name=\"P\">" + filtered("*/state", 5) +
-                         filtered("*", 6) + "</qos_profile>"),
+    ASSERT_EQ(add_library("<qos_profile name=\"P\">" + filtered("vur/distlog", 2) +
+                          filtered("vur/*/s?ate", 3) + filtered("vur/*", 4) + "</qos_profile>" +
+                          "<qos_profile name=\"D\" base_name=\"P\">" + filtered("*/state", 5) +
+                          filtered("*", 6) + "</qos_profile>"),
               DDS_RETCODE_OK);
     EXPECT_EQ(depth("P", "vur/distlog"), 2);
     EXPECT_EQ(depth("P", "vur/distlog/administration/state"), 3);
@@ -374,13 +375,13 @@ TEST_F(QosProfiles, EnvironmentAndUserFileAreLoadedOnTheFirstLookUp) {
     write("KOLT_QOS_PROFILES.xml", document("User"));
     setenv("KOLT_QOS_PROFILES", (one + ";; file://" + two + " ;" + one).c_str(), 1);
     EXPECT_EQ(libraries(), (Strings{"One", "Two", "User"}));
-    EXPECT_TRUE(messages().empty()) << allMessages();
+    EXPECT_TRUE(messages().empty()) << all_messages();
 }
 
 TEST_F(QosProfiles, AbsentFileOfTheEnvironmentIsAnErrorOfLoadOnly) {
     setenv("KOLT_QOS_PROFILES", "/nowhere/profiles.xml", 1);
     EXPECT_EQ(libraries(), Strings{});
-    EXPECT_TRUE(logged("/nowhere/profiles.xml: cannot open the file")) << allMessages();
+    EXPECT_TRUE(logged("/nowhere/profiles.xml: cannot open the file")) << all_messages();
     messages().clear();
     EXPECT_EQ(libraries(), Strings{});
     EXPECT_TRUE(messages().empty()) << "a look-up tries once only";
@@ -401,9 +402,9 @@ TEST_F(QosProfiles, WrongDocumentIsLeftOutAndTriedAgainByLoad) {
 }
 
 TEST_F(QosProfiles, ReloadReadsAnewAndUnloadForgets) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"P\"", 2)), DDS_RETCODE_OK);
     EXPECT_EQ(depth("P"), 2);
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 3)), DDS_RETCODE_OK) << "loaded already";
+    ASSERT_EQ(add_library(profile("name=\"P\"", 3)), DDS_RETCODE_OK) << "loaded already";
     EXPECT_EQ(depth("P"), 2);
     EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(factory()), DDS_RETCODE_OK);
     EXPECT_EQ(depth("P"), 3);
@@ -428,8 +429,8 @@ TEST_F(QosProfiles, FactoryQosNamesDocuments) {
     ASSERT_TRUE(
         DDS_StringSeq_from_array(&qos->profile.string_profile, const_cast<char **>(fragments), 2));
     ASSERT_EQ(DDS_DomainParticipantFactory_set_qos(factory(), qos.get()), DDS_RETCODE_OK);
-    EXPECT_EQ(libraries(), (Strings{"Url", "Text"})) << allMessages();
-    EXPECT_TRUE(messages().empty()) << allMessages();
+    EXPECT_EQ(libraries(), (Strings{"Url", "Text"})) << all_messages();
+    EXPECT_TRUE(messages().empty()) << all_messages();
 
     qos->profile.ignore_user_profile = DDS_BOOLEAN_FALSE;
     ASSERT_TRUE(DDS_StringSeq_set_length(&qos->profile.url_profile, 0));
@@ -466,7 +467,7 @@ TEST_F(QosProfiles, NullIsRefused) {
 }
 
 TEST_F(QosProfiles, BearLookUpsFromManyThreads) {
-    ASSERT_EQ(addLibrary(profile("name=\"P\"", 2)), DDS_RETCODE_OK);
+    ASSERT_EQ(add_library(profile("name=\"P\"", 2)), DDS_RETCODE_OK);
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([] {

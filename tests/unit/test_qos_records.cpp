@@ -93,7 +93,7 @@ TYPED_TEST(QosRecord, CopyOntoItselfChangesNothing) {
 }
 
 template <typename Qos>
-void expectCommonEndpointDefaults(Qos &qos) {
+void expect_common_endpoint_defaults(Qos &qos) {
     EXPECT_EQ(qos.durability.kind, DDS_VOLATILE_DURABILITY_QOS);
     EXPECT_TRUE(DDS_Duration_is_infinite(&qos.deadline.period));
     EXPECT_EQ(qos.latency_budget.duration.sec, 0);
@@ -114,7 +114,7 @@ void expectCommonEndpointDefaults(Qos &qos) {
 }
 
 template <typename Qos>
-void expectWritingSideDefaults(Qos &qos) {
+void expect_writing_side_defaults(Qos &qos) {
     EXPECT_EQ(qos.durability_service.service_cleanup_delay.sec, 0);
     EXPECT_EQ(qos.durability_service.history_kind, DDS_KEEP_LAST_HISTORY_QOS);
     EXPECT_EQ(qos.durability_service.history_depth, 1);
@@ -127,16 +127,16 @@ void expectWritingSideDefaults(Qos &qos) {
 
 TEST(QosDefaults, Topic) {
     Record<DDS_TopicQos> qos;
-    expectCommonEndpointDefaults(*qos.get());
-    expectWritingSideDefaults(*qos.get());
+    expect_common_endpoint_defaults(*qos.get());
+    expect_writing_side_defaults(*qos.get());
     EXPECT_EQ(qos->reliability.kind, DDS_BEST_EFFORT_RELIABILITY_QOS);
     EXPECT_EQ(DDS_OctetSeq_get_length(&qos->topic_data.value), 0U);
 }
 
 TEST(QosDefaults, DataWriter) {
     Record<DDS_DataWriterQos> qos;
-    expectCommonEndpointDefaults(*qos.get());
-    expectWritingSideDefaults(*qos.get());
+    expect_common_endpoint_defaults(*qos.get());
+    expect_writing_side_defaults(*qos.get());
     EXPECT_EQ(qos->reliability.kind, DDS_RELIABLE_RELIABILITY_QOS);
     EXPECT_EQ(qos->ownership_strength.value, 0);
     EXPECT_TRUE(qos->writer_data_lifecycle.autodispose_unregistered_instances);
@@ -146,7 +146,7 @@ TEST(QosDefaults, DataWriter) {
 
 TEST(QosDefaults, DataReader) {
     Record<DDS_DataReaderQos> qos;
-    expectCommonEndpointDefaults(*qos.get());
+    expect_common_endpoint_defaults(*qos.get());
     EXPECT_EQ(qos->reliability.kind, DDS_BEST_EFFORT_RELIABILITY_QOS);
     EXPECT_EQ(qos->time_based_filter.minimum_separation.sec, 0);
     EXPECT_EQ(qos->time_based_filter.minimum_separation.nanosec, 0U);
@@ -196,7 +196,7 @@ struct Change {
 };
 
 template <typename Qos, std::size_t count>
-void expectEachChangeSeenAndCopied(const Change<Qos> (&changes)[count]) {
+void expect_each_change_seen_and_copied(const Change<Qos> (&changes)[count]) {
     using F = Functions<Qos>;
     for (const auto &change : changes) {
         SCOPED_TRACE(change.name);
@@ -214,19 +214,19 @@ void expectEachChangeSeenAndCopied(const Change<Qos> (&changes)[count]) {
     }
 }
 
-void setOctets(DDS_OctetSeq &sequence, const std::string &text) {
+void set_octets(DDS_OctetSeq &sequence, const std::string &text) {
     std::vector<DDS_Octet> bytes(text.begin(), text.end());
     ASSERT_TRUE(
         DDS_OctetSeq_from_array(&sequence, bytes.data(), static_cast<DDS_Long>(bytes.size())));
 }
 
-void addString(DDS_StringSeq &sequence, const char *string) {
+void add_string(DDS_StringSeq &sequence, const char *string) {
     const auto length = static_cast<DDS_Long>(DDS_StringSeq_get_length(&sequence));
     ASSERT_TRUE(DDS_StringSeq_ensure_length(&sequence, length + 1, length + 1));
     ASSERT_NE(DDS_String_replace(DDS_StringSeq_get_reference(&sequence, length), string), nullptr);
 }
 
-void addProperty(DDS_PropertyQosPolicy &policy, const char *name, const char *value) {
+void add_property(DDS_PropertyQosPolicy &policy, const char *name, const char *value) {
     ASSERT_EQ(DDS_PropertyQosPolicyHelper_add_property(&policy, name, value, DDS_BOOLEAN_TRUE),
               DDS_RETCODE_OK);
 }
@@ -254,7 +254,7 @@ TEST(QosCopy, DataWriter) {
          [](Qos &q) {
              q.lifespan.duration = {9, 0};
          }},
-        {"user_data", [](Qos &q) { setOctets(q.user_data.value, "bytes"); }},
+        {"user_data", [](Qos &q) { set_octets(q.user_data.value, "bytes"); }},
         {"ownership", [](Qos &q) { q.ownership.kind = DDS_EXCLUSIVE_OWNERSHIP_QOS; }},
         {"ownership_strength", [](Qos &q) { q.ownership_strength.value = 12; }},
         {"lifecycle",
@@ -264,47 +264,47 @@ TEST(QosCopy, DataWriter) {
              const DDS_Short ids[] = {DDS_XCDR2_DATA_REPRESENTATION};
              ASSERT_TRUE(DDS_ShortSeq_from_array(&q.representation.value, ids, 1));
          }},
-        {"property", [](Qos &q) { addProperty(q.property, "name", "value"); }},
+        {"property", [](Qos &q) { add_property(q.property, "name", "value"); }},
         {"protocol", [](Qos &q) { q.protocol.vendor_specific_entity = DDS_BOOLEAN_TRUE; }}};
-    expectEachChangeSeenAndCopied(changes);
+    expect_each_change_seen_and_copied(changes);
 }
 
 TEST(QosCopy, OtherRecords) {
     const Change<DDS_DomainParticipantQos> participant[] = {
-        {"user_data", [](auto &q) { setOctets(q.user_data.value, "u"); }},
+        {"user_data", [](auto &q) { set_octets(q.user_data.value, "u"); }},
         {"entity_factory", [](auto &q) { q.entity_factory.autoenable_created_entities = 0; }},
-        {"property", [](auto &q) { addProperty(q.property, "", ""); }},
+        {"property", [](auto &q) { add_property(q.property, "", ""); }},
         {"name", [](auto &q) { q.participant_name.name = DDS_String_dup("me"); }},
         {"host", [](auto &q) { q.wire_protocol.rtps_host_id = 1; }},
         {"app", [](auto &q) { q.wire_protocol.rtps_app_id = 1; }}};
-    expectEachChangeSeenAndCopied(participant);
+    expect_each_change_seen_and_copied(participant);
     const Change<DDS_PublisherQos> publisher[] = {
         {"access_scope", [](auto &q) { q.presentation.access_scope = DDS_TOPIC_PRESENTATION_QOS; }},
         {"partition",
          [](auto &q) {
-             addString(q.partition.name, "one");
-             addString(q.partition.name, "two");
+             add_string(q.partition.name, "one");
+             add_string(q.partition.name, "two");
          }},
-        {"group_data", [](auto &q) { setOctets(q.group_data.value, "g"); }}};
-    expectEachChangeSeenAndCopied(publisher);
+        {"group_data", [](auto &q) { set_octets(q.group_data.value, "g"); }}};
+    expect_each_change_seen_and_copied(publisher);
     const Change<DDS_SubscriberQos> subscriber[] = {
         {"coherent", [](auto &q) { q.presentation.coherent_access = DDS_BOOLEAN_TRUE; }},
-        {"partition", [](auto &q) { addString(q.partition.name, ""); }}};
-    expectEachChangeSeenAndCopied(subscriber);
+        {"partition", [](auto &q) { add_string(q.partition.name, ""); }}};
+    expect_each_change_seen_and_copied(subscriber);
     const Change<DDS_TopicQos> topic[] = {
-        {"topic_data", [](auto &q) { setOctets(q.topic_data.value, "t"); }},
+        {"topic_data", [](auto &q) { set_octets(q.topic_data.value, "t"); }},
         {"history", [](auto &q) { q.history.kind = DDS_KEEP_ALL_HISTORY_QOS; }}};
-    expectEachChangeSeenAndCopied(topic);
+    expect_each_change_seen_and_copied(topic);
     const Change<DDS_DataReaderQos> reader[] = {
         {"filter", [](auto &q) { q.time_based_filter.minimum_separation.sec = 1; }},
         {"purge", [](auto &q) { q.reader_data_lifecycle.autopurge_disposed_samples_delay = {}; }},
         {"consistency", [](auto &q) { q.type_consistency.kind = DDS_DISALLOW_TYPE_COERCION; }}};
-    expectEachChangeSeenAndCopied(reader);
+    expect_each_change_seen_and_copied(reader);
     const Change<DDS_DomainParticipantFactoryQos> factory[] = {
-        {"url", [](auto &q) { addString(q.profile.url_profile, "file:///a.xml"); }},
-        {"string", [](auto &q) { addString(q.profile.string_profile, "<dds/>"); }},
+        {"url", [](auto &q) { add_string(q.profile.url_profile, "file:///a.xml"); }},
+        {"string", [](auto &q) { add_string(q.profile.string_profile, "<dds/>"); }},
         {"environment", [](auto &q) { q.profile.ignore_environment_profile = 1; }}};
-    expectEachChangeSeenAndCopied(factory);
+    expect_each_change_seen_and_copied(factory);
 }
 
 TEST(QosCopy, IsDeep) {
@@ -312,7 +312,7 @@ TEST(QosCopy, IsDeep) {
     {
         Record<DDS_DomainParticipantQos> source;
         source->participant_name.name = DDS_String_dup("source");
-        addProperty(source->property, "name", "value");
+        add_property(source->property, "name", "value");
         ASSERT_EQ(DDS_DomainParticipantQos_copy(copy.get(), source.get()), DDS_RETCODE_OK);
         source->participant_name.name[0] = 'S';
     }
@@ -336,18 +336,18 @@ TEST(PropertyHelper, AddsAssertsFindsRemoves) {
     EXPECT_EQ(DDS_PropertyQosPolicyHelper_assert_property(policy, "c", "3", 1), DDS_RETCODE_OK);
     EXPECT_EQ(DDS_PropertyQosPolicyHelper_assert_property(policy, "a", "one", 1), DDS_RETCODE_OK);
     EXPECT_EQ(DDS_PropertySeq_get_length(&policy->value), 3U);
-    const auto valueOf = [&](const char *name) {
+    const auto value_of = [&](const char *name) {
         const auto *property = DDS_PropertyQosPolicyHelper_lookup_property(policy, name);
         return property == nullptr ? "none"s : std::string(property->value);
     };
-    EXPECT_EQ(valueOf("a"), "one");
+    EXPECT_EQ(value_of("a"), "one");
     EXPECT_EQ(DDS_PropertyQosPolicyHelper_remove_property(policy, "a"), DDS_RETCODE_OK);
     EXPECT_EQ(DDS_PropertyQosPolicyHelper_remove_property(policy, "a"),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(DDS_PropertySeq_get_length(&policy->value), 2U);
-    EXPECT_EQ(valueOf("a"), "none");
-    EXPECT_EQ(valueOf("b"), "2");
-    EXPECT_EQ(valueOf("c"), "3");
+    EXPECT_EQ(value_of("a"), "none");
+    EXPECT_EQ(value_of("b"), "2");
+    EXPECT_EQ(value_of("c"), "3");
     // Order is kept.
     EXPECT_STREQ(DDS_PropertySeq_get_reference(&policy->value, 0)->name, "b");
     EXPECT_STREQ(DDS_PropertySeq_get_reference(&policy->value, 1)->name, "c");

@@ -15,9 +15,9 @@
 namespace {
 
 using support::Bytes;
-using support::fromHex;
+using support::from_hex;
 using support::MemberOf;
-using support::toHex;
+using support::to_hex;
 using support::TypeBook;
 
 // ---- Reading descriptions -----------------------------------------------------------------------
@@ -42,7 +42,7 @@ class Input {
                      bytes_.begin() + static_cast<ptrdiff_t>(position_));
     }
     size_t position() const { return position_; }
-    bool isAtEnd() const { return position_ == bytes_.size(); }
+    bool is_at_end() const { return position_ == bytes_.size(); }
 
   private:
     const Bytes &bytes_;
@@ -65,7 +65,7 @@ struct Description {
     std::vector<std::pair<Bytes, uint32_t>> minimal_ids, complete_ids;
 };
 
-std::vector<Identified> readObjects(Input &input) {
+std::vector<Identified> read_objects(Input &input) {
     std::vector<Identified> objects;
     const uint32_t size = input.number();
     const size_t end = input.position() + size;
@@ -79,27 +79,27 @@ std::vector<Identified> readObjects(Input &input) {
     return objects;
 }
 
-std::pair<Bytes, uint32_t> readIdWithSize(Input &input) {
+std::pair<Bytes, uint32_t> read_id_with_size(Input &input) {
     EXPECT_EQ(input.number(), kIdentifierSize + 1 + 4);
     Bytes id = input.raw(kIdentifierSize);
     const uint32_t size = input.number();
     return {std::move(id), size};
 }
 
-std::vector<std::pair<Bytes, uint32_t>> readIds(Input &input, uint32_t member) {
+std::vector<std::pair<Bytes, uint32_t>> read_ids(Input &input, uint32_t member) {
     std::vector<std::pair<Bytes, uint32_t>> ids;
     EXPECT_EQ(input.number(), 0x40000000U | member);
     EXPECT_GT(input.number(), 0U);  // length of the member
     EXPECT_GT(input.number(), 0U);  // of the appendable structure in it
-    ids.push_back(readIdWithSize(input));
+    ids.push_back(read_id_with_size(input));
     const uint32_t count = input.number();
     EXPECT_GT(input.number(), 0U);  // of the sequence
     EXPECT_EQ(input.number(), count);
-    for (uint32_t i = 0; i < count; ++i) ids.push_back(readIdWithSize(input));
+    for (uint32_t i = 0; i < count; ++i) ids.push_back(read_id_with_size(input));
     return ids;
 }
 
-Bytes bytesOf(const DDS_OctetSeq &seq) {
+Bytes bytes_of(const DDS_OctetSeq &seq) {
     const DDS_Octet *const buffer = DDS_OctetSeq_get_contiguous_buffer(&seq);
     return Bytes(buffer, buffer + DDS_OctetSeq_get_length(&seq));
 }
@@ -109,28 +109,28 @@ Description describe(const DDS_TypeCode *type, const char *name) {
     DDS_OctetSeq information = DDS_SEQUENCE_INITIALIZER;
     DDS_OctetSeq mapping = DDS_SEQUENCE_INITIALIZER;
     result.code = KOLT_TypeObject_describe(type, name, &information, &mapping);
-    const Bytes information_bytes = bytesOf(information);
-    const Bytes mapping_bytes = bytesOf(mapping);
+    const Bytes information_bytes = bytes_of(information);
+    const Bytes mapping_bytes = bytes_of(mapping);
     DDS_OctetSeq_finalize(&information);
     DDS_OctetSeq_finalize(&mapping);
     if (result.code != DDS_RETCODE_OK) return result;
 
     Input objects(mapping_bytes);
-    result.minimal = readObjects(objects);
-    result.complete = readObjects(objects);
+    result.minimal = read_objects(objects);
+    result.complete = read_objects(objects);
     const uint32_t size = objects.number();
     for (uint32_t count = objects.number(); count > 0; --count) {
         Bytes complete = objects.raw(kIdentifierSize);
         result.pairs.emplace_back(std::move(complete), objects.raw(kIdentifierSize));
     }
     EXPECT_EQ(size, 4 + result.pairs.size() * 2 * kIdentifierSize);
-    EXPECT_TRUE(objects.isAtEnd());
+    EXPECT_TRUE(objects.is_at_end());
 
     Input ids(information_bytes);
     EXPECT_EQ(ids.number(), information_bytes.size() - 4);
-    result.minimal_ids = readIds(ids, 0x1001);
-    result.complete_ids = readIds(ids, 0x1002);
-    EXPECT_TRUE(ids.isAtEnd());
+    result.minimal_ids = read_ids(ids, 0x1001);
+    result.complete_ids = read_ids(ids, 0x1002);
+    EXPECT_TRUE(ids.is_at_end());
     return result;
 }
 Description describe(const DDS_TypeCode *type) {
@@ -138,7 +138,7 @@ Description describe(const DDS_TypeCode *type) {
 }
 
 // The minimal identifier of a member's type, as it stands in the minimal object around it.
-std::string memberIdentifier(const DDS_TypeCode *type) {
+std::string member_identifier(const DDS_TypeCode *type) {
     TypeBook book;
     const Description description =
         describe(book.structure("Holder", DDS_FINAL_EXTENSIBILITY, {{"m", 0, type}}));
@@ -147,11 +147,11 @@ std::string memberIdentifier(const DDS_TypeCode *type) {
     // Kinds 2, flags 2, DHEADER 4, base type 1 and 3, DHEADER 4, count 4, DHEADER 4, id 4, flags 2.
     const Bytes &object = description.minimal[0].object;
     // The name hash is last.
-    return toHex(Bytes(object.begin() + 30, object.end() - 4));
+    return to_hex(Bytes(object.begin() + 30, object.end() - 4));
 }
 
 std::string hex(const std::string &text) {
-    return toHex(fromHex(text));
+    return to_hex(from_hex(text));
 }
 
 bool contains(const Bytes &bytes, const Bytes &part) {
@@ -163,9 +163,9 @@ bool contains(const Bytes &bytes, const Bytes &part) {
 // @final struct Point { short x; short y; }. The name hashes are the first bytes of MD5("x"),
 // 9dd4e461..., and MD5("y"), 41529076...
 TEST(TypeObject, MinimalStructure) {
-    const Description point = describe(support::pointType());
+    const Description point = describe(support::point_type());
     ASSERT_EQ(point.minimal.size(), 1U);
-    EXPECT_EQ(toHex(point.minimal[0].object),
+    EXPECT_EQ(to_hex(point.minimal[0].object),
               hex("f1 51  0100"          // minimal, structure; final
                   "01000000 00  000000"  // header: no base type
                   "23000000 02000000"    // members
@@ -174,9 +174,9 @@ TEST(TypeObject, MinimalStructure) {
 }
 
 TEST(TypeObject, CompleteStructure) {
-    const Description point = describe(support::pointType());
+    const Description point = describe(support::point_type());
     ASSERT_EQ(point.complete.size(), 1U);
-    EXPECT_EQ(toHex(point.complete[0].object),
+    EXPECT_EQ(to_hex(point.complete[0].object),
               hex("f2 51  0100"
                   "14000000 00 00 00 00 0c000000 'Test::Point' 00"  // no annotations; the name
                   "2c000000 02000000"
@@ -187,10 +187,10 @@ TEST(TypeObject, CompleteStructure) {
 // @appendable enum Color { RED = 1, GREEN = 2, BLUE = 5 }
 TEST(TypeObject, Enumeration) {
     TypeBook book;
-    const Description description = describe(
-        book.structure("Painted", DDS_MUTABLE_EXTENSIBILITY, {{"color", 0, support::colorType()}}));
+    const Description description = describe(book.structure("Painted", DDS_MUTABLE_EXTENSIBILITY,
+                                                            {{"color", 0, support::color_type()}}));
     ASSERT_EQ(description.minimal.size(), 2U);
-    EXPECT_EQ(toHex(description.minimal[1].object),
+    EXPECT_EQ(to_hex(description.minimal[1].object),
               hex("f1 40  0200"
                   "02000000 2000 0000"  // 32 bits
                   "3e000000 03000000"
@@ -202,10 +202,10 @@ TEST(TypeObject, Enumeration) {
 // "the member name "color" has NameHash {0x70, 0xDD, 0xA5, 0xDF}" (XTypes 1.3, Annex B).
 TEST(TypeObject, NameHashOfTheStandardsExample) {
     TypeBook book;
-    const Description description = describe(
-        book.structure("Painted", DDS_MUTABLE_EXTENSIBILITY, {{"color", 0, support::colorType()}}));
+    const Description description = describe(book.structure("Painted", DDS_MUTABLE_EXTENSIBILITY,
+                                                            {{"color", 0, support::color_type()}}));
     ASSERT_EQ(description.minimal.size(), 2U);
-    EXPECT_TRUE(contains(description.minimal[0].object, fromHex("70dda5df")));
+    EXPECT_TRUE(contains(description.minimal[0].object, from_hex("70dda5df")));
 }
 
 // ---- Identifiers --------------------------------------------------------------------------------
@@ -217,15 +217,15 @@ TEST(TypeIdentifier, Primitives) {
         {DDS_TK_ULONG, "07"},   {DDS_TK_ULONGLONG, "08"}, {DDS_TK_FLOAT, "09"},
         {DDS_TK_DOUBLE, "0a"},  {DDS_TK_CHAR, "10"}};
     for (const auto &[kind, identifier] : kinds) {
-        EXPECT_EQ(memberIdentifier(TypeBook::primitive(kind)), identifier) << kind;
+        EXPECT_EQ(member_identifier(TypeBook::primitive(kind)), identifier) << kind;
     }
 }
 
 TEST(TypeIdentifier, Strings) {
     TypeBook book;
-    EXPECT_EQ(memberIdentifier(book.string()), hex("70 00"));
-    EXPECT_EQ(memberIdentifier(book.string(255)), hex("70 ff"));
-    EXPECT_EQ(memberIdentifier(book.string(256)), hex("71 00 00010000"));  // aligned by one byte
+    EXPECT_EQ(member_identifier(book.string()), hex("70 00"));
+    EXPECT_EQ(member_identifier(book.string(255)), hex("70 ff"));
+    EXPECT_EQ(member_identifier(book.string(256)), hex("71 00 00010000"));  // aligned by one byte
 }
 
 // The element's kind of equivalence, 0xf3 for what has one description only, then flags, bound and
@@ -233,34 +233,34 @@ TEST(TypeIdentifier, Strings) {
 TEST(TypeIdentifier, Sequences) {
     TypeBook book;
     const DDS_TypeCode *const number = TypeBook::primitive(DDS_TK_LONG);
-    EXPECT_EQ(memberIdentifier(book.sequence(number)), hex("80 f3 0100 00 04"));
-    EXPECT_EQ(memberIdentifier(book.sequence(number, 255)), hex("80 f3 0100 ff 04"));
-    EXPECT_EQ(memberIdentifier(book.sequence(number, 256)), hex("81 f3 0100 0000 00010000 04"));
-    EXPECT_EQ(memberIdentifier(book.sequence(book.string(3), 2)), hex("80 f3 0100 02 70 03"));
+    EXPECT_EQ(member_identifier(book.sequence(number)), hex("80 f3 0100 00 04"));
+    EXPECT_EQ(member_identifier(book.sequence(number, 255)), hex("80 f3 0100 ff 04"));
+    EXPECT_EQ(member_identifier(book.sequence(number, 256)), hex("81 f3 0100 0000 00010000 04"));
+    EXPECT_EQ(member_identifier(book.sequence(book.string(3), 2)), hex("80 f3 0100 02 70 03"));
 }
 
 // Small when each dimension is.
 TEST(TypeIdentifier, Arrays) {
     TypeBook book;
     const DDS_TypeCode *const number = TypeBook::primitive(DDS_TK_LONG);
-    EXPECT_EQ(memberIdentifier(book.array(number, {3})), hex("90 f3 0100 0000 01000000 03 04"));
-    EXPECT_EQ(memberIdentifier(book.array(number, {200, 100})),
+    EXPECT_EQ(member_identifier(book.array(number, {3})), hex("90 f3 0100 0000 01000000 03 04"));
+    EXPECT_EQ(member_identifier(book.array(number, {200, 100})),
               hex("90 f3 0100 0000 02000000 c8 64 04"));
-    EXPECT_EQ(memberIdentifier(book.array(number, {2, 256})),
+    EXPECT_EQ(member_identifier(book.array(number, {2, 256})),
               hex("91 f3 0100 0000 02000000 02000000 00010000 04"));
 }
 
 TEST(TypeIdentifier, CollectionsOfNamedTypes) {
     TypeBook book;
-    const DDS_TypeCode *const list = book.sequence(book.array(support::pointType(), {2}), 3);
-    const Description point = describe(support::pointType());
-    const std::string minimal = toHex(point.minimal.at(0).identifier);
-    EXPECT_EQ(memberIdentifier(list), hex("80 f1 0100 03  90 f1 00 0100 01000000 02" + minimal));
+    const DDS_TypeCode *const list = book.sequence(book.array(support::point_type(), {2}), 3);
+    const Description point = describe(support::point_type());
+    const std::string minimal = to_hex(point.minimal.at(0).identifier);
+    EXPECT_EQ(member_identifier(list), hex("80 f1 0100 03  90 f1 00 0100 01000000 02" + minimal));
 }
 
 // ---- Flags --------------------------------------------------------------------------------------
 
-uint16_t flagsOf(const MemberOf &member) {
+uint16_t flags_of(const MemberOf &member) {
     TypeBook book;
     const Description description =
         describe(book.structure("Flags", DDS_MUTABLE_EXTENSIBILITY, {member}));
@@ -270,12 +270,12 @@ uint16_t flagsOf(const MemberOf &member) {
 
 TEST(TypeFlags, Members) {
     const MemberOf plain("m", 0, TypeBook::primitive(DDS_TK_LONG));
-    EXPECT_EQ(flagsOf(plain), 0x01);
-    EXPECT_EQ(flagsOf(MemberOf(plain).optional()), 0x09);
-    EXPECT_EQ(flagsOf(MemberOf(plain).mustUnderstand()), 0x11);
+    EXPECT_EQ(flags_of(plain), 0x01);
+    EXPECT_EQ(flags_of(MemberOf(plain).optional()), 0x09);
+    EXPECT_EQ(flags_of(MemberOf(plain).must_understand()), 0x11);
     // Keys must be understood.
-    EXPECT_EQ(flagsOf(MemberOf(plain).key()), 0x31);
-    EXPECT_EQ(flagsOf(MemberOf(plain).optional().mustUnderstand()), 0x19);
+    EXPECT_EQ(flags_of(MemberOf(plain).key()), 0x31);
+    EXPECT_EQ(flags_of(MemberOf(plain).optional().must_understand()), 0x19);
 }
 
 TEST(TypeFlags, Extensibility) {
@@ -328,7 +328,7 @@ TEST(TypeObject, OrderOfEnumerators) {
         EXPECT_GT(input.number(), 0U);
         EXPECT_EQ(input.number(), 6U);
         EXPECT_EQ(static_cast<int32_t>(input.number()), value);
-        EXPECT_EQ(toHex(input.raw(2)), "0000");
+        EXPECT_EQ(to_hex(input.raw(2)), "0000");
         EXPECT_EQ(input.number(), 2U);
         EXPECT_EQ(input.raw(4)[0], static_cast<uint8_t>(name[0]));
     }
@@ -340,9 +340,9 @@ TEST(TypeObject, Union) {
     const Description description =
         describe(book.unite("U", DDS_MUTABLE_EXTENSIBILITY, TypeBook::primitive(DDS_TK_OCTET),
                             {MemberOf("x", 1, TypeBook::primitive(DDS_TK_LONGLONG)).labels({1, -7}),
-                             MemberOf("y", 2, TypeBook::primitive(DDS_TK_OCTET)).byDefault()}));
+                             MemberOf("y", 2, TypeBook::primitive(DDS_TK_OCTET)).by_default()}));
     ASSERT_EQ(description.minimal.size(), 1U);
-    EXPECT_EQ(toHex(description.minimal[0].object),
+    EXPECT_EQ(to_hex(description.minimal[0].object),
               hex("f1 52  0400"
                   "00000000"             // header
                   "03000000 1100 02 00"  // discriminator: must be understood
@@ -354,7 +354,7 @@ TEST(TypeObject, Union) {
 // ---- What belongs together ----------------------------------------------------------------------
 
 TEST(TypeInformation, IdentifiersAndSizesAreThoseOfTheObjects) {
-    const Description description = describe(support::everythingType());
+    const Description description = describe(support::everything_type());
     ASSERT_EQ(description.code, DDS_RETCODE_OK);
     // Everything; Color, Point, Id.
     ASSERT_EQ(description.minimal.size(), 4U);

@@ -28,7 +28,7 @@ DDS_ReturnCode_t describe(const DDS_TypeCode *type) {
 
 class NoTypeObject : public ::testing::Test {
   protected:
-    void expectUnsupported(const DDS_TypeCode *part, const std::string &reason) {
+    void expect_unsupported(const DDS_TypeCode *part, const std::string &reason) {
         EXPECT_EQ(describe(book_.structure("Whole", DDS_FINAL_EXTENSIBILITY, {{"part", 0, part}})),
                   DDS_RETCODE_UNSUPPORTED)
             << reason;
@@ -41,52 +41,52 @@ class NoTypeObject : public ::testing::Test {
 };
 
 TEST_F(NoTypeObject, Names) {
-    DDS_TypeCode nameless = *support::pointType();
+    DDS_TypeCode nameless = *support::point_type();
     nameless.name = nullptr;
-    expectUnsupported(&nameless, "an unnamed type: no name of 1 to 256 characters");
+    expect_unsupported(&nameless, "an unnamed type: no name of 1 to 256 characters");
     const std::string longest(256, 'n');
     EXPECT_EQ(describe(book_.structure(longest, DDS_FINAL_EXTENSIBILITY, {{longest, 0, number()}})),
               DDS_RETCODE_OK);
     const std::string longer(257, 'n');
-    expectUnsupported(book_.structure(longer, DDS_FINAL_EXTENSIBILITY, {{"m", 0, number()}}),
-                      longer + ": no name of 1 to 256 characters");
+    expect_unsupported(book_.structure(longer, DDS_FINAL_EXTENSIBILITY, {{"m", 0, number()}}),
+                       longer + ": no name of 1 to 256 characters");
     const std::string member = ": a member without a name of 1 to 256 characters";
-    expectUnsupported(book_.structure("S", DDS_FINAL_EXTENSIBILITY, {{longer, 0, number()}}),
-                      "S" + member);
-    expectUnsupported(book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {{"", 0}}), "E" + member);
+    expect_unsupported(book_.structure("S", DDS_FINAL_EXTENSIBILITY, {{longer, 0, number()}}),
+                       "S" + member);
+    expect_unsupported(book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {{"", 0}}), "E" + member);
 }
 
 TEST_F(NoTypeObject, NoMembers) {
-    expectUnsupported(book_.structure("S", DDS_FINAL_EXTENSIBILITY, {}), "S: no members");
-    expectUnsupported(book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {}), "E: no members");
-    expectUnsupported(book_.unite("U", DDS_FINAL_EXTENSIBILITY, number(), {}), "U: no members");
+    expect_unsupported(book_.structure("S", DDS_FINAL_EXTENSIBILITY, {}), "S: no members");
+    expect_unsupported(book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {}), "E: no members");
+    expect_unsupported(book_.unite("U", DDS_FINAL_EXTENSIBILITY, number(), {}), "U: no members");
 }
 
 TEST_F(NoTypeObject, Enumerations) {
-    expectUnsupported(book_.enumeration("E", DDS_MUTABLE_EXTENSIBILITY, {{"A", 1}}),
-                      "E: a mutable enumeration");
-    expectUnsupported(book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {{"A", 1}, {"B", 1}}),
-                      "E: two enumerators with one value");
+    expect_unsupported(book_.enumeration("E", DDS_MUTABLE_EXTENSIBILITY, {{"A", 1}}),
+                       "E: a mutable enumeration");
+    expect_unsupported(book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {{"A", 1}, {"B", 1}}),
+                       "E: two enumerators with one value");
     // Also behind collections and as a discriminator.
     const DDS_TypeCode *const twice =
         book_.enumeration("E", DDS_FINAL_EXTENSIBILITY, {{"A", 1}, {"B", 1}});
-    expectUnsupported(book_.sequence(book_.array(twice, {2})), "E: two enumerators");
-    expectUnsupported(
+    expect_unsupported(book_.sequence(book_.array(twice, {2})), "E: two enumerators");
+    expect_unsupported(
         book_.unite("U", DDS_FINAL_EXTENSIBILITY, twice, {MemberOf("m", 1, number()).labels({1})}),
         "E: two enumerators");
 }
 
 TEST_F(NoTypeObject, TwoDefaultBranches) {
-    expectUnsupported(book_.unite("U", DDS_FINAL_EXTENSIBILITY, number(),
-                                  {MemberOf("a", 1, number()).byDefault(),
-                                   MemberOf("b", 2, number()).byDefault()}),
-                      "U: more than one default branch");
+    expect_unsupported(book_.unite("U", DDS_FINAL_EXTENSIBILITY, number(),
+                                   {MemberOf("a", 1, number()).by_default(),
+                                    MemberOf("b", 2, number()).by_default()}),
+                       "U: more than one default branch");
 }
 
 TEST_F(NoTypeObject, TooManyElements) {
     const DDS_TypeCode *const inner = book_.array(TypeBook::primitive(DDS_TK_OCTET), {65536});
-    expectUnsupported(book_.sequence(book_.array(inner, {65536})),
-                      "an unnamed type: too many elements");
+    expect_unsupported(book_.sequence(book_.array(inner, {65536})),
+                       "an unnamed type: too many elements");
 }
 
 TEST_F(NoTypeObject, TooManyTypes) {
@@ -102,7 +102,7 @@ TEST_F(NoTypeObject, TooManyTypes) {
 }
 
 TEST_F(NoTypeObject, NoTopicType) {
-    EXPECT_EQ(describe(support::colorType()), DDS_RETCODE_UNSUPPORTED);
+    EXPECT_EQ(describe(support::color_type()), DDS_RETCODE_UNSUPPORTED);
     EXPECT_TRUE(log_.saw("neither a structure nor a union"));
 }
 
@@ -117,7 +117,7 @@ TEST_F(NoTypeObject, Recursion) {
 TEST_F(NoTypeObject, Arguments) {
     DDS_OctetSeq information = DDS_SEQUENCE_INITIALIZER;
     DDS_OctetSeq mapping = DDS_SEQUENCE_INITIALIZER;
-    const DDS_TypeCode *const type = support::pointType();
+    const DDS_TypeCode *const type = support::point_type();
     EXPECT_EQ(KOLT_TypeObject_describe(nullptr, "T", &information, &mapping),
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(KOLT_TypeObject_describe(type, nullptr, &information, &mapping),
@@ -127,7 +127,7 @@ TEST_F(NoTypeObject, Arguments) {
               DDS_RETCODE_BAD_PARAMETER);
     // Sequences are used again.
     for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(KOLT_TypeObject_describe(support::everythingType(), "E", &information, &mapping),
+        EXPECT_EQ(KOLT_TypeObject_describe(support::everything_type(), "E", &information, &mapping),
                   DDS_RETCODE_OK);
         EXPECT_EQ(KOLT_TypeObject_describe(type, "T", &information, &mapping), DDS_RETCODE_OK);
         EXPECT_EQ(DDS_OctetSeq_get_length(&information), 100U);

@@ -17,23 +17,23 @@ using namespace support;  // NOLINT
 std::atomic<int> g_live{0};
 std::atomic<int> g_fail_after{-1};
 
-void *createMessage() {
+void *create_message() {
     if (g_fail_after >= 0 && g_fail_after-- == 0) return nullptr;
     auto *const message = static_cast<Message *>(std::calloc(1, sizeof(Message)));
     const DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
-    KOLT_Record_initialize_w_params(messageType(), message, &params);
+    KOLT_Record_initialize_w_params(message_type(), message, &params);
     ++g_live;
     return message;
 }
-void destroyMessage(void *message) {
+void destroy_message(void *message) {
     const DDS_TypeDeallocationParams_t params = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
-    KOLT_Record_finalize_w_params(messageType(), message, &params);
+    KOLT_Record_finalize_w_params(message_type(), message, &params);
     std::free(message);
     --g_live;
 }
 
-DDS_UnsignedLong maxSize(KOLT_TypePluginEndpointData *endpoint, DDS_Boolean include,
-                         DDS_UnsignedShort encapsulation, DDS_UnsignedLong alignment) {
+DDS_UnsignedLong max_size(KOLT_TypePluginEndpointData *endpoint, DDS_Boolean include,
+                          DDS_UnsignedShort encapsulation, DDS_UnsignedLong alignment) {
     DDS_Boolean overflow = DDS_BOOLEAN_FALSE;
     return KOLT_TypePlugin_get_serialized_sample_max_size(endpoint, &overflow, include,
                                                           encapsulation, alignment);
@@ -47,12 +47,12 @@ class TypePlugin : public ::testing::Test {
         const KOLT_TypePluginParticipantInfo info = {3};
         participant_ = KOLT_TypePlugin_ParticipantData_new(&info);
         KOLT_TypePlugin_ParticipantData_set_programs(participant_,
-                                                     KOLT_TypePrograms_acquire(messageType()));
+                                                     KOLT_TypePrograms_acquire(message_type()));
         attach(KOLT_TYPE_PLUGIN_WRITER, 0);
         ASSERT_NE(endpoint_, nullptr);
         ASSERT_TRUE(KOLT_TypePlugin_EndpointData_create_md5_stream(endpoint_, 12, 12));
         ASSERT_TRUE(KOLT_TypePlugin_EndpointData_create_writer_pool(
-            endpoint_, maxSize, KOLT_TypePlugin_get_serialized_sample_size));
+            endpoint_, max_size, KOLT_TypePlugin_get_serialized_sample_size));
     }
     void TearDown() override {
         KOLT_TypePlugin_EndpointData_delete(endpoint_);
@@ -63,8 +63,8 @@ class TypePlugin : public ::testing::Test {
         KOLT_TypePlugin_EndpointData_delete(endpoint_);
         const KOLT_TypePluginEndpointInfo info = {kind, DDS_XCDR2_DATA_REPRESENTATION,
                                                   initial_samples};
-        endpoint_ = KOLT_TypePlugin_EndpointData_new(participant_, &info, createMessage,
-                                                     destroyMessage, createMessage, destroyMessage);
+        endpoint_ = KOLT_TypePlugin_EndpointData_new(
+            participant_, &info, create_message, destroy_message, create_message, destroy_message);
     }
 
     KOLT_TypePluginParticipantData *participant_ = nullptr;
@@ -72,7 +72,7 @@ class TypePlugin : public ::testing::Test {
 };
 
 TEST_F(TypePlugin, ProgramsComeFromTheParticipant) {
-    const Programs programs(messageType());
+    const Programs programs(message_type());
     EXPECT_EQ(KOLT_TypePlugin_ParticipantData_programs(participant_), programs);
     EXPECT_EQ(KOLT_TypePlugin_EndpointData_programs(endpoint_), programs);
     EXPECT_EQ(KOLT_TypePlugin_ParticipantData_programs(nullptr), nullptr);
@@ -130,25 +130,25 @@ TEST_F(TypePlugin, KeysOnlyForKeyedTypes) {
     KOLT_TypePlugin_return_key(endpoint_, key, nullptr);
     KOLT_TypePlugin_EndpointData_delete(endpoint_);
     const KOLT_TypePluginEndpointInfo info = {KOLT_TYPE_PLUGIN_READER, 0, 0};
-    endpoint_ = KOLT_TypePlugin_EndpointData_new(participant_, &info, createMessage, destroyMessage,
-                                                 nullptr, nullptr);
+    endpoint_ = KOLT_TypePlugin_EndpointData_new(participant_, &info, create_message,
+                                                 destroy_message, nullptr, nullptr);
     ASSERT_NE(endpoint_, nullptr);
     EXPECT_EQ(KOLT_TypePlugin_get_key(endpoint_, nullptr), nullptr);
     KOLT_KeyHash hash{};
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     EXPECT_FALSE(KOLT_TypePlugin_instance_to_keyhash(endpoint_, &hash, message.get(), 0))
         << "no key stream";
     KOLT_CdrStream buffer{};
     EXPECT_FALSE(KOLT_TypePlugin_get_buffer(endpoint_, &buffer, 8)) << "no writer pool";
-    EXPECT_EQ(KOLT_TypePlugin_EndpointData_new(participant_, &info, createMessage, destroyMessage,
-                                               createMessage, nullptr),
+    EXPECT_EQ(KOLT_TypePlugin_EndpointData_new(participant_, &info, create_message, destroy_message,
+                                               create_message, nullptr),
               nullptr);
 }
 
 TEST_F(TypePlugin, SerializeAndDeserialize) {
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     message->id = {1, 2};
-    setText(message->text, "hello");
+    set_text(message->text, "hello");
     DDS_Octet bytes[256] = {};
     KOLT_CdrStream stream;
     KOLT_CdrStream_set(&stream, bytes, sizeof(bytes));
@@ -156,9 +156,9 @@ TEST_F(TypePlugin, SerializeAndDeserialize) {
                                           KOLT_ENCAPSULATION_PL_CDR2_LE, DDS_BOOLEAN_TRUE,
                                           nullptr));
     EXPECT_EQ(stream.encapsulation, KOLT_ENCAPSULATION_PL_CDR2_LE);
-    const Programs programs(messageType());
+    const Programs programs(message_type());
     const Bytes expected = serialize(programs, KOLT_ENCAPSULATION_PL_CDR2_LE, message.get());
-    EXPECT_EQ(toHex(Bytes(bytes, bytes + stream.position)), toHex(expected));
+    EXPECT_EQ(to_hex(Bytes(bytes, bytes + stream.position)), to_hex(expected));
     EXPECT_EQ(KOLT_TypePlugin_get_serialized_sample_size(
                   endpoint_, DDS_BOOLEAN_TRUE, KOLT_ENCAPSULATION_PL_CDR2_LE, 0, message.get()),
               expected.size());
@@ -166,7 +166,7 @@ TEST_F(TypePlugin, SerializeAndDeserialize) {
                   endpoint_, DDS_BOOLEAN_FALSE, KOLT_ENCAPSULATION_PL_CDR2_LE, 0, message.get()),
               expected.size() - 4);
 
-    Record<Message> back(messageType());
+    Record<Message> back(message_type());
     void *sample = back.get();
     DDS_Boolean drop = DDS_BOOLEAN_TRUE;
     KOLT_CdrStream_set(&stream, bytes, expected.size());
@@ -174,10 +174,10 @@ TEST_F(TypePlugin, SerializeAndDeserialize) {
                                             DDS_BOOLEAN_TRUE, nullptr));
     EXPECT_FALSE(drop);
     EXPECT_EQ(stream.position, expected.size());
-    EXPECT_TRUE(KOLT_Record_equals(messageType(), back.get(), message.get()));
+    EXPECT_TRUE(KOLT_Record_equals(message_type(), back.get(), message.get()));
 
     // Header and body in two steps.
-    Record<Message> again(messageType());
+    Record<Message> again(message_type());
     sample = again.get();
     KOLT_CdrStream_set(&stream, bytes, expected.size());
     ASSERT_TRUE(KOLT_TypePlugin_deserialize(endpoint_, &sample, nullptr, &stream, DDS_BOOLEAN_TRUE,
@@ -185,11 +185,11 @@ TEST_F(TypePlugin, SerializeAndDeserialize) {
     EXPECT_EQ(stream.position, 4U);
     ASSERT_TRUE(KOLT_TypePlugin_deserialize(endpoint_, &sample, nullptr, &stream, DDS_BOOLEAN_FALSE,
                                             DDS_BOOLEAN_TRUE, nullptr));
-    EXPECT_TRUE(KOLT_Record_equals(messageType(), again.get(), message.get()));
+    EXPECT_TRUE(KOLT_Record_equals(message_type(), again.get(), message.get()));
 }
 
 TEST_F(TypePlugin, Failures) {
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     DDS_Octet bytes[16] = {};
     KOLT_CdrStream stream;
     KOLT_CdrStream_set(&stream, bytes, sizeof(bytes));
@@ -214,7 +214,7 @@ TEST_F(TypePlugin, Failures) {
 }
 
 TEST_F(TypePlugin, KeysOnTheWire) {
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     message->id = {1, 2};
     message->level = 3;
     message->number = 4;
@@ -223,8 +223,8 @@ TEST_F(TypePlugin, KeysOnTheWire) {
     KOLT_CdrStream_set(&stream, bytes, sizeof(bytes));
     ASSERT_TRUE(KOLT_TypePlugin_serialize_key(endpoint_, message.get(), &stream, 1,
                                               KOLT_ENCAPSULATION_PL_CDR2_LE, 1, nullptr));
-    EXPECT_EQ(toHex(Bytes(bytes, bytes + stream.position)), "000b0000 01000000 02000000 03000000");
-    Record<Message> key(messageType());
+    EXPECT_EQ(to_hex(Bytes(bytes, bytes + stream.position)), "000b0000 01000000 02000000 03000000");
+    Record<Message> key(message_type());
     void *holder = key.get();
     KOLT_CdrStream_set(&stream, bytes, stream.position);
     ASSERT_TRUE(
@@ -235,7 +235,7 @@ TEST_F(TypePlugin, KeysOnTheWire) {
     KOLT_CdrStream_set(&stream, bytes, sizeof(bytes));
     ASSERT_TRUE(KOLT_TypePlugin_serialize(endpoint_, message.get(), &stream, 1,
                                           KOLT_ENCAPSULATION_PL_CDR_LE, 1, nullptr));
-    Record<Message> of_sample(messageType());
+    Record<Message> of_sample(message_type());
     holder = of_sample.get();
     KOLT_CdrStream_set(&stream, bytes, stream.position);
     ASSERT_TRUE(KOLT_TypePlugin_deserialize_key_sample(endpoint_, &holder, nullptr, &stream, 1, 1,
@@ -245,14 +245,14 @@ TEST_F(TypePlugin, KeysOnTheWire) {
 }
 
 TEST_F(TypePlugin, KeyHash) {
-    Record<Message> message(messageType());
+    Record<Message> message(message_type());
     message->id = {1, 2};
     message->level = 3;
     KOLT_KeyHash hash{};
     ASSERT_TRUE(KOLT_TypePlugin_instance_to_keyhash(endpoint_, &hash, message.get(),
                                                     KOLT_ENCAPSULATION_PL_CDR_LE));
     EXPECT_EQ(hash.length, 16U);
-    EXPECT_EQ(toHex(Bytes(hash.value, hash.value + 16)), "00000001 00000002 00000003 00000000");
+    EXPECT_EQ(to_hex(Bytes(hash.value, hash.value + 16)), "00000001 00000002 00000003 00000000");
     EXPECT_FALSE(KOLT_TypePlugin_instance_to_keyhash(endpoint_, nullptr, message.get(), 0));
     EXPECT_FALSE(KOLT_TypePlugin_instance_to_keyhash(endpoint_, &hash, nullptr, 0));
 }
@@ -287,14 +287,14 @@ TEST_F(TypePlugin, Sizes) {
 
 TEST_F(TypePlugin, UnboundedSizeOverflows) {
     KOLT_TypePlugin_ParticipantData_set_programs(participant_,
-                                                 KOLT_TypePrograms_acquire(largeType()));
+                                                 KOLT_TypePrograms_acquire(large_type()));
     DDS_Boolean overflow = DDS_BOOLEAN_FALSE;
     EXPECT_EQ(KOLT_TypePlugin_get_serialized_sample_max_size(endpoint_, &overflow, DDS_BOOLEAN_TRUE,
                                                              KOLT_ENCAPSULATION_PL_CDR2_LE, 0),
               KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED);
     EXPECT_TRUE(overflow);
     ASSERT_TRUE(KOLT_TypePlugin_EndpointData_create_writer_pool(
-        endpoint_, maxSize, KOLT_TypePlugin_get_serialized_sample_size));
+        endpoint_, max_size, KOLT_TypePlugin_get_serialized_sample_size));
     KOLT_CdrStream buffer{};
     ASSERT_TRUE(KOLT_TypePlugin_get_buffer(endpoint_, &buffer, 1000000));
     EXPECT_GE(buffer.length, 1000000U);
@@ -334,7 +334,7 @@ TEST_F(TypePlugin, PoolsFromManyThreads) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([this] {
-            Record<Message> message(messageType());
+            Record<Message> message(message_type());
             KOLT_KeyHash hash{};
             for (int round = 0; round < 500; ++round) {
                 KOLT_CdrStream buffer{};

@@ -15,10 +15,10 @@
 namespace {
 
 using support::Bytes;
-using support::fromHex;
+using support::from_hex;
 using support::Programs;
 using support::Record;
-using support::toHex;
+using support::to_hex;
 
 // The page's blocks of bytes by "<section>/<subsection>", and its table of sizes.
 struct Page {
@@ -27,16 +27,16 @@ struct Page {
 };
 
 // The bytes of a line: pairs of digits with a space or two between them. Three spaces end them.
-Bytes bytesOfLine(const std::string &line) {
+Bytes bytes_of_line(const std::string &line) {
     const size_t begin = line.find_first_not_of(' ');
     const size_t end = line.find("   ", begin);
     const std::string digits = line.substr(begin, end == std::string::npos ? end : end - begin);
     EXPECT_EQ(digits.find_first_not_of("0123456789abcdef "), std::string::npos) << line;
-    return fromHex(digits);
+    return from_hex(digits);
 }
 
 // "| `LogMessage` | 4672 | 4680 |".
-void readSizes(const std::string &line, Page *page) {
+void read_sizes(const std::string &line, Page *page) {
     char name[32];
     unsigned xcdr1 = 0;
     unsigned xcdr2 = 0;
@@ -45,11 +45,11 @@ void readSizes(const std::string &line, Page *page) {
     }
 }
 
-bool hasBytes(const std::string &section) {
+bool has_bytes(const std::string &section) {
     return section.rfind("Bytes of", 0) == 0 || section == "Keys";
 }
 
-Page readPage() {
+Page read_page() {
     Page page;
     const char *const source = std::getenv("VUR_DL_TEST_SOURCE_DIR");
     std::ifstream file(std::string(source == nullptr ? "." : source) + "/docs/wire-format.md");
@@ -59,10 +59,10 @@ Page readPage() {
     bool in_block = false;
     for (std::string line; std::getline(file, line);) {
         if (line.rfind("```", 0) == 0) {
-            in_block = line.size() == 3 && !in_block && hasBytes(section);
+            in_block = line.size() == 3 && !in_block && has_bytes(section);
         } else if (in_block) {
             Bytes &block = page.blocks[section + "/" + subsection];
-            const Bytes more = bytesOfLine(line);
+            const Bytes more = bytes_of_line(line);
             block.insert(block.end(), more.begin(), more.end());
         } else if (line.rfind("## ", 0) == 0) {
             section = line.substr(3);
@@ -70,7 +70,7 @@ Page readPage() {
         } else if (line.rfind("### ", 0) == 0) {
             subsection = line.substr(4);
         } else {
-            readSizes(line, &page);
+            read_sizes(line, &page);
         }
     }
     return page;
@@ -86,13 +86,13 @@ class WireFormat : public testing::Test {
           response_(VUR_DL_ADMIN_CommandResponse_get_typecode()) {
         message_->hostAndAppId = {0x01020304, 0x05060708};
         message_->level = 300;
-        support::setText(message_->category, "pump");
-        support::setText(message_->message, "hot");
+        support::set_text(message_->category, "pump");
+        support::set_text(message_->message, "hot");
         message_->messageId = 9;
         state_->hostAndAppId = {0x01020304, 0x05060708};
         state_->administrationDomainId = 7;
         state_->state = VUR_DL_STATE_OPERATIONAL;
-        support::setText(state_->applicationKind, "rig");
+        support::set_text(state_->applicationKind, "rig");
         state_->filterLevel = 600;
         for (int i = 0; i < 5; ++i) {
             state_->vurLoggerVerbosities[i] = {static_cast<VUR_DL_ADMIN_VURLoggerCategory>(i),
@@ -102,7 +102,7 @@ class WireFormat : public testing::Test {
         request_->originatorHostAndAppId = response_->originatorHostAndAppId = {3, 4};
         request_->invocation = response_->invocation = 5;
         request_->command._u.filterLevel = 800;
-        support::setText(response_->message, "ok");
+        support::set_text(response_->message, "ok");
     }
 
     // Takes the block away.
@@ -112,7 +112,7 @@ class WireFormat : public testing::Test {
         page_.blocks.erase(name);
         return bytes;
     }
-    void expectSample(const std::string &name, const DDS_TypeCode *type, const void *record) {
+    void expect_sample(const std::string &name, const DDS_TypeCode *type, const void *record) {
         for (const unsigned encapsulation :
              {KOLT_ENCAPSULATION_PL_CDR_LE, KOLT_ENCAPSULATION_PL_CDR2_LE}) {
             const bool first = encapsulation == KOLT_ENCAPSULATION_PL_CDR_LE;
@@ -120,7 +120,8 @@ class WireFormat : public testing::Test {
             SCOPED_TRACE(place);
             const Bytes expected = block(place);
             const Programs programs(type);
-            EXPECT_EQ(toHex(support::serialize(programs, encapsulation, record)), toHex(expected));
+            EXPECT_EQ(to_hex(support::serialize(programs, encapsulation, record)),
+                      to_hex(expected));
             EXPECT_TRUE(reads(type, expected, record));
         }
         const auto &[xcdr1, xcdr2] = page_.sizes[name];
@@ -141,23 +142,23 @@ class WireFormat : public testing::Test {
         KOLT_Record_finalize_w_params(type, memory.data(), &deallocation);
         return same;
     }
-    void expectKeys() {
+    void expect_keys() {
         const Programs programs(VUR_DL_LogMessage_get_typecode());
         EXPECT_EQ(
-            toHex(support::serializeKey(programs, KOLT_ENCAPSULATION_PL_CDR2_LE, message_.get())),
-            toHex(block("Keys/Payload of a dispose in XCDR2")));
+            to_hex(support::serialize_key(programs, KOLT_ENCAPSULATION_PL_CDR2_LE, message_.get())),
+            to_hex(block("Keys/Payload of a dispose in XCDR2")));
         EXPECT_EQ(
-            toHex(support::serializeKey(programs, KOLT_ENCAPSULATION_PL_CDR_LE, message_.get())),
-            toHex(block("Keys/Payload of a dispose in XCDR1")));
+            to_hex(support::serialize_key(programs, KOLT_ENCAPSULATION_PL_CDR_LE, message_.get())),
+            to_hex(block("Keys/Payload of a dispose in XCDR1")));
         Bytes key(64);
         size_t length = key.size();
         ASSERT_TRUE(KOLT_Cdr_key_of_record(programs, message_.get(), key.data(), &length));
         Bytes hash(16);
         KOLT_Cdr_keyhash(programs, key.data(), length, DDS_BOOLEAN_FALSE, hash.data());
-        EXPECT_EQ(toHex(hash), toHex(block("Keys/Key hash")));
+        EXPECT_EQ(to_hex(hash), to_hex(block("Keys/Key hash")));
     }
 
-    Page page_ = readPage();
+    Page page_ = read_page();
     Record<VUR_DL_LogMessage> message_;
     Record<VUR_DL_ADMIN_State> state_;
     Record<VUR_DL_ADMIN_CommandRequest> request_;
@@ -165,11 +166,11 @@ class WireFormat : public testing::Test {
 };
 
 TEST_F(WireFormat, ThePageShowsWhatIsWritten) {
-    expectSample("LogMessage", VUR_DL_LogMessage_get_typecode(), message_.get());
-    expectSample("State", VUR_DL_ADMIN_State_get_typecode(), state_.get());
-    expectSample("CommandRequest", VUR_DL_ADMIN_CommandRequest_get_typecode(), request_.get());
-    expectSample("CommandResponse", VUR_DL_ADMIN_CommandResponse_get_typecode(), response_.get());
-    expectKeys();
+    expect_sample("LogMessage", VUR_DL_LogMessage_get_typecode(), message_.get());
+    expect_sample("State", VUR_DL_ADMIN_State_get_typecode(), state_.get());
+    expect_sample("CommandRequest", VUR_DL_ADMIN_CommandRequest_get_typecode(), request_.get());
+    expect_sample("CommandResponse", VUR_DL_ADMIN_CommandResponse_get_typecode(), response_.get());
+    expect_keys();
     for (const auto &[name, bytes] : page_.blocks) ADD_FAILURE() << "nothing checks " << name;
 }
 

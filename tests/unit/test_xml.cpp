@@ -15,8 +15,8 @@ namespace {
 
 using support::parse;
 using support::ParserPtr;
-using support::tagOf;
-using support::textOf;
+using support::tag_of;
+using support::text_of;
 
 TEST(XmlTree, HasTagsTextsAttributesAndLines) {
     const ParserPtr parser(DDS_XMLParser_new());
@@ -31,25 +31,25 @@ TEST(XmlTree, HasTagsTextsAttributesAndLines) {
     EXPECT_EQ(DDS_XMLParser_get_error_line(parser.get()), 0U);
     const DDS_XMLObject *root = DDS_XMLParser_get_root(parser.get());
     ASSERT_NE(root, nullptr);
-    EXPECT_EQ(tagOf(root), "dds");
+    EXPECT_EQ(tag_of(root), "dds");
     EXPECT_EQ(DDS_XMLObject_get_line_number(root), 2U);
     EXPECT_EQ(DDS_XMLObject_get_parent(root), nullptr);
     EXPECT_EQ(DDS_XMLObject_get_next_sibling(root), nullptr);
     EXPECT_STREQ(DDS_XMLObject_get_attribute(root, "xmlns"), "urn:x");
 
     const DDS_XMLObject *a = DDS_XMLObject_get_first_child(root);
-    EXPECT_EQ(tagOf(a), "a");
-    EXPECT_EQ(textOf(a), " some  text ");
+    EXPECT_EQ(tag_of(a), "a");
+    EXPECT_EQ(text_of(a), " some  text ");
     EXPECT_EQ(DDS_XMLObject_get_line_number(a), 3U);
     EXPECT_EQ(DDS_XMLObject_get_parent(a), root);
     EXPECT_STREQ(DDS_XMLObject_get_attribute(a, "one"), "1");
     EXPECT_STREQ(DDS_XMLObject_get_attribute(a, "two"), "<2>");
     EXPECT_EQ(DDS_XMLObject_get_attribute(a, "three"), nullptr);
-    EXPECT_EQ(tagOf(DDS_XMLObject_get_first_child(a)), "b");
-    EXPECT_EQ(textOf(DDS_XMLObject_get_first_child(a)), "");
+    EXPECT_EQ(tag_of(DDS_XMLObject_get_first_child(a)), "b");
+    EXPECT_EQ(text_of(DDS_XMLObject_get_first_child(a)), "");
 
     const DDS_XMLObject *c = DDS_XMLObject_get_next_sibling(a);
-    EXPECT_EQ(textOf(c), "<raw>&");
+    EXPECT_EQ(text_of(c), "<raw>&");
     EXPECT_EQ(DDS_XMLObject_find_child(root, "c"), c);
     EXPECT_EQ(DDS_XMLObject_find_child(root, "d"), nullptr);
     EXPECT_EQ(DDS_XMLObject_get_attributes(c), nullptr);
@@ -63,14 +63,14 @@ TEST(XmlTree, NextParseReplacesTheDocument) {
     EXPECT_EQ(DDS_XMLParser_get_root(parser.get()), nullptr);
     ASSERT_EQ(parse(parser, "<dds><b/></dds>"), DDS_RETCODE_OK);
     EXPECT_STREQ(DDS_XMLParser_get_error_message(parser.get()), "");
-    EXPECT_EQ(tagOf(DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser.get()))), "b");
+    EXPECT_EQ(tag_of(DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser.get()))), "b");
 }
 
 TEST(XmlTree, ReadsEncodings) {
     const ParserPtr parser(DDS_XMLParser_new());
     ASSERT_EQ(parse(parser, "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><dds>\xE4</dds>"),
               DDS_RETCODE_OK);
-    EXPECT_EQ(textOf(DDS_XMLParser_get_root(parser.get())), "\xC3\xA4");
+    EXPECT_EQ(text_of(DDS_XMLParser_get_root(parser.get())), "\xC3\xA4");
     const std::string ascii = "<?xml version=\"1.0\"?><dds>x</dds>";
     std::string utf16 = "\xFF\xFE";
     for (const char character : ascii) {
@@ -79,7 +79,7 @@ TEST(XmlTree, ReadsEncodings) {
     }
     ASSERT_EQ(parse(parser, utf16), DDS_RETCODE_OK)
         << DDS_XMLParser_get_error_message(parser.get());
-    EXPECT_EQ(textOf(DDS_XMLParser_get_root(parser.get())), "x");
+    EXPECT_EQ(text_of(DDS_XMLParser_get_root(parser.get())), "x");
 }
 
 struct WrongDocument {
@@ -97,7 +97,7 @@ std::string repeated(const std::string &text, std::size_t count) {
     return result;
 }
 
-std::vector<WrongDocument> wrongDocuments() {
+std::vector<WrongDocument> wrong_documents() {
     const std::string head = "<?xml version=\"1.0\"?>\n";
     return {
         {"empty", "", "no element found", 1},
@@ -143,7 +143,7 @@ std::vector<WrongDocument> wrongDocuments() {
 }
 
 TEST(XmlErrors, TellWhatAndWhere) {
-    for (const WrongDocument &document : wrongDocuments()) {
+    for (const WrongDocument &document : wrong_documents()) {
         SCOPED_TRACE(document.name);
         const ParserPtr parser(DDS_XMLParser_new());
         EXPECT_EQ(parse(parser, document.text), DDS_RETCODE_ERROR);
@@ -288,7 +288,7 @@ TEST(XmlObject, LeavesItsParentWhereverItStands) {
         std::string left;
         for (const DDS_XMLObject *child = DDS_XMLObject_get_first_child(&parent); child != nullptr;
              child = DDS_XMLObject_get_next_sibling(child)) {
-            left += tagOf(child);
+            left += tag_of(child);
         }
         EXPECT_EQ(left, std::string("012").erase(removed, 1));
         for (DDS_XMLObject &child : children) {

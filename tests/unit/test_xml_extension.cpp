@@ -12,7 +12,7 @@ namespace {
 using support::parse;
 using support::ParserPtr;
 using support::save;
-using support::tagOf;
+using support::tag_of;
 
 // An element that writes down what it is told.
 struct Recorder {
@@ -28,7 +28,7 @@ struct Recorded {
     Recorder *recorder;
 };
 
-Recorder &recorderOf(DDS_XMLObject *object) {
+Recorder &recorder_of(DDS_XMLObject *object) {
     return *reinterpret_cast<Recorded *>(object)->recorder;
 }
 
@@ -46,8 +46,8 @@ void event(Recorder &recorder, const std::string &name, DDS_XMLContext *context,
     }
 }
 
-DDS_XMLObject *newRecorded(DDS_XMLExtensionClass *extension, DDS_XMLObject *parent,
-                           const char **attributes, DDS_XMLContext *context) {
+DDS_XMLObject *new_recorded(DDS_XMLExtensionClass *extension, DDS_XMLObject *parent,
+                            const char **attributes, DDS_XMLContext *context) {
     auto &recorder = *static_cast<Recorder *>(DDS_XMLExtensionClass_get_user_data(extension));
     event(recorder, "new", context, attributes[0] == nullptr ? "" : attributes[1]);
     if (recorder.new_fails) {
@@ -61,22 +61,23 @@ DDS_XMLObject *newRecorded(DDS_XMLExtensionClass *extension, DDS_XMLObject *pare
     return &object->base;
 }
 
-void deleteRecorded(DDS_XMLObject *object) {
-    --recorderOf(object).live;
+void delete_recorded(DDS_XMLObject *object) {
+    --recorder_of(object).live;
     DDS_XMLObject_finalize(object);
     delete reinterpret_cast<Recorded *>(object);
 }
 
-void startRecorded(DDS_XMLObject *object, const char *tag, const char **, DDS_XMLContext *context) {
-    event(recorderOf(object), std::string("start ") + tag, context);
+void start_recorded(DDS_XMLObject *object, const char *tag, const char **,
+                    DDS_XMLContext *context) {
+    event(recorder_of(object), std::string("start ") + tag, context);
 }
 
-void endRecorded(DDS_XMLObject *object, const char *tag, const char *text,
-                 DDS_XMLContext *context) {
-    event(recorderOf(object), std::string("end ") + tag, context, text);
+void end_recorded(DDS_XMLObject *object, const char *tag, const char *text,
+                  DDS_XMLContext *context) {
+    event(recorder_of(object), std::string("end ") + tag, context, text);
 }
 
-void saveRecorded(const DDS_XMLObject *, DDS_XMLSaveContext *context) {
+void save_recorded(const DDS_XMLObject *, DDS_XMLSaveContext *context) {
     DDS_XMLHelper_save_string("recorded", "saved", nullptr, DDS_BOOLEAN_FALSE, context);
 }
 
@@ -91,8 +92,9 @@ class XmlExtension : public testing::Test {
     void use(const char *const *parents, DDS_UnsignedLong count) {
         parser_.reset(DDS_XMLParser_new());
         DDS_XMLExtensionClass_delete(class_);
-        class_ = DDS_XMLExtensionClass_new("recorded", &recorder_, parents, count, startRecorded,
-                                           endRecorded, newRecorded, deleteRecorded, saveRecorded);
+        class_ =
+            DDS_XMLExtensionClass_new("recorded", &recorder_, parents, count, start_recorded,
+                                      end_recorded, new_recorded, delete_recorded, save_recorded);
         ASSERT_NE(class_, nullptr);
         ASSERT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), class_), DDS_RETCODE_OK);
     }
@@ -117,7 +119,7 @@ TEST_F(XmlExtension, IsToldWhatStandsInItsElement) {
     EXPECT_EQ(recorder_.events, expected);
     const DDS_XMLObject *object =
         DDS_XMLObject_get_first_child(DDS_XMLParser_get_root(parser_.get()));
-    EXPECT_EQ(tagOf(object), "recorded");
+    EXPECT_EQ(tag_of(object), "recorded");
     EXPECT_EQ(DDS_XMLObject_get_extension_class(object), class_);
     EXPECT_EQ(DDS_XMLObject_get_first_child(object), nullptr);
     EXPECT_EQ(DDS_XMLObject_get_line_number(object), 2U);
@@ -181,18 +183,18 @@ TEST_F(XmlExtension, RegistrationIsChecked) {
               DDS_RETCODE_BAD_PARAMETER);
     EXPECT_EQ(DDS_XMLParser_register_extension_class(nullptr, class_), DDS_RETCODE_BAD_PARAMETER);
     DDS_XMLExtensionClass *root = DDS_XMLExtensionClass_new(
-        "dds", nullptr, nullptr, 0U, nullptr, nullptr, newRecorded, deleteRecorded, nullptr);
+        "dds", nullptr, nullptr, 0U, nullptr, nullptr, new_recorded, delete_recorded, nullptr);
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(DDS_XMLParser_register_extension_class(parser_.get(), root),
               DDS_RETCODE_BAD_PARAMETER);
     DDS_XMLExtensionClass_delete(root);
     EXPECT_EQ(DDS_XMLExtensionClass_new(nullptr, nullptr, nullptr, 0U, nullptr, nullptr,
-                                        newRecorded, deleteRecorded, nullptr),
+                                        new_recorded, delete_recorded, nullptr),
               nullptr);
     EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, nullptr,
-                                        deleteRecorded, nullptr),
+                                        delete_recorded, nullptr),
               nullptr);
-    EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, newRecorded,
+    EXPECT_EQ(DDS_XMLExtensionClass_new("x", nullptr, nullptr, 0U, nullptr, nullptr, new_recorded,
                                         nullptr, nullptr),
               nullptr);
     EXPECT_EQ(DDS_XMLExtensionClass_get_user_data(nullptr), nullptr);

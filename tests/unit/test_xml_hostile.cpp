@@ -62,7 +62,7 @@ long peak() {
 }
 
 // Parses in a child, which must end in good order.
-Outcome inChild(const std::function<DDS_ReturnCode_t(DDS_XMLParser *)> &parse_document) {
+Outcome in_child(const std::function<DDS_ReturnCode_t(DDS_XMLParser *)> &parse_document) {
     int ends[2];
     EXPECT_EQ(pipe(ends), 0);
     malloc_trim(0);  // so that the child finds no memory in reserve
@@ -109,8 +109,8 @@ class XmlHostile : public testing::Test {
         std::ofstream(path_, std::ios::binary) << content;
     }
     // `head`, as many times `unit` as are `size` bytes, `tail`.
-    void writeLarge(const std::string &head, const std::string &unit, const std::string &tail,
-                    std::size_t size) const {
+    void write_large(const std::string &head, const std::string &unit, const std::string &tail,
+                     std::size_t size) const {
         std::string block;
         while (block.size() < 65536) {
             block += unit;
@@ -153,7 +153,7 @@ class Mapped {
     std::size_t size_ = 0;
 };
 
-void expectRefusal(const Outcome &outcome, const std::string &message, DDS_UnsignedLong line) {
+void expect_refusal(const Outcome &outcome, const std::string &message, DDS_UnsignedLong line) {
     EXPECT_EQ(outcome.code, DDS_RETCODE_ERROR);
     EXPECT_FALSE(outcome.has_root);
     EXPECT_NE(std::string(outcome.message).find(message), std::string::npos) << outcome.message;
@@ -178,22 +178,22 @@ class XmlLarge : public XmlHostile, public testing::WithParamInterface<LargeDocu
 TEST_P(XmlLarge, IsRefusedWithItsLineAndLittleMemory) {
     constexpr std::size_t kSize = 100000000;
     const LargeDocument &document = GetParam();
-    writeLarge(document.head, document.unit, document.tail, kSize);
+    write_large(document.head, document.unit, document.tail, kSize);
     const Mapped mapped(path_);
     ASSERT_GE(mapped.size(), kSize);
     {
         SCOPED_TRACE("file");
-        const Outcome outcome = inChild(
+        const Outcome outcome = in_child(
             [&](DDS_XMLParser *parser) { return DDS_XMLParser_parse_file(parser, path_.c_str()); });
-        expectRefusal(outcome, document.message, document.line);
+        expect_refusal(outcome, document.message, document.line);
     }
     {
         SCOPED_TRACE("text");
-        const Outcome outcome = inChild([&](DDS_XMLParser *parser) {
+        const Outcome outcome = in_child([&](DDS_XMLParser *parser) {
             return DDS_XMLParser_parse_string(parser, mapped.text(),
                                               static_cast<DDS_LongLong>(mapped.size()), nullptr);
         });
-        expectRefusal(outcome, document.message, document.line);
+        expect_refusal(outcome, document.message, document.line);
     }
 }
 
@@ -226,9 +226,9 @@ INSTANTIATE_TEST_SUITE_P(
 // The profiles' own ways in: as a file, and as fragments of the factory's QoS.
 TEST_F(XmlHostile, LargeProfilesAreRefused) {
     DDS_DomainParticipantFactory *factory = DDS_DomainParticipantFactory_get_instance();
-    writeLarge("<dds>\n<qos_library name=\"L\">\n", "<qos_profile name=\"", "</qos_library></dds>",
-               100000000);
-    const Outcome file = inChild([&](DDS_XMLParser *) {
+    write_large("<dds>\n<qos_library name=\"L\">\n", "<qos_profile name=\"", "</qos_library></dds>",
+                100000000);
+    const Outcome file = in_child([&](DDS_XMLParser *) {
         return KOLT_DomainParticipantFactory_add_profiles(factory, path_.c_str());
     });
     EXPECT_EQ(file.code, DDS_RETCODE_ERROR);
@@ -246,7 +246,7 @@ TEST_F(XmlHostile, LargeProfilesAreRefused) {
                                          static_cast<DDS_Long>(pointers.size())));
     ASSERT_EQ(DDS_DomainParticipantFactory_set_qos(factory, &qos), DDS_RETCODE_OK);
     DDS_DomainParticipantFactoryQos_finalize(&qos);
-    const Outcome text = inChild(
+    const Outcome text = in_child(
         [&](DDS_XMLParser *) { return DDS_DomainParticipantFactory_load_profiles(factory); });
     EXPECT_EQ(text.code, DDS_RETCODE_ERROR);
     EXPECT_LT(text.growth, kMaxGrowthInKilobytes);
@@ -255,10 +255,10 @@ TEST_F(XmlHostile, LargeProfilesAreRefused) {
 TEST_F(XmlHostile, AMillionLevelsAreRefused) {
     constexpr std::size_t kLevels = 1000000;
     for (const char *head : {"<dds>\n", "<dds>\n<distributed_logger>"}) {
-        writeLarge(head, "<a>", "", 3 * kLevels);
-        const Outcome outcome = inChild(
+        write_large(head, "<a>", "", 3 * kLevels);
+        const Outcome outcome = in_child(
             [&](DDS_XMLParser *parser) { return DDS_XMLParser_parse_file(parser, path_.c_str()); });
-        expectRefusal(outcome, "elements are nested more than 64 deep", 2);
+        expect_refusal(outcome, "elements are nested more than 64 deep", 2);
     }
 }
 
@@ -303,11 +303,11 @@ TEST_F(XmlHostile, EntitiesAreNeverExpandedNorFetched) {
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.text.substr(0, 100));
-        const Outcome outcome = inChild([&](DDS_XMLParser *parser) {
+        const Outcome outcome = in_child([&](DDS_XMLParser *parser) {
             return DDS_XMLParser_parse_string(parser, row.text.data(),
                                               static_cast<DDS_LongLong>(row.text.size()), nullptr);
         });
-        expectRefusal(outcome, row.message, row.line);
+        expect_refusal(outcome, row.message, row.line);
     }
 }
 
@@ -496,7 +496,7 @@ TEST_F(XmlHostile, AFileThatMayNotBeReadIsSaid) {
     write("<dds/>");
     ASSERT_EQ(chmod(folder_.c_str(), 0755), 0);
     ASSERT_EQ(chmod(path_.c_str(), 0), 0);
-    const Outcome outcome = inChild([&](DDS_XMLParser *parser) {
+    const Outcome outcome = in_child([&](DDS_XMLParser *parser) {
         // The superuser may read everything; this process gives that up.
         if (geteuid() == 0 && seteuid(65534) != 0) {
             return DDS_RETCODE_UNSUPPORTED;

@@ -13,7 +13,7 @@ namespace {
 using support::parse;
 using support::ParserPtr;
 using support::save;
-using support::textOf;
+using support::text_of;
 
 TEST(XmlSave, ParsedTreeComesBack) {
     const std::string text =
@@ -33,7 +33,7 @@ TEST(XmlSave, TextBesideChildrenIsKept) {
     ASSERT_EQ(parse(parser, "<dds>te<a/>xt</dds>"), DDS_RETCODE_OK);
     const std::string once = save(DDS_XMLParser_get_root(parser.get()));
     ASSERT_EQ(parse(parser, once), DDS_RETCODE_OK);
-    EXPECT_NE(textOf(DDS_XMLParser_get_root(parser.get())).find("text"), std::string::npos);
+    EXPECT_NE(text_of(DDS_XMLParser_get_root(parser.get())).find("text"), std::string::npos);
 }
 
 TEST(XmlSave, WhatNoDocumentCanHoldIsAnError) {

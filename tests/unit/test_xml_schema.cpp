@@ -54,42 +54,42 @@ class XmlSchema : public testing::Test {
         return message;
     }
 
-    std::string schemaText() const {
+    std::string schema_text() const {
         std::ifstream file(source_ + "/xml/distlog.xsd");
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
-    bool schemaAccepts(const std::string &path) const {
+    bool schema_accepts(const std::string &path) const {
         const std::string command = "xmllint --noout --nonet --schema '" + source_ +
                                     "/xml/distlog.xsd' '" + path + "' >/dev/null 2>&1";
         return std::system(command.c_str()) == 0;
     }
 
-    static bool profilesAreAccepted(const std::string &path) {
+    static bool profiles_are_accepted(const std::string &path) {
         DDS_DomainParticipantFactory *factory = DDS_DomainParticipantFactory_get_instance();
         DDS_DomainParticipantFactory_unload_profiles(factory);
         return KOLT_DomainParticipantFactory_add_profiles(factory, path.c_str()) == DDS_RETCODE_OK;
     }
 
     // The document is parsed with the logger's element, and its profiles are loaded.
-    static bool libraryAccepts(const std::string &path) {
+    static bool library_accepts(const std::string &path) {
         errno = 0;
         DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(
             [](const char *, const char *, DDS_UnsignedLong) {});
         DDS_XMLParser *parser = DDS_XMLParser_new();
         DDS_XMLParser_register_extension_class(parser, extension);
         const bool accepts = DDS_XMLParser_parse_file(parser, path.c_str()) == DDS_RETCODE_OK &&
-                             profilesAreAccepted(path);
+                             profiles_are_accepted(path);
         DDS_XMLParser_delete(parser);
         VUR_DL_XMLConfig_destroyXMLExtensionClass(extension);
         return accepts;
     }
 
-    void expectBoth(const std::string &content, bool accepted) const {
+    void expect_both(const std::string &content, bool accepted) const {
         SCOPED_TRACE(content);
         std::ofstream(path_) << "<dds>" << content << "</dds>";
-        EXPECT_EQ(schemaAccepts(path_), accepted) << "schema";
-        EXPECT_EQ(libraryAccepts(path_), accepted) << "library: " << last_message();
+        EXPECT_EQ(schema_accepts(path_), accepted) << "schema";
+        EXPECT_EQ(library_accepts(path_), accepted) << "library: " << last_message();
     }
 
     std::string source_;
@@ -101,8 +101,8 @@ TEST_F(XmlSchema, ExamplesAreRight) {
     for (const auto &entry : std::filesystem::recursive_directory_iterator(source_ + "/examples")) {
         if (entry.path().extension() == ".xml") {
             ++count;
-            EXPECT_TRUE(schemaAccepts(entry.path())) << entry.path();
-            EXPECT_TRUE(libraryAccepts(entry.path())) << entry.path();
+            EXPECT_TRUE(schema_accepts(entry.path())) << entry.path();
+            EXPECT_TRUE(library_accepts(entry.path())) << entry.path();
         }
     }
     EXPECT_GT(count, 0);
@@ -111,12 +111,12 @@ TEST_F(XmlSchema, ExamplesAreRight) {
 // Every element, attribute and name of a value of QoS libraries. The library tells what it knows in
 // its messages about wrong documents.
 TEST_F(XmlSchema, KnowsTheSameQosAsTheLibrary) {
-    const schema::Grammar known = schema::grammarOfLibrary([this](const std::string &document) {
+    const schema::Grammar known = schema::grammar_of_library([this](const std::string &document) {
         std::ofstream(path_) << document;
         last_message() = "";
-        return profilesAreAccepted(path_) ? "" : last_message();
+        return profiles_are_accepted(path_) ? "" : last_message();
     });
-    const schema::Grammar said = schema::grammarOfSchema(schemaText(), "qos_library");
+    const schema::Grammar said = schema::grammar_of_schema(schema_text(), "qos_library");
     EXPECT_EQ(known.size(), said.size());
     EXPECT_GT(said.size(), 200U);
     for (const auto &[path, place] : said) {
@@ -124,7 +124,7 @@ TEST_F(XmlSchema, KnowsTheSameQosAsTheLibrary) {
         if (found == known.end()) {
             ADD_FAILURE() << "only the schema knows " << path;
         } else {
-            EXPECT_EQ(schema::toString({{path, place}}), schema::toString({*found}));
+            EXPECT_EQ(schema::to_string({{path, place}}), schema::to_string({*found}));
         }
     }
     for (const auto &[path, place] : known) {
@@ -135,21 +135,21 @@ TEST_F(XmlSchema, KnowsTheSameQosAsTheLibrary) {
 // Every child of the logger's element: each puts the parser's object into a state of its own.
 TEST_F(XmlSchema, KnowsTheSameChildrenOfTheLoggerAsTheLibrary) {
     support::XmlConfigDocument document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     auto &config = *reinterpret_cast<VUR_DL_XMLConfig *>(document.object());
-    const auto stateAfter = [&](DL_XMLConfig_TagType before, const char *tag) {
+    const auto state_after = [&](DL_XMLConfig_TagType before, const char *tag) {
         config.currentStatus = before;
         VUR_DL_XMLConfig_onStartElement(&config.baseObject, tag, nullptr, nullptr);
         return config.currentStatus;
     };
-    const schema::Grammar said = schema::grammarOfSchema(schemaText(), "distributed_logger");
+    const schema::Grammar said = schema::grammar_of_schema(schema_text(), "distributed_logger");
     std::map<int, std::string> states;
     for (const std::string &name : said.at("distributed_logger").elements) {
-        const int state = stateAfter(DL_XMLCONFIG_OTHER, name.c_str());
+        const int state = state_after(DL_XMLCONFIG_OTHER, name.c_str());
         EXPECT_TRUE(states.emplace(state, name).second) << name << ", " << states[state];
     }
     for (const std::string &name : said.at("distributed_logger/thread").elements) {
-        const int state = stateAfter(DL_XMLCONFIG_THREAD_TAG, name.c_str());
+        const int state = state_after(DL_XMLCONFIG_THREAD_TAG, name.c_str());
         EXPECT_TRUE(states.emplace(state, name).second) << name << ", " << states[state];
     }
     for (int state = DL_XMLCONFIG_FILTER_LEVEL_TAG;
@@ -164,7 +164,8 @@ TEST_F(XmlSchema, KnowsTheSameChildrenOfTheLoggerAsTheLibrary) {
 // Every name that the schema has for a value of the logger.
 TEST_F(XmlSchema, NamesOfTheLoggersValuesAreAccepted) {
     int count = 0;
-    for (const auto &[path, place] : schema::grammarOfSchema(schemaText(), "distributed_logger")) {
+    for (const auto &[path, place] :
+         schema::grammar_of_schema(schema_text(), "distributed_logger")) {
         for (const std::string &name : place.names) {
             std::string document = name;
             std::string rest = path;
@@ -175,7 +176,7 @@ TEST_F(XmlSchema, NamesOfTheLoggersValuesAreAccepted) {
                 rest.resize(slash == std::string::npos ? 0 : slash);
             }
             std::ofstream(path_) << "<dds>" << document << "</dds>";
-            EXPECT_TRUE(libraryAccepts(path_)) << document;
+            EXPECT_TRUE(library_accepts(path_)) << document;
             ++count;
         }
     }
@@ -198,7 +199,7 @@ TEST_F(XmlSchema, AgreesOnTheElementOfTheLogger) {
           "<thread><stack_size>0</stack_size></thread>",
           "<thread><cpu_list><element>1</element></cpu_list><cpu_list/></thread>",
           "<thread><cpu_rotation>CPU_RR_ROTATION</cpu_rotation></thread>"}) {
-        expectBoth(element(content), true);
+        expect_both(element(content), true);
     }
     for (const char *content :
          {"<enabled>yes</enabled>", "<filter_level>trace</filter_level>",
@@ -209,7 +210,7 @@ TEST_F(XmlSchema, AgreesOnTheElementOfTheLogger) {
           "<thread><stack_size>-1</stack_size></thread>",
           "<thread><cpu_list><element>x</element></cpu_list></thread>",
           "<thread><cpu_rotation>1</cpu_rotation></thread>"}) {
-        expectBoth(element(content), false);
+        expect_both(element(content), false);
     }
 }
 
@@ -231,7 +232,7 @@ TEST_F(XmlSchema, AgreesOnProfiles) {
           "<datawriter_qos><history><depth>0x10</depth></history><resource_limits><max_samples>-1"
           "</max_samples><max_instances>LENGTH_UNLIMITED</max_instances></resource_limits>"
           "</datawriter_qos>"}) {
-        expectBoth(profile(content), true);
+        expect_both(profile(content), true);
     }
     for (const char *content :
          {"<writer_qos/>", "<publisher_qos topic_filter=\"a\"/>",
@@ -248,7 +249,7 @@ TEST_F(XmlSchema, AgreesOnProfiles) {
           "<datawriter_qos kind=\"x\"/>", "<datawriter_qos><time_based_filter/></datawriter_qos>",
           "<participant_qos><property><value><element><value>v</value></element></value></property>"
           "</participant_qos>"}) {
-        expectBoth(profile(content), false);
+        expect_both(profile(content), false);
     }
 }
 
@@ -258,7 +259,7 @@ TEST_F(XmlSchema, AgreesOnNames) {
           "base_name=\"P\" is_default_qos=\"1\"/><qos_profile name=\"R\" "
           "base_name=\"a:b::P\"/></qos_library>",
           "<qos_library name=\"L\"/><qos_library name=\"L\"/>"}) {
-        expectBoth(content, true);
+        expect_both(content, true);
     }
     for (const char *content :
          {"<qos_library/>", "<qos_library name=\"\"/>", "<qos_library name=\"a::b\"/>",
@@ -268,7 +269,7 @@ TEST_F(XmlSchema, AgreesOnNames) {
           "<qos_library name=\"L\"><qos_profile name=\"P\" base=\"Q\"/></qos_library>",
           "<qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"::Q\"/></qos_library>",
           "<qos_library name=\"L\"><qos_profile name=\"P\" base_name=\"Q::\"/></qos_library>"}) {
-        expectBoth(content, false);
+        expect_both(content, false);
     }
 }
 

@@ -16,7 +16,7 @@ namespace {
 
 using support::errors;
 using support::Lines;
-using support::logError;
+using support::log_error;
 using support::StdoutCapture;
 using Document = support::XmlConfigDocument;
 
@@ -24,7 +24,7 @@ using Document = support::XmlConfigDocument;
 
 TEST(XmlConfigParse, EmptyElementIsTheDefaultButOff) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     const VUR_DL_Options *options = document.options();
     ASSERT_NE(options, nullptr);
     EXPECT_EQ(options->enabled, 0);
@@ -39,19 +39,19 @@ TEST(XmlConfigParse, EmptyElementIsTheDefaultButOff) {
 
 TEST(XmlConfigParse, EveryChildIsRead) {
     Document document;
-    ASSERT_EQ(document.parseElement("<filter_level>TRACE</filter_level>"
-                                    "<enabled>true</enabled>"
-                                    "<queue_size>0x10</queue_size>"
-                                    "<echo_to_stdout>false</echo_to_stdout>"
-                                    "<log_infrastructure_messages>0</log_infrastructure_messages>"
-                                    "<thread>"
-                                    "<mask> stdio |\tFloating_Point </mask>"
-                                    "<priority>-5</priority>"
-                                    "<stack_size>0x400</stack_size>"
-                                    "<cpu_list><element>0</element><element>1</element>"
-                                    "<element>0x2</element></cpu_list>"
-                                    "<cpu_rotation>cpu_rr_rotation</cpu_rotation>"
-                                    "</thread>"),
+    ASSERT_EQ(document.parse_element("<filter_level>TRACE</filter_level>"
+                                     "<enabled>true</enabled>"
+                                     "<queue_size>0x10</queue_size>"
+                                     "<echo_to_stdout>false</echo_to_stdout>"
+                                     "<log_infrastructure_messages>0</log_infrastructure_messages>"
+                                     "<thread>"
+                                     "<mask> stdio |\tFloating_Point </mask>"
+                                     "<priority>-5</priority>"
+                                     "<stack_size>0x400</stack_size>"
+                                     "<cpu_list><element>0</element><element>1</element>"
+                                     "<element>0x2</element></cpu_list>"
+                                     "<cpu_rotation>cpu_rr_rotation</cpu_rotation>"
+                                     "</thread>"),
               DDS_RETCODE_OK)
         << document.message();
     const VUR_DL_Options *options = document.options();
@@ -140,7 +140,7 @@ TEST(XmlConfigParse, ErrorsAreReportedWithTheirLine) {
         errno = 0;
         StdoutCapture capture;
         Document document;
-        EXPECT_EQ(document.parseElement(row.content), DDS_RETCODE_ERROR);
+        EXPECT_EQ(document.parse_element(row.content), DDS_RETCODE_ERROR);
         EXPECT_EQ(document.root(), nullptr);
         EXPECT_EQ(errors(), row.reported);
         for (const std::string &line : row.printed) {
@@ -155,7 +155,7 @@ TEST(XmlConfigParse, WrongBooleanFailsTheParse) {
     for (const char *tag : {"enabled", "echo_to_stdout", "log_infrastructure_messages"}) {
         Document document;
         const std::string name = tag;
-        EXPECT_EQ(document.parseElement("\n<" + name + ">yes</" + name + ">"), DDS_RETCODE_ERROR);
+        EXPECT_EQ(document.parse_element("\n<" + name + ">yes</" + name + ">"), DDS_RETCODE_ERROR);
         EXPECT_EQ(document.message(),
                   "<" + name + ">: \"yes\" is no boolean; expected: true, false, 1, 0");
         EXPECT_EQ(document.line(), 4U);
@@ -165,7 +165,7 @@ TEST(XmlConfigParse, WrongBooleanFailsTheParse) {
 TEST(XmlConfigParse, FirstErrorIsTheLast) {
     Document document;
     errno = 0;
-    EXPECT_EQ(document.parseElement("<filter_level>x</filter_level>\n<queue_size>y</queue_size>"),
+    EXPECT_EQ(document.parse_element("<filter_level>x</filter_level>\n<queue_size>y</queue_size>"),
               DDS_RETCODE_ERROR);
     EXPECT_EQ(errors().size(), 2U) << "both of the filter level";
     EXPECT_EQ(document.line(), 3U);
@@ -174,9 +174,9 @@ TEST(XmlConfigParse, FirstErrorIsTheLast) {
 
 TEST(XmlConfigParse, ThreadChildrenCountInsideThreadOnly) {
     Document document;
-    ASSERT_EQ(document.parseElement("<priority>7</priority><mask>nonsense</mask>"
-                                    "<element>x</element><thread><priority>8</priority></thread>"
-                                    "<priority>9</priority><stack_size>-4</stack_size>"),
+    ASSERT_EQ(document.parse_element("<priority>7</priority><mask>nonsense</mask>"
+                                     "<element>x</element><thread><priority>8</priority></thread>"
+                                     "<priority>9</priority><stack_size>-4</stack_size>"),
               DDS_RETCODE_OK);
     EXPECT_EQ(document.options()->threadSettings.priority, 8);
     EXPECT_EQ(document.options()->threadSettings.mask, 0U);
@@ -196,10 +196,10 @@ TEST(XmlConfigParse, UnknownChildrenAndAttributesAreIgnored) {
 TEST(XmlConfigParse, LastOfRepeatedChildrenWinsAndCpuListsAddUp) {
     Document document;
     ASSERT_EQ(
-        document.parseElement("<filter_level>INFO</filter_level><filter_level>650</filter_level>"
-                              "<thread><mask>STDIO</mask><mask>PRIORITY_ENFORCE</mask>"
-                              "<cpu_list><element>3</element></cpu_list>"
-                              "<cpu_list><element>1</element></cpu_list></thread>"),
+        document.parse_element("<filter_level>INFO</filter_level><filter_level>650</filter_level>"
+                               "<thread><mask>STDIO</mask><mask>PRIORITY_ENFORCE</mask>"
+                               "<cpu_list><element>3</element></cpu_list>"
+                               "<cpu_list><element>1</element></cpu_list></thread>"),
         DDS_RETCODE_OK);
     EXPECT_EQ(document.options()->filterLevel, 650);
     EXPECT_EQ(document.options()->threadSettings.mask, 0x10U);
@@ -286,7 +286,7 @@ TEST(XmlConfigParse, EndOfAnElementChecksItsListener) {
 
 TEST(XmlConfigState, FollowsTheTags) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     auto *config = reinterpret_cast<VUR_DL_XMLConfig *>(document.object());
     DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
     const auto start = [&](const char *tag) {
@@ -337,7 +337,7 @@ TEST(XmlConfigState, FollowsTheTags) {
 // What an error leaves behind.
 TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     auto *config = reinterpret_cast<VUR_DL_XMLConfig *>(document.object());
     const VUR_DL_Options &options = *document.options();
     DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
@@ -351,7 +351,7 @@ TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
         VUR_DL_XMLConfig_onEndElement(&config->baseObject, tag, text, &context);
         return errors();
     };
-    const auto threadElement = [&](const char *tag, const char *text) {
+    const auto thread_element = [&](const char *tag, const char *text) {
         config->currentStatus = DL_XMLCONFIG_THREAD_TAG;
         Lines lines = element(tag, text);
         config->currentStatus = DL_XMLCONFIG_OTHER;
@@ -378,16 +378,16 @@ TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
 
     const DDS_ThreadSettings_t &thread = options.threadSettings;
     EXPECT_EQ(
-        threadElement("mask", "STDIO|"),
+        thread_element("mask", "STDIO|"),
         Lines{"12 VUR_DL_XMLConfig_getThreadSettingsKindMask: illegal value on thread mask XML "
               "tag"});
     EXPECT_EQ(thread.mask, 0x02U);
-    EXPECT_EQ(threadElement("priority", "abc").size(), 1U);
+    EXPECT_EQ(thread_element("priority", "abc").size(), 1U);
     EXPECT_EQ(thread.priority, 0);
-    EXPECT_EQ(threadElement("stack_size", "-1").size(), 1U);
+    EXPECT_EQ(thread_element("stack_size", "-1").size(), 1U);
     EXPECT_EQ(thread.stack_size, -1) << "the default";
-    EXPECT_EQ(threadElement("cpu_rotation", "CPU_RR_ROTATION"), kNone);
-    EXPECT_EQ(threadElement("cpu_rotation", "1").size(), 1U);
+    EXPECT_EQ(thread_element("cpu_rotation", "CPU_RR_ROTATION"), kNone);
+    EXPECT_EQ(thread_element("cpu_rotation", "1").size(), 1U);
     EXPECT_EQ(thread.cpu_rotation, DDS_THREAD_SETTINGS_CPU_RR_ROTATION);
     config->currentStatus = DL_XMLCONFIG_THREAD_CPU_LIST_TAG;
     EXPECT_EQ(element("element", "x").size(), 1U);
@@ -398,8 +398,8 @@ TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
 // A child of the logger inside `thread` ends the state of `thread`.
 TEST(XmlConfigState, AChildOfTheLoggerInsideThreadEndsIt) {
     Document document;
-    ASSERT_EQ(document.parseElement("<thread><priority>1</priority><filter_level>7</filter_level>"
-                                    "<priority>2</priority></thread><enabled>true</enabled>"),
+    ASSERT_EQ(document.parse_element("<thread><priority>1</priority><filter_level>7</filter_level>"
+                                     "<priority>2</priority></thread><enabled>true</enabled>"),
               DDS_RETCODE_OK);
     EXPECT_EQ(document.options()->filterLevel, 7);
     EXPECT_EQ(document.options()->threadSettings.priority, 1);
@@ -411,7 +411,7 @@ TEST(XmlConfigState, AChildOfTheLoggerInsideThreadEndsIt) {
 TEST(XmlConfigStart, RefusesWhatIsMissing) {
     StdoutCapture capture;
     Document document;
-    ASSERT_EQ(document.parseElement("<enabled>true</enabled>"), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element("<enabled>true</enabled>"), DDS_RETCODE_OK);
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(nullptr, document.options(), nullptr), 0);
     const std::string method = "VUR_DL_XMLConfig_startWithXMLConfiguration: ";
@@ -422,7 +422,7 @@ TEST(XmlConfigStart, RefusesWhatIsMissing) {
 TEST(XmlConfigStart, OffUnlessEnabled) {
     StdoutCapture capture;
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     DDS_DomainParticipant participant = {};  // nobody looks at it
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, document.options(), "kind"),
               1);

@@ -12,7 +12,7 @@ namespace {
 
 using support::errors;
 using support::Lines;
-using support::logError;
+using support::log_error;
 
 class XmlConfigConversion : public testing::Test {
   protected:
@@ -36,7 +36,7 @@ class XmlConfigConversion : public testing::Test {
 
 TEST_F(XmlConfigConversion, FilterLevel) {
     const auto level = [&](const char *text) {
-        return VUR_DL_XMLConfig_getFilterLevelFromString(text, &context_, logError);
+        return VUR_DL_XMLConfig_getFilterLevelFromString(text, &context_, log_error);
     };
     const std::pair<const char *, int> right[] = {
         {"SILENT", 0},   {"FATAL", 100}, {"SEVERE", 200}, {"ERROR", 300},   {"WARNING", 400},
@@ -63,7 +63,7 @@ TEST_F(XmlConfigConversion, FilterLevel) {
 TEST_F(XmlConfigConversion, QueueSize) {
     int size = 77;
     const auto convert = [&](const char *text) {
-        VUR_DL_XMLConfig_getQueueSize(&size, text, &context_, logError);
+        VUR_DL_XMLConfig_getQueueSize(&size, text, &context_, log_error);
         return size;
     };
     const std::pair<const char *, int> right[] = {
@@ -92,7 +92,7 @@ TEST_F(XmlConfigConversion, QueueSize) {
 TEST_F(XmlConfigConversion, ThreadMask) {
     DDS_ThreadSettingsKindMask mask = 0xFFU;
     const auto convert = [&](const std::string &text) {
-        VUR_DL_XMLConfig_getThreadSettingsKindMask(&mask, text.c_str(), &context_, logError);
+        VUR_DL_XMLConfig_getThreadSettingsKindMask(&mask, text.c_str(), &context_, log_error);
         return mask;
     };
     const std::pair<const char *, DDS_ThreadSettingsKindMask> right[] = {
@@ -147,7 +147,7 @@ TEST_F(XmlConfigConversion, ThreadMask) {
     EXPECT_EQ(take(), Lines{"thread settings kind too long"});
     EXPECT_EQ(convert(std::string(2047, ' ')), 0U);
     EXPECT_EQ(take(), Lines{});
-    VUR_DL_XMLConfig_getThreadSettingsKindMask(&mask, nullptr, &context_, logError);
+    VUR_DL_XMLConfig_getThreadSettingsKindMask(&mask, nullptr, &context_, log_error);
     EXPECT_EQ(take(), Lines{"error trimming thread settings mask string"});
 }
 
@@ -165,7 +165,7 @@ TEST_F(XmlConfigConversion, FirstElementOfAMask) {
 TEST_F(XmlConfigConversion, ThreadPriority) {
     DDS_Long priority = 77;
     const auto convert = [&](const char *text) {
-        VUR_DL_XMLConfig_getThreadPriority(&priority, text, &context_, logError);
+        VUR_DL_XMLConfig_getThreadPriority(&priority, text, &context_, log_error);
         return priority;
     };
     for (const char *name : {"DEFAULT", "HIGH", "ABOVE_NORMAL", "NORMAL", "BELOW_NORMAL", "LOW"}) {
@@ -190,7 +190,7 @@ TEST_F(XmlConfigConversion, ThreadPriority) {
 TEST_F(XmlConfigConversion, ThreadStackSize) {
     DDS_Long size = 77;
     const auto convert = [&](const char *text) {
-        VUR_DL_XMLConfig_getThreadStackSize(&size, text, &context_, logError);
+        VUR_DL_XMLConfig_getThreadStackSize(&size, text, &context_, log_error);
         return size;
     };
     EXPECT_EQ(convert("0"), 0);
@@ -216,7 +216,7 @@ TEST_F(XmlConfigConversion, ThreadStackSize) {
 TEST_F(XmlConfigConversion, CpuListAndRotation) {
     DDS_LongSeq list = DDS_SEQUENCE_INITIALIZER;
     const auto add = [&](const char *text) {
-        VUR_DL_XMLConfig_addElementToThreadCpuList(&list, text, &context_, logError);
+        VUR_DL_XMLConfig_addElementToThreadCpuList(&list, text, &context_, log_error);
     };
     add("3");
     add("0x11");
@@ -245,7 +245,7 @@ TEST_F(XmlConfigConversion, CpuListAndRotation) {
 
     DDS_ThreadSettingsCpuRotationKind rotation = DDS_THREAD_SETTINGS_CPU_NO_ROTATION;
     const auto rotate = [&](const char *text) {
-        VUR_DL_XMLConfig_getThreadCpuRotation(&rotation, text, &context_, logError);
+        VUR_DL_XMLConfig_getThreadCpuRotation(&rotation, text, &context_, log_error);
         return rotation;
     };
     for (const char *prefix : {"", "THREAD_SETTINGS_", "dds_thread_settings_"}) {

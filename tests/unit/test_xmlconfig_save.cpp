@@ -32,7 +32,7 @@ std::string save(const DDS_XMLObject *object, int *error = nullptr, DDS_Long *de
 
 TEST(XmlConfigSave, UnchangedConfigurationIsSevenLines) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     EXPECT_EQ(save(document.object()),
               "<distributed_logger>\n"
               "    <filter_level>INFO</filter_level>\n"
@@ -45,7 +45,7 @@ TEST(XmlConfigSave, UnchangedConfigurationIsSevenLines) {
 
 TEST(XmlConfigSave, EverythingIsWrittenAtItsDepth) {
     Document document;
-    ASSERT_EQ(document.parseElement(
+    ASSERT_EQ(document.parse_element(
                   "<filter_level>650</filter_level><enabled>1</enabled><queue_size>5</queue_size>"
                   "<thread><mask>STDIO|FLOATING_POINT|PRIORITY_ENFORCE|REALTIME_PRIORITY</mask>"
                   "<priority>3</priority><stack_size>0</stack_size>"
@@ -78,7 +78,7 @@ TEST(XmlConfigSave, EverythingIsWrittenAtItsDepth) {
 TEST(XmlConfigSave, RotationAloneMakesAThreadElement) {
     Document document;
     ASSERT_EQ(
-        document.parseElement("<thread><cpu_rotation>CPU_RR_ROTATION</cpu_rotation></thread>"),
+        document.parse_element("<thread><cpu_rotation>CPU_RR_ROTATION</cpu_rotation></thread>"),
         DDS_RETCODE_OK);
     const std::string text = save(document.object());
     EXPECT_NE(text.find("    <thread>\n"
@@ -96,7 +96,7 @@ TEST(XmlConfigSave, NamedLevelsAreWrittenByName) {
         {0, "SILENT"},   {100, "FATAL"}, {200, "SEVERE"}, {300, "ERROR"}, {400, "WARNING"},
         {500, "NOTICE"}, {600, "INFO"},  {700, "DEBUG"},  {800, "TRACE"}, {801, "801"}};
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     for (const auto &[level, name] : rows) {
         document.options()->filterLevel = level;
         EXPECT_NE(
@@ -107,7 +107,7 @@ TEST(XmlConfigSave, NamedLevelsAreWrittenByName) {
 
 TEST(XmlConfigSave, UnknownRotationStopsTheElement) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     document.options()->threadSettings.mask = DDS_THREAD_SETTINGS_STDIO;
     const int unknown = 7;
     std::memcpy(&document.options()->threadSettings.cpu_rotation, &unknown, sizeof(unknown));
@@ -122,7 +122,7 @@ TEST(XmlConfigSave, UnknownRotationStopsTheElement) {
 
 TEST(XmlConfigSave, MissingOptionsAreAnError) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     auto *config = reinterpret_cast<VUR_DL_XMLConfig *>(document.object());
     config->parsedDLOptions = VUR_DL_Options_delete(config->parsedDLOptions);
     int error = 0;
@@ -134,7 +134,7 @@ TEST(XmlConfigSave, MissingOptionsAreAnError) {
 
 TEST(XmlConfigSave, OtherMaskBitsAreDropped) {
     Document document;
-    ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+    ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
     document.options()->threadSettings.mask = 0xE6U;
     EXPECT_NE(save(document.object()).find("<mask>THREAD_SETTINGS_STDIO</mask>"),
               std::string::npos);
@@ -149,7 +149,7 @@ TEST(XmlConfigSave, ParsesBack) {
     const auto coin = [&] { return number(0, 1); };
     for (int n = 0; n < 1000; ++n) {
         Document document;
-        ASSERT_EQ(document.parseElement(""), DDS_RETCODE_OK);
+        ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
         VUR_DL_Options *options = document.options();
         options->filterLevel = coin() != 0 ? 100 * number(0, 9) : number(0, 2147483647);
         options->enabled = coin();

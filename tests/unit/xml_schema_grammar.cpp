@@ -14,7 +14,7 @@ namespace {
 using Names = std::set<std::string>;
 
 // Of a list "a, b, c": those parts that are names, not descriptions.
-bool isName(const std::string &text) {
+bool is_name(const std::string &text) {
     for (const char c : text) {
         if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '_') {
             return false;
@@ -29,7 +29,7 @@ Names split(const std::string &list, const std::string &separator) {
     while (begin <= list.size()) {
         const std::size_t end = std::min(list.find(separator, begin), list.size());
         const std::string part = list.substr(begin, end - begin);
-        if (isName(part)) {
+        if (is_name(part)) {
             names.insert(part);
         }
         begin = end + separator.size();
@@ -59,7 +59,7 @@ class SchemaReader {
     }
 
     Grammar read(const std::string &name) {
-        const DDS_XMLObject *declaration = findElement(schema_, name);
+        const DDS_XMLObject *declaration = find_element(schema_, name);
         if (declaration == nullptr) {
             throw std::runtime_error("the schema has no element " + name);
         }
@@ -73,7 +73,7 @@ class SchemaReader {
     };
 
     template <typename Visit>
-    static void forEachChild(const DDS_XMLObject *object, Visit visit) {
+    static void for_each_child(const DDS_XMLObject *object, Visit visit) {
         for (const DDS_XMLObject *child = DDS_XMLObject_get_first_child(object); child != nullptr;
              child = DDS_XMLObject_get_next_sibling(child)) {
             visit(*child, std::string(DDS_XMLObject_get_tag_name(child)));
@@ -81,22 +81,22 @@ class SchemaReader {
     }
 
     // The first declaration of that name, at any depth.
-    static const DDS_XMLObject *findElement(const DDS_XMLObject *object, const std::string &name) {
+    static const DDS_XMLObject *find_element(const DDS_XMLObject *object, const std::string &name) {
         const DDS_XMLObject *found = nullptr;
-        forEachChild(object, [&](const DDS_XMLObject &child, const std::string &tag) {
+        for_each_child(object, [&](const DDS_XMLObject &child, const std::string &tag) {
             if (found == nullptr) {
                 found = tag == "xs:element" && attribute(&child, "name") == name
                             ? &child
-                            : findElement(&child, name);
+                            : find_element(&child, name);
             }
         });
         return found;
     }
 
     // A type or group at the top.
-    const DDS_XMLObject *findNamed(const std::string &name, bool group) const {
+    const DDS_XMLObject *find_named(const std::string &name, bool group) const {
         const DDS_XMLObject *found = nullptr;
-        forEachChild(schema_, [&](const DDS_XMLObject &child, const std::string &tag) {
+        for_each_child(schema_, [&](const DDS_XMLObject &child, const std::string &tag) {
             if ((tag == "xs:group") == group && tag != "xs:element" &&
                 attribute(&child, "name") == name) {
                 found = &child;
@@ -106,20 +106,20 @@ class SchemaReader {
     }
 
     // Types of the schema language itself have no definition here.
-    void readType(const std::string &name, const std::string &path) {
-        if (const DDS_XMLObject *type = findNamed(name, false)) {
-            readContent(*type, path);
+    void read_type(const std::string &name, const std::string &path) {
+        if (const DDS_XMLObject *type = find_named(name, false)) {
+            read_content(*type, path);
         }
     }
 
     void walk(const DDS_XMLObject &declaration, const std::string &path) {
         grammar_[path];
-        readType(attribute(&declaration, "type"), path);
-        readContent(declaration, path);
+        read_type(attribute(&declaration, "type"), path);
+        read_content(declaration, path);
     }
 
-    void readContent(const DDS_XMLObject &parent, const std::string &path) {
-        forEachChild(&parent, [&](const DDS_XMLObject &child, const std::string &tag) {
+    void read_content(const DDS_XMLObject &parent, const std::string &path) {
+        for_each_child(&parent, [&](const DDS_XMLObject &child, const std::string &tag) {
             const std::string value = attribute(&child, "value");
             if (tag == "xs:element") {
                 const std::string name = attribute(&child, "name");
@@ -128,7 +128,7 @@ class SchemaReader {
             } else if (tag == "xs:attribute") {
                 grammar_[path].attributes.insert(attribute(&child, "name"));
             } else if (tag == "xs:group") {
-                readContent(*findNamed(attribute(&child, "ref"), true), path);
+                read_content(*find_named(attribute(&child, "ref"), true), path);
             } else if (tag == "xs:enumeration") {
                 grammar_[path].names.insert(value);
             } else if (tag == "xs:pattern") {
@@ -138,10 +138,10 @@ class SchemaReader {
                 }
             } else {
                 for (const std::string &type : split(attribute(&child, "memberTypes"), " ")) {
-                    readType(type, path);
+                    read_type(type, path);
                 }
-                readType(attribute(&child, "base"), path);
-                readContent(child, path);
+                read_type(attribute(&child, "base"), path);
+                read_content(child, path);
             }
         });
     }
@@ -188,7 +188,7 @@ class LibraryReader {
     }
 
     // Infinite nanoseconds need infinite seconds beside them, and a property needs a name.
-    static std::string documentWithValue(const Path &path, const std::string &value) {
+    static std::string document_with_value(const Path &path, const std::string &value) {
         const std::string &name = path.back();
         const std::string companion = name == "nanosec"     ? "<sec>DURATION_INFINITE_SEC</sec>"
                                       : name == "propagate" ? "<name>n</name>"
@@ -217,7 +217,7 @@ class LibraryReader {
         if (children == "a value") {
             for (const std::string &value : split(expected(document(path, "~")), ", ")) {
                 // A name may be known, and refused in this place.
-                if (load_(documentWithValue(path, value)).empty()) {
+                if (load_(document_with_value(path, value)).empty()) {
                     place.names.insert(value);
                 }
             }
@@ -237,7 +237,7 @@ class LibraryReader {
 
 }  // namespace
 
-std::string toString(const Grammar &grammar) {
+std::string to_string(const Grammar &grammar) {
     const auto list = [](const Names &names) {
         std::string text;
         for (const std::string &name : names) {
@@ -253,11 +253,11 @@ std::string toString(const Grammar &grammar) {
     return text;
 }
 
-Grammar grammarOfSchema(const std::string &xsd, const std::string &name) {
+Grammar grammar_of_schema(const std::string &xsd, const std::string &name) {
     return SchemaReader(xsd).read(name);
 }
 
-Grammar grammarOfLibrary(const Load &load) {
+Grammar grammar_of_library(const Load &load) {
     return LibraryReader(load).read();
 }
 

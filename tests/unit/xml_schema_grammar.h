@@ -22,15 +22,15 @@ struct Place {
 using Grammar = std::map<std::string, Place>;
 
 // One line a place, for messages.
-std::string toString(const Grammar &grammar);
+std::string to_string(const Grammar &grammar);
 
 // What a schema (the text of an xsd document) says about the element `name` and all below it.
-Grammar grammarOfSchema(const std::string &xsd, const std::string &name);
+Grammar grammar_of_schema(const std::string &xsd, const std::string &name);
 
 // What a library knows of the element `qos_library` and all below it, asked by wrong documents:
 // `load` is given a document and returns what is wrong in it, "" when nothing is.
 using Load = std::function<std::string(const std::string &document)>;
-Grammar grammarOfLibrary(const Load &load);
+Grammar grammar_of_library(const Load &load);
 
 }  // namespace schema
 

@@ -9,9 +9,9 @@
 
 namespace distlog {
 
-std::shared_ptr<SetOptions> addSetOptions(CLI::App &command) {
+std::shared_ptr<SetOptions> add_set_options(CLI::App &command) {
     const auto options = std::make_shared<SetOptions>();
-    addDomain(command, options->domain);
+    add_domain(command, options->domain);
     command
         .add_option("APP", options->app,
                     "Which loggers: HOST:APP, an application kind, or 'all' (see distlog ls)")
@@ -20,7 +20,7 @@ std::shared_ptr<SetOptions> addSetOptions(CLI::App &command) {
         .add_option_function<std::string>(
             "--timeout",
             [options](const std::string &text) {
-                options->timeout = durationArgument("--timeout", text);
+                options->timeout = duration_argument("--timeout", text);
             },
             "How long to look for loggers and to wait for answers (default 5 s)")
         ->type_name("S");
@@ -34,12 +34,12 @@ Administration::Administration(const SetOptions &options)
       directory_(session_),
       requester_(session_) {}
 
-std::vector<Identity> Administration::findTargets(States states) {
+std::vector<Identity> Administration::find_targets(States states) {
     const std::optional<Identity> &identity = selector_.identity();
     if (identity && states == States::kWelcome) {
         return {*identity};
     }
-    directory_.collect(stop_, deadlineAfter(options_.timeout),
+    directory_.collect(stop_, deadline_after(options_.timeout),
                        [&] { return identity && directory_.find(*identity) != nullptr; });
     std::vector<Identity> targets;
     for (const LoggerInfo &logger : directory_.select(selector_)) {
@@ -55,7 +55,7 @@ std::vector<Identity> Administration::findTargets(States states) {
 }
 
 std::vector<Answer> Administration::send(const std::vector<Request> &requests, bool in_any_case) {
-    return requester_.send(requests, deadlineAfter(options_.timeout),
+    return requester_.send(requests, deadline_after(options_.timeout),
                            in_any_case ? nullptr : &stop_);
 }
 
@@ -82,25 +82,25 @@ int Administration::report(const std::vector<Answer> &answers,
                 break;
         }
         result = answer.outcome == Outcome::kOk ? result : kExitFailure;
-        fmt::print("{}: {}\n", nameOf(answer.target), text);
+        fmt::print("{}: {}\n", name_of(answer.target), text);
     }
     std::fflush(stdout);
     return result;
 }
 
-int Administration::tellAll(const FillCommand &fill, const std::string &done) {
+int Administration::tell_all(const FillCommand &fill, const std::string &done) {
     std::vector<Request> requests;
-    for (const Identity &target : findTargets(States::kWelcome)) {
+    for (const Identity &target : find_targets(States::kWelcome)) {
         requests.push_back(Request{target, fill});
     }
     return report(send(requests), [&](const Answer &) { return done; });
 }
 
-std::string Administration::nameOf(const Identity &identity) const {
+std::string Administration::name_of(const Identity &identity) const {
     const LoggerInfo *logger = directory_.find(identity);
     return logger == nullptr || logger->kind.empty()
-               ? toString(identity)
-               : fmt::format("{} ({})", printable(logger->kind), toString(identity));
+               ? to_string(identity)
+               : fmt::format("{} ({})", printable(logger->kind), to_string(identity));
 }
 
 }  // namespace distlog

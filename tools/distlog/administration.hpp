@@ -23,7 +23,7 @@ struct SetOptions {
 };
 
 // Adds APP, --domain and --timeout to a form of the command.
-std::shared_ptr<SetOptions> addSetOptions(CLI::App &command);
+std::shared_ptr<SetOptions> add_set_options(CLI::App &command);
 
 class Administration {
   public:
@@ -36,7 +36,7 @@ class Administration {
     enum class States { kWelcome, kNeeded };
     // The loggers that APP stands for; throws Failure when there is none. One that is addressed by
     // its identity is taken on trust unless its State is needed.
-    std::vector<Identity> findTargets(States states);
+    std::vector<Identity> find_targets(States states);
 
     // Sends the requests and waits for the answers; unless `in_any_case`, the user may cut that
     // short.
@@ -48,10 +48,10 @@ class Administration {
                const std::function<std::string(const Answer &)> &done);
 
     // All of it: tells every target the same and says `done`.
-    int tellAll(const FillCommand &fill, const std::string &done);
+    int tell_all(const FillCommand &fill, const std::string &done);
 
     // Kind and identity: who was addressed is said without ambiguity.
-    std::string nameOf(const Identity &identity) const;
+    std::string name_of(const Identity &identity) const;
 
   private:
     SetOptions options_;
@@ -62,9 +62,9 @@ class Administration {
     Requester requester_;
 };
 
-void addSetLevel(CLI::App &set, Action &action);
-void addSetVerbosity(CLI::App &set, Action &action);
-void addSetFormat(CLI::App &set, Action &action);
+void add_set_level(CLI::App &set, Action &action);
+void add_set_verbosity(CLI::App &set, Action &action);
+void add_set_format(CLI::App &set, Action &action);
 
 }  // namespace distlog
 

@@ -14,7 +14,7 @@ namespace {
 constexpr int kMaximumDomain = 230;
 constexpr double kLongestDuration = 366.0 * 24 * 3600;
 
-std::optional<double> unitSeconds(std::string_view unit) {
+std::optional<double> unit_seconds(std::string_view unit) {
     if (unit.empty() || unit == "s") {
         return 1.0;
     }
@@ -32,18 +32,18 @@ std::optional<double> unitSeconds(std::string_view unit) {
 
 }  // namespace
 
-int levelArgument(const std::string &what, const std::string &text) {
-    const std::optional<int> level = parseLevel(text);
+int level_argument(const std::string &what, const std::string &text) {
+    const std::optional<int> level = parse_level(text);
     if (!level) {
         throw CLI::ValidationError(
             what,
-            fmt::format("'{}' is no level: {}, or a number of 0 or more", text, levelNames()));
+            fmt::format("'{}' is no level: {}, or a number of 0 or more", text, level_names()));
     }
     return *level;
 }
 
-Seconds durationArgument(const std::string &what, const std::string &text) {
-    const std::optional<Seconds> duration = parseDuration(text);
+Seconds duration_argument(const std::string &what, const std::string &text) {
+    const std::optional<Seconds> duration = parse_duration(text);
     if (!duration) {
         throw CLI::ValidationError(
             what, fmt::format("'{}' is no duration: a number above 0 with s, m or h", text));
@@ -51,7 +51,7 @@ Seconds durationArgument(const std::string &what, const std::string &text) {
     return *duration;
 }
 
-std::optional<Seconds> parseDuration(std::string_view text) {
+std::optional<Seconds> parse_duration(std::string_view text) {
     double total = 0.0;
     if (text.empty()) {
         return std::nullopt;
@@ -65,7 +65,7 @@ std::optional<Seconds> parseDuration(std::string_view text) {
         }
         text.remove_prefix(static_cast<std::size_t>(end - text.data()));
         const std::size_t unit_length = std::min(text.find_first_of("0123456789."), text.size());
-        const std::optional<double> unit = unitSeconds(text.substr(0, unit_length));
+        const std::optional<double> unit = unit_seconds(text.substr(0, unit_length));
         if (!unit) {
             return std::nullopt;
         }
@@ -79,7 +79,7 @@ std::optional<Seconds> parseDuration(std::string_view text) {
     return Seconds(total);
 }
 
-void addDomain(CLI::App &command, int &domain) {
+void add_domain(CLI::App &command, int &domain) {
     command.add_option("--domain", domain, "DDS domain to look at")
         ->type_name("N")
         ->capture_default_str()

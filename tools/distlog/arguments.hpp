@@ -13,15 +13,15 @@ namespace distlog {
 using Seconds = std::chrono::duration<double>;
 
 // Each throws CLI::ValidationError naming `what`, the option or argument that the text came from.
-int levelArgument(const std::string &what, const std::string &text);
-Seconds durationArgument(const std::string &what, const std::string &text);
+int level_argument(const std::string &what, const std::string &text);
+Seconds duration_argument(const std::string &what, const std::string &text);
 
 // "90", "1.5s", "5m", "1h30m": a number without a unit means seconds. Empty when it is none of
 // these, or nothing above zero and below a year.
-std::optional<Seconds> parseDuration(std::string_view text);
+std::optional<Seconds> parse_duration(std::string_view text);
 
 // --domain, 0 to 230.
-void addDomain(CLI::App &command, int &domain);
+void add_domain(CLI::App &command, int &domain);
 
 }  // namespace distlog
 

@@ -57,7 +57,7 @@ class InputCopy {
     int fd_;
 };
 
-bool isLoaded(const Report &report, const std::string &wanted) {
+bool is_loaded(const Report &report, const std::string &wanted) {
     for (const check::ProfileSource &source : report.profiles.sources) {
         if (std::find(source.profiles.begin(), source.profiles.end(), wanted) !=
             source.profiles.end()) {
@@ -68,7 +68,7 @@ bool isLoaded(const Report &report, const std::string &wanted) {
 }
 
 // What an application names comes first, then the logger's own profile, then the default one.
-void chooseProfile(const CheckOptions &options, Report &report) {
+void choose_profile(const CheckOptions &options, Report &report) {
     VUR_DL_Options *logger = report.document.options();
     report.profile = report.profiles.default_profile;
     report.chosen_by = "is_default_qos";
@@ -76,7 +76,7 @@ void chooseProfile(const CheckOptions &options, Report &report) {
         VUR_DL_Options_setQosLibrary(logger, options.library.c_str());
         VUR_DL_Options_setQosProfile(logger, options.profile.c_str());
         const std::string wanted = options.library + "::" + options.profile;
-        if (isLoaded(report, wanted)) {
+        if (is_loaded(report, wanted)) {
             report.profile = wanted;
             report.chosen_by = "--profile";
             return;
@@ -86,14 +86,14 @@ void chooseProfile(const CheckOptions &options, Report &report) {
             fmt::format("no QoS profile {}; the logger says \"QoS Library and Profile cannot be "
                         "found, using default QoS\" and does so; profiles: {}",
                         wanted, report.profiles.list()));
-    } else if (report.document.loggerLine() != 0 &&
+    } else if (report.document.logger_line() != 0 &&
                VUR_DL_XMLConfig_chooseQosProfile(logger) != 0 && logger->qosProfile != nullptr) {
         report.profile = fmt::format("{}::{}", logger->qosLibrary, logger->qosProfile);
         report.chosen_by = "by its name";
     }
 }
 
-const check::Policy &policyOf(const check::Entity &entity, std::string_view name) {
+const check::Policy &policy_of(const check::Entity &entity, std::string_view name) {
     for (const check::Policy &policy : entity.policies) {
         if (policy.name == name) {
             return policy;
@@ -103,26 +103,26 @@ const check::Policy &policyOf(const check::Entity &entity, std::string_view name
 }
 
 // What the QoS means for the logger, beyond its values.
-void judgeEntities(Report &report) {
+void judge_entities(Report &report) {
     const auto add = [&](Severity severity, std::string text) {
         report.problems.add(severity, report.document.name(), 0, std::move(text));
     };
     for (const check::Entity &entity : report.entities) {
-        const std::string name = nameOf(entity);
+        const std::string name = name_of(entity);
         if (!entity.refusal.empty()) {
             add(Severity::kError, fmt::format("the logger does not start: its {} is refused: {}",
                                               name, entity.refusal));
         }
         const bool is_group = entity.kind == "publisher" || entity.kind == "subscriber";
-        if (is_group && !policyOf(entity, "partition").isStandard()) {
+        if (is_group && !policy_of(entity, "partition").is_standard()) {
             add(Severity::kNote,
                 fmt::format("the {} is in the partition {}: monitors outside it, distlog among "
                             "them, do not meet the logger",
                             name,
-                            check::policyText("partition", policyOf(entity, "partition").value)));
+                            check::policy_text("partition", policy_of(entity, "partition").value)));
         }
         if ((is_group || entity.kind == "participant") &&
-            !policyOf(entity, "entity_factory").isStandard()) {
+            !policy_of(entity, "entity_factory").is_standard()) {
             add(Severity::kWarning,
                 fmt::format("autoenable_created_entities is false for the {}: what the logger "
                             "creates in it is never enabled, and nothing is published",
@@ -131,16 +131,16 @@ void judgeEntities(Report &report) {
     }
 }
 
-void judgeLogger(Report &report) {
+void judge_logger(Report &report) {
     const check::Document &document = report.document;
-    if (document.loggerLine() == 0) {
+    if (document.logger_line() == 0) {
         report.problems.add(Severity::kNote, document.name(), 0,
                             "no element <distributed_logger>: no logger is started from this "
                             "document");
     } else if (document.options()->enabled == 0) {
         report.problems.add(
-            Severity::kNote, document.name(), document.loggerLine(),
-            document.lineOf(*check::findElement("distributed_logger", "enabled")) != 0
+            Severity::kNote, document.name(), document.logger_line(),
+            document.line_of(*check::find_element("distributed_logger", "enabled")) != 0
                 ? "the logger stays off: <enabled> is false"
                 : "the logger stays off: there is no <enabled>true</enabled>");
     }
@@ -156,32 +156,32 @@ std::unique_ptr<Report> examine(const std::string &file, const CheckOptions &opt
     if (!well_formed) {
         return report;
     }
-    report->profiles = loadProfiles(report->document, log, report->problems);
-    if (!report->hasErrors()) {
-        chooseProfile(options, *report);
-        judgeLogger(*report);
-        report->entities = entitiesOf(*report->document.options(), log);
-        judgeEntities(*report);
+    report->profiles = load_profiles(report->document, log, report->problems);
+    if (!report->has_errors()) {
+        choose_profile(options, *report);
+        judge_logger(*report);
+        report->entities = entities_of(*report->document.options(), log);
+        judge_entities(*report);
     }
     return report;
 }
 
-int checkAll(const CheckOptions &options) {
+int check_all(const CheckOptions &options) {
     Output output;
     bool fine = true;
     bool first = true;
     for (const std::string &file : options.files) {
         const std::unique_ptr<Report> report = examine(file, options);
-        fine = fine && report->isFine();
+        fine = fine && report->is_fine();
         if (options.json) {
-            output.line(toLine(toJson(*report)));
+            output.line(to_line(to_json(*report)));
         } else {
             if (!first) {
                 output.line("");
                 output.flush();
             }
-            printProblems(*report);
-            printText(*report, options.all, output);
+            print_problems(*report);
+            print_text(*report, options.all, output);
         }
         output.flush();
         first = false;
@@ -189,7 +189,7 @@ int checkAll(const CheckOptions &options) {
     return fine ? kExitOk : kExitFailure;
 }
 
-void setProfile(CheckOptions &options, const std::string &text) {
+void set_profile(CheckOptions &options, const std::string &text) {
     const std::size_t separator = text.find("::");
     if (separator == std::string::npos || separator == 0 || separator + 2 == text.size()) {
         throw CLI::ValidationError("--profile", fmt::format("'{}' is no LIBRARY::PROFILE", text));
@@ -200,7 +200,7 @@ void setProfile(CheckOptions &options, const std::string &text) {
 
 }  // namespace
 
-void addCheck(CLI::App &app, Action &action) {
+void add_check(CLI::App &app, Action &action) {
     CLI::App *command = app.add_subcommand(
         "check", "Check configuration documents, and show what would be in force");
     command->footer(
@@ -212,13 +212,13 @@ void addCheck(CLI::App &app, Action &action) {
         ->required();
     command
         ->add_option_function<std::string>(
-            "--profile", [options](const std::string &text) { setProfile(*options, text); },
+            "--profile", [options](const std::string &text) { set_profile(*options, text); },
             "The QoS profile that the application names in its code (qosLibrary, qosProfile)")
         ->type_name("LIBRARY::PROFILE");
     command->add_flag("--all", options->all,
                       "Show policies at the standard's default, too (JSON always has them)");
     command->add_flag("--json", options->json, "One JSON object a line for each document");
-    command->callback([&action, options] { action = [options] { return checkAll(*options); }; });
+    command->callback([&action, options] { action = [options] { return check_all(*options); }; });
 }
 
 }  // namespace distlog

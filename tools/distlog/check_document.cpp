@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 7> kBuildingBlocks{kLogger,
                                                           "application_library",
                                                           "data_library"};
 
-std::string_view tagOf(const DDS_XMLObject *object) {
+std::string_view tag_of(const DDS_XMLObject *object) {
     return DDS_XMLObject_get_tag_name(object);
 }
 
@@ -46,7 +46,7 @@ std::string quoted(std::string_view text) {
 }
 
 template <typename Visit>
-void forEachChild(const DDS_XMLObject *object, Visit visit) {
+void for_each_child(const DDS_XMLObject *object, Visit visit) {
     for (const DDS_XMLObject *child = DDS_XMLObject_get_first_child(object); child != nullptr;
          child = DDS_XMLObject_get_next_sibling(child)) {
         visit(child);
@@ -54,7 +54,7 @@ void forEachChild(const DDS_XMLObject *object, Visit visit) {
 }
 
 // Where an element of this name belongs, when not in `parent`; "" when nowhere.
-std::string_view homeOf(std::string_view name) {
+std::string_view home_of(std::string_view name) {
     for (const Element &element : elements()) {
         if (element.name == name) {
             return element.parent;
@@ -65,7 +65,7 @@ std::string_view homeOf(std::string_view name) {
 
 // True when the number that the library reads is all that the text says: nothing follows it, and it
 // was not cut to 32 bits. Some elements take numbers in any base, some only decimal ones.
-bool saysOnly(const char *text, int value) {
+bool says_only(const char *text, int value) {
     for (const int base : {0, 10}) {
         char *end = nullptr;
         if (std::strtoll(text, &end, base) == value && trimmed(end).empty()) {
@@ -75,10 +75,10 @@ bool saysOnly(const char *text, int value) {
     return false;
 }
 
-void ignoreError(const char *, const char *, DDS_UnsignedLong) {}
+void ignore_error(const char *, const char *, DDS_UnsignedLong) {}
 
 // What to look for, where the XML library's own words do not tell.
-std::string withHint(const std::string &message) {
+std::string with_hint(const std::string &message) {
     constexpr std::pair<std::string_view, std::string_view> kHints[] = {
         {"not well-formed",
          "a bare & or <, a value without quotes, -- in a comment, or bytes of another encoding"},
@@ -111,24 +111,24 @@ Document::Document(std::string path, std::string name)
 bool Document::read(Problems &problems) {
     if (DDS_XMLParser_parse_file(tree_.get(), path_.c_str()) != DDS_RETCODE_OK) {
         problems.add(Severity::kError, name_, DDS_XMLParser_get_error_line(tree_.get()),
-                     withHint(DDS_XMLParser_get_error_message(tree_.get())));
+                     with_hint(DDS_XMLParser_get_error_message(tree_.get())));
         return false;
     }
     DDS_XMLObject *root = DDS_XMLParser_get_root(tree_.get());
-    checkRoot(problems);
+    check_root(problems);
     const DDS_XMLObject *logger = VUR_DL_XMLConfig_getDLXMLObjectFromRoot(root);
     if (logger != nullptr) {
         logger_line_ = DDS_XMLObject_get_line_number(logger);
         const std::size_t errors = problems.count(Severity::kError);
-        checkLoggers(root, logger, problems);
+        check_loggers(root, logger, problems);
         if (problems.count(Severity::kError) == errors) {
-            readOptions(problems);
+            read_options(problems);
         }
     }
     return true;
 }
 
-std::uint32_t Document::lineOf(const Element &element) const {
+std::uint32_t Document::line_of(const Element &element) const {
     const auto found = lines_.find(&element);
     return found == lines_.end() ? 0 : found->second;
 }
@@ -137,29 +137,29 @@ void Document::warn(const DDS_XMLObject *object, std::string text, Problems &pro
     problems.add(Severity::kWarning, name_, DDS_XMLObject_get_line_number(object), std::move(text));
 }
 
-void Document::checkRoot(Problems &problems) const {
+void Document::check_root(Problems &problems) const {
     const std::string_view text = trimmed(DDS_XMLObject_get_text(root()));
     if (!text.empty()) {
         warn(root(), fmt::format("text in <dds> has no effect: {}", quoted(text)), problems);
     }
-    forEachChild(root(), [&](const DDS_XMLObject *child) {
-        if (std::find(kBuildingBlocks.begin(), kBuildingBlocks.end(), tagOf(child)) ==
+    for_each_child(root(), [&](const DDS_XMLObject *child) {
+        if (std::find(kBuildingBlocks.begin(), kBuildingBlocks.end(), tag_of(child)) ==
             kBuildingBlocks.end()) {
             warn(child,
                  fmt::format("unknown element <{}> in <dds> has no effect; expected: "
                              "distributed_logger, qos_library",
-                             tagOf(child)),
+                             tag_of(child)),
                  problems);
         }
     });
 }
 
 // Every logger's element, also those that do not count: what is wrong in them fails the parse, too.
-void Document::checkLoggers(const DDS_XMLObject *object, const DDS_XMLObject *first,
-                            Problems &problems) {
-    forEachChild(object, [&](const DDS_XMLObject *child) {
-        if (tagOf(child) != kLogger) {
-            checkLoggers(child, first, problems);
+void Document::check_loggers(const DDS_XMLObject *object, const DDS_XMLObject *first,
+                             Problems &problems) {
+    for_each_child(object, [&](const DDS_XMLObject *child) {
+        if (tag_of(child) != kLogger) {
+            check_loggers(child, first, problems);
             return;
         }
         if (child != first) {
@@ -169,23 +169,24 @@ void Document::checkLoggers(const DDS_XMLObject *object, const DDS_XMLObject *fi
                              logger_line_),
                  problems);
         }
-        checkElement(child, nullptr, problems);
-        checkChildren(child, child == first, problems);
+        check_element(child, nullptr, problems);
+        check_children(child, child == first, problems);
     });
 }
 
-void Document::checkChildren(const DDS_XMLObject *parent, bool in_force, Problems &problems) {
-    forEachChild(parent, [&](const DDS_XMLObject *child) {
-        const Element *element = findElement(tagOf(parent), tagOf(child));
+void Document::check_children(const DDS_XMLObject *parent, bool in_force, Problems &problems) {
+    for_each_child(parent, [&](const DDS_XMLObject *child) {
+        const Element *element = find_element(tag_of(parent), tag_of(child));
         if (element == nullptr) {
-            const std::string_view home = homeOf(tagOf(child));
+            const std::string_view home = home_of(tag_of(child));
             warn(child,
-                 home.empty() ? fmt::format("unknown element <{}> in <{}> has no effect; "
-                                            "expected: {}",
-                                            tagOf(child), tagOf(parent), childNames(tagOf(parent)))
-                              : fmt::format("element <{}> in <{}> does not belong there, but in "
-                                            "<{}>",
-                                            tagOf(child), tagOf(parent), home),
+                 home.empty()
+                     ? fmt::format("unknown element <{}> in <{}> has no effect; "
+                                   "expected: {}",
+                                   tag_of(child), tag_of(parent), child_names(tag_of(parent)))
+                     : fmt::format("element <{}> in <{}> does not belong there, but in "
+                                   "<{}>",
+                                   tag_of(child), tag_of(parent), home),
                  problems);
             return;
         }
@@ -198,44 +199,44 @@ void Document::checkChildren(const DDS_XMLObject *parent, bool in_force, Problem
                      problems);
             }
         }
-        checkElement(child, element, problems);
+        check_element(child, element, problems);
         if (element->accepts == nullptr) {
-            checkChildren(child, in_force, problems);
+            check_children(child, in_force, problems);
         } else {
-            checkValue(child, *element, problems);
+            check_value(child, *element, problems);
         }
     });
 }
 
 // Attributes, and text or elements where the other belongs. `element` is nullptr for the logger's.
-void Document::checkElement(const DDS_XMLObject *object, const Element *element,
-                            Problems &problems) {
+void Document::check_element(const DDS_XMLObject *object, const Element *element,
+                             Problems &problems) {
     const char *const *attributes = DDS_XMLObject_get_attributes(object);
     if (attributes != nullptr) {
         warn(object,
              fmt::format("unknown attribute \"{}\" of <{}> has no effect; expected: none",
-                         attributes[0], tagOf(object)),
+                         attributes[0], tag_of(object)),
              problems);
     }
     const DDS_XMLObject *child = DDS_XMLObject_get_first_child(object);
     const bool holds_value = element != nullptr && element->accepts != nullptr;
     if (holds_value && child != nullptr) {
         warn(child,
-             fmt::format("element <{}> in <{}> has no effect; expected: a value", tagOf(child),
-                         tagOf(object)),
+             fmt::format("element <{}> in <{}> has no effect; expected: a value", tag_of(child),
+                         tag_of(object)),
              problems);
     }
     const std::string_view text = trimmed(DDS_XMLObject_get_text(object));
     if (!holds_value && !text.empty()) {
         warn(object,
-             fmt::format("text in <{}> has no effect: {}; expected: elements", tagOf(object),
+             fmt::format("text in <{}> has no effect: {}; expected: elements", tag_of(object),
                          quoted(text)),
              problems);
     }
 }
 
-void Document::checkValue(const DDS_XMLObject *object, const Element &element,
-                          Problems &problems) const {
+void Document::check_value(const DDS_XMLObject *object, const Element &element,
+                           Problems &problems) const {
     const char *text = DDS_XMLObject_get_text(object);
     if (!element.accepts(text)) {
         problems.add(Severity::kError, name_, DDS_XMLObject_get_line_number(object),
@@ -245,7 +246,7 @@ void Document::checkValue(const DDS_XMLObject *object, const Element &element,
     }
     const std::optional<int> value =
         element.number == nullptr ? std::nullopt : element.number(text);
-    if (value && !saysOnly(text, *value)) {
+    if (value && !says_only(text, *value)) {
         warn(object,
              fmt::format("<{}>: {} is read as {}; expected: {}", element.name, quoted(text), *value,
                          element.expected),
@@ -253,9 +254,9 @@ void Document::checkValue(const DDS_XMLObject *object, const Element &element,
     }
 }
 
-void Document::readOptions(Problems &problems) {
+void Document::read_options(Problems &problems) {
     using ClassPtr = std::unique_ptr<DDS_XMLExtensionClass, void (*)(DDS_XMLExtensionClass *)>;
-    const ClassPtr extension(VUR_DL_XMLConfig_createXMLExtensionClass(ignoreError),
+    const ClassPtr extension(VUR_DL_XMLConfig_createXMLExtensionClass(ignore_error),
                              VUR_DL_XMLConfig_destroyXMLExtensionClass);
     const ParserPtr parser(DDS_XMLParser_new(), DDS_XMLParser_delete);
     if (extension == nullptr || parser == nullptr ||

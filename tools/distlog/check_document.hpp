@@ -31,19 +31,19 @@ class Document {
     // The element `dds`; valid after a successful read.
     const DDS_XMLObject *root() const { return DDS_XMLParser_get_root(tree_.get()); }
     // The line of the element; 0 when the document has none.
-    std::uint32_t loggerLine() const { return logger_line_; }
+    std::uint32_t logger_line() const { return logger_line_; }
     // What the element says, with defaults for the rest; without the element, the defaults of code.
     VUR_DL_Options *options() const { return options_.get(); }
     // The line that sets an option; 0 when none does.
-    std::uint32_t lineOf(const Element &element) const;
+    std::uint32_t line_of(const Element &element) const;
 
   private:
-    void checkRoot(Problems &problems) const;
-    void checkElement(const DDS_XMLObject *object, const Element *element, Problems &problems);
-    void checkChildren(const DDS_XMLObject *parent, bool in_force, Problems &problems);
-    void checkValue(const DDS_XMLObject *object, const Element &element, Problems &problems) const;
-    void checkLoggers(const DDS_XMLObject *object, const DDS_XMLObject *first, Problems &problems);
-    void readOptions(Problems &problems);
+    void check_root(Problems &problems) const;
+    void check_element(const DDS_XMLObject *object, const Element *element, Problems &problems);
+    void check_children(const DDS_XMLObject *parent, bool in_force, Problems &problems);
+    void check_value(const DDS_XMLObject *object, const Element &element, Problems &problems) const;
+    void check_loggers(const DDS_XMLObject *object, const DDS_XMLObject *first, Problems &problems);
+    void read_options(Problems &problems);
     void warn(const DDS_XMLObject *object, std::string text, Problems &problems) const;
 
     std::string path_;

@@ -16,7 +16,7 @@ namespace {
 
 // ---- Conversions: the library's own -----------------------------------------------------------
 
-void ignoreError(const char *, const char *, DDS_UnsignedLong) {}
+void ignore_error(const char *, const char *, DDS_UnsignedLong) {}
 
 // Calls `convert(context)`; false when it reports an error.
 template <typename Convert>
@@ -27,7 +27,7 @@ bool converts(Convert convert) {
     return context.error == 0;
 }
 
-bool isBoolean(const char *text) {
+bool is_boolean(const char *text) {
     return converts([&](DDS_XMLContext *context) {
         DDS_Boolean value = DDS_BOOLEAN_FALSE;
         DDS_XMLHelper_str_to_boolean(&value, text, context);
@@ -35,7 +35,7 @@ bool isBoolean(const char *text) {
 }
 
 // True when a number stands at the start of the text, where the library reads it.
-bool startsWithNumber(const char *text) {
+bool starts_with_number(const char *text) {
     text += std::strspn(text, " \t\r\n\v\f");
     text += text[0] == '+' || text[0] == '-' ? 1 : 0;
     return text[0] >= '0' && text[0] <= '9';
@@ -43,53 +43,53 @@ bool startsWithNumber(const char *text) {
 
 // A converter of the library's family for integers.
 template <auto kConvert>
-bool isInteger(const char *text) {
+bool is_integer(const char *text) {
     return converts([&](DDS_XMLContext *context) {
         int value = 0;
-        kConvert(&value, text, context, ignoreError);
+        kConvert(&value, text, context, ignore_error);
     });
 }
 template <auto kConvert>
-std::optional<int> numberIn(const char *text) {
+std::optional<int> number_in(const char *text) {
     int value = 0;
     const bool converted =
-        converts([&](DDS_XMLContext *context) { kConvert(&value, text, context, ignoreError); });
-    return converted && startsWithNumber(text) ? std::optional<int>(value) : std::nullopt;
+        converts([&](DDS_XMLContext *context) { kConvert(&value, text, context, ignore_error); });
+    return converted && starts_with_number(text) ? std::optional<int>(value) : std::nullopt;
 }
 
-void convertLevel(int *value, const char *text, DDS_XMLContext *context,
-                  VUR_DL_XMLConfig_ParseErrorLogFunction log) {
+void convert_level(int *value, const char *text, DDS_XMLContext *context,
+                   VUR_DL_XMLConfig_ParseErrorLogFunction log) {
     *value = VUR_DL_XMLConfig_getFilterLevelFromString(text, context, log);
 }
-void appendCpu(int *value, const char *text, DDS_XMLContext *context,
-               VUR_DL_XMLConfig_ParseErrorLogFunction log) {
+void append_cpu(int *value, const char *text, DDS_XMLContext *context,
+                VUR_DL_XMLConfig_ParseErrorLogFunction log) {
     DDS_LongSeq list = DDS_SEQUENCE_INITIALIZER;
     VUR_DL_XMLConfig_addElementToThreadCpuList(&list, text, context, log);
     *value = DDS_LongSeq_get_length(&list) == 0 ? 0 : DDS_LongSeq_get(&list, 0);
     DDS_LongSeq_finalize(&list);
 }
 
-bool isMask(const char *text) {
+bool is_mask(const char *text) {
     return converts([&](DDS_XMLContext *context) {
         DDS_ThreadSettingsKindMask mask = 0;
-        VUR_DL_XMLConfig_getThreadSettingsKindMask(&mask, text, context, ignoreError);
+        VUR_DL_XMLConfig_getThreadSettingsKindMask(&mask, text, context, ignore_error);
     });
 }
 
-bool isRotation(const char *text) {
+bool is_rotation(const char *text) {
     return converts([&](DDS_XMLContext *context) {
         DDS_ThreadSettingsCpuRotationKind rotation = DDS_THREAD_SETTINGS_CPU_NO_ROTATION;
-        VUR_DL_XMLConfig_getThreadCpuRotation(&rotation, text, context, ignoreError);
+        VUR_DL_XMLConfig_getThreadCpuRotation(&rotation, text, context, ignore_error);
     });
 }
 
 // ---- Options ----------------------------------------------------------------------------------
 
-std::string booleanText(int value) {
+std::string boolean_text(int value) {
     return value != 0 ? "true" : "false";
 }
 
-Json maskNames(const VUR_DL_Options &options) {
+Json mask_names(const VUR_DL_Options &options) {
     constexpr struct {
         const char *name;
         DDS_ThreadSettingsKindMask bit;
@@ -106,7 +106,7 @@ Json maskNames(const VUR_DL_Options &options) {
     return names;
 }
 
-Json cpuNumbers(const VUR_DL_Options &options) {
+Json cpu_numbers(const VUR_DL_Options &options) {
     const DDS_LongSeq &list = options.threadSettings.cpu_list;
     Json numbers = Json::array();
     for (DDS_UnsignedLong i = 0; i < DDS_LongSeq_get_length(&list); ++i) {
@@ -125,11 +125,11 @@ std::string joined(const Json &array, std::string_view separator, std::string_vi
 }
 
 // The value itself, or null for the default that stands for "the system's".
-Json unlessDefault(DDS_Long value, DDS_Long default_value) {
+Json unless_default(DDS_Long value, DDS_Long default_value) {
     return value == default_value ? Json() : Json(value);
 }
 
-const char *rotationName(const VUR_DL_Options &options) {
+const char *rotation_name(const VUR_DL_Options &options) {
     return options.threadSettings.cpu_rotation == DDS_THREAD_SETTINGS_CPU_RR_ROTATION
                ? "CPU_RR_ROTATION"
                : "CPU_NO_ROTATION";
@@ -145,40 +145,40 @@ constexpr std::string_view kLogger = "distributed_logger";
 constexpr std::string_view kBoolean = "true, false, 1, 0";
 
 const Element kElements[] = {
-    {kLogger, "enabled", kBoolean, isBoolean, nullptr,
+    {kLogger, "enabled", kBoolean, is_boolean, nullptr,
      [](const Options &o) { return Json(o.enabled != 0); },
-     [](const Options &o) { return booleanText(o.enabled); }},
+     [](const Options &o) { return boolean_text(o.enabled); }},
     {kLogger, "filter_level",
      "SILENT, FATAL, SEVERE, ERROR, WARNING, NOTICE, INFO, DEBUG, TRACE (in capitals, without "
      "blanks around them), or a decimal number of 0 or more",
-     isInteger<convertLevel>, numberIn<convertLevel>,
+     is_integer<convert_level>, number_in<convert_level>,
      [](const Options &o) { return Json(o.filterLevel); },
      [](const Options &o) {
-         const std::string name = levelName(o.filterLevel);
+         const std::string name = level_name(o.filterLevel);
          const std::string number = fmt::format("{}", o.filterLevel);
          return name == number ? number : fmt::format("{} ({})", number, name);
      }},
-    {kLogger, "queue_size", "a number from 1 to 2147483647", isInteger<kQueueSize>,
-     numberIn<kQueueSize>, [](const Options &o) { return Json(o.queueSize); },
+    {kLogger, "queue_size", "a number from 1 to 2147483647", is_integer<kQueueSize>,
+     number_in<kQueueSize>, [](const Options &o) { return Json(o.queueSize); },
      [](const Options &o) { return fmt::format("{} messages", o.queueSize); }},
-    {kLogger, "echo_to_stdout", kBoolean, isBoolean, nullptr,
+    {kLogger, "echo_to_stdout", kBoolean, is_boolean, nullptr,
      [](const Options &o) { return Json(o.echoToStdout != 0); },
-     [](const Options &o) { return booleanText(o.echoToStdout); }},
-    {kLogger, "log_infrastructure_messages", kBoolean, isBoolean, nullptr,
+     [](const Options &o) { return boolean_text(o.echoToStdout); }},
+    {kLogger, "log_infrastructure_messages", kBoolean, is_boolean, nullptr,
      [](const Options &o) { return Json(o.logInfrastructureMessages != 0); },
-     [](const Options &o) { return booleanText(o.logInfrastructureMessages); }},
+     [](const Options &o) { return boolean_text(o.logInfrastructureMessages); }},
     {kLogger, "thread", "", nullptr, nullptr, nullptr, nullptr},
     {"thread", "mask",
      "MASK_DEFAULT, FLOATING_POINT, STDIO, REALTIME_PRIORITY, PRIORITY_ENFORCE, joined by '|'",
-     isMask, nullptr, maskNames,
-     [](const Options &o) { return joined(maskNames(o), " | ", "none"); }},
+     is_mask, nullptr, mask_names,
+     [](const Options &o) { return joined(mask_names(o), " | ", "none"); }},
     {"thread", "priority",
      "a decimal number, or THREAD_PRIORITY_DEFAULT, THREAD_PRIORITY_HIGH, "
      "THREAD_PRIORITY_ABOVE_NORMAL, THREAD_PRIORITY_NORMAL, THREAD_PRIORITY_BELOW_NORMAL, "
      "THREAD_PRIORITY_LOW",
-     isInteger<kPriority>, numberIn<kPriority>,
+     is_integer<kPriority>, number_in<kPriority>,
      [](const Options &o) {
-         return unlessDefault(o.threadSettings.priority, DDS_THREAD_PRIORITY_DEFAULT);
+         return unless_default(o.threadSettings.priority, DDS_THREAD_PRIORITY_DEFAULT);
      },
      [](const Options &o) {
          return o.threadSettings.priority == DDS_THREAD_PRIORITY_DEFAULT
@@ -186,22 +186,22 @@ const Element kElements[] = {
                     : fmt::format("{}", o.threadSettings.priority);
      }},
     {"thread", "stack_size", "a number of bytes, 0 or more, or THREAD_STACK_SIZE_DEFAULT",
-     isInteger<kStackSize>, numberIn<kStackSize>,
+     is_integer<kStackSize>, number_in<kStackSize>,
      [](const Options &o) {
-         return unlessDefault(o.threadSettings.stack_size, DDS_THREAD_STACK_SIZE_DEFAULT);
+         return unless_default(o.threadSettings.stack_size, DDS_THREAD_STACK_SIZE_DEFAULT);
      },
      [](const Options &o) {
          return o.threadSettings.stack_size == DDS_THREAD_STACK_SIZE_DEFAULT
                     ? "the system's"
                     : fmt::format("{} bytes", o.threadSettings.stack_size);
      }},
-    {"thread", "cpu_list", "", nullptr, nullptr, cpuNumbers,
-     [](const Options &o) { return joined(cpuNumbers(o), ", ", "any"); }},
-    {"cpu_list", "element", "the number of a processor, 0 or more", isInteger<appendCpu>,
-     numberIn<appendCpu>, nullptr, nullptr},
-    {"thread", "cpu_rotation", "CPU_NO_ROTATION, CPU_RR_ROTATION", isRotation, nullptr,
-     [](const Options &o) { return Json(rotationName(o)); },
-     [](const Options &o) { return std::string(rotationName(o)); }},
+    {"thread", "cpu_list", "", nullptr, nullptr, cpu_numbers,
+     [](const Options &o) { return joined(cpu_numbers(o), ", ", "any"); }},
+    {"cpu_list", "element", "the number of a processor, 0 or more", is_integer<append_cpu>,
+     number_in<append_cpu>, nullptr, nullptr},
+    {"thread", "cpu_rotation", "CPU_NO_ROTATION, CPU_RR_ROTATION", is_rotation, nullptr,
+     [](const Options &o) { return Json(rotation_name(o)); },
+     [](const Options &o) { return std::string(rotation_name(o)); }},
 };
 
 }  // namespace
@@ -210,7 +210,7 @@ std::span<const Element> elements() {
     return kElements;
 }
 
-const Element *findElement(std::string_view parent, std::string_view name) {
+const Element *find_element(std::string_view parent, std::string_view name) {
     for (const Element &element : kElements) {
         if (element.parent == parent && element.name == name) {
             return &element;
@@ -219,7 +219,7 @@ const Element *findElement(std::string_view parent, std::string_view name) {
     return nullptr;
 }
 
-std::string childNames(std::string_view parent) {
+std::string child_names(std::string_view parent) {
     std::string names;
     for (const Element &element : kElements) {
         if (element.parent == parent) {
@@ -229,7 +229,7 @@ std::string childNames(std::string_view parent) {
     return names;
 }
 
-std::string pathOf(const Element &element) {
+std::string path_of(const Element &element) {
     return element.parent == kLogger ? std::string(element.name)
                                      : fmt::format("{}/{}", element.parent, element.name);
 }

@@ -30,11 +30,11 @@ struct Element {
 
 std::span<const Element> elements();
 // nullptr when `parent` has no such child.
-const Element *findElement(std::string_view parent, std::string_view name);
+const Element *find_element(std::string_view parent, std::string_view name);
 // "a, b, c": what may stand in `parent`.
-std::string childNames(std::string_view parent);
+std::string child_names(std::string_view parent);
 // "thread/mask"; a child of the logger's element has its bare name.
-std::string pathOf(const Element &element);
+std::string path_of(const Element &element);
 
 }  // namespace distlog::check
 

@@ -23,7 +23,7 @@ MiddlewareLog::MiddlewareLog()
 }
 
 MiddlewareLog::~MiddlewareLog() {
-    divertMiddlewareLog();
+    divert_middleware_log();
     KOLT_Config_Logger_set_print_format(KOLT_Config_Logger_get_instance(), format_);
 }
 

@@ -17,55 +17,55 @@ constexpr const char *kUnlimited = "LENGTH_UNLIMITED";
 
 // The names that a document has for the values of an enumeration, from 0 on.
 template <std::size_t count>
-Json nameOf(const std::array<const char *, count> &names, int value) {
+Json name_of(const std::array<const char *, count> &names, int value) {
     const auto index = static_cast<std::size_t>(value);
     return value >= 0 && index < count ? Json(names[index]) : Json(value);
 }
 
-Json toJson(DDS_DurabilityQosPolicyKind kind) {
-    return nameOf(std::array{"VOLATILE_DURABILITY_QOS", "TRANSIENT_LOCAL_DURABILITY_QOS",
-                             "TRANSIENT_DURABILITY_QOS", "PERSISTENT_DURABILITY_QOS"},
-                  kind);
+Json to_json(DDS_DurabilityQosPolicyKind kind) {
+    return name_of(std::array{"VOLATILE_DURABILITY_QOS", "TRANSIENT_LOCAL_DURABILITY_QOS",
+                              "TRANSIENT_DURABILITY_QOS", "PERSISTENT_DURABILITY_QOS"},
+                   kind);
 }
-Json toJson(DDS_PresentationQosPolicyAccessScopeKind kind) {
-    return nameOf(
+Json to_json(DDS_PresentationQosPolicyAccessScopeKind kind) {
+    return name_of(
         std::array{"INSTANCE_PRESENTATION_QOS", "TOPIC_PRESENTATION_QOS", "GROUP_PRESENTATION_QOS"},
         kind);
 }
-Json toJson(DDS_OwnershipQosPolicyKind kind) {
-    return nameOf(std::array{"SHARED_OWNERSHIP_QOS", "EXCLUSIVE_OWNERSHIP_QOS"}, kind);
+Json to_json(DDS_OwnershipQosPolicyKind kind) {
+    return name_of(std::array{"SHARED_OWNERSHIP_QOS", "EXCLUSIVE_OWNERSHIP_QOS"}, kind);
 }
-Json toJson(DDS_LivelinessQosPolicyKind kind) {
-    return nameOf(std::array{"AUTOMATIC_LIVELINESS_QOS", "MANUAL_BY_PARTICIPANT_LIVELINESS_QOS",
-                             "MANUAL_BY_TOPIC_LIVELINESS_QOS"},
-                  kind);
+Json to_json(DDS_LivelinessQosPolicyKind kind) {
+    return name_of(std::array{"AUTOMATIC_LIVELINESS_QOS", "MANUAL_BY_PARTICIPANT_LIVELINESS_QOS",
+                              "MANUAL_BY_TOPIC_LIVELINESS_QOS"},
+                   kind);
 }
-Json toJson(DDS_ReliabilityQosPolicyKind kind) {
-    return nameOf(std::array{"BEST_EFFORT_RELIABILITY_QOS", "RELIABLE_RELIABILITY_QOS"}, kind);
+Json to_json(DDS_ReliabilityQosPolicyKind kind) {
+    return name_of(std::array{"BEST_EFFORT_RELIABILITY_QOS", "RELIABLE_RELIABILITY_QOS"}, kind);
 }
-Json toJson(DDS_DestinationOrderQosPolicyKind kind) {
-    return nameOf(std::array{"BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS",
-                             "BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS"},
-                  kind);
+Json to_json(DDS_DestinationOrderQosPolicyKind kind) {
+    return name_of(std::array{"BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS",
+                              "BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS"},
+                   kind);
 }
-Json toJson(DDS_HistoryQosPolicyKind kind) {
-    return nameOf(std::array{"KEEP_LAST_HISTORY_QOS", "KEEP_ALL_HISTORY_QOS"}, kind);
+Json to_json(DDS_HistoryQosPolicyKind kind) {
+    return name_of(std::array{"KEEP_LAST_HISTORY_QOS", "KEEP_ALL_HISTORY_QOS"}, kind);
 }
-Json toJson(DDS_TypeConsistencyKind kind) {
-    return nameOf(std::array{"DISALLOW_TYPE_COERCION", "ALLOW_TYPE_COERCION"}, kind);
+Json to_json(DDS_TypeConsistencyKind kind) {
+    return name_of(std::array{"DISALLOW_TYPE_COERCION", "ALLOW_TYPE_COERCION"}, kind);
 }
 
-Json toJson(DDS_Boolean value) {
+Json to_json(DDS_Boolean value) {
     return Json(value != DDS_BOOLEAN_FALSE);
 }
-Json toJson(DDS_Long value) {
+Json to_json(DDS_Long value) {
     return value == DDS_LENGTH_UNLIMITED ? Json(kUnlimited) : Json(value);
 }
-Json toJson(const DDS_Char *value) {
+Json to_json(const DDS_Char *value) {
     return value == nullptr ? Json() : Json(value);
 }
 // Seconds with as many decimals as it takes.
-Json toJson(const DDS_Duration_t &value) {
+Json to_json(const DDS_Duration_t &value) {
     if (DDS_Duration_is_infinite(&value)) {
         return "infinite";
     }
@@ -76,42 +76,42 @@ Json toJson(const DDS_Duration_t &value) {
     }
     return text + " s";
 }
-Json toJson(const DDS_OctetSeq &value) {
+Json to_json(const DDS_OctetSeq &value) {
     Json array = Json::array();
     for (DDS_UnsignedLong i = 0; i < DDS_OctetSeq_get_length(&value); ++i) {
         array.push_back(DDS_OctetSeq_get(&value, static_cast<DDS_Long>(i)));
     }
     return array;
 }
-Json toJson(const DDS_StringSeq &value) {
+Json to_json(const DDS_StringSeq &value) {
     Json array = Json::array();
     for (DDS_UnsignedLong i = 0; i < DDS_StringSeq_get_length(&value); ++i) {
-        array.push_back(toJson(DDS_StringSeq_get(&value, static_cast<DDS_Long>(i))));
+        array.push_back(to_json(DDS_StringSeq_get(&value, static_cast<DDS_Long>(i))));
     }
     return array;
 }
 // Only data representations are lists of short integers.
-Json toJson(const DDS_ShortSeq &value) {
+Json to_json(const DDS_ShortSeq &value) {
     Json array = Json::array();
     for (DDS_UnsignedLong i = 0; i < DDS_ShortSeq_get_length(&value); ++i) {
         const DDS_Short id = DDS_ShortSeq_get(&value, static_cast<DDS_Long>(i));
         array.push_back(
             id == DDS_AUTO_DATA_REPRESENTATION
                 ? Json("AUTO_DATA_REPRESENTATION")
-                : nameOf(std::array{"XCDR_DATA_REPRESENTATION", "XML_DATA_REPRESENTATION",
-                                    "XCDR2_DATA_REPRESENTATION"},
-                         id));
+                : name_of(std::array{"XCDR_DATA_REPRESENTATION", "XML_DATA_REPRESENTATION",
+                                     "XCDR2_DATA_REPRESENTATION"},
+                          id));
     }
     return array;
 }
-Json toJson(const DDS_PropertySeq &value) {
+Json to_json(const DDS_PropertySeq &value) {
     Json array = Json::array();
     for (DDS_UnsignedLong i = 0; i < DDS_PropertySeq_get_length(&value); ++i) {
         const DDS_Property_t &property =
             *DDS_PropertySeq_get_reference(&value, static_cast<DDS_Long>(i));
-        array.push_back(Json{{"name", toJson(property.name)},
-                             {"value", toJson(property.value)},
-                             {"propagate", toJson(property.propagate)}});
+        array.push_back(Json{{"name", to_json(property.name)},
+                             {"value", to_json(property.value)},
+                             {"propagate", to_json(property.propagate)}});
     }
     return array;
 }
@@ -218,22 +218,22 @@ DISTLOG_MEMBERS(DDS_DataReaderQos, DISTLOG_IMPORTANT(reliability), DISTLOG_IMPOR
 #undef DISTLOG_ROW
 
 template <typename Record, typename Visit>
-void forEachRow(Visit visit) {
+void for_each_row(Visit visit) {
     std::apply([&](const auto &...row) { (visit(row), ...); }, Members<Record>::kRows);
 }
 
 template <typename PolicyRecord>
-Json membersOf(const PolicyRecord &policy) {
+Json members_of(const PolicyRecord &policy) {
     Json object = Json::object();
-    forEachRow<PolicyRecord>(
-        [&](const auto &row) { object[row.name] = toJson(policy.*row.place); });
+    for_each_row<PolicyRecord>(
+        [&](const auto &row) { object[row.name] = to_json(policy.*row.place); });
     return object;
 }
 // Numbers that are no limits: -1 has no name.
-Json membersOf(const DDS_TransportPriorityQosPolicy &policy) {
+Json members_of(const DDS_TransportPriorityQosPolicy &policy) {
     return Json{{"value", policy.value}};
 }
-Json membersOf(const DDS_OwnershipStrengthQosPolicy &policy) {
+Json members_of(const DDS_OwnershipStrengthQosPolicy &policy) {
     return Json{{"value", policy.value}};
 }
 
@@ -241,16 +241,16 @@ template <typename OwnedQos, typename Qos>
 std::vector<Policy> compare(const Qos &effective, const Qos &said) {
     const OwnedQos standard;
     std::vector<Policy> policies;
-    forEachRow<Qos>([&](const auto &row) {
-        policies.push_back({row.name, row.important, membersOf(effective.*row.place),
-                            membersOf((*standard).*row.place), membersOf(said.*row.place)});
+    for_each_row<Qos>([&](const auto &row) {
+        policies.push_back({row.name, row.important, members_of(effective.*row.place),
+                            members_of((*standard).*row.place), members_of(said.*row.place)});
     });
     return policies;
 }
 
 // ---- Text -------------------------------------------------------------------------------------
 
-std::string elementText(const Json &element) {
+std::string element_text(const Json &element) {
     if (element.is_object()) {  // a property
         return fmt::format("{}={}", element["name"].get<std::string>(),
                            element["value"].is_null() ? "" : element["value"].get<std::string>());
@@ -258,22 +258,22 @@ std::string elementText(const Json &element) {
     return element.is_string() ? element.get<std::string>() : element.dump();
 }
 
-Json noLimits() {
+Json no_limits() {
     return Json{{"max_samples", kUnlimited},
                 {"max_instances", kUnlimited},
                 {"max_samples_per_instance", kUnlimited}};
 }
 
-std::string valueText(const Json &value) {
+std::string value_text(const Json &value) {
     if (value.is_null()) {
         return "none";
     }
     if (!value.is_array()) {
-        return elementText(value);
+        return element_text(value);
     }
     std::string text;
     for (const Json &element : value) {
-        text += (text.empty() ? "" : ", ") + elementText(element);
+        text += (text.empty() ? "" : ", ") + element_text(element);
     }
     return text.empty() ? "none" : text;
 }
@@ -287,31 +287,31 @@ std::string_view Policy::source() const {
     return value == standard ? "default" : "profile";
 }
 
-std::vector<Policy> policiesOf(const DDS_DomainParticipantQos &effective,
-                               const DDS_DomainParticipantQos &said) {
+std::vector<Policy> policies_of(const DDS_DomainParticipantQos &effective,
+                                const DDS_DomainParticipantQos &said) {
     return compare<ParticipantQos>(effective, said);
 }
-std::vector<Policy> policiesOf(const DDS_PublisherQos &effective, const DDS_PublisherQos &said) {
+std::vector<Policy> policies_of(const DDS_PublisherQos &effective, const DDS_PublisherQos &said) {
     return compare<PublisherQos>(effective, said);
 }
-std::vector<Policy> policiesOf(const DDS_SubscriberQos &effective, const DDS_SubscriberQos &said) {
+std::vector<Policy> policies_of(const DDS_SubscriberQos &effective, const DDS_SubscriberQos &said) {
     return compare<SubscriberQos>(effective, said);
 }
-std::vector<Policy> policiesOf(const DDS_TopicQos &effective, const DDS_TopicQos &said) {
+std::vector<Policy> policies_of(const DDS_TopicQos &effective, const DDS_TopicQos &said) {
     return compare<TopicQos>(effective, said);
 }
-std::vector<Policy> policiesOf(const DDS_DataWriterQos &effective, const DDS_DataWriterQos &said) {
+std::vector<Policy> policies_of(const DDS_DataWriterQos &effective, const DDS_DataWriterQos &said) {
     return compare<WriterQos>(effective, said);
 }
-std::vector<Policy> policiesOf(const DDS_DataReaderQos &effective, const DDS_DataReaderQos &said) {
+std::vector<Policy> policies_of(const DDS_DataReaderQos &effective, const DDS_DataReaderQos &said) {
     return compare<ReaderQos>(effective, said);
 }
 
-std::string policyText(std::string_view name, const Json &value) {
+std::string policy_text(std::string_view name, const Json &value) {
     if (name == "representation" && value["value"].empty()) {
         return "automatic (offered: XCDR1, accepted: XCDR1 and XCDR2)";
     }
-    if (name == "resource_limits" && value == noLimits()) {
+    if (name == "resource_limits" && value == no_limits()) {
         return "unlimited";
     }
     std::string text;
@@ -324,7 +324,7 @@ std::string policyText(std::string_view name, const Json &value) {
                                               member == "name" || member == "duration" ||
                                               member == "period" || member == "access_scope");
         text += text.empty() ? "" : ", ";
-        text += obvious ? valueText(content) : fmt::format("{} {}", member, valueText(content));
+        text += obvious ? value_text(content) : fmt::format("{} {}", member, value_text(content));
     }
     return text;
 }

@@ -57,22 +57,22 @@ struct Policy {
     Json standard;  // the standard's default
     Json said;      // what the profile says, the logger's own needs left aside
 
-    bool isStandard() const { return value == standard; }
+    bool is_standard() const { return value == standard; }
     // "default", "profile" or "logger": who it is from.
     std::string_view source() const;
 };
 
 // All policies of an entity's effective QoS. The important ones come first.
-std::vector<Policy> policiesOf(const DDS_DomainParticipantQos &effective,
-                               const DDS_DomainParticipantQos &said);
-std::vector<Policy> policiesOf(const DDS_PublisherQos &effective, const DDS_PublisherQos &said);
-std::vector<Policy> policiesOf(const DDS_SubscriberQos &effective, const DDS_SubscriberQos &said);
-std::vector<Policy> policiesOf(const DDS_TopicQos &effective, const DDS_TopicQos &said);
-std::vector<Policy> policiesOf(const DDS_DataWriterQos &effective, const DDS_DataWriterQos &said);
-std::vector<Policy> policiesOf(const DDS_DataReaderQos &effective, const DDS_DataReaderQos &said);
+std::vector<Policy> policies_of(const DDS_DomainParticipantQos &effective,
+                                const DDS_DomainParticipantQos &said);
+std::vector<Policy> policies_of(const DDS_PublisherQos &effective, const DDS_PublisherQos &said);
+std::vector<Policy> policies_of(const DDS_SubscriberQos &effective, const DDS_SubscriberQos &said);
+std::vector<Policy> policies_of(const DDS_TopicQos &effective, const DDS_TopicQos &said);
+std::vector<Policy> policies_of(const DDS_DataWriterQos &effective, const DDS_DataWriterQos &said);
+std::vector<Policy> policies_of(const DDS_DataReaderQos &effective, const DDS_DataReaderQos &said);
 
 // A policy's value on one line.
-std::string policyText(std::string_view name, const Json &value);
+std::string policy_text(std::string_view name, const Json &value);
 
 }  // namespace distlog::check
 

@@ -23,7 +23,7 @@ std::string_view trimmed(std::string_view text) {
                : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
 }
 
-std::vector<ProfileSource> sourcesOf(const Document &document) {
+std::vector<ProfileSource> sources_of(const Document &document) {
     std::vector<ProfileSource> sources;
     const char *variable = std::getenv(kVariable);
     std::string_view rest = variable == nullptr ? "" : variable;
@@ -49,13 +49,13 @@ std::vector<ProfileSource> sourcesOf(const Document &document) {
     return sources;
 }
 
-bool isTrue(const char *text) {
+bool is_true(const char *text) {
     const std::string_view value = text == nullptr ? "" : trimmed(text);
     return value == "true" || value == "1";
 }
 
 // The profiles of a document that was loaded, and the last one among them that is the default.
-void readNames(const DDS_XMLObject *root, ProfileSource &source, std::string &default_profile) {
+void read_names(const DDS_XMLObject *root, ProfileSource &source, std::string &default_profile) {
     const auto next = [](const DDS_XMLObject *object) {
         return DDS_XMLObject_get_next_sibling(object);
     };
@@ -68,7 +68,7 @@ void readNames(const DDS_XMLObject *root, ProfileSource &source, std::string &de
         for (const DDS_XMLObject *profile = DDS_XMLObject_get_first_child(library);
              profile != nullptr; profile = next(profile)) {
             source.profiles.push_back(prefix + DDS_XMLObject_get_attribute(profile, "name"));
-            if (isTrue(DDS_XMLObject_get_attribute(profile, "is_default_qos"))) {
+            if (is_true(DDS_XMLObject_get_attribute(profile, "is_default_qos"))) {
                 default_profile = source.profiles.back();
             }
         }
@@ -76,8 +76,8 @@ void readNames(const DDS_XMLObject *root, ProfileSource &source, std::string &de
 }
 
 // "source:12: text" or "source: text", as the middleware writes it.
-Problem problemOf(std::string_view message, const std::string &source, const std::string &name,
-                  Severity severity) {
+Problem problem_of(std::string_view message, const std::string &source, const std::string &name,
+                   Severity severity) {
     Problem problem{severity, name, 0, std::string(message)};
     if (!message.starts_with(source + ":")) {
         return problem;
@@ -104,26 +104,26 @@ std::string Profiles::list() const {
     return text.empty() ? "none is loaded" : text;
 }
 
-Profiles loadProfiles(const Document &document, MiddlewareLog &log, Problems &problems) {
+Profiles load_profiles(const Document &document, MiddlewareLog &log, Problems &problems) {
     DDS_DomainParticipantFactory *factory = DDS_DomainParticipantFactory_get_instance();
     if (DDS_DomainParticipantFactory_finalize_instance() != DDS_RETCODE_OK ||
         DDS_DomainParticipantFactory_unload_profiles(factory) != DDS_RETCODE_OK) {
         throw Failure("unable to reset the QoS profiles");
     }
     log.take();
-    Profiles result{sourcesOf(document), {}};
+    Profiles result{sources_of(document), {}};
     for (ProfileSource &source : result.sources) {
         const std::string name = source.is_document ? document.name() : source.name;
         source.loaded = KOLT_DomainParticipantFactory_add_profiles(factory, source.name.c_str()) ==
                         DDS_RETCODE_OK;
         const Severity severity = source.is_document ? Severity::kError : Severity::kWarning;
         for (const std::string &message : log.take()) {
-            problems.add(problemOf(message, source.name, name, severity));
+            problems.add(problem_of(message, source.name, name, severity));
         }
         const ParserPtr parser(DDS_XMLParser_new(), DDS_XMLParser_delete);
         if (source.loaded &&
             DDS_XMLParser_parse_file(parser.get(), source.name.c_str()) == DDS_RETCODE_OK) {
-            readNames(DDS_XMLParser_get_root(parser.get()), source, result.default_profile);
+            read_names(DDS_XMLParser_get_root(parser.get()), source, result.default_profile);
         }
         source.name = name;
     }

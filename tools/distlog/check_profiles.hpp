@@ -32,7 +32,7 @@ struct Profiles {
 // Loads what an application that starts its logger from the document loads, into a factory that is
 // as it is at the start of a process. What is wrong in the document is an error, what is wrong in
 // the others, which are loaded all the same or left out, a warning.
-Profiles loadProfiles(const Document &document, MiddlewareLog &log, Problems &problems);
+Profiles load_profiles(const Document &document, MiddlewareLog &log, Problems &problems);
 
 }  // namespace distlog::check
 

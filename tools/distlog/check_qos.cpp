@@ -41,27 +41,27 @@ struct Family {
 
 // For functions that are not told a topic.
 template <typename Qos, auto kFunction>
-DDS_ReturnCode_t withoutTopic(VUR_DL_DDSEntities *record, Qos *qos, const char *) {
+DDS_ReturnCode_t without_topic(VUR_DL_DDSEntities *record, Qos *qos, const char *) {
     return kFunction(record, qos);
 }
 template <typename Qos, auto kFunction>
-DDS_ReturnCode_t withoutTopic(DDS_DomainParticipant *participant, Qos *qos, const char *) {
+DDS_ReturnCode_t without_topic(DDS_DomainParticipant *participant, Qos *qos, const char *) {
     return kFunction(participant, qos);
 }
 template <typename Qos, auto kFunction>
-DDS_ReturnCode_t withoutTopic(DDS_DomainParticipantFactory *factory, Qos *qos, const char *library,
-                              const char *profile, const char *) {
+DDS_ReturnCode_t without_topic(DDS_DomainParticipantFactory *factory, Qos *qos, const char *library,
+                               const char *profile, const char *) {
     return kFunction(factory, qos, library, profile);
 }
 
 constexpr Family<PublisherQos, DDS_PublisherQos> kPublisher{
-    "publisher", withoutTopic<DDS_PublisherQos, VUR_DL_DDSEntities_getPublisherQos>,
-    withoutTopic<DDS_PublisherQos, DDS_DomainParticipantFactory_get_publisher_qos_from_profile>,
-    withoutTopic<DDS_PublisherQos, DDS_DomainParticipant_get_default_publisher_qos>};
+    "publisher", without_topic<DDS_PublisherQos, VUR_DL_DDSEntities_getPublisherQos>,
+    without_topic<DDS_PublisherQos, DDS_DomainParticipantFactory_get_publisher_qos_from_profile>,
+    without_topic<DDS_PublisherQos, DDS_DomainParticipant_get_default_publisher_qos>};
 constexpr Family<SubscriberQos, DDS_SubscriberQos> kSubscriber{
-    "subscriber", withoutTopic<DDS_SubscriberQos, VUR_DL_DDSEntities_getSubscriberQos>,
-    withoutTopic<DDS_SubscriberQos, DDS_DomainParticipantFactory_get_subscriber_qos_from_profile>,
-    withoutTopic<DDS_SubscriberQos, DDS_DomainParticipant_get_default_subscriber_qos>};
+    "subscriber", without_topic<DDS_SubscriberQos, VUR_DL_DDSEntities_getSubscriberQos>,
+    without_topic<DDS_SubscriberQos, DDS_DomainParticipantFactory_get_subscriber_qos_from_profile>,
+    without_topic<DDS_SubscriberQos, DDS_DomainParticipant_get_default_subscriber_qos>};
 constexpr Family<TopicQos, DDS_TopicQos> kTopic{
     "topic", VUR_DL_DDSEntities_getTopicQos,
     DDS_DomainParticipantFactory_get_topic_qos_from_profile_w_topic_name,
@@ -91,7 +91,7 @@ class DryRun {
         demand(DDS_DomainParticipantFactory_get_qos(factory_, qos.get()), "the factory's QoS");
         (*qos).entity_factory.autoenable_created_entities = DDS_BOOLEAN_FALSE;
         demand(DDS_DomainParticipantFactory_set_qos(factory_, qos.get()), "the factory's QoS");
-        renewRecord();
+        renew_record();
         from_profile_ = VUR_DL_DDSEntities_doesQosLibraryAndProfileExist(
                             record_.get(), options_.qosLibrary, options_.qosProfile) != 0;
         log_.take();
@@ -107,21 +107,21 @@ class DryRun {
     DryRun &operator=(const DryRun &) = delete;
 
     std::vector<Entity> run() {
-        addParticipant();
+        add_participant();
         if (participant_ != nullptr) {
             options_.domainParticipant = participant_;
-            renewRecord();
-            DDS_Topic *log_topic = addTopic(kLog);
-            DDS_Topic *state_topic = addTopic(kState);
-            DDS_Publisher *publisher = addPublisher();
-            addWriter(publisher, log_topic, kLog);
-            addWriter(publisher, state_topic, kState);
+            renew_record();
+            DDS_Topic *log_topic = add_topic(kLog);
+            DDS_Topic *state_topic = add_topic(kState);
+            DDS_Publisher *publisher = add_publisher();
+            add_writer(publisher, log_topic, kLog);
+            add_writer(publisher, state_topic, kState);
             if (options_.remoteAdministrationEnabled != 0) {
-                DDS_Subscriber *subscriber = addSubscriber();
-                DDS_Topic *request_topic = addTopic(kRequest);
-                DDS_Topic *response_topic = addTopic(kResponse);
-                addReader(subscriber, request_topic, kRequest);
-                addWriter(publisher, response_topic, kResponse);
+                DDS_Subscriber *subscriber = add_subscriber();
+                DDS_Topic *request_topic = add_topic(kRequest);
+                DDS_Topic *response_topic = add_topic(kResponse);
+                add_reader(subscriber, request_topic, kRequest);
+                add_writer(publisher, response_topic, kResponse);
             }
         }
         return std::move(entities_);
@@ -133,7 +133,7 @@ class DryRun {
               DDS_DomainParticipantFactoryQos_finalize>;
     using RecordPtr = std::unique_ptr<VUR_DL_DDSEntities, void (*)(VUR_DL_DDSEntities *)>;
 
-    void renewRecord() {
+    void renew_record() {
         record_.reset(VUR_DL_DDSEntities_createForQos(factory_, &options_));
         if (record_ == nullptr) {
             throw Failure("out of memory");
@@ -153,10 +153,10 @@ class DryRun {
         } else if (refusal.empty()) {
             refusal = "the middleware gives no reason";
         }
-        entities_.push_back({kind, topic, policiesOf(effective, said), refusal});
+        entities_.push_back({kind, topic, policies_of(effective, said), refusal});
     }
 
-    void addParticipant() {
+    void add_participant() {
         ParticipantQos effective;
         ParticipantQos said;
         demand(VUR_DL_DDSEntities_getDomainParticipantQos(record_.get(), effective.emptied(),
@@ -190,7 +190,7 @@ class DryRun {
         return created;
     }
 
-    DDS_Topic *addTopic(const TopicRow &row) {
+    DDS_Topic *add_topic(const TopicRow &row) {
         return add(kTopic, row.name, true, [&](const DDS_TopicQos &qos) {
             demand(row.register_type(participant_, row.type_name), "a type");
             return DDS_DomainParticipant_create_topic(participant_, row.name, row.type_name, &qos,
@@ -198,21 +198,21 @@ class DryRun {
         });
     }
 
-    DDS_Publisher *addPublisher() {
+    DDS_Publisher *add_publisher() {
         return add(kPublisher, nullptr, true, [&](const DDS_PublisherQos &qos) {
             return DDS_DomainParticipant_create_publisher(participant_, &qos, nullptr,
                                                           DDS_STATUS_MASK_NONE);
         });
     }
 
-    DDS_Subscriber *addSubscriber() {
+    DDS_Subscriber *add_subscriber() {
         return add(kSubscriber, nullptr, true, [&](const DDS_SubscriberQos &qos) {
             return DDS_DomainParticipant_create_subscriber(participant_, &qos, nullptr,
                                                            DDS_STATUS_MASK_NONE);
         });
     }
 
-    void addWriter(DDS_Publisher *publisher, DDS_Topic *topic, const TopicRow &row) {
+    void add_writer(DDS_Publisher *publisher, DDS_Topic *topic, const TopicRow &row) {
         const bool possible = publisher != nullptr && topic != nullptr;
         add(kWriter, row.name, possible, [&](DDS_DataWriterQos &qos) {
             if (row.name == kState.name) {
@@ -225,7 +225,7 @@ class DryRun {
         });
     }
 
-    void addReader(DDS_Subscriber *subscriber, DDS_Topic *topic, const TopicRow &row) {
+    void add_reader(DDS_Subscriber *subscriber, DDS_Topic *topic, const TopicRow &row) {
         const bool possible = subscriber != nullptr && topic != nullptr;
         add(kReader, row.name, possible, [&](const DDS_DataReaderQos &qos) {
             return DDS_Subscriber_create_datareader(subscriber,
@@ -245,11 +245,11 @@ class DryRun {
 
 }  // namespace
 
-std::vector<Entity> entitiesOf(VUR_DL_Options &options, MiddlewareLog &log) {
+std::vector<Entity> entities_of(VUR_DL_Options &options, MiddlewareLog &log) {
     return DryRun(options, log).run();
 }
 
-std::string nameOf(const Entity &entity) {
+std::string name_of(const Entity &entity) {
     return entity.topic.empty() ? std::string(entity.kind)
                                 : fmt::format("{} of {}", entity.kind, entity.topic);
 }

@@ -24,10 +24,10 @@ struct Entity {
 // Asks the logger's own functions, and creates each entity in a participant that is never enabled:
 // the engine is not started, and nothing reaches the network. The profiles must be loaded.
 // `options` name the profile, if any; their participant is set and cleared.
-std::vector<Entity> entitiesOf(VUR_DL_Options &options, MiddlewareLog &log);
+std::vector<Entity> entities_of(VUR_DL_Options &options, MiddlewareLog &log);
 
 // "participant", "datawriter of vur/distlog"
-std::string nameOf(const Entity &entity);
+std::string name_of(const Entity &entity);
 
 }  // namespace distlog::check
 

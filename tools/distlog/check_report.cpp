@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kRow = "  {:<28} {:<8} {}";
 
-std::string_view wordFor(Severity severity) {
+std::string_view word_for(Severity severity) {
     switch (severity) {
         case Severity::kError:
             return "error";
@@ -40,7 +40,7 @@ struct CodeOption {
     Json value;
     std::string text;
 };
-std::vector<CodeOption> codeOptions(const VUR_DL_Options &options) {
+std::vector<CodeOption> code_options(const VUR_DL_Options &options) {
     return {{"remote_administration", options.remoteAdministrationEnabled != 0,
              options.remoteAdministrationEnabled != 0 ? "true" : "false"},
             {"domain_id", options.domainId, fmt::format("{}", options.domainId)},
@@ -48,27 +48,27 @@ std::vector<CodeOption> codeOptions(const VUR_DL_Options &options) {
             {"application_kind", Json(), "none"}};
 }
 
-void printOptions(const Report &report, Output &output) {
+void print_options(const Report &report, Output &output) {
     const Document &document = report.document;
     output.line("");
     output.line(
-        document.loggerLine() == 0
+        document.logger_line() == 0
             ? std::string("Options of a logger that code starts (no <distributed_logger>)")
-            : fmt::format("Options (<distributed_logger> in line {})", document.loggerLine()));
+            : fmt::format("Options (<distributed_logger> in line {})", document.logger_line()));
     for (const Element &element : elements()) {
         if (element.text == nullptr) {
             continue;
         }
-        const std::uint32_t line = document.lineOf(element);
-        row(output, pathOf(element), line == 0 ? "default" : fmt::format("line {}", line),
+        const std::uint32_t line = document.line_of(element);
+        row(output, path_of(element), line == 0 ? "default" : fmt::format("line {}", line),
             element.text(*document.options()));
     }
-    for (const CodeOption &option : codeOptions(*document.options())) {
+    for (const CodeOption &option : code_options(*document.options())) {
         row(output, option.name, "code", option.text);
     }
 }
 
-void printProfiles(const Report &report, Output &output) {
+void print_profiles(const Report &report, Output &output) {
     output.line("");
     output.line("QoS profiles, in the order in which they are loaded");
     for (const ProfileSource &source : report.profiles.sources) {
@@ -87,32 +87,32 @@ void printProfiles(const Report &report, Output &output) {
 }
 
 // The value, and what the profile asked for where the logger overrules it.
-std::string valueText(const Policy &policy) {
-    const std::string text = policyText(policy.name, policy.value);
+std::string value_text(const Policy &policy) {
+    const std::string text = policy_text(policy.name, policy.value);
     return policy.said == policy.standard || policy.said == policy.value
                ? text
                : fmt::format("{} (the profile says {})", text,
-                             policyText(policy.name, policy.said));
+                             policy_text(policy.name, policy.said));
 }
 
-void printEntities(const Report &report, bool all, Output &output) {
+void print_entities(const Report &report, bool all, Output &output) {
     output.line("");
     output.line("QoS, from the standard's default, the profile, or what the logger needs");
     for (const Entity &entity : report.entities) {
         output.line("");
-        output.line(nameOf(entity));
+        output.line(name_of(entity));
         for (const Policy &policy : entity.policies) {
             if (all || policy.important || policy.said != policy.standard) {
-                row(output, policy.name, policy.source(), valueText(policy));
+                row(output, policy.name, policy.source(), value_text(policy));
             }
         }
     }
 }
 
-Json problemsToJson(const Problems &problems) {
+Json problems_to_json(const Problems &problems) {
     Json array = Json::array();
     for (const Problem &problem : problems.list()) {
-        array.push_back(Json{{"severity", wordFor(problem.severity)},
+        array.push_back(Json{{"severity", word_for(problem.severity)},
                              {"file", problem.source},
                              {"line", problem.line == 0 ? Json() : Json(problem.line)},
                              {"message", problem.text}});
@@ -120,25 +120,25 @@ Json problemsToJson(const Problems &problems) {
     return array;
 }
 
-Json optionsToJson(const Document &document) {
+Json options_to_json(const Document &document) {
     Json object = Json::object();
     for (const Element &element : elements()) {
         if (element.value == nullptr) {
             continue;
         }
-        const std::uint32_t line = document.lineOf(element);
-        object[pathOf(element)] = Json{{"value", element.value(*document.options())},
-                                       {"source", line == 0 ? "default" : "document"},
-                                       {"line", line == 0 ? Json() : Json(line)}};
+        const std::uint32_t line = document.line_of(element);
+        object[path_of(element)] = Json{{"value", element.value(*document.options())},
+                                        {"source", line == 0 ? "default" : "document"},
+                                        {"line", line == 0 ? Json() : Json(line)}};
     }
-    for (const CodeOption &option : codeOptions(*document.options())) {
+    for (const CodeOption &option : code_options(*document.options())) {
         object[std::string(option.name)] =
             Json{{"value", option.value}, {"source", "code"}, {"line", Json()}};
     }
     return object;
 }
 
-Json entitiesToJson(const std::vector<Entity> &entities) {
+Json entities_to_json(const std::vector<Entity> &entities) {
     Json array = Json::array();
     for (const Entity &entity : entities) {
         Json policies = Json::object();
@@ -156,11 +156,11 @@ Json entitiesToJson(const std::vector<Entity> &entities) {
 }  // namespace
 
 std::string Report::verdict() const {
-    if (hasErrors()) {
+    if (has_errors()) {
         return fmt::format("not valid, {}", counted(problems.count(Severity::kError), "error"));
     }
     std::string text = "valid";
-    if (document.loggerLine() == 0) {
+    if (document.logger_line() == 0) {
         text += ", starts no logger";
     } else if (document.options()->enabled == 0) {
         text += ", the logger stays off";
@@ -169,26 +169,26 @@ std::string Report::verdict() const {
     return warnings == 0 ? text : fmt::format("{}, {}", text, counted(warnings, "warning"));
 }
 
-void printProblems(const Report &report) {
+void print_problems(const Report &report) {
     for (const Problem &problem : report.problems.list()) {
         const std::string line = problem.line == 0 ? "" : fmt::format("{}:", problem.line);
         fmt::print(stderr, "{}:{} {}: {}\n", printable(problem.source), line,
-                   wordFor(problem.severity), printable(problem.text));
+                   word_for(problem.severity), printable(problem.text));
     }
     std::fflush(stderr);
 }
 
-void printText(const Report &report, bool all, Output &output) {
+void print_text(const Report &report, bool all, Output &output) {
     output.line(fmt::format("{}: {}", printable(report.document.name()), report.verdict()));
-    if (!report.hasErrors()) {
-        printOptions(report, output);
-        printProfiles(report, output);
-        printEntities(report, all, output);
+    if (!report.has_errors()) {
+        print_options(report, output);
+        print_profiles(report, output);
+        print_entities(report, all, output);
     }
 }
 
-Json toJson(const Report &report) {
-    const bool known = !report.hasErrors();
+Json to_json(const Report &report) {
+    const bool known = !report.has_errors();
     Json sources = Json::array();
     for (const ProfileSource &source : report.profiles.sources) {
         sources.push_back(Json{{"file", source.name},
@@ -199,15 +199,15 @@ Json toJson(const Report &report) {
     return Json{{"file", report.document.name()},
                 {"verdict", report.verdict()},
                 {"valid", known},
-                {"enabled", known ? Json(report.document.loggerLine() != 0 &&
+                {"enabled", known ? Json(report.document.logger_line() != 0 &&
                                          report.document.options()->enabled != 0)
                                   : Json()},
-                {"problems", problemsToJson(report.problems)},
-                {"options", known ? optionsToJson(report.document) : Json()},
+                {"problems", problems_to_json(report.problems)},
+                {"options", known ? options_to_json(report.document) : Json()},
                 {"profile_sources", sources},
                 {"profile", report.profile.empty() ? Json() : Json(report.profile)},
                 {"profile_chosen_by", report.profile.empty() ? Json() : Json(report.chosen_by)},
-                {"entities", known ? entitiesToJson(report.entities) : Json()}};
+                {"entities", known ? entities_to_json(report.entities) : Json()}};
 }
 
 }  // namespace distlog::check

@@ -23,19 +23,19 @@ struct Report {
     std::string_view chosen_by;    // what makes it hold
     std::vector<Entity> entities;  // empty when the document is wrong
 
-    bool hasErrors() const { return problems.count(Severity::kError) != 0; }
+    bool has_errors() const { return problems.count(Severity::kError) != 0; }
     // Nothing that ought to be mended.
-    bool isFine() const { return !hasErrors() && problems.count(Severity::kWarning) == 0; }
+    bool is_fine() const { return !has_errors() && problems.count(Severity::kWarning) == 0; }
     // In one phrase.
     std::string verdict() const;
 };
 
 // Problems, one a line, "document:line: error: text", to standard error.
-void printProblems(const Report &report);
+void print_problems(const Report &report);
 // Everything else, to standard output. `all`: also the policies at the standard's default.
-void printText(const Report &report, bool all, Output &output);
+void print_text(const Report &report, bool all, Output &output);
 // The whole as one JSON object.
-Json toJson(const Report &report);
+Json to_json(const Report &report);
 
 }  // namespace distlog::check
 

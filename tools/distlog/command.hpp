@@ -22,10 +22,10 @@ class Failure : public std::runtime_error {
 // Set by the parser to what the chosen subcommand does; returns the exit code.
 using Action = std::function<int()>;
 
-void addTail(CLI::App &app, Action &action);
-void addList(CLI::App &app, Action &action);
-void addSet(CLI::App &app, Action &action);
-void addCheck(CLI::App &app, Action &action);
+void add_tail(CLI::App &app, Action &action);
+void add_list(CLI::App &app, Action &action);
+void add_set(CLI::App &app, Action &action);
+void add_check(CLI::App &app, Action &action);
 
 }  // namespace distlog
 

@@ -41,7 +41,7 @@ bool LoggerInfo::operator==(const LoggerInfo &other) const {
 }
 
 Selector::Selector(const std::string &text)
-    : text_(text), identity_(parseIdentity(text)), all_(text == "all") {}
+    : text_(text), identity_(parse_identity(text)), all_(text == "all") {}
 
 bool Selector::selects(const LoggerInfo &logger) const {
     if (identity_) {
@@ -68,21 +68,21 @@ void Directory::update(const Listener &listener) {
 void Directory::collect(StopSignal &stop, const Deadline &deadline,
                         const std::function<bool()> &enough) {
     Waiter waiter({condition(), stop.condition()});
-    Deadline quiet_until = deadlineAfter(kQuiet);
+    Deadline quiet_until = deadline_after(kQuiet);
     update();
-    while (!stop.raised() && !isOver(deadline) && !enough()) {
+    while (!stop.raised() && !is_over(deadline) && !enough()) {
         const bool all_spoke =
-            !loggers_.empty() && static_cast<int>(loggers_.size()) >= reader_.matchedWriters();
-        if (all_spoke && isOver(quiet_until)) {
+            !loggers_.empty() && static_cast<int>(loggers_.size()) >= reader_.matched_writers();
+        if (all_spoke && is_over(quiet_until)) {
             return;
         }
         // While something is outstanding the time of quiet does not count.
         if (!all_spoke) {
-            quiet_until = deadlineAfter(kQuiet);
+            quiet_until = deadline_after(kQuiet);
         }
         if (waiter.wait(earlier(deadline, quiet_until))) {
             update();
-            quiet_until = deadlineAfter(kQuiet);
+            quiet_until = deadline_after(kQuiet);
         }
     }
 }
@@ -105,12 +105,12 @@ std::vector<LoggerInfo> Directory::select(const Selector &selector) const {
 std::string Directory::label(const Identity &identity) const {
     const auto known = kinds_.find(identity);
     if (known == kinds_.end() || known->second.empty()) {
-        return toString(identity);
+        return to_string(identity);
     }
     const auto count = kind_counts_.find(known->second);
     const bool alone = count == kind_counts_.end() || count->second <= 1;
     const std::string kind = printable(known->second);
-    return alone ? kind : fmt::format("{}({})", kind, toString(identity));
+    return alone ? kind : fmt::format("{}({})", kind, to_string(identity));
 }
 
 bool Directory::learn(const VUR_DL_ADMIN_State &sample, const Listener &listener) {

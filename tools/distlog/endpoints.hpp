@@ -47,7 +47,7 @@ DISTLOG_TOPIC_TYPE(VUR_DL_ADMIN_CommandResponse, VUR_DL_COMMAND_RESPONSE_TOPIC_N
 #undef DISTLOG_TOPIC_TYPE
 
 template <typename T>
-DDS_Topic *topicOf(const Session &session) {
+DDS_Topic *topic_of(const Session &session) {
     using Type = TypeOf<T>;
     DDS_TopicDescription *known =
         DDS_DomainParticipant_lookup_topicdescription(session.participant(), Type::kTopicName);
@@ -91,7 +91,7 @@ class Reader {
         qos.history.depth = settings.depth;
         qos.resource_limits.max_samples = settings.max_samples;
         untyped_ = DDS_Subscriber_create_datareader(
-            subscriber_, DDS_Topic_as_topicdescription(topicOf<T>(session)), &qos, nullptr,
+            subscriber_, DDS_Topic_as_topicdescription(topic_of<T>(session)), &qos, nullptr,
             DDS_STATUS_MASK_NONE);
         DDS_DataReaderQos_finalize(&qos);
         typed_ = Type::kNarrowReader(untyped_);
@@ -113,7 +113,7 @@ class Reader {
     DDS_Condition *condition() const { return DDS_ReadCondition_as_condition(condition_); }
 
     // Writers that are matched at this moment.
-    int matchedWriters() const {
+    int matched_writers() const {
         DDS_SubscriptionMatchedStatus status{};
         DDS_DataReader_get_subscription_matched_status(untyped_, &status);
         return status.current_count;
@@ -171,24 +171,25 @@ class Writer {
         qos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
         qos.reliability.max_blocking_time = DDS_Duration_t{1, 0};
         qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
-        untyped_ = DDS_Publisher_create_datawriter(publisher_, topicOf<T>(session), &qos, nullptr,
+        untyped_ = DDS_Publisher_create_datawriter(publisher_, topic_of<T>(session), &qos, nullptr,
                                                    DDS_STATUS_MASK_NONE);
         DDS_DataWriterQos_finalize(&qos);
         typed_ = Type::kNarrowWriter(untyped_);
         if (typed_ == nullptr) {
             throw Failure(fmt::format("unable to write topic {}", Type::kTopicName));
         }
-        DDS_StatusCondition_set_enabled_statuses(statusCondition(), DDS_PUBLICATION_MATCHED_STATUS);
+        DDS_StatusCondition_set_enabled_statuses(status_condition(),
+                                                 DDS_PUBLICATION_MATCHED_STATUS);
     }
     ~Writer() { DDS_Publisher_delete_datawriter(publisher_, untyped_); }
     Writer(const Writer &) = delete;
     Writer &operator=(const Writer &) = delete;
 
-    DDS_Condition *matchCondition() const {
-        return DDS_StatusCondition_as_condition(statusCondition());
+    DDS_Condition *match_condition() const {
+        return DDS_StatusCondition_as_condition(status_condition());
     }
     // Readers that have ever matched; resets the condition.
-    int matchedReadersInTotal() const {
+    int matched_readers_in_total() const {
         DDS_PublicationMatchedStatus status{};
         DDS_DataWriter_get_publication_matched_status(untyped_, &status);
         return status.total_count;
@@ -198,7 +199,7 @@ class Writer {
     }
 
   private:
-    DDS_StatusCondition *statusCondition() const {
+    DDS_StatusCondition *status_condition() const {
         return DDS_Entity_get_statuscondition(DDS_DataWriter_as_entity(untyped_));
     }
 
@@ -215,7 +216,7 @@ struct SampleDeleter {
 template <typename T>
 using Sample = std::unique_ptr<T, SampleDeleter<T>>;
 template <typename T>
-Sample<T> makeSample() {
+Sample<T> make_sample() {
     Sample<T> sample(TypeOf<T>::kCreateData());
     if (sample == nullptr) {
         throw Failure("memory ran out");

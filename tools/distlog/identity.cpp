@@ -9,7 +9,7 @@ namespace distlog {
 namespace {
 
 // Ids are shown signed, as the type has them; elsewhere they are often seen unsigned.
-std::optional<std::int32_t> parseId(std::string_view text) {
+std::optional<std::int32_t> parse_id(std::string_view text) {
     std::int64_t value = 0;
     const char *end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, value);
@@ -21,17 +21,17 @@ std::optional<std::int32_t> parseId(std::string_view text) {
 
 }  // namespace
 
-std::string toString(const Identity &identity) {
+std::string to_string(const Identity &identity) {
     return fmt::format("{}:{}", identity.host, identity.app);
 }
 
-std::optional<Identity> parseIdentity(std::string_view text) {
+std::optional<Identity> parse_identity(std::string_view text) {
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos) {
         return std::nullopt;
     }
-    const std::optional<std::int32_t> host = parseId(text.substr(0, colon));
-    const std::optional<std::int32_t> app = parseId(text.substr(colon + 1));
+    const std::optional<std::int32_t> host = parse_id(text.substr(0, colon));
+    const std::optional<std::int32_t> app = parse_id(text.substr(colon + 1));
     if (!host || !app) {
         return std::nullopt;
     }

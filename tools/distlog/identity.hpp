@@ -26,8 +26,8 @@ struct Identity {
 };
 
 // "HOST:APP" in signed decimal.
-std::string toString(const Identity &identity);
-std::optional<Identity> parseIdentity(std::string_view text);
+std::string to_string(const Identity &identity);
+std::optional<Identity> parse_identity(std::string_view text);
 
 }  // namespace distlog
 

@@ -26,43 +26,43 @@ struct ListOptions {
     std::optional<Seconds> timeout;
 };
 
-std::string verbositiesOf(const LoggerInfo &logger) {
+std::string verbosities_of(const LoggerInfo &logger) {
     const auto first = logger.verbosities.front().verbosity;
     if (std::all_of(logger.verbosities.begin(), logger.verbosities.end(),
                     [&](const auto &v) { return v.verbosity == first; })) {
-        return "all=" + verbosityName(first);
+        return "all=" + verbosity_name(first);
     }
     std::string text;
     for (const auto &entry : logger.verbosities) {
-        text += fmt::format("{}{}={}", text.empty() ? "" : ",", categoryName(entry.category),
-                            verbosityName(entry.verbosity));
+        text += fmt::format("{}{}={}", text.empty() ? "" : ",", category_name(entry.category),
+                            verbosity_name(entry.verbosity));
     }
     return text;
 }
 
-Json toJson(const LoggerInfo &logger) {
+Json to_json(const LoggerInfo &logger) {
     Json verbosities = Json::object();
     for (const auto &entry : logger.verbosities) {
-        verbosities[categoryName(entry.category)] = verbosityName(entry.verbosity);
+        verbosities[category_name(entry.category)] = verbosity_name(entry.verbosity);
     }
     return Json{{"host_id", logger.identity.host},
                 {"app_id", logger.identity.app},
                 {"application_kind", logger.kind},
                 {"domain", logger.domain},
-                {"state", stateName(logger.state)},
+                {"state", state_name(logger.state)},
                 {"filter_level", logger.filter_level},
-                {"filter_level_name", levelName(logger.filter_level)},
+                {"filter_level_name", level_name(logger.filter_level)},
                 {"verbosities", verbosities},
-                {"print_format", printFormatName(logger.print_format)}};
+                {"print_format", print_format_name(logger.print_format)}};
 }
 
 constexpr std::string_view kRow = "{:<20} {:<24} {:>6}  {:<15} {:<8} {:<20} {}";
 
-std::string toText(const LoggerInfo &logger) {
+std::string to_text(const LoggerInfo &logger) {
     return fmt::format(kRow, logger.kind.empty() ? "-" : printable(logger.kind),
-                       toString(logger.identity), logger.domain, stateName(logger.state),
-                       levelName(logger.filter_level), printFormatName(logger.print_format),
-                       verbositiesOf(logger));
+                       to_string(logger.identity), logger.domain, state_name(logger.state),
+                       level_name(logger.filter_level), print_format_name(logger.print_format),
+                       verbosities_of(logger));
 }
 
 class List {
@@ -71,14 +71,14 @@ class List {
         : options_(options), session_(options.domain), directory_(session_) {}
 
     int once() {
-        directory_.collect(stop_, deadlineAfter(options_.timeout.value_or(kDefaultTimeout)),
+        directory_.collect(stop_, deadline_after(options_.timeout.value_or(kDefaultTimeout)),
                            [] { return false; });
-        printAll();
+        print_all();
         return kExitOk;
     }
 
     int watch() {
-        const Deadline deadline = options_.timeout ? deadlineAfter(*options_.timeout) : Deadline();
+        const Deadline deadline = options_.timeout ? deadline_after(*options_.timeout) : Deadline();
         // The last message of each level tells how far a logger had got when it went.
         messages_ = std::make_unique<Reader<VUR_DL_LogMessage>>(
             session_, ReaderSettings{DDS_TRANSIENT_LOCAL_DURABILITY_QOS, DDS_KEEP_LAST_HISTORY_QOS,
@@ -89,7 +89,7 @@ class List {
         }
         Waiter waiter({directory_.condition(), messages_->condition(), stop_.condition()});
         while (!stop_.raised() && output_.alive() && waiter.wait(deadline)) {
-            takeMessages();
+            take_messages();
             directory_.update([this](Directory::Change change, const LoggerInfo &logger) {
                 show(change, logger);
             });
@@ -104,19 +104,19 @@ class List {
                            "VERBOSITY");
     }
 
-    void printAll() {
+    void print_all() {
         if (directory_.loggers().empty()) {
             fmt::print(stderr, "distlog: no logger in domain {}\n", session_.domain());
         } else if (!options_.json) {
             output_.line(header());
         }
         for (const auto &[identity, logger] : directory_.loggers()) {
-            output_.line(options_.json ? toLine(toJson(logger)) : toText(logger));
+            output_.line(options_.json ? to_line(to_json(logger)) : to_text(logger));
         }
         output_.flush();
     }
 
-    void takeMessages() {
+    void take_messages() {
         messages_->take([this](const VUR_DL_LogMessage &message, const DDS_SampleInfo &info) {
             if (info.valid_data) {
                 std::int64_t &last = last_ids_[Identity(message.hostAndAppId)];
@@ -125,7 +125,7 @@ class List {
         });
     }
 
-    static std::string_view eventOf(Directory::Change change, const LoggerInfo &logger) {
+    static std::string_view event_of(Directory::Change change, const LoggerInfo &logger) {
         switch (change) {
             case Directory::Change::kAppeared:
                 return "appeared";
@@ -138,25 +138,25 @@ class List {
     }
 
     void show(Directory::Change change, const LoggerInfo &logger) {
-        const std::string_view event = eventOf(change, logger);
+        const std::string_view event = event_of(change, logger);
         const bool gone = change == Directory::Change::kVanished;
         const auto last = last_ids_.find(logger.identity);
         const std::int64_t last_id = last == last_ids_.end() ? 0 : last->second;
         if (options_.json) {
-            Json json = toJson(logger);
+            Json json = to_json(logger);
             json["event"] = event;
             if (gone) {
                 json["last_message_id"] = last_id;
             }
-            output_.line(toLine(json));
+            output_.line(to_line(json));
         } else if (gone) {
             output_.line(fmt::format(
-                "{} {} {} {} (last message {})", localClock(),
-                logger.kind.empty() ? "-" : printable(logger.kind), toString(logger.identity),
+                "{} {} {} {} (last message {})", local_clock(),
+                logger.kind.empty() ? "-" : printable(logger.kind), to_string(logger.identity),
                 event == "finalised" ? "was finalised" : "is gone without having been finalised",
                 last_id == 0 ? "unknown" : fmt::format("{}", last_id)));
         } else {
-            output_.line(fmt::format("{} {}", localClock(), toText(logger)));
+            output_.line(fmt::format("{} {}", local_clock(), to_text(logger)));
         }
         if (gone) {
             last_ids_.erase(logger.identity);
@@ -174,10 +174,10 @@ class List {
 
 }  // namespace
 
-void addList(CLI::App &app, Action &action) {
+void add_list(CLI::App &app, Action &action) {
     CLI::App *command = app.add_subcommand("ls", "List the loggers of a domain");
     const auto options = std::make_shared<ListOptions>();
-    addDomain(*command, options->domain);
+    add_domain(*command, options->domain);
     command->add_flag("--json", options->json, "One JSON object a line");
     command->add_flag("--watch", options->watch,
                       "Go on, and tell when a logger comes, changes or goes");
@@ -185,7 +185,7 @@ void addList(CLI::App &app, Action &action) {
         ->add_option_function<std::string>(
             "--timeout",
             [options](const std::string &text) {
-                options->timeout = durationArgument("--timeout", text);
+                options->timeout = duration_argument("--timeout", text);
             },
             "Look for at most this time (default 5 s); with --watch, end after it")
         ->type_name("S");

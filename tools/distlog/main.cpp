@@ -13,7 +13,7 @@
 namespace {
 
 // One line, whatever the parser had to say.
-int reportUsage(const CLI::App &app, const CLI::ParseError &error) {
+int report_usage(const CLI::App &app, const CLI::ParseError &error) {
     std::string text = error.what();
     // A word that is no subcommand says more about the mistake than the subcommand that is missing.
     const std::vector<std::string> unknown = app.remaining(true);
@@ -25,9 +25,9 @@ int reportUsage(const CLI::App &app, const CLI::ParseError &error) {
     return distlog::kExitUsage;
 }
 
-int runAction(const distlog::Action &action) {
+int run_action(const distlog::Action &action) {
     try {
-        distlog::divertMiddlewareLog();
+        distlog::divert_middleware_log();
         return action();
     } catch (const std::exception &error) {
         fmt::print(stderr, "distlog: {}\n", error.what());
@@ -42,15 +42,15 @@ int main(int argc, char **argv) {
     app.set_version_flag("--version", "distlog " VUR_DL_VERSION);
     app.require_subcommand(1);
     distlog::Action action;
-    distlog::addTail(app, action);
-    distlog::addList(app, action);
-    distlog::addSet(app, action);
-    distlog::addCheck(app, action);
+    distlog::add_tail(app, action);
+    distlog::add_list(app, action);
+    distlog::add_set(app, action);
+    distlog::add_check(app, action);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         // --help and --version come this way, too.
-        return error.get_exit_code() == 0 ? app.exit(error) : reportUsage(app, error);
+        return error.get_exit_code() == 0 ? app.exit(error) : report_usage(app, error);
     }
-    return runAction(action);
+    return run_action(action);
 }

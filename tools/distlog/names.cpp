@@ -58,7 +58,7 @@ std::string normalized(std::string_view text) {
     return result;
 }
 
-std::optional<int> parseNumber(std::string_view text) {
+std::optional<int> parse_number(std::string_view text) {
     int value = 0;
     const char *end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, value);
@@ -68,7 +68,7 @@ std::optional<int> parseNumber(std::string_view text) {
     return value;
 }
 
-std::optional<int> parseName(std::span<const Name> names, std::string_view text) {
+std::optional<int> parse_name(std::span<const Name> names, std::string_view text) {
     const std::string wanted = normalized(text);
     const auto found =
         std::find_if(names.begin(), names.end(), [&](const Name &n) { return n.text == wanted; });
@@ -77,23 +77,23 @@ std::optional<int> parseName(std::span<const Name> names, std::string_view text)
 
 // A value that has a name, given by that name or as a number.
 template <typename Enumeration>
-std::optional<Enumeration> parseNamed(std::span<const Name> names, std::string_view text) {
-    std::optional<int> value = parseName(names, text);
+std::optional<Enumeration> parse_named(std::span<const Name> names, std::string_view text) {
+    std::optional<int> value = parse_name(names, text);
     if (!value) {
-        value = parseNumber(text);
+        value = parse_number(text);
     }
     const bool named = value && std::any_of(names.begin(), names.end(),
                                             [&](const Name &n) { return n.value == *value; });
     return named ? std::optional<Enumeration>(static_cast<Enumeration>(*value)) : std::nullopt;
 }
 
-std::string nameOf(std::span<const Name> names, int value) {
+std::string name_of(std::span<const Name> names, int value) {
     const auto found =
         std::find_if(names.begin(), names.end(), [&](const Name &n) { return n.value == value; });
     return found == names.end() ? fmt::format("{}", value) : std::string(found->text);
 }
 
-std::string listOf(std::span<const Name> names) {
+std::string list_of(std::span<const Name> names) {
     std::string result;
     for (const Name &name : names) {
         result += result.empty() ? "" : ", ";
@@ -104,51 +104,51 @@ std::string listOf(std::span<const Name> names) {
 
 }  // namespace
 
-std::optional<int> parseLevel(std::string_view text) {
-    const std::optional<int> named = parseName(kLevels, text);
-    const std::optional<int> value = named ? named : parseNumber(text);
+std::optional<int> parse_level(std::string_view text) {
+    const std::optional<int> named = parse_name(kLevels, text);
+    const std::optional<int> value = named ? named : parse_number(text);
     return value && *value >= 0 ? value : std::nullopt;
 }
 
-std::optional<VUR_DL_ADMIN_VURLoggerCategory> parseCategory(std::string_view text) {
-    return parseNamed<VUR_DL_ADMIN_VURLoggerCategory>(kCategories, text);
+std::optional<VUR_DL_ADMIN_VURLoggerCategory> parse_category(std::string_view text) {
+    return parse_named<VUR_DL_ADMIN_VURLoggerCategory>(kCategories, text);
 }
 
-std::optional<VUR_DL_ADMIN_VURLoggerVerbosity> parseVerbosity(std::string_view text) {
-    return parseNamed<VUR_DL_ADMIN_VURLoggerVerbosity>(kVerbosities, text);
+std::optional<VUR_DL_ADMIN_VURLoggerVerbosity> parse_verbosity(std::string_view text) {
+    return parse_named<VUR_DL_ADMIN_VURLoggerVerbosity>(kVerbosities, text);
 }
 
-std::optional<VUR_DL_ADMIN_VURLoggerPrintFormat> parsePrintFormat(std::string_view text) {
-    return parseNamed<VUR_DL_ADMIN_VURLoggerPrintFormat>(kPrintFormats, text);
+std::optional<VUR_DL_ADMIN_VURLoggerPrintFormat> parse_print_format(std::string_view text) {
+    return parse_named<VUR_DL_ADMIN_VURLoggerPrintFormat>(kPrintFormats, text);
 }
 
-std::string levelName(int level) {
-    return nameOf(kLevels, level);
+std::string level_name(int level) {
+    return name_of(kLevels, level);
 }
-std::string categoryName(int category) {
-    return nameOf(kCategories, category);
+std::string category_name(int category) {
+    return name_of(kCategories, category);
 }
-std::string verbosityName(int verbosity) {
-    return nameOf(kVerbosities, verbosity);
+std::string verbosity_name(int verbosity) {
+    return name_of(kVerbosities, verbosity);
 }
-std::string printFormatName(int format) {
-    return nameOf(kPrintFormats, format);
+std::string print_format_name(int format) {
+    return name_of(kPrintFormats, format);
 }
-std::string stateName(int state) {
-    return nameOf(kStates, state);
+std::string state_name(int state) {
+    return name_of(kStates, state);
 }
 
-std::string levelNames() {
-    return listOf(kLevels);
+std::string level_names() {
+    return list_of(kLevels);
 }
-std::string categoryNames() {
-    return listOf(kCategories);
+std::string category_names() {
+    return list_of(kCategories);
 }
-std::string verbosityNames() {
-    return listOf(kVerbosities);
+std::string verbosity_names() {
+    return list_of(kVerbosities);
 }
-std::string printFormatNames() {
-    return listOf(kPrintFormats);
+std::string print_format_names() {
+    return list_of(kPrintFormats);
 }
 
 }  // namespace distlog

@@ -11,7 +11,7 @@ namespace distlog {
 namespace {
 
 // https://no-color.org: set and not empty switches colour off.
-bool wantsColour() {
+bool wants_colour() {
     const char *no_colour = std::getenv("NO_COLOR");
     const char *terminal = std::getenv("TERM");
     const bool refused = no_colour != nullptr && no_colour[0] != '\0';
@@ -19,7 +19,7 @@ bool wantsColour() {
     return isatty(STDOUT_FILENO) == 1 && !refused && !dumb;
 }
 
-std::string_view colourOf(int level) {
+std::string_view colour_of(int level) {
     if (level <= 200) {
         return "\x1b[1;31m";  // bold red: fatal, severe
     }
@@ -40,11 +40,11 @@ std::string_view colourOf(int level) {
 
 }  // namespace
 
-std::string toLine(const Json &json) {
+std::string to_line(const Json &json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-Output::Output() : colour_(wantsColour()) {}
+Output::Output() : colour_(wants_colour()) {}
 
 void Output::line(std::string_view text) {
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
@@ -56,11 +56,11 @@ void Output::flush() {
     alive_ = std::fflush(stdout) == 0 && alive_;
 }
 
-std::string levelInColour(int level, std::string_view text, bool colour, int width) {
+std::string level_in_colour(int level, std::string_view text, bool colour, int width) {
     if (!colour) {
         return fmt::format("{:<{}}", text, width);
     }
-    return fmt::format("{}{:<{}}\x1b[0m", colourOf(level), text, width);
+    return fmt::format("{}{:<{}}\x1b[0m", colour_of(level), text, width);
 }
 
 }  // namespace distlog

@@ -11,7 +11,7 @@ namespace distlog {
 // Members appear in the order in which they were set.
 using Json = nlohmann::ordered_json;
 // One line; bytes that are not UTF-8 become U+FFFD.
-std::string toLine(const Json &json);
+std::string to_line(const Json &json);
 
 class Output {
   public:
@@ -29,7 +29,7 @@ class Output {
 };
 
 // `text` in the colour that goes with a level, padded to `width`; plain when `colour` is off.
-std::string levelInColour(int level, std::string_view text, bool colour, int width);
+std::string level_in_colour(int level, std::string_view text, bool colour, int width);
 
 }  // namespace distlog
 

@@ -9,7 +9,7 @@ namespace {
 // An answer that is on its way takes far less; a reader that has just matched waits no longer.
 constexpr std::chrono::milliseconds kRepeatAfter{300};
 
-Outcome outcomeOf(VUR_DL_ADMIN_CommandResult result) {
+Outcome outcome_of(VUR_DL_ADMIN_CommandResult result) {
     switch (result) {
         case VUR_DL_COMMAND_RESULT_OK:
             return Outcome::kOk;
@@ -21,7 +21,7 @@ Outcome outcomeOf(VUR_DL_ADMIN_CommandResult result) {
     return Outcome::kError;
 }
 
-VUR_DL_HostAndAppId toIds(const Identity &identity) {
+VUR_DL_HostAndAppId to_ids(const Identity &identity) {
     return VUR_DL_HostAndAppId{identity.host, identity.app};
 }
 
@@ -33,9 +33,9 @@ Requester::Requester(const Session &session)
 std::map<DDS_Long, Requester::Pending> Requester::prepare(const std::vector<Request> &requests) {
     std::map<DDS_Long, Pending> pending;
     for (std::size_t i = 0; i < requests.size(); ++i) {
-        auto sample = makeSample<VUR_DL_ADMIN_CommandRequest>();
-        sample->targetHostAndAppId = toIds(requests[i].target);
-        sample->originatorHostAndAppId = toIds(self_);
+        auto sample = make_sample<VUR_DL_ADMIN_CommandRequest>();
+        sample->targetHostAndAppId = to_ids(requests[i].target);
+        sample->originatorHostAndAppId = to_ids(self_);
         sample->invocation = ++invocation_;
         requests[i].fill(sample->command);
         pending.emplace(invocation_, Pending{i, requests[i].target, std::move(sample)});
@@ -54,7 +54,7 @@ void Requester::write(const std::map<DDS_Long, Pending> &pending) {
     }
 }
 
-void Requester::takeResponses(std::map<DDS_Long, Pending> &pending, std::vector<Answer> &answers) {
+void Requester::take_responses(std::map<DDS_Long, Pending> &pending, std::vector<Answer> &answers) {
     responses_.take([&](const VUR_DL_ADMIN_CommandResponse &response, const DDS_SampleInfo &info) {
         if (!info.valid_data || Identity(response.originatorHostAndAppId) != self_) {
             return;
@@ -64,7 +64,7 @@ void Requester::takeResponses(std::map<DDS_Long, Pending> &pending, std::vector<
             return;
         }
         Answer &answer = answers[asked->second.index];
-        answer.outcome = outcomeOf(response.commandResult);
+        answer.outcome = outcome_of(response.commandResult);
         answer.detail = response.message;
         pending.erase(asked);
     });
@@ -77,22 +77,22 @@ std::vector<Answer> Requester::send(const std::vector<Request> &requests, const 
         answers.push_back(Answer{request.target, Outcome::kSilent, ""});
     }
     std::map<DDS_Long, Pending> pending = prepare(requests);
-    std::vector<DDS_Condition *> conditions{responses_.condition(), requests_.matchCondition()};
+    std::vector<DDS_Condition *> conditions{responses_.condition(), requests_.match_condition()};
     if (stop != nullptr) {
         conditions.push_back(stop->condition());
     }
     Waiter waiter(conditions);
     int matched = 0;
     Deadline repeat_at;
-    while (!pending.empty() && !isOver(deadline) && (stop == nullptr || !stop->raised())) {
-        const int matched_now = requests_.matchedReadersInTotal();
-        if (matched_now > matched || (matched_now > 0 && isOver(repeat_at))) {
+    while (!pending.empty() && !is_over(deadline) && (stop == nullptr || !stop->raised())) {
+        const int matched_now = requests_.matched_readers_in_total();
+        if (matched_now > matched || (matched_now > 0 && is_over(repeat_at))) {
             matched = matched_now;
-            repeat_at = deadlineAfter(kRepeatAfter);
+            repeat_at = deadline_after(kRepeatAfter);
             write(pending);
         }
         waiter.wait(earlier(deadline, repeat_at));
-        takeResponses(pending, answers);
+        take_responses(pending, answers);
     }
     return answers;
 }

@@ -53,7 +53,7 @@ class Requester {
 
     std::map<DDS_Long, Pending> prepare(const std::vector<Request> &requests);
     void write(const std::map<DDS_Long, Pending> &pending);
-    void takeResponses(std::map<DDS_Long, Pending> &pending, std::vector<Answer> &answers);
+    void take_responses(std::map<DDS_Long, Pending> &pending, std::vector<Answer> &answers);
 
     Identity self_;
     // The reader before the writer: who answers has to know it.

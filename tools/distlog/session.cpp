@@ -12,7 +12,7 @@
 namespace distlog {
 namespace {
 
-void writeToStandardError(KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
+void write_to_standard_error(KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
     const std::size_t length = std::strlen(message->text);
     const bool ended = length > 0 && message->text[length - 1] == '\n';
     std::fprintf(stderr, "%s%s", message->text, ended ? "" : "\n");
@@ -20,8 +20,8 @@ void writeToStandardError(KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessa
 
 }  // namespace
 
-void divertMiddlewareLog() {
-    static KOLT_Config_LoggerDevice device{nullptr, writeToStandardError, nullptr};
+void divert_middleware_log() {
+    static KOLT_Config_LoggerDevice device{nullptr, write_to_standard_error, nullptr};
     KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device);
 }
 

@@ -13,7 +13,7 @@ namespace distlog {
 
 // Sends the middleware's own messages to standard error: standard output belongs to what the
 // command was asked for. To be called before anything else of the middleware.
-void divertMiddlewareLog();
+void divert_middleware_log();
 
 class Session {
   public:

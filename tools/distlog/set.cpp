@@ -3,15 +3,15 @@
 
 namespace distlog {
 
-void addSet(CLI::App &app, Action &action) {
+void add_set(CLI::App &app, Action &action) {
     CLI::App *command = app.add_subcommand("set", "Change running loggers");
     command->require_subcommand(1);
     command->footer(
         "Every logger that was addressed gets a line. The exit code is 1 if any of them\n"
         "refused or did not answer.");
-    addSetLevel(*command, action);
-    addSetVerbosity(*command, action);
-    addSetFormat(*command, action);
+    add_set_level(*command, action);
+    add_set_verbosity(*command, action);
+    add_set_format(*command, action);
 }
 
 }  // namespace distlog

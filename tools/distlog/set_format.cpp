@@ -9,26 +9,26 @@ namespace {
 
 using PrintFormat = VUR_DL_ADMIN_VURLoggerPrintFormat;
 
-PrintFormat formatArgument(const std::string &text) {
-    const std::optional<PrintFormat> format = parsePrintFormat(text);
+PrintFormat format_argument(const std::string &text) {
+    const std::optional<PrintFormat> format = parse_print_format(text);
     if (!format) {
         throw CLI::ValidationError(
-            "FORMAT", fmt::format("'{}' is no print format: {}", text, printFormatNames()));
+            "FORMAT", fmt::format("'{}' is no print format: {}", text, print_format_names()));
     }
     return *format;
 }
 
 }  // namespace
 
-void addSetFormat(CLI::App &set, Action &action) {
+void add_set_format(CLI::App &set, Action &action) {
     CLI::App *command =
         set.add_subcommand("format", "Set the print format of the middleware's own log");
-    const auto options = addSetOptions(*command);
+    const auto options = add_set_options(*command);
     const auto format = std::make_shared<PrintFormat>();
     command
         ->add_option_function<std::string>(
-            "FORMAT", [format](const std::string &text) { *format = formatArgument(text); },
-            "One of " + printFormatNames())
+            "FORMAT", [format](const std::string &text) { *format = format_argument(text); },
+            "One of " + print_format_names())
         ->required();
     command->callback([&action, options, format] {
         action = [options, format] {
@@ -36,8 +36,8 @@ void addSetFormat(CLI::App &set, Action &action) {
                 request._d = VUR_DL_SET_VUR_LOGGER_PRINT_FORMAT;
                 request._u.printFormat = *format;
             };
-            return Administration(*options).tellAll(
-                fill, "print format set to " + printFormatName(*format));
+            return Administration(*options).tell_all(
+                fill, "print format set to " + print_format_name(*format));
         };
     });
 }

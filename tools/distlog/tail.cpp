@@ -42,13 +42,13 @@ struct Received {
     const VUR_DL_LogMessage *message;
     DDS_Time_t time;
     LossLedger::Entry entry;
-    std::int64_t order = 0;  // see inReadingOrder
+    std::int64_t order = 0;  // see in_reading_order
 };
 
 // Sorts one batch for reading: messages of one sender by their numbers, different senders by time.
 // Time stamps of one sender may run backwards by a little against its numbers (two threads that log
 // at once), so a message counts as sent no earlier than those with smaller numbers.
-void inReadingOrder(std::vector<Received> &batch) {
+void in_reading_order(std::vector<Received> &batch) {
     const auto sender = [](const Received &r) {
         return std::tuple(r.entry.sender, r.entry.publication, r.entry.id);
     };
@@ -66,25 +66,25 @@ void inReadingOrder(std::vector<Received> &batch) {
     });
 }
 
-Json toJson(const Received &received) {
+Json to_json(const Received &received) {
     const VUR_DL_LogMessage &message = *received.message;
     return Json{{"host_id", message.hostAndAppId.rtps_host_id},
                 {"app_id", message.hostAndAppId.rtps_app_id},
                 {"level", message.level},
-                {"level_name", levelName(message.level)},
+                {"level_name", level_name(message.level)},
                 {"category", message.category},
                 {"message", message.message},
                 {"message_id", message.messageId},
                 {"timestamp_ns", received.entry.timestamp}};
 }
 
-std::string toText(const Received &received, const std::string &sender, bool colour) {
+std::string to_text(const Received &received, const std::string &sender, bool colour) {
     const VUR_DL_LogMessage &message = *received.message;
     const std::string category = printable(message.category);
-    return fmt::format("{} {} {}{} {}", localTime(received.time),
-                       levelInColour(message.level, levelName(message.level), colour, kLevelWidth),
-                       sender, category.empty() ? ":" : fmt::format(" [{}]:", category),
-                       printable(message.message));
+    return fmt::format(
+        "{} {} {}{} {}", local_time(received.time),
+        level_in_colour(message.level, level_name(message.level), colour, kLevelWidth), sender,
+        category.empty() ? ":" : fmt::format(" [{}]:", category), printable(message.message));
 }
 
 class Tail {
@@ -99,13 +99,13 @@ class Tail {
           listening_since_(now()) {}
 
     int run() {
-        const Deadline deadline = options_.timeout ? deadlineAfter(*options_.timeout) : Deadline();
+        const Deadline deadline = options_.timeout ? deadline_after(*options_.timeout) : Deadline();
         {
             // States first: a kind that arrives together with messages is shown with them.
             Waiter waiter({directory_.condition(), reader_.condition(), stop_.condition()});
             while (!complete() && !stop_.raised() && output_.alive() && waiter.wait(deadline)) {
                 directory_.update();
-                takeMessages();
+                take_messages();
             }
         }
         output_.flush();
@@ -121,12 +121,12 @@ class Tail {
     static std::int64_t now() {
         timespec time{};
         clock_gettime(CLOCK_REALTIME, &time);
-        return toNanoseconds(DDS_Time_t{time.tv_sec, static_cast<DDS_UnsignedLong>(time.tv_nsec)});
+        return to_nanoseconds(DDS_Time_t{time.tv_sec, static_cast<DDS_UnsignedLong>(time.tv_nsec)});
     }
 
     bool complete() const { return options_.count && shown_ >= *options_.count; }
 
-    void takeMessages() {
+    void take_messages() {
         std::vector<Received> batch;
         reader_.take(
             [&](const VUR_DL_LogMessage &message, const DDS_SampleInfo &info) {
@@ -135,7 +135,7 @@ class Tail {
                 }
             },
             [&] {
-                inReadingOrder(batch);
+                in_reading_order(batch);
                 show(batch);
             });
     }
@@ -145,7 +145,7 @@ class Tail {
     // ours.
     Received receive(const VUR_DL_LogMessage &message, const DDS_SampleInfo &info) const {
         const Identity sender(message.hostAndAppId);
-        const std::int64_t timestamp = toNanoseconds(info.source_timestamp);
+        const std::int64_t timestamp = to_nanoseconds(info.source_timestamp);
         const bool historical =
             options_.history && (timestamp <= listening_since_ || !ledger_.knows(sender));
         return Received{&message, info.source_timestamp,
@@ -162,9 +162,9 @@ class Tail {
             if (!verdict.repeated && passes(*received.message) && !complete()) {
                 ++shown_;
                 output_.line(options_.json
-                                 ? toLine(toJson(received))
-                                 : toText(received, directory_.label(received.entry.sender),
-                                          output_.colour()));
+                                 ? to_line(to_json(received))
+                                 : to_text(received, directory_.label(received.entry.sender),
+                                           output_.colour()));
             }
         }
         output_.flush();
@@ -208,8 +208,8 @@ class Tail {
     std::uint64_t shown_ = 0;
 };
 
-Identity appArgument(const std::string &text) {
-    const std::optional<Identity> identity = parseIdentity(text);
+Identity app_argument(const std::string &text) {
+    const std::optional<Identity> identity = parse_identity(text);
     if (!identity) {
         throw CLI::ValidationError(
             "--app", fmt::format("'{}' is no HOST:APP (two numbers, see distlog ls)", text));
@@ -219,14 +219,16 @@ Identity appArgument(const std::string &text) {
 
 }  // namespace
 
-void addTail(CLI::App &app, Action &action) {
+void add_tail(CLI::App &app, Action &action) {
     CLI::App *command = app.add_subcommand("tail", "Print log messages as they arrive");
     const auto options = std::make_shared<TailOptions>();
-    addDomain(*command, options->domain);
+    add_domain(*command, options->domain);
     command
         ->add_option_function<std::string>(
             "--level",
-            [options](const std::string &text) { options->level = levelArgument("--level", text); },
+            [options](const std::string &text) {
+                options->level = level_argument("--level", text);
+            },
             "Show messages of this level and more severe ones only")
         ->type_name("LEVEL");
     command
@@ -242,7 +244,7 @@ void addTail(CLI::App &app, Action &action) {
         ->allow_extra_args(false);
     command
         ->add_option_function<std::string>(
-            "--app", [options](const std::string &text) { options->app = appArgument(text); },
+            "--app", [options](const std::string &text) { options->app = app_argument(text); },
             "Show messages of one logger only")
         ->type_name("HOST:APP");
     command->add_flag("--json", options->json, "One JSON object a line");
@@ -255,7 +257,7 @@ void addTail(CLI::App &app, Action &action) {
         ->add_option_function<std::string>(
             "--timeout",
             [options](const std::string &text) {
-                options->timeout = durationArgument("--timeout", text);
+                options->timeout = duration_argument("--timeout", text);
             },
             "End after this time; with --count, fail if the messages have not come by then")
         ->type_name("S");

@@ -44,12 +44,12 @@ CodePoint decode(std::string_view text) {
 }
 
 // Characters that act on the terminal instead of appearing on it.
-bool isControl(std::uint32_t c) {
+bool is_control(std::uint32_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029 ||
            (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
 }
 
-void appendControl(std::string &out, std::uint32_t c) {
+void append_control(std::string &out, std::uint32_t c) {
     switch (c) {
         case '\n':
             out += "\\n";
@@ -66,7 +66,7 @@ void appendControl(std::string &out, std::uint32_t c) {
     out += c < 0x80 ? fmt::format("\\x{:02x}", c) : fmt::format("\\u{{{:04x}}}", c);
 }
 
-std::tm localBrokenDown(std::int64_t seconds) {
+std::tm local_broken_down(std::int64_t seconds) {
     const std::time_t time = static_cast<std::time_t>(seconds);
     std::tm result{};
     // A time too far away for a calendar stays the zero record; the fraction still tells it apart.
@@ -89,8 +89,8 @@ std::string printable(std::string_view text) {
         const CodePoint c = decode(text);
         if (c.length == 0) {
             out += fmt::format("\\x{:02x}", static_cast<unsigned char>(text.front()));
-        } else if (isControl(c.value)) {
-            appendControl(out, c.value);
+        } else if (is_control(c.value)) {
+            append_control(out, c.value);
         } else {
             out += text.substr(0, c.length);
         }
@@ -99,7 +99,7 @@ std::string printable(std::string_view text) {
     return out;
 }
 
-std::int64_t toNanoseconds(const DDS_Time_t &time) {
+std::int64_t to_nanoseconds(const DDS_Time_t &time) {
     // Saturates: the seconds come from the network and need not be a sensible time.
     std::int64_t result = 0;
     if (__builtin_mul_overflow(time.sec, kNanosecondsPerSecond, &result) ||
@@ -109,13 +109,13 @@ std::int64_t toNanoseconds(const DDS_Time_t &time) {
     return result;
 }
 
-std::string localTime(const DDS_Time_t &time) {
-    return fmt::format("{:%Y-%m-%d %H:%M:%S}.{:06}", localBrokenDown(time.sec),
+std::string local_time(const DDS_Time_t &time) {
+    return fmt::format("{:%Y-%m-%d %H:%M:%S}.{:06}", local_broken_down(time.sec),
                        time.nanosec / 1000);
 }
 
-std::string localClock() {
-    return fmt::format("{:%H:%M:%S}", localBrokenDown(std::time(nullptr)));
+std::string local_clock() {
+    return fmt::format("{:%H:%M:%S}", local_broken_down(std::time(nullptr)));
 }
 
 }  // namespace distlog

@@ -16,11 +16,11 @@ namespace distlog {
 std::string printable(std::string_view text);
 
 // Nanoseconds since the epoch.
-std::int64_t toNanoseconds(const DDS_Time_t &time);
+std::int64_t to_nanoseconds(const DDS_Time_t &time);
 // "2026-03-01 14:05:09.123456" in the local time zone.
-std::string localTime(const DDS_Time_t &time);
+std::string local_time(const DDS_Time_t &time);
 // The same for this moment, without the date: "14:05:09".
-std::string localClock();
+std::string local_clock();
 
 }  // namespace distlog
 

@@ -17,7 +17,7 @@
 namespace distlog {
 namespace {
 
-sigset_t stopSignals() {
+sigset_t stop_signals() {
     sigset_t set;
     sigemptyset(&set);
     sigaddset(&set, SIGINT);
@@ -38,7 +38,7 @@ DDS_Duration_t remaining(const Deadline &deadline) {
 
 }  // namespace
 
-Deadline deadlineAfter(std::chrono::duration<double> span) {
+Deadline deadline_after(std::chrono::duration<double> span) {
     return Clock::now() + std::chrono::duration_cast<Clock::duration>(span);
 }
 
@@ -49,12 +49,12 @@ Deadline earlier(const Deadline &left, const Deadline &right) {
     return std::min(*left, *right);
 }
 
-bool isOver(const Deadline &deadline) {
+bool is_over(const Deadline &deadline) {
     return deadline && Clock::now() >= *deadline;
 }
 
 StopSignal::StopSignal() {
-    const sigset_t set = stopSignals();
+    const sigset_t set = stop_signals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     // A reader of our output that goes away shows as a failed write, not as the end of the process.
     std::signal(SIGPIPE, SIG_IGN);
@@ -93,7 +93,7 @@ void StopSignal::watch() {
     [[maybe_unused]] const ssize_t got = read(signals_, &info, sizeof info);
     raise();
     // From here on the signals do what they do by default, on this thread, to the whole process.
-    const sigset_t set = stopSignals();
+    const sigset_t set = stop_signals();
     pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
     while (poll(&watched[1], 1, -1) < 0) {
     }

@@ -16,9 +16,9 @@ using Clock = std::chrono::steady_clock;
 // Empty: never.
 using Deadline = std::optional<Clock::time_point>;
 
-Deadline deadlineAfter(std::chrono::duration<double> span);
+Deadline deadline_after(std::chrono::duration<double> span);
 Deadline earlier(const Deadline &left, const Deadline &right);
-bool isOver(const Deadline &deadline);
+bool is_over(const Deadline &deadline);
 
 // Turns SIGINT and SIGTERM into a condition. A second signal ends the process at once. To be made
 // before any other thread, so that all threads leave the signals to it.

@@ -25,7 +25,7 @@ bool is_real(DDS_TCKind kind) {
 }
 
 bool is_integral(DDS_TCKind kind) {
-    return kind == DDS_TK_ENUM || (type::IsPrimitive(kind) && !is_real(kind));
+    return kind == DDS_TK_ENUM || (type::is_primitive(kind) && !is_real(kind));
 }
 
 // The C types stand for themselves but for characters and booleans, which have ranges of their own.
@@ -67,7 +67,7 @@ DDS_ReturnCode_t load(const Place &place, DDS_TCKind kind, T *value) {
         if (!is_integral(source)) {
             return DDS_RETCODE_BAD_PARAMETER;
         }
-        const int64_t integer = type::LoadInteger(source, place.value);
+        const int64_t integer = type::load_integer(source, place.value);
         const bool fitting = source == DDS_TK_ULONGLONG
                                  ? fits<T>(kind, static_cast<uint64_t>(integer))
                                  : fits<T>(kind, integer);
@@ -107,7 +107,7 @@ void store(const Place &place, T value) {
             std::memcpy(place.value, &real, sizeof(real));
         }
     } else {
-        type::StoreInteger(place.type->kind, place.value, static_cast<int64_t>(value));
+        type::store_integer(place.type->kind, place.value, static_cast<int64_t>(value));
     }
 }
 
@@ -162,8 +162,8 @@ bool reset_elements(const DDS_TypeCode &content, const KOLT_Sequence *sequence,
     DDS_TypeAllocationParams_t params = type::kDefaultAllocation;
     params.allocate_memory = DDS_BOOLEAN_FALSE;
     for (DDS_UnsignedLong i = first; i < sequence->_length; ++i) {
-        if (!type::InitializeValue(content, nullptr, type::SequenceElement(sequence, ops, i),
-                                   params)) {
+        if (!type::initialize_value(content, nullptr, type::sequence_element(sequence, ops, i),
+                                    params)) {
             return false;
         }
     }
@@ -174,8 +174,8 @@ DDS_ReturnCode_t set_sequence_length(const Place &place, DDS_UnsignedLong length
     const DDS_TypeCode &content = *place.type->content_type;
     auto *const sequence = static_cast<KOLT_Sequence *>(place.value);
     const DDS_UnsignedLong before = sequence->_length;
-    if (!type::SequenceSetLength(sequence, type::TypeCodeElementOps(content),
-                                 static_cast<DDS_Long>(length)) ||
+    if (!type::sequence_set_length(sequence, type::TypeCodeElementOps(content),
+                                   static_cast<DDS_Long>(length)) ||
         !reset_elements(content, sequence, before)) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
@@ -185,7 +185,7 @@ DDS_ReturnCode_t set_sequence_length(const Place &place, DDS_UnsignedLong length
 // ---- Strings ----------------------------------------------------------------------------------
 
 const DDS_Char *text_of(const Place &place) {
-    const auto *const text = static_cast<const DDS_Char *>(type::LoadPointer(place.value));
+    const auto *const text = static_cast<const DDS_Char *>(type::load_pointer(place.value));
     return text == nullptr ? "" : text;
 }
 
@@ -253,7 +253,7 @@ DDS_ReturnCode_t DDS_DynamicData_get_length(const DDS_DynamicData *self, DDS_Uns
             *length = static_cast<const KOLT_Sequence *>(place.value)->_length;
             return DDS_RETCODE_OK;
         case DDS_TK_ARRAY:
-            *length = static_cast<DDS_UnsignedLong>(type::ElementCount(*place.type));
+            *length = static_cast<DDS_UnsignedLong>(type::element_count(*place.type));
             return DDS_RETCODE_OK;
         case DDS_TK_STRING:
             *length = static_cast<DDS_UnsignedLong>(std::strlen(text_of(place)));
@@ -287,7 +287,7 @@ DDS_ReturnCode_t DDS_DynamicData_get_discriminator(const DDS_DynamicData *self,
     if (self == nullptr || value == nullptr || self->type->kind != DDS_TK_UNION) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
-    *value = type::LoadDiscriminator(*self->type, self->record);
+    *value = type::load_discriminator(*self->type, self->record);
     return DDS_RETCODE_OK;
 }
 
@@ -397,7 +397,7 @@ DDS_ReturnCode_t DDS_DynamicData_set_string(DDS_DynamicData *self, const char *n
         DDS_String_free(text);
         return result;
     }
-    DDS_String_free(static_cast<DDS_Char *>(type::LoadPointer(place.value)));
-    type::StorePointer(place.value, text);
+    DDS_String_free(static_cast<DDS_Char *>(type::load_pointer(place.value)));
+    type::store_pointer(place.value, text);
     return DDS_RETCODE_OK;
 }

@@ -52,7 +52,7 @@ void Formatter::members(const DDS_TypeCode &code, const void *record) {
         scalar(*code.discriminator_type,
                static_cast<const char *>(record) + code.access->discriminator_offset, {"_d"});
         const DDS_UnsignedLong selected =
-            type::SelectedMember(code, type::LoadDiscriminator(code, record));
+            type::selected_member(code, type::load_discriminator(code, record));
         if (selected < code.member_count) {
             member(code, record, selected);
         }
@@ -66,9 +66,9 @@ void Formatter::members(const DDS_TypeCode &code, const void *record) {
 // An optional member that is absent leaves no trace.
 void Formatter::member(const DDS_TypeCode &code, const void *record, DDS_UnsignedLong index) {
     const DDS_TypeCodeMember &member = code.members[index];
-    const void *place = type::MemberAddress(code, record, index);
+    const void *place = type::member_address(code, record, index);
     if (member.is_optional) {
-        place = type::LoadPointer(place);
+        place = type::load_pointer(place);
     }
     if (place != nullptr) {
         value(*member.type, place, {member.name});
@@ -111,7 +111,7 @@ void Formatter::sequence(const DDS_TypeCode &code, const void *value, const Labe
     const std::string name = full_name(label);
     writer_.open(label, Group::kElements);
     for (size_t i = 0; i < sequence->_length; ++i) {
-        this->value(content, type::SequenceElement(sequence, ops, i), {name, true, i});
+        this->value(content, type::sequence_element(sequence, ops, i), {name, true, i});
     }
     writer_.close(label, Group::kElements);
 }
@@ -121,7 +121,7 @@ void Formatter::array(const DDS_TypeCode &code, DDS_UnsignedLong dimension, cons
                       const Label &label) {
     const DDS_TypeCode &content = *code.content_type;
     const bool last = dimension + 1 == code.dimension_count;
-    size_t stride = type::ValueSize(content);
+    size_t stride = type::value_size(content);
     for (DDS_UnsignedLong i = dimension + 1; i < code.dimension_count; ++i) {
         stride *= code.dimensions[i];
     }
@@ -141,7 +141,7 @@ void Formatter::array(const DDS_TypeCode &code, DDS_UnsignedLong dimension, cons
 void Formatter::scalar(const DDS_TypeCode &code, const void *value, const Label &label) {
     switch (code.kind) {
         case DDS_TK_STRING: {
-            const auto *const text = static_cast<const DDS_Char *>(type::LoadPointer(value));
+            const auto *const text = static_cast<const DDS_Char *>(type::load_pointer(value));
             writer_.value(label, Scalar::kString, text == nullptr ? "" : text);
             break;
         }
@@ -150,7 +150,7 @@ void Formatter::scalar(const DDS_TypeCode &code, const void *value, const Label 
             break;
         case DDS_TK_BOOLEAN:
             writer_.value(label, Scalar::kLiteral,
-                          type::LoadInteger(code.kind, value) != 0 ? "true" : "false");
+                          type::load_integer(code.kind, value) != 0 ? "true" : "false");
             break;
         case DDS_TK_ENUM:
             enumeration(code, value, label);
@@ -162,17 +162,17 @@ void Formatter::scalar(const DDS_TypeCode &code, const void *value, const Label 
             real<DDS_Double>(value, label);
             break;
         case DDS_TK_ULONGLONG:
-            number(static_cast<uint64_t>(type::LoadInteger(code.kind, value)), label);
+            number(static_cast<uint64_t>(type::load_integer(code.kind, value)), label);
             break;
         default:
-            number(type::LoadInteger(code.kind, value), label);
+            number(type::load_integer(code.kind, value), label);
             break;
     }
 }
 
 // A value that is no enumerator is a number.
 void Formatter::enumeration(const DDS_TypeCode &code, const void *value, const Label &label) {
-    const int64_t ordinal = type::LoadInteger(DDS_TK_ENUM, value);
+    const int64_t ordinal = type::load_integer(DDS_TK_ENUM, value);
     for (DDS_UnsignedLong i = 0; !enum_as_int_ && i < code.member_count; ++i) {
         if (code.members[i].ordinal == ordinal) {
             writer_.value(label, Scalar::kEnumerator, code.members[i].name);

@@ -11,8 +11,8 @@
 namespace kolt::dynamic {
 namespace {
 
-using type::LoadPointer;
-using type::MemberAddress;
+using type::load_pointer;
+using type::member_address;
 
 constexpr std::string_view kDiscriminatorName = "_d";
 
@@ -64,7 +64,7 @@ bool find_unlabelled(const DDS_TypeCode &code, DDS_LongLong *value) {
 }
 
 DDS_ReturnCode_t select_branch(const DDS_TypeCode &code, void *record, DDS_UnsignedLong index) {
-    if (type::SelectedMember(code, type::LoadDiscriminator(code, record)) == index) {
+    if (type::selected_member(code, type::load_discriminator(code, record)) == index) {
         return DDS_RETCODE_OK;
     }
     const DDS_TypeCodeMember &member = code.members[index];
@@ -78,16 +78,16 @@ DDS_ReturnCode_t select_branch(const DDS_TypeCode &code, void *record, DDS_Unsig
 }
 
 DDS_ReturnCode_t enter_optional(const DDS_TypeCode &code, Access access, Place *place) {
-    void *present = LoadPointer(place->value);
+    void *present = load_pointer(place->value);
     if (present == nullptr && access == Access::kRead) {
         return DDS_RETCODE_NO_DATA;
     }
     if (present == nullptr && access == Access::kWrite) {
-        present = type::NewOptional(code, type::kDefaultAllocation);
+        present = type::new_optional(code, type::kDefaultAllocation);
         if (present == nullptr) {
             return DDS_RETCODE_OUT_OF_RESOURCES;
         }
-        type::StorePointer(place->value, present);
+        type::store_pointer(place->value, present);
     }
     place->value = present;
     return DDS_RETCODE_OK;
@@ -105,8 +105,8 @@ DDS_ReturnCode_t enter_member(DDS_UnsignedLong index, Access access, Place *plac
         return DDS_RETCODE_OK;
     }
     if (code.kind == DDS_TK_UNION) {
-        const int64_t discriminator = type::LoadDiscriminator(code, place->value);
-        if (access == Access::kRead && type::SelectedMember(code, discriminator) != index) {
+        const int64_t discriminator = type::load_discriminator(code, place->value);
+        if (access == Access::kRead && type::selected_member(code, discriminator) != index) {
             return DDS_RETCODE_PRECONDITION_NOT_MET;
         }
         if (access == Access::kWrite) {
@@ -116,7 +116,7 @@ DDS_ReturnCode_t enter_member(DDS_UnsignedLong index, Access access, Place *plac
             }
         }
     }
-    place->value = MemberAddress(code, place->value, index);
+    place->value = member_address(code, place->value, index);
     return member.is_optional ? enter_optional(*member.type, access, place) : DDS_RETCODE_OK;
 }
 
@@ -168,7 +168,7 @@ DDS_ReturnCode_t enter_array(std::string_view *indexes, Place *place) {
     place->type = code.content_type;
     if (place->value != nullptr) {
         place->value =
-            static_cast<char *>(place->value) + element * type::ValueSize(*code.content_type);
+            static_cast<char *>(place->value) + element * type::value_size(*code.content_type);
     }
     return DDS_RETCODE_OK;
 }
@@ -182,7 +182,7 @@ DDS_ReturnCode_t enter_sequence(std::string_view *indexes, Place *place) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
     place->type = &content;
-    place->value = type::SequenceElement(sequence, type::TypeCodeElementOps(content), index);
+    place->value = type::sequence_element(sequence, type::TypeCodeElementOps(content), index);
     return DDS_RETCODE_OK;
 }
 
@@ -231,13 +231,13 @@ DDS_ReturnCode_t find_member(const DDS_DynamicData &data, const char *name,
 
 bool set_discriminator(const DDS_TypeCode &type, void *record, DDS_LongLong value) {
     const DDS_UnsignedLong before =
-        type::SelectedMember(type, type::LoadDiscriminator(type, record));
-    const DDS_UnsignedLong after = type::SelectedMember(type, value);
-    if (after != before && after < type.member_count && !type::ResetMember(type, record, after)) {
+        type::selected_member(type, type::load_discriminator(type, record));
+    const DDS_UnsignedLong after = type::selected_member(type, value);
+    if (after != before && after < type.member_count && !type::reset_member(type, record, after)) {
         return false;
     }
-    type::StoreInteger(type.discriminator_type->kind,
-                       static_cast<char *>(record) + type.access->discriminator_offset, value);
+    type::store_integer(type.discriminator_type->kind,
+                        static_cast<char *>(record) + type.access->discriminator_offset, value);
     return true;
 }
 

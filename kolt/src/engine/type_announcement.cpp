@@ -42,7 +42,7 @@ std::shared_ptr<const TypeAnnouncement> TypeAnnouncement::create(const DDS_TypeC
     std::string problem = "it holds a mutable union";
     std::set<const DDS_TypeCode *> seen;
     if (!holds_mutable_union(type, seen)) {
-        auto description = kolt::type::DescribeType(type, registered_name, &problem);
+        auto description = kolt::type::describe_type(type, registered_name, &problem);
         if (description) {
             std::shared_ptr<const TypeAnnouncement> result(
                 new TypeAnnouncement(std::move(*description)));

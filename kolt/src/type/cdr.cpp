@@ -10,52 +10,52 @@ namespace {
 using kolt::type::Encapsulation;
 using kolt::type::Part;
 
-DDS_UnsignedLong WithHeader(uint64_t body) {
+DDS_UnsignedLong with_header(uint64_t body) {
     return body == UINT64_MAX ? KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED
-                              : kolt::type::SaturateSize(KOLT_ENCAPSULATION_HEADER_SIZE + body);
+                              : kolt::type::saturate_size(KOLT_ENCAPSULATION_HEADER_SIZE + body);
 }
 
-DDS_UnsignedLong Size(const KOLT_TypePrograms *self, DDS_UnsignedShort identifier, Part part,
+DDS_UnsignedLong size(const KOLT_TypePrograms *self, DDS_UnsignedShort identifier, Part part,
                       const void *record) {
     Encapsulation encapsulation;
     size_t body = 0;
     if (self == nullptr || record == nullptr ||
-        !kolt::type::ResolveEncapsulation(*self, identifier, part, &encapsulation) ||
-        !kolt::type::MeasureBody(*self, encapsulation, part, record, 0, &body)) {
+        !kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation) ||
+        !kolt::type::measure_body(*self, encapsulation, part, record, 0, &body)) {
         return 0;
     }
-    const DDS_UnsignedLong size = WithHeader(body);
+    const DDS_UnsignedLong size = with_header(body);
     return size == KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED ? 0 : size;
 }
 
-DDS_Boolean Serialize(const KOLT_TypePrograms *self, DDS_UnsignedShort identifier, Part part,
+DDS_Boolean serialize(const KOLT_TypePrograms *self, DDS_UnsignedShort identifier, Part part,
                       const void *record, DDS_Octet *buffer, size_t capacity, size_t *length) {
     Encapsulation encapsulation;
     if (self == nullptr || record == nullptr || buffer == nullptr || length == nullptr ||
         capacity < KOLT_ENCAPSULATION_HEADER_SIZE ||
-        !kolt::type::ResolveEncapsulation(*self, identifier, part, &encapsulation)) {
+        !kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation)) {
         return DDS_BOOLEAN_FALSE;
     }
     const size_t room = capacity - KOLT_ENCAPSULATION_HEADER_SIZE;
     DDS_Octet *const body = buffer + KOLT_ENCAPSULATION_HEADER_SIZE;
     size_t size = 0;
-    if (!kolt::type::EncodeBody(*self, encapsulation, part, record, body, room, &size)) {
+    if (!kolt::type::encode_body(*self, encapsulation, part, record, body, room, &size)) {
         return DDS_BOOLEAN_FALSE;
     }
-    kolt::type::WriteHeader(identifier, size, buffer);
+    kolt::type::write_header(identifier, size, buffer);
     *length = KOLT_ENCAPSULATION_HEADER_SIZE + size;
     return DDS_BOOLEAN_TRUE;
 }
 
 template <typename Decode>
-DDS_Boolean Deserialize(const KOLT_TypePrograms *self, Part part, const DDS_Octet *bytes,
+DDS_Boolean deserialize(const KOLT_TypePrograms *self, Part part, const DDS_Octet *bytes,
                         size_t length, void *record, Decode decode) {
     DDS_UnsignedShort identifier = 0;
     size_t body = 0;
     Encapsulation encapsulation;
     return self != nullptr && bytes != nullptr && record != nullptr &&
-           kolt::type::ReadHeader(bytes, length, &identifier, &body) &&
-           kolt::type::ResolveEncapsulation(*self, identifier, part, &encapsulation) &&
+           kolt::type::read_header(bytes, length, &identifier, &body) &&
+           kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation) &&
            decode(*self, encapsulation, bytes + KOLT_ENCAPSULATION_HEADER_SIZE, body, record);
 }
 
@@ -63,52 +63,52 @@ DDS_Boolean Deserialize(const KOLT_TypePrograms *self, Part part, const DDS_Octe
 
 DDS_UnsignedLong KOLT_Cdr_serialized_size(const KOLT_TypePrograms *self,
                                           DDS_UnsignedShort encapsulation, const void *record) {
-    return Size(self, encapsulation, Part::kSample, record);
+    return size(self, encapsulation, Part::kSample, record);
 }
 
 DDS_UnsignedLong KOLT_Cdr_serialized_key_size(const KOLT_TypePrograms *self,
                                               DDS_UnsignedShort encapsulation, const void *record) {
-    return Size(self, encapsulation, Part::kKey, record);
+    return size(self, encapsulation, Part::kKey, record);
 }
 
 DDS_UnsignedLong KOLT_Cdr_serialized_max_size(const KOLT_TypePrograms *self,
                                               DDS_UnsignedShort encapsulation) {
     Encapsulation resolved;
     if (self == nullptr ||
-        !kolt::type::ResolveEncapsulation(*self, encapsulation, Part::kSample, &resolved)) {
+        !kolt::type::resolve_encapsulation(*self, encapsulation, Part::kSample, &resolved)) {
         return 0;
     }
-    return WithHeader(kolt::type::LargestBody(*self, resolved, Part::kSample, 0));
+    return with_header(kolt::type::largest_body(*self, resolved, Part::kSample, 0));
 }
 
 DDS_UnsignedLong KOLT_Cdr_serialized_min_size(const KOLT_TypePrograms *self,
                                               DDS_UnsignedShort encapsulation) {
     Encapsulation resolved;
     if (self == nullptr ||
-        !kolt::type::ResolveEncapsulation(*self, encapsulation, Part::kSample, &resolved)) {
+        !kolt::type::resolve_encapsulation(*self, encapsulation, Part::kSample, &resolved)) {
         return 0;
     }
-    return WithHeader(kolt::type::SmallestBody(*self, resolved, Part::kSample, 0));
+    return with_header(kolt::type::smallest_body(*self, resolved, Part::kSample, 0));
 }
 
 DDS_Boolean KOLT_Cdr_serialize(const KOLT_TypePrograms *self, DDS_UnsignedShort encapsulation,
                                const void *record, DDS_Octet *buffer, size_t capacity,
                                size_t *length) {
-    return Serialize(self, encapsulation, Part::kSample, record, buffer, capacity, length);
+    return serialize(self, encapsulation, Part::kSample, record, buffer, capacity, length);
 }
 
 DDS_Boolean KOLT_Cdr_serialize_key(const KOLT_TypePrograms *self, DDS_UnsignedShort encapsulation,
                                    const void *record, DDS_Octet *buffer, size_t capacity,
                                    size_t *length) {
-    return Serialize(self, encapsulation, Part::kKey, record, buffer, capacity, length);
+    return serialize(self, encapsulation, Part::kKey, record, buffer, capacity, length);
 }
 
 DDS_Boolean KOLT_Cdr_deserialize(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
                                  size_t length, void *record) {
-    return Deserialize(self, Part::kSample, bytes, length, record, kolt::type::DecodeSample);
+    return deserialize(self, Part::kSample, bytes, length, record, kolt::type::decode_sample);
 }
 
 DDS_Boolean KOLT_Cdr_deserialize_key(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
                                      size_t length, void *record) {
-    return Deserialize(self, Part::kKey, bytes, length, record, kolt::type::DecodeKey);
+    return deserialize(self, Part::kKey, bytes, length, record, kolt::type::decode_key);
 }

@@ -18,77 +18,77 @@ class Bounds {
   public:
     explicit Bounds(const WriteProgram &program) : program_(program) {}
 
-    uint64_t Run(Range range, uint64_t position) const {
+    uint64_t run(Range range, uint64_t position) const {
         const Op *const end = program_.end(range);
         for (const Op *op = program_.begin(range); op != end; ++op) {
-            position = Step(*op, position);
+            position = step(*op, position);
             if (position > kLimit) return kSaturated;
         }
         return position;
     }
 
   private:
-    static uint64_t Align(uint64_t position, uint64_t alignment) {
+    static uint64_t align(uint64_t position, uint64_t alignment) {
         return (position + alignment - 1) & ~(alignment - 1);
     }
 
-    uint64_t Element(uint32_t index, uint64_t position) const {
-        return Run(program_.elements[index].ops, position);
+    uint64_t element(uint32_t index, uint64_t position) const {
+        return run(program_.elements[index].ops, position);
     }
 
-    uint64_t Step(const Op &op, uint64_t position) const {
+    uint64_t step(const Op &op, uint64_t position) const {
         switch (op.code) {
             case OpCode::kRun:
-                return Align(position, op.alignment) + uint64_t{op.count} * op.width;
+                return align(position, op.alignment) + uint64_t{op.count} * op.width;
             case OpCode::kString:
                 if (kMaximum && op.count == kUnbounded) return kSaturated;
-                return Align(position, 4) + 4 + (kMaximum ? uint64_t{op.count} + 1 : 1);
+                return align(position, 4) + 4 + (kMaximum ? uint64_t{op.count} + 1 : 1);
             case OpCode::kPrimitiveSequence:
-                position = Align(position, 4) + 4;
+                position = align(position, 4) + 4;
                 if (!kMaximum || op.count == 0) return position;
                 if (op.count == kUnbounded) return kSaturated;
-                return Align(position, AlignmentOf(program_.version, op.width)) +
+                return align(position, alignment_of(program_.version, op.width)) +
                        uint64_t{op.count} * op.width;
             case OpCode::kSequence:
-                position = Align(position, 4) + 4;
+                position = align(position, 4) + 4;
                 if (!kMaximum) return position;
-                return op.count == kUnbounded ? kSaturated : Repeat(op.index, op.count, position);
+                return op.count == kUnbounded ? kSaturated : repeat(op.index, op.count, position);
             case OpCode::kElements:
-                return Repeat(op.index, op.count, position);
+                return repeat(op.index, op.count, position);
             case OpCode::kConstants:
-                return Align(position, 4) + uint64_t{op.count} * 4;
+                return align(position, 4) + uint64_t{op.count} * 4;
             case OpCode::kStretch:
-                return Align(position, 4) + uint64_t{program_.stretches[op.index].words.count} * 4;
+                return align(position, 4) + uint64_t{program_.stretches[op.index].words.count} * 4;
             case OpCode::kSentinel:
-                return Align(position, 4) + 4;
+                return align(position, 4) + 4;
             case OpCode::kDelimited:
-                return Element(op.index, Align(position, 4) + 4);
+                return element(op.index, align(position, 4) + 4);
             case OpCode::kPresenceFlag:
                 return position + 1;
             case OpCode::kIfPresent:
-                return kMaximum ? Element(op.index, position) : position;
+                return kMaximum ? element(op.index, position) : position;
             case OpCode::kParameter:
-                return Parameter(op, position);
+                return parameter(op, position);
             case OpCode::kSelect:
-                return Select(op, position);
+                return select(op, position);
             default:
                 return kSaturated;
         }
     }
 
-    uint64_t Parameter(const Op &op, uint64_t position) const {
+    uint64_t parameter(const Op &op, uint64_t position) const {
         const bool may_be_absent = (op.flags & (kOpOptional | kOpOptionalOmitted)) != 0;
         if (!kMaximum && (op.flags & kOpOptionalOmitted) != 0) return position;
         const bool extended = op.constant > kLargestShortId;
-        const uint64_t start = Align(position, 4) + (extended ? 12 : 4);
+        const uint64_t start = align(position, 4) + (extended ? 12 : 4);
         if (!kMaximum && may_be_absent) return start;
-        const uint64_t length = Element(op.index, 0);
+        const uint64_t length = element(op.index, 0);
         if (length > kLimit) return kSaturated;
         return start + length + (!extended && length > kLargestShortLength ? 8 : 0);
     }
 
     // Positions modulo 8 repeat after at most 8 elements, and with them the growth.
-    uint64_t Repeat(uint32_t index, uint64_t count, uint64_t position) const {
+    uint64_t repeat(uint32_t index, uint64_t count, uint64_t position) const {
         uint64_t seen_at[8];
         uint64_t seen_position[8];
         std::fill(std::begin(seen_at), std::end(seen_at), kSaturated);
@@ -101,25 +101,25 @@ class Bounds {
                 if (growth > 0 && rounds > kLimit / growth) return kSaturated;
                 position += rounds * growth;
                 i += rounds * period;
-                for (; i < count; ++i) position = Element(index, position);
+                for (; i < count; ++i) position = element(index, position);
                 return position;
             }
             seen_at[residue] = i;
             seen_position[residue] = position;
-            position = Element(index, position);
+            position = element(index, position);
             if (position > kLimit) return kSaturated;
         }
         return position;
     }
 
-    uint64_t Select(const Op &op, uint64_t position) const {
+    uint64_t select(const Op &op, uint64_t position) const {
         const Selection &selection = program_.selections[op.index];
         // Without a default branch a discriminator may select nothing.
         uint64_t result = selection.default_element == kNone
                               ? position
-                              : Element(selection.default_element, position);
-        for (const auto &[label, element] : selection.cases) {
-            const uint64_t end = Element(element, position);
+                              : element(selection.default_element, position);
+        for (const auto &[label, branch] : selection.cases) {
+            const uint64_t end = element(branch, position);
             result = kMaximum ? std::max(result, end) : std::min(result, end);
         }
         return result;
@@ -130,12 +130,12 @@ class Bounds {
 
 }  // namespace
 
-uint64_t MaximumEnd(const WriteProgram &program, uint64_t start) {
-    return Bounds<true>(program).Run(program.root, start);
+uint64_t maximum_end(const WriteProgram &program, uint64_t start) {
+    return Bounds<true>(program).run(program.root, start);
 }
 
-uint64_t MinimumEnd(const WriteProgram &program, uint64_t start) {
-    return Bounds<false>(program).Run(program.root, start);
+uint64_t minimum_end(const WriteProgram &program, uint64_t start) {
+    return Bounds<false>(program).run(program.root, start);
 }
 
 }  // namespace kolt::type

@@ -12,56 +12,56 @@ namespace {
 
 constexpr bool kNativeIsBig = std::endian::native == std::endian::big;
 
-size_t VersionIndex(const Encapsulation &encapsulation) {
+size_t version_index(const Encapsulation &encapsulation) {
     return encapsulation.version == XcdrVersion::k2 ? 1 : 0;
 }
 
 // The key that goes with dispose and unregister: XCDR1 keeps the frames of the type. XCDR2 is the
 // plain key, under the identifier of the type: that is what the engine's own types send and accept.
-const WriteProgram &WriterOf(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                             Part part) {
-    if (part == Part::kSample) return programs.write[VersionIndex(encapsulation)];
+const WriteProgram &writer_of(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                              Part part) {
+    if (part == Part::kSample) return programs.write[version_index(encapsulation)];
     return encapsulation.version == XcdrVersion::k1 ? programs.write_key1
                                                     : programs.write_plain_key;
 }
 
 template <bool kSwap>
-bool EncodeTo(const WriteProgram &program, const void *record, DDS_Octet *buffer, size_t capacity,
-              size_t *length) {
+bool encode_to(const WriteProgram &program, const void *record, DDS_Octet *buffer, size_t capacity,
+               size_t *length) {
     BufferSink<kSwap> sink(buffer, capacity);
-    if (!Writer(program, &sink).Write(record)) return false;
+    if (!Writer(program, &sink).write(record)) return false;
     *length = sink.position();
     return true;
 }
 
-bool Encode(const WriteProgram &program, bool big_endian, const void *record, DDS_Octet *buffer,
+bool encode(const WriteProgram &program, bool big_endian, const void *record, DDS_Octet *buffer,
             size_t capacity, size_t *length) {
-    return big_endian == kNativeIsBig ? EncodeTo<false>(program, record, buffer, capacity, length)
-                                      : EncodeTo<true>(program, record, buffer, capacity, length);
+    return big_endian == kNativeIsBig ? encode_to<false>(program, record, buffer, capacity, length)
+                                      : encode_to<true>(program, record, buffer, capacity, length);
 }
 
-bool Measure(const WriteProgram &program, const void *record, size_t start, size_t *length) {
+bool measure(const WriteProgram &program, const void *record, size_t start, size_t *length) {
     CountSink sink(start);
-    if (!Writer(program, &sink).Write(record)) return false;
+    if (!Writer(program, &sink).write(record)) return false;
     *length = sink.position() - start;
     return *length < KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED;
 }
 
 template <bool kSwap>
-bool DecodeFrom(const ReadProgram &program, ReadMode mode, const DDS_Octet *bytes, size_t length,
-                void *record, size_t *left) {
+bool decode_from(const ReadProgram &program, ReadMode mode, const DDS_Octet *bytes, size_t length,
+                 void *record, size_t *left) {
     Reader<kSwap> reader(program, bytes, length, mode);
-    if (!reader.Read(record)) return false;
+    if (!reader.read(record)) return false;
     *left = reader.left();
     return true;
 }
 
-bool Decode(const ReadProgram &program, ReadMode mode, bool big_endian, const DDS_Octet *bytes,
+bool decode(const ReadProgram &program, ReadMode mode, bool big_endian, const DDS_Octet *bytes,
             size_t length, void *record, size_t *left) {
     try {
         return big_endian == kNativeIsBig
-                   ? DecodeFrom<false>(program, mode, bytes, length, record, left)
-                   : DecodeFrom<true>(program, mode, bytes, length, record, left);
+                   ? decode_from<false>(program, mode, bytes, length, record, left)
+                   : decode_from<true>(program, mode, bytes, length, record, left);
     } catch (...) {  // out of memory
         return false;
     }
@@ -69,8 +69,8 @@ bool Decode(const ReadProgram &program, ReadMode mode, bool big_endian, const DD
 
 }  // namespace
 
-bool ResolveEncapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
-                          Part part, Encapsulation *encapsulation) {
+bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
+                           Part part, Encapsulation *encapsulation) {
     if (identifier == KOLT_ENCAPSULATION_INVALID) return false;
     const auto big = static_cast<uint16_t>(identifier & ~1U);
     encapsulation->big_endian = (identifier & 1U) == 0;
@@ -85,65 +85,65 @@ bool ResolveEncapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort i
     return encapsulation->plain_key;
 }
 
-bool EncodeBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                const void *record, DDS_Octet *buffer, size_t capacity, size_t *length) {
-    return Encode(WriterOf(programs, encapsulation, part), encapsulation.big_endian, record, buffer,
-                  capacity, length) &&
+bool encode_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
+                 const void *record, DDS_Octet *buffer, size_t capacity, size_t *length) {
+    return encode(writer_of(programs, encapsulation, part), encapsulation.big_endian, record,
+                  buffer, capacity, length) &&
            *length < KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED;
 }
 
-bool MeasureBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                 const void *record, size_t start, size_t *length) {
-    return Measure(WriterOf(programs, encapsulation, part), record, start, length);
+bool measure_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
+                  const void *record, size_t start, size_t *length) {
+    return measure(writer_of(programs, encapsulation, part), record, start, length);
 }
 
-uint64_t LargestBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                     Part part, size_t start) {
-    const uint64_t end = MaximumEnd(WriterOf(programs, encapsulation, part), start);
-    return end == UINT64_MAX ? end : end - start;
-}
-
-uint64_t SmallestBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
                       Part part, size_t start) {
-    const uint64_t end = MinimumEnd(WriterOf(programs, encapsulation, part), start);
+    const uint64_t end = maximum_end(writer_of(programs, encapsulation, part), start);
     return end == UINT64_MAX ? end : end - start;
 }
 
-bool DecodeSample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                  const DDS_Octet *bytes, size_t length, void *record) {
+uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                       Part part, size_t start) {
+    const uint64_t end = minimum_end(writer_of(programs, encapsulation, part), start);
+    return end == UINT64_MAX ? end : end - start;
+}
+
+bool decode_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                   const DDS_Octet *bytes, size_t length, void *record) {
     size_t left = 0;
-    return Decode(programs.read[VersionIndex(encapsulation)], ReadMode::kAll,
+    return decode(programs.read[version_index(encapsulation)], ReadMode::kAll,
                   encapsulation.big_endian, bytes, length, record, &left);
 }
 
-bool DecodeKeyOfSample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                       const DDS_Octet *bytes, size_t length, void *record) {
+bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                          const DDS_Octet *bytes, size_t length, void *record) {
     size_t left = 0;
-    return !IsKeyed(*programs.type) ||
-           Decode(programs.read[VersionIndex(encapsulation)], ReadMode::kKeys,
+    return !is_keyed(*programs.type) ||
+           decode(programs.read[version_index(encapsulation)], ReadMode::kKeys,
                   encapsulation.big_endian, bytes, length, record, &left);
 }
 
 // An XCDR2 key comes in one of two forms under one identifier: in the frames of the type, as the
 // standard has it, or plain, as the engine's own types send it. The frames count their bytes, so
 // that a plain key doesn't pass for a framed one; the reverse could happen.
-bool DecodeKey(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-               const DDS_Octet *bytes, size_t length, void *record) {
-    if (!IsKeyed(*programs.type)) return true;
+bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                const DDS_Octet *bytes, size_t length, void *record) {
+    if (!is_keyed(*programs.type)) return true;
     size_t left = 0;
     if (!encapsulation.plain_key &&
-        Decode(programs.read_key[VersionIndex(encapsulation)], ReadMode::kStrictKeys,
+        decode(programs.read_key[version_index(encapsulation)], ReadMode::kStrictKeys,
                encapsulation.big_endian, bytes, length, record, &left) &&
         left < 4) {
         return true;
     }
     return encapsulation.version == XcdrVersion::k2 &&
-           Decode(programs.read_plain_key, ReadMode::kStrictKeys, encapsulation.big_endian, bytes,
+           decode(programs.read_plain_key, ReadMode::kStrictKeys, encapsulation.big_endian, bytes,
                   length, record, &left);
 }
 
-bool ReadHeader(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
-                size_t *body_length) {
+bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
+                 size_t *body_length) {
     if (length < KOLT_ENCAPSULATION_HEADER_SIZE) return false;
     *identifier = static_cast<DDS_UnsignedShort>((bytes[0] << 8) | bytes[1]);
     *body_length = length - KOLT_ENCAPSULATION_HEADER_SIZE;
@@ -156,22 +156,22 @@ bool ReadHeader(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identi
     return true;
 }
 
-void WriteHeader(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header) {
+void write_header(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header) {
     header[0] = static_cast<DDS_Octet>(identifier >> 8);
     header[1] = static_cast<DDS_Octet>(identifier & 0xff);
     header[2] = 0;
     header[3] = static_cast<DDS_Octet>((0 - body_length) & 3U);
 }
 
-bool CanonicalKey(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
-                  size_t *length) {
+bool canonical_key(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
+                   size_t *length) {
     const size_t capacity = *length;
-    if (Encode(programs.write_plain_key, true, record, key, capacity, length)) return true;
-    if (!Measure(programs.write_plain_key, record, 0, length)) *length = 0;
+    if (encode(programs.write_plain_key, true, record, key, capacity, length)) return true;
+    if (!measure(programs.write_plain_key, record, 0, length)) *length = 0;
     return false;
 }
 
-DDS_UnsignedLong SaturateSize(uint64_t size) {
+DDS_UnsignedLong saturate_size(uint64_t size) {
     return size < KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED ? static_cast<DDS_UnsignedLong>(size)
                                                          : KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED;
 }

@@ -39,43 +39,43 @@ enum class Part { kSample, kKey };
 
 // False for an identifier under which the type is not sent: unknown, of a representation that the
 // type does not allow, or of another extensibility. A key may also come as plain XCDR2.
-bool ResolveEncapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
-                          Part part, Encapsulation *encapsulation);
+bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
+                           Part part, Encapsulation *encapsulation);
 
 // Bodies begin at an alignment of 0 and have no padding at their end.
-bool EncodeBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                const void *record, DDS_Octet *buffer, size_t capacity, size_t *length);
-bool MeasureBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                 const void *record, size_t start, size_t *length);
+bool encode_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
+                 const void *record, DDS_Octet *buffer, size_t capacity, size_t *length);
+bool measure_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
+                  const void *record, size_t start, size_t *length);
 // What KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED stands for is UINT64_MAX here.
-uint64_t LargestBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                     Part part, size_t start);
-uint64_t SmallestBody(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
                       Part part, size_t start);
+uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                       Part part, size_t start);
 
-bool DecodeSample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                  const DDS_Octet *bytes, size_t length, void *record);
+bool decode_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                   const DDS_Octet *bytes, size_t length, void *record);
 // The key members of a sample.
-bool DecodeKeyOfSample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                       const DDS_Octet *bytes, size_t length, void *record);
+bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                          const DDS_Octet *bytes, size_t length, void *record);
 // A key-only body.
-bool DecodeKey(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-               const DDS_Octet *bytes, size_t length, void *record);
+bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                const DDS_Octet *bytes, size_t length, void *record);
 
 // The encapsulation header of `bytes`; `*body_length` is what follows it, less the padding that its
 // options tell of.
-bool ReadHeader(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
-                size_t *body_length);
+bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
+                 size_t *body_length);
 // The options say how many bytes of padding make the body a multiple of 4 (XTypes 7.6.3.1.2). The
 // padding itself is added where the payload leaves for the wire.
-void WriteHeader(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header);
+void write_header(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header);
 
 // The canonical key (big-endian plain XCDR2). `*length` in: capacity, out: bytes needed.
-bool CanonicalKey(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
-                  size_t *length);
+bool canonical_key(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
+                   size_t *length);
 
 // A size for the C functions.
-DDS_UnsignedLong SaturateSize(uint64_t size);
+DDS_UnsignedLong saturate_size(uint64_t size);
 
 }  // namespace kolt::type
 

@@ -11,117 +11,118 @@ namespace {
 // Deeper nesting than any sane type has; also what ends a type code that contains itself.
 constexpr int kMaximumDepth = 64;
 
-bool Malformed(const DDS_TypeCode &type, const char *problem) {
+bool malformed(const DDS_TypeCode &type, const char *problem) {
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_API, KOLT_CONFIG_LOG_LEVEL_ERROR,
                      "KOLT_TypePrograms_acquire", "malformed type code %s: %s",
                      type.name == nullptr ? "(anonymous)" : type.name, problem);
     return false;
 }
 
-bool Validate(const DDS_TypeCode &type, int depth);
+bool validate(const DDS_TypeCode &type, int depth);
 
-bool ValidateArray(const DDS_TypeCode &type, int depth) {
+bool validate_array(const DDS_TypeCode &type, int depth) {
     if (type.dimension_count == 0 || type.dimensions == nullptr) {
-        return Malformed(type, "array without dimensions");
+        return malformed(type, "array without dimensions");
     }
     uint64_t count = 1;
     for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
         count *= type.dimensions[i];
-        if (count == 0 || count > INT32_MAX) return Malformed(type, "array size out of range");
+        if (count == 0 || count > INT32_MAX) return malformed(type, "array size out of range");
     }
-    return Validate(*type.content_type, depth + 1);
+    return validate(*type.content_type, depth + 1);
 }
 
-bool IsDiscriminatorKind(DDS_TCKind kind) {
+bool is_discriminator_kind(DDS_TCKind kind) {
     return kind == DDS_TK_ENUM ||
-           (IsPrimitive(kind) && kind != DDS_TK_FLOAT && kind != DDS_TK_DOUBLE);
+           (is_primitive(kind) && kind != DDS_TK_FLOAT && kind != DDS_TK_DOUBLE);
 }
 
-bool ValidateUnion(const DDS_TypeCode &type) {
-    if (type.discriminator_type == nullptr || !IsDiscriminatorKind(type.discriminator_type->kind)) {
-        return Malformed(type, "no integral discriminator");
+bool validate_union(const DDS_TypeCode &type) {
+    if (type.discriminator_type == nullptr ||
+        !is_discriminator_kind(type.discriminator_type->kind)) {
+        return malformed(type, "no integral discriminator");
     }
-    const size_t size = PrimitiveSize(type.discriminator_type->kind);
+    const size_t size = primitive_size(type.discriminator_type->kind);
     if (type.access->discriminator_offset > type.access->record_size ||
         type.access->record_size - type.access->discriminator_offset < size) {
-        return Malformed(type, "discriminator outside the record");
+        return malformed(type, "discriminator outside the record");
     }
     return true;
 }
 
-bool ValidateMember(const DDS_TypeCode &type, DDS_UnsignedLong index, int depth) {
+bool validate_member(const DDS_TypeCode &type, DDS_UnsignedLong index, int depth) {
     const DDS_TypeCodeMember &member = type.members[index];
     if (member.name == nullptr || member.type == nullptr) {
-        return Malformed(type, "member without name or type");
+        return malformed(type, "member without name or type");
     }
-    if (member.id > kMemberIdMask) return Malformed(type, "member id out of range");
+    if (member.id > kMemberIdMask) return malformed(type, "member id out of range");
     const bool is_union = type.kind == DDS_TK_UNION;
     const bool mutable_union = is_union && type.extensibility == DDS_MUTABLE_EXTENSIBILITY;
     if (mutable_union && member.id == kDiscriminatorId) {
-        return Malformed(type, "member id 0 belongs to the discriminator");
+        return malformed(type, "member id 0 belongs to the discriminator");
     }
     for (DDS_UnsignedLong i = 0; i < index; ++i) {
-        if (type.members[i].id == member.id) return Malformed(type, "two members with one id");
+        if (type.members[i].id == member.id) return malformed(type, "two members with one id");
     }
     if (member.is_optional && (member.is_key || is_union)) {
-        return Malformed(type, "optional key member or union branch");
+        return malformed(type, "optional key member or union branch");
     }
     if (is_union && member.label_count > 0 && member.labels == nullptr) {
-        return Malformed(type, "union branch without labels");
+        return malformed(type, "union branch without labels");
     }
-    if (!Validate(*member.type, depth + 1)) return false;
-    const size_t size = member.is_optional ? sizeof(void *) : ValueSize(*member.type);
+    if (!validate(*member.type, depth + 1)) return false;
+    const size_t size = member.is_optional ? sizeof(void *) : value_size(*member.type);
     const size_t offset = type.access->member_offsets[index];
     if (offset > type.access->record_size || type.access->record_size - offset < size) {
-        return Malformed(type, "member outside the record");
+        return malformed(type, "member outside the record");
     }
     return true;
 }
 
-bool ValidateAggregate(const DDS_TypeCode &type, int depth) {
+bool validate_aggregate(const DDS_TypeCode &type, int depth) {
     if (type.access == nullptr || type.access->record_size == 0 ||
         type.access->member_count != type.member_count ||
         (type.member_count > 0 && type.access->member_offsets == nullptr)) {
-        return Malformed(type, "no sample access information that fits");
+        return malformed(type, "no sample access information that fits");
     }
-    if (type.member_count > 0 && type.members == nullptr) return Malformed(type, "no members");
-    if (type.kind == DDS_TK_UNION && !ValidateUnion(type)) return false;
+    if (type.member_count > 0 && type.members == nullptr) return malformed(type, "no members");
+    if (type.kind == DDS_TK_UNION && !validate_union(type)) return false;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (!ValidateMember(type, i, depth)) return false;
+        if (!validate_member(type, i, depth)) return false;
     }
     return true;
 }
 
-bool Validate(const DDS_TypeCode &type, int depth) {
-    if (depth > kMaximumDepth) return Malformed(type, "nested too deeply");
+bool validate(const DDS_TypeCode &type, int depth) {
+    if (depth > kMaximumDepth) return malformed(type, "nested too deeply");
     switch (type.kind) {
         case DDS_TK_STRUCT:
         case DDS_TK_UNION:
-            return ValidateAggregate(type, depth);
+            return validate_aggregate(type, depth);
         case DDS_TK_ARRAY:
-            return type.content_type == nullptr ? Malformed(type, "no element type")
-                                                : ValidateArray(type, depth);
+            return type.content_type == nullptr ? malformed(type, "no element type")
+                                                : validate_array(type, depth);
         case DDS_TK_SEQUENCE:
-            return type.content_type == nullptr ? Malformed(type, "no element type")
-                                                : Validate(*type.content_type, depth + 1);
+            return type.content_type == nullptr ? malformed(type, "no element type")
+                                                : validate(*type.content_type, depth + 1);
         case DDS_TK_STRING:
         case DDS_TK_ENUM:
             return true;
         default:
-            return IsPrimitive(type.kind) || Malformed(type, "unknown kind");
+            return is_primitive(type.kind) || malformed(type, "unknown kind");
     }
 }
 
 }  // namespace
 
-bool ValidateTypeCode(const DDS_TypeCode &type) {
+bool validate_type_code(const DDS_TypeCode &type) {
     if (type.kind != DDS_TK_STRUCT && type.kind != DDS_TK_UNION && type.kind != DDS_TK_ENUM) {
-        return Malformed(type, "neither structure, union nor enumeration");
+        return malformed(type, "neither structure, union nor enumeration");
     }
-    return Validate(type, 0);
+    return validate(type, 0);
 }
 
-Framing FramingOf(const DDS_TypeCode &type, const CompileOptions &options) {
+Framing framing_of(const DDS_TypeCode &type, const CompileOptions &options) {
     if (options.force_final) return Framing::kPlain;
     const bool second = options.version == XcdrVersion::k2;
     switch (type.extensibility) {
@@ -135,12 +136,12 @@ Framing FramingOf(const DDS_TypeCode &type, const CompileOptions &options) {
     return Framing::kPlain;
 }
 
-uint8_t AlignmentOf(XcdrVersion version, size_t width) {
+uint8_t alignment_of(XcdrVersion version, size_t width) {
     const size_t largest = version == XcdrVersion::k1 ? 8 : 4;
     return static_cast<uint8_t>(std::min(width, largest));
 }
 
-std::vector<DDS_UnsignedLong> SelectMembers(const DDS_TypeCode &type, bool key_only) {
+std::vector<DDS_UnsignedLong> select_members(const DDS_TypeCode &type, bool key_only) {
     std::vector<DDS_UnsignedLong> selected;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         if (!key_only || type.members[i].is_key) selected.push_back(i);
@@ -153,13 +154,13 @@ std::vector<DDS_UnsignedLong> SelectMembers(const DDS_TypeCode &type, bool key_o
     return selected;
 }
 
-CompileOptions NestedOptions(const DDS_TypeCode &type, const CompileOptions &options) {
+CompileOptions nested_options(const DDS_TypeCode &type, const CompileOptions &options) {
     CompileOptions nested = options;
-    nested.key_only = options.key_only && IsKeyed(type);
+    nested.key_only = options.key_only && is_keyed(type);
     return nested;
 }
 
-void AppendOp(std::vector<Op> *ops, const Op &op) {
+void append_op(std::vector<Op> *ops, const Op &op) {
     if (!ops->empty() && op.code == OpCode::kRun && op.flags == 0) {
         Op &last = ops->back();
         const bool adjacent = last.code == OpCode::kRun && last.flags == 0 &&
@@ -173,8 +174,8 @@ void AppendOp(std::vector<Op> *ops, const Op &op) {
     ops->push_back(op);
 }
 
-bool NeedsDheader(const DDS_TypeCode &element, XcdrVersion version) {
-    return version == XcdrVersion::k2 && !IsPrimitive(element.kind);
+bool needs_dheader(const DDS_TypeCode &element, XcdrVersion version) {
+    return version == XcdrVersion::k2 && !is_primitive(element.kind);
 }
 
 }  // namespace kolt::type

@@ -14,26 +14,26 @@ class ReadCompiler {
 
     // The one operation that reads a value at `offset`. `is_last` says that the end of the value is
     // the end of its frame, so that an appendable type may be cut off there.
-    Op Value(const DDS_TypeCode &type, size_t offset, const CompileOptions &options, bool is_last);
+    Op value(const DDS_TypeCode &type, size_t offset, const CompileOptions &options, bool is_last);
 
   private:
     using Options = CompileOptions;
 
-    Op Collection(const DDS_TypeCode &type, size_t offset, const Options &options);
-    uint32_t AddAggregate(const DDS_TypeCode &type, const Options &options, bool is_last);
-    ReadMember Member(const DDS_TypeCode &type, DDS_UnsignedLong index, const Options &options,
+    Op collection(const DDS_TypeCode &type, size_t offset, const Options &options);
+    uint32_t add_aggregate(const DDS_TypeCode &type, const Options &options, bool is_last);
+    ReadMember member(const DDS_TypeCode &type, DDS_UnsignedLong index, const Options &options,
                       Framing framing);
-    uint32_t AddElement(const DDS_TypeCode &type, const Options &options, bool is_last);
+    uint32_t add_element(const DDS_TypeCode &type, const Options &options, bool is_last);
     // Appends `op`, moved by `offset`, with plain structures inlined.
-    void Flatten(Op op, size_t offset, std::vector<Op> *body) const;
-    uint32_t FixedSize(const std::vector<Op> &body) const;
-    size_t MinimumSize(const Op &op) const;
+    void flatten(Op op, size_t offset, std::vector<Op> *body) const;
+    uint32_t fixed_size(const std::vector<Op> &body) const;
+    size_t minimum_size(const Op &op) const;
 
     XcdrVersion version_;
     ReadProgram *program_;
 };
 
-Op ReadCompiler::Value(const DDS_TypeCode &type, size_t offset, const Options &options,
+Op ReadCompiler::value(const DDS_TypeCode &type, size_t offset, const Options &options,
                        bool is_last) {
     Op op;
     op.offset = offset;
@@ -46,11 +46,11 @@ Op ReadCompiler::Value(const DDS_TypeCode &type, size_t offset, const Options &o
             return op;
         case DDS_TK_ARRAY:
         case DDS_TK_SEQUENCE:
-            return Collection(type, offset, options);
+            return collection(type, offset, options);
         case DDS_TK_STRUCT:
         case DDS_TK_UNION: {
             op.code = OpCode::kAggregate;
-            op.index = AddAggregate(type, NestedOptions(type, options), is_last);
+            op.index = add_aggregate(type, nested_options(type, options), is_last);
             const Aggregate &aggregate = program_->aggregates[op.index];
             if (aggregate.framing >= Framing::kDelimited) {
                 op.alignment = 4;
@@ -62,25 +62,25 @@ Op ReadCompiler::Value(const DDS_TypeCode &type, size_t offset, const Options &o
             return op;
         }
         default: {
-            const size_t width = PrimitiveSize(type.kind);
+            const size_t width = primitive_size(type.kind);
             op.code = OpCode::kRun;
             op.width = static_cast<uint8_t>(width);
-            op.alignment = AlignmentOf(version_, width);
+            op.alignment = alignment_of(version_, width);
             op.count = 1;
             return op;
         }
     }
 }
 
-Op ReadCompiler::Collection(const DDS_TypeCode &type, size_t offset, const Options &options) {
+Op ReadCompiler::collection(const DDS_TypeCode &type, size_t offset, const Options &options) {
     const DDS_TypeCode &content = *type.content_type;
     const bool is_array = type.kind == DDS_TK_ARRAY;
-    const size_t width = PrimitiveSize(content.kind);
+    const size_t width = primitive_size(content.kind);
     Op op;
     op.offset = offset;
     op.alignment = 4;
     if (is_array) {
-        op.count = static_cast<uint32_t>(ElementCount(type));
+        op.count = static_cast<uint32_t>(element_count(type));
     } else {
         op.count = type.bound == 0 ? kUnbounded : type.bound;
     }
@@ -88,7 +88,7 @@ Op ReadCompiler::Collection(const DDS_TypeCode &type, size_t offset, const Optio
     whole.key_only = false;
     // Sequences of primitives need their element too, for the type of their memory.
     if (!is_array || width == 0) {
-        op.index = AddElement(content, whole, false);
+        op.index = add_element(content, whole, false);
         if (!is_array && content.kind == DDS_TK_STRING) {
             program_->elements[op.index].op.flags |= kOpExactString;
         }
@@ -99,57 +99,57 @@ Op ReadCompiler::Collection(const DDS_TypeCode &type, size_t offset, const Optio
     } else {
         op.code = is_array ? OpCode::kElements : OpCode::kSequence;
     }
-    if (NeedsDheader(content, version_)) {
+    if (needs_dheader(content, version_)) {
         op.flags = kOpHasDheader;
     } else if (is_array) {
         op.alignment =
-            width > 0 ? AlignmentOf(version_, width) : program_->elements[op.index].op.alignment;
+            width > 0 ? alignment_of(version_, width) : program_->elements[op.index].op.alignment;
     }
     return op;
 }
 
-uint32_t ReadCompiler::AddElement(const DDS_TypeCode &type, const Options &options, bool is_last) {
+uint32_t ReadCompiler::add_element(const DDS_TypeCode &type, const Options &options, bool is_last) {
     ReadElement element;
-    element.op = Value(type, 0, options, is_last);
-    element.stride = ValueSize(type);
-    element.minimum_size = std::max<size_t>(MinimumSize(element.op), 1);
+    element.op = value(type, 0, options, is_last);
+    element.stride = value_size(type);
+    element.minimum_size = std::max<size_t>(minimum_size(element.op), 1);
     element.type = &type;
     program_->elements.push_back(element);
     return static_cast<uint32_t>(program_->elements.size() - 1);
 }
 
-uint32_t ReadCompiler::AddAggregate(const DDS_TypeCode &type, const Options &options,
-                                    bool is_last) {
+uint32_t ReadCompiler::add_aggregate(const DDS_TypeCode &type, const Options &options,
+                                     bool is_last) {
     Aggregate aggregate;
     aggregate.type = &type;
-    aggregate.framing = FramingOf(type, options);
+    aggregate.framing = framing_of(type, options);
     const bool appendable =
         type.extensibility == DDS_APPENDABLE_EXTENSIBILITY && !options.force_final;
     if (aggregate.framing == Framing::kPlain && appendable && is_last) {
         aggregate.framing = Framing::kOpen;
     }
     aggregate.is_union = type.kind == DDS_TK_UNION;
-    aggregate.is_keyed = IsKeyed(type);
+    aggregate.is_keyed = is_keyed(type);
     if (aggregate.is_union) {
         aggregate.discriminator =
-            Value(*type.discriminator_type, type.access->discriminator_offset, options, false);
+            value(*type.discriminator_type, type.access->discriminator_offset, options, false);
         aggregate.discriminator_id = kDiscriminatorId;
     }
-    for (const DDS_UnsignedLong index : SelectMembers(type, options.key_only)) {
+    for (const DDS_UnsignedLong index : select_members(type, options.key_only)) {
         aggregate.by_id.emplace_back(type.members[index].id,
                                      static_cast<uint32_t>(aggregate.members.size()));
-        aggregate.members.push_back(Member(type, index, options, aggregate.framing));
+        aggregate.members.push_back(member(type, index, options, aggregate.framing));
     }
     std::sort(aggregate.by_id.begin(), aggregate.by_id.end());
     if (!aggregate.is_union && aggregate.framing <= Framing::kDelimited) {
-        for (const ReadMember &member : aggregate.members) Flatten(member.op, 0, &aggregate.body);
-        aggregate.fixed_size = FixedSize(aggregate.body);
+        for (const ReadMember &member : aggregate.members) flatten(member.op, 0, &aggregate.body);
+        aggregate.fixed_size = fixed_size(aggregate.body);
     }
     program_->aggregates.push_back(std::move(aggregate));
     return static_cast<uint32_t>(program_->aggregates.size() - 1);
 }
 
-ReadMember ReadCompiler::Member(const DDS_TypeCode &type, DDS_UnsignedLong index,
+ReadMember ReadCompiler::member(const DDS_TypeCode &type, DDS_UnsignedLong index,
                                 const Options &options, Framing framing) {
     const DDS_TypeCodeMember &member = type.members[index];
     const size_t offset = type.access->member_offsets[index];
@@ -160,13 +160,13 @@ ReadMember ReadCompiler::Member(const DDS_TypeCode &type, DDS_UnsignedLong index
     result.index = index;
     result.is_key = member.is_key != 0;
     if (!member.is_optional) {
-        result.op = Value(*member.type, offset, options, own_frame);
+        result.op = value(*member.type, offset, options, own_frame);
         return result;
     }
     // An optional member of a plain XCDR1 structure is a parameter, too: a frame of its own.
     result.op.code = own_frame ? OpCode::kOptionalPresent : OpCode::kOptional;
     result.op.offset = offset;
-    result.op.index = AddElement(*member.type, options, own_frame || version_ == XcdrVersion::k1);
+    result.op.index = add_element(*member.type, options, own_frame || version_ == XcdrVersion::k1);
     if (own_frame) {
         result.op.alignment = program_->elements[result.op.index].op.alignment;
     } else {
@@ -176,19 +176,19 @@ ReadMember ReadCompiler::Member(const DDS_TypeCode &type, DDS_UnsignedLong index
     return result;
 }
 
-void ReadCompiler::Flatten(Op op, size_t offset, std::vector<Op> *body) const {
+void ReadCompiler::flatten(Op op, size_t offset, std::vector<Op> *body) const {
     if (op.code == OpCode::kAggregate) {
         const Aggregate &nested = program_->aggregates[op.index];
         if (nested.framing == Framing::kPlain && !nested.is_union) {
-            for (const Op &inner : nested.body) Flatten(inner, offset + op.offset, body);
+            for (const Op &inner : nested.body) flatten(inner, offset + op.offset, body);
             return;
         }
     }
     op.offset += offset;
-    AppendOp(body, op);
+    append_op(body, op);
 }
 
-uint32_t ReadCompiler::FixedSize(const std::vector<Op> &body) const {
+uint32_t ReadCompiler::fixed_size(const std::vector<Op> &body) const {
     uint64_t size = 0;
     for (const Op &op : body) {
         if (op.code != OpCode::kRun || op.flags != 0) return 0;
@@ -198,7 +198,7 @@ uint32_t ReadCompiler::FixedSize(const std::vector<Op> &body) const {
     return size <= INT32_MAX ? static_cast<uint32_t>(size) : 0;
 }
 
-size_t ReadCompiler::MinimumSize(const Op &op) const {
+size_t ReadCompiler::minimum_size(const Op &op) const {
     switch (op.code) {
         case OpCode::kRun:
             return size_t{op.count} * op.width;
@@ -211,7 +211,7 @@ size_t ReadCompiler::MinimumSize(const Op &op) const {
             if (aggregate.framing >= Framing::kDelimited) return 4;
             if (aggregate.is_union) return aggregate.discriminator.width;
             size_t size = 0;
-            for (const ReadMember &member : aggregate.members) size += MinimumSize(member.op);
+            for (const ReadMember &member : aggregate.members) size += minimum_size(member.op);
             return aggregate.framing == Framing::kOpen ? 0 : size;
         }
         case OpCode::kOptional:
@@ -223,10 +223,10 @@ size_t ReadCompiler::MinimumSize(const Op &op) const {
 
 }  // namespace
 
-ReadProgram CompileRead(const DDS_TypeCode &type, const CompileOptions &options) {
+ReadProgram compile_read(const DDS_TypeCode &type, const CompileOptions &options) {
     ReadProgram program;
     program.version = options.version;
-    program.root = ReadCompiler(options, &program).Value(type, 0, options, true);
+    program.root = ReadCompiler(options, &program).value(type, 0, options, true);
     return program;
 }
 

@@ -21,50 +21,50 @@ class Cursor {
     void set_end(const uint8_t *end) { end_ = end; }
     void set_origin(const uint8_t *origin) { origin_ = origin; }
 
-    size_t Padding(size_t alignment) const {
+    size_t padding(size_t alignment) const {
         return static_cast<size_t>(origin_ - at_) & (alignment - 1);
     }
-    bool Align(size_t alignment) {
-        const size_t padding = Padding(alignment);
-        if (padding > left()) return false;
-        at_ += padding;
+    bool align(size_t alignment) {
+        const size_t gap = padding(alignment);
+        if (gap > left()) return false;
+        at_ += gap;
         return true;
     }
     // True when no value of this alignment can begin before the end.
-    bool AtEnd(size_t alignment) const { return Padding(alignment) >= left(); }
+    bool at_end(size_t alignment) const { return padding(alignment) >= left(); }
 
-    bool Skip(size_t size) {
+    bool skip(size_t size) {
         if (size > left()) return false;
         at_ += size;
         return true;
     }
-    bool Words(void *to, size_t count, size_t width) {
+    bool words(void *to, size_t count, size_t width) {
         // A division, since the product may not be representable.
         if (count > left() / width) return false;
-        CopyWords<kSwap>(to, at_, count, width);
+        copy_words<kSwap>(to, at_, count, width);
         at_ += count * width;
         return true;
     }
-    bool SkipWords(size_t count, size_t width) {
+    bool skip_words(size_t count, size_t width) {
         if (count > left() / width) return false;
         at_ += count * width;
         return true;
     }
-    bool Word32(uint32_t *value) { return Align(4) && Words(value, 1, 4); }
+    bool word32(uint32_t *value) { return align(4) && words(value, 1, 4); }
 
     // A byte count and the frame that it opens. `*outer` is what CloseFrame gives back.
-    bool OpenCount(const uint8_t **outer) {
+    bool open_count(const uint8_t **outer) {
         uint32_t size = 0;
-        return Word32(&size) && OpenFrame(size, outer);
+        return word32(&size) && open_frame(size, outer);
     }
-    bool OpenFrame(size_t size, const uint8_t **outer) {
+    bool open_frame(size_t size, const uint8_t **outer) {
         if (size > left()) return false;
         *outer = end_;
         end_ = at_ + size;
         return true;
     }
     // Goes behind the frame, whatever of it was read.
-    void CloseFrame(const uint8_t *outer) {
+    void close_frame(const uint8_t *outer) {
         at_ = end_;
         end_ = outer;
     }
@@ -86,9 +86,9 @@ struct MemberHeader {
 
 // XTypes 7.4.1.2: a 16-bit id and length, or the extended form of both.
 template <bool kSwap>
-bool ReadParameterHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
+bool read_parameter_header(Cursor<kSwap> *cursor, MemberHeader *header) {
     uint16_t words[2];
-    if (!cursor->Align(4) || !cursor->Words(words, 2, 2)) return false;
+    if (!cursor->align(4) || !cursor->words(words, 2, 2)) return false;
     const uint16_t pid = words[0] & kPidMask;
     header->must_understand = (words[0] & kPidMustUnderstand) != 0;
     header->sentinel = pid == kPidSentinel;
@@ -98,7 +98,7 @@ bool ReadParameterHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
     header->size = words[1];
     if (pid == kPidExtended) {
         uint32_t extended[2];
-        if (words[1] != sizeof(extended) || !cursor->Words(extended, 2, 4)) return false;
+        if (words[1] != sizeof(extended) || !cursor->words(extended, 2, 4)) return false;
         header->must_understand =
             header->must_understand || (extended[0] & kExtendedMustUnderstand) != 0;
         header->id = extended[0] & kMemberIdMask;
@@ -112,9 +112,9 @@ bool ReadParameterHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
 // XTypes 7.4.3.4.2: flags, length code and id, and for the upper length codes a NEXTINT. The value
 // begins at the cursor afterwards: with the NEXTINT itself where the value shares it.
 template <bool kSwap>
-bool ReadMemberHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
+bool read_member_header(Cursor<kSwap> *cursor, MemberHeader *header) {
     uint32_t word = 0;
-    if (!cursor->Word32(&word)) return false;
+    if (!cursor->word32(&word)) return false;
     header->must_understand = (word & kEmheaderMustUnderstand) != 0;
     header->id = word & kMemberIdMask;
     const auto code = (word >> kEmheaderLengthShift) & 7U;
@@ -122,7 +122,7 @@ bool ReadMemberHeader(Cursor<kSwap> *cursor, MemberHeader *header) {
         header->size = size_t{1} << code;
     } else {
         uint32_t next = 0;
-        if (!cursor->Words(&next, 1, 4)) return false;
+        if (!cursor->words(&next, 1, 4)) return false;
         static constexpr unsigned kShifts[] = {0, 0, 2, 3};
         uint64_t size = uint64_t{next} << kShifts[code - kLengthNext];
         if (code >= kLengthShared) {

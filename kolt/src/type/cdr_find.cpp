@@ -7,26 +7,26 @@ namespace {
 using namespace kolt::type;
 
 // What is left of a default value in a field of single precision.
-DDS_Double RoundToFloat(DDS_Double real) {
+DDS_Double round_to_float(DDS_Double real) {
     return static_cast<DDS_Double>(static_cast<DDS_Float>(real));
 }
 
 // The value that a field has when it is not in the bytes.
-bool DefaultValue(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
-                  const KOLT_CdrPathStep *path, size_t path_length, KOLT_CdrValue *value) {
+bool default_value(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
+                   const KOLT_CdrPathStep *path, size_t path_length, KOLT_CdrValue *value) {
     for (size_t i = 0; i < path_length; ++i) {
         const bool is_collection = type->kind == DDS_TK_ARRAY || type->kind == DDS_TK_SEQUENCE;
         if (path[i].is_element != 0) {
             if (!is_collection) return false;
             // A sequence that is absent is empty.
-            if (type->kind == DDS_TK_SEQUENCE || path[i].index >= ElementCount(*type)) return true;
+            if (type->kind == DDS_TK_SEQUENCE || path[i].index >= element_count(*type)) return true;
             type = type->content_type;
         } else {
             if (type->kind != DDS_TK_STRUCT && type->kind != DDS_TK_UNION) return false;
             if (path[i].index >= type->member_count) return false;
             member = &type->members[path[i].index];
             if (type->kind == DDS_TK_UNION &&
-                SelectedMember(*type, type->default_discriminator) != path[i].index) {
+                selected_member(*type, type->default_discriminator) != path[i].index) {
                 return true;
             }
             if (member->is_optional) return true;
@@ -45,7 +45,8 @@ bool DefaultValue(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
             return true;
         }
         case DDS_TK_FLOAT:
-            value->value.real = annotation == nullptr ? 0.0 : RoundToFloat(annotation->value.real);
+            value->value.real =
+                annotation == nullptr ? 0.0 : round_to_float(annotation->value.real);
             return true;
         case DDS_TK_DOUBLE:
             value->value.real = annotation == nullptr ? 0.0 : annotation->value.real;
@@ -57,7 +58,7 @@ bool DefaultValue(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
             return true;
         default:
             value->value.integer = annotation == nullptr ? 0 : annotation->value.integer;
-            return IsPrimitive(type->kind);
+            return is_primitive(type->kind);
     }
 }
 
@@ -67,212 +68,212 @@ class Finder {
     Finder(const ReadProgram &program, const uint8_t *bytes, size_t size)
         : program_(program), cursor_(bytes, size), skipper_(program, &cursor_) {}
 
-    bool Find(const DDS_TypeCode &type, const KOLT_CdrPathStep *path, size_t length,
+    bool find(const DDS_TypeCode &type, const KOLT_CdrPathStep *path, size_t length,
               KOLT_CdrValue *value) {
         type_ = &type;
         path_ = path;
         left_ = length;
         value_ = value;
-        return At(program_.root);
+        return at(program_.root);
     }
 
   private:
     // The cursor is where `op` begins, which reads a value of `*type_`.
-    bool At(const Op &op) {
+    bool at(const Op &op) {
         switch (op.code) {
             case OpCode::kAggregate:
-                return AtAggregate(program_.aggregates[op.index]);
+                return at_aggregate(program_.aggregates[op.index]);
             case OpCode::kRun:
-                return type_->kind == DDS_TK_ARRAY ? AtWords(op) : Leaf(op);
+                return type_->kind == DDS_TK_ARRAY ? at_words(op) : leaf(op);
             case OpCode::kString:
-                return Leaf(op);
+                return leaf(op);
             case OpCode::kElements:
             case OpCode::kSequence:
             case OpCode::kPrimitiveSequence:
-                return AtElements(op);
+                return at_elements(op);
             case OpCode::kOptional:
-                return AtOptional(op);
+                return at_optional(op);
             case OpCode::kOptionalPresent:
-                return At(program_.elements[op.index].op);
+                return at(program_.elements[op.index].op);
             default:
                 return false;
         }
     }
 
-    const KOLT_CdrPathStep *Step(bool element) {
+    const KOLT_CdrPathStep *take_step(bool element) {
         if (left_ == 0 || (path_->is_element != 0) != element) return nullptr;
         --left_;
         return path_++;
     }
 
     // An optional member that is not set has no value, not even its default one.
-    bool Absent() {
+    bool take_absent() {
         if (member_ != nullptr && member_->is_optional) {
             value_->kind = DDS_TK_NULL;
             return true;
         }
-        return DefaultValue(type_, member_, path_, left_, value_);
+        return default_value(type_, member_, path_, left_, value_);
     }
 
-    bool AtAggregate(const Aggregate &aggregate) {
-        const KOLT_CdrPathStep *const step = Step(false);
+    bool at_aggregate(const Aggregate &aggregate) {
+        const KOLT_CdrPathStep *const step = take_step(false);
         if (step == nullptr || step->index >= type_->member_count) return false;
         const uint8_t *outer = nullptr;
         const bool counted = aggregate.framing == Framing::kDelimited ||
                              aggregate.framing == Framing::kParameterList2;
-        if (counted && !cursor_.OpenCount(&outer)) return false;
+        if (counted && !cursor_.open_count(&outer)) return false;
         const bool parameters = aggregate.framing == Framing::kParameterList1 ||
                                 aggregate.framing == Framing::kParameterList2;
-        if (aggregate.is_union) return InUnion(aggregate, step->index, parameters);
-        return parameters ? InParameters(aggregate, step->index)
-                          : InMembers(aggregate, step->index);
+        if (aggregate.is_union) return in_union(aggregate, step->index, parameters);
+        return parameters ? in_parameters(aggregate, step->index)
+                          : in_members(aggregate, step->index);
     }
 
-    void Enter(const Aggregate &aggregate, DDS_UnsignedLong index) {
+    void enter(const Aggregate &aggregate, DDS_UnsignedLong index) {
         member_ = &aggregate.type->members[index];
         type_ = member_->type;
     }
 
-    bool InMembers(const Aggregate &aggregate, DDS_UnsignedLong index) {
+    bool in_members(const Aggregate &aggregate, DDS_UnsignedLong index) {
         const bool open = aggregate.framing != Framing::kPlain;
         for (const ReadMember &member : aggregate.members) {
-            const bool absent = open && cursor_.AtEnd(member.op.alignment);
+            const bool absent = open && cursor_.at_end(member.op.alignment);
             if (absent || member.index == index) {
-                Enter(aggregate, index);
-                return absent ? Absent() : At(member.op);
+                enter(aggregate, index);
+                return absent ? take_absent() : at(member.op);
             }
-            if (!skipper_.Skip(member.op)) return false;
+            if (!skipper_.skip(member.op)) return false;
         }
         return false;
     }
 
-    bool InParameters(const Aggregate &aggregate, DDS_UnsignedLong index) {
+    bool in_parameters(const Aggregate &aggregate, DDS_UnsignedLong index) {
         const uint32_t id = aggregate.type->members[index].id;
         for (;;) {
             MemberHeader header;
             const bool list1 = aggregate.framing == Framing::kParameterList1;
-            bool done = !list1 && cursor_.AtEnd(4);
+            bool done = !list1 && cursor_.at_end(4);
             if (!done) {
-                if (!(list1 ? ReadParameterHeader(&cursor_, &header)
-                            : ReadMemberHeader(&cursor_, &header))) {
+                if (!(list1 ? read_parameter_header(&cursor_, &header)
+                            : read_member_header(&cursor_, &header))) {
                     return false;
                 }
                 done = header.sentinel;
             }
             if (done) {
-                Enter(aggregate, index);
-                return Absent();
+                enter(aggregate, index);
+                return take_absent();
             }
             if (header.ignored || header.id != id) {
-                if (!cursor_.Skip(header.size)) return false;
+                if (!cursor_.skip(header.size)) return false;
                 continue;
             }
-            if (!Frame(header.size)) return false;
-            Enter(aggregate, index);
-            return At(aggregate.members[index].op);
+            if (!frame(header.size)) return false;
+            enter(aggregate, index);
+            return at(aggregate.members[index].op);
         }
     }
 
     // Narrows the cursor for good: the field is inside.
-    bool Frame(size_t size) {
+    bool frame(size_t size) {
         const uint8_t *outer = nullptr;
-        if (!cursor_.OpenFrame(size, &outer)) return false;
+        if (!cursor_.open_frame(size, &outer)) return false;
         if (program_.version == XcdrVersion::k1) cursor_.set_origin(cursor_.at());
         return true;
     }
 
-    bool InUnion(const Aggregate &aggregate, DDS_UnsignedLong index, bool parameters) {
+    bool in_union(const Aggregate &aggregate, DDS_UnsignedLong index, bool parameters) {
         const Op &op = aggregate.discriminator;
         if (parameters) {
             MemberHeader header;
-            if (!FindDiscriminator(aggregate, &header) || header.size < op.width) return false;
+            if (!find_discriminator(aggregate, &header) || header.size < op.width) return false;
             const uint8_t *const next = cursor_.at() + header.size;
             uint64_t storage = 0;
-            if (!cursor_.Words(&storage, 1, op.width)) return false;
+            if (!cursor_.words(&storage, 1, op.width)) return false;
             cursor_.set_at(next);
-            if (!Selects(aggregate, &storage, index)) return true;
-            return InParameters(aggregate, index);
+            if (!selects(aggregate, &storage, index)) return true;
+            return in_parameters(aggregate, index);
         }
         uint64_t storage = 0;
-        if (!cursor_.Align(op.alignment) || !cursor_.Words(&storage, 1, op.width)) return false;
-        if (!Selects(aggregate, &storage, index)) return true;
-        Enter(aggregate, index);
+        if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) return false;
+        if (!selects(aggregate, &storage, index)) return true;
+        enter(aggregate, index);
         const ReadMember &member = aggregate.members[index];
         const bool open = aggregate.framing != Framing::kPlain;
-        return open && cursor_.AtEnd(member.op.alignment) ? Absent() : At(member.op);
+        return open && cursor_.at_end(member.op.alignment) ? take_absent() : at(member.op);
     }
 
     // What stands before the discriminator of a mutable union is passed over.
-    bool FindDiscriminator(const Aggregate &aggregate, MemberHeader *header) {
+    bool find_discriminator(const Aggregate &aggregate, MemberHeader *header) {
         const bool list1 = aggregate.framing == Framing::kParameterList1;
         for (;;) {
             *header = MemberHeader();
-            if (!(list1 ? ReadParameterHeader(&cursor_, header)
-                        : ReadMemberHeader(&cursor_, header)) ||
+            if (!(list1 ? read_parameter_header(&cursor_, header)
+                        : read_member_header(&cursor_, header)) ||
                 header->sentinel) {
                 return false;
             }
             if (!header->ignored && header->id == aggregate.discriminator_id) return true;
-            if (!cursor_.Skip(header->size)) return false;
+            if (!cursor_.skip(header->size)) return false;
         }
     }
 
-    static bool Selects(const Aggregate &aggregate, const void *discriminator,
+    static bool selects(const Aggregate &aggregate, const void *discriminator,
                         DDS_UnsignedLong index) {
-        const int64_t value = LoadInteger(aggregate.type->discriminator_type->kind, discriminator);
-        return SelectedMember(*aggregate.type, value) == index;
+        const int64_t value = load_integer(aggregate.type->discriminator_type->kind, discriminator);
+        return selected_member(*aggregate.type, value) == index;
     }
 
-    bool AtOptional(const Op &op) {
+    bool at_optional(const Op &op) {
         if (program_.version == XcdrVersion::k1) {
             MemberHeader header;
-            if (!ReadParameterHeader(&cursor_, &header) || header.sentinel || header.ignored ||
+            if (!read_parameter_header(&cursor_, &header) || header.sentinel || header.ignored ||
                 header.id != op.constant) {
                 return false;
             }
-            if (header.size == 0) return Absent();
-            return Frame(header.size) && At(program_.elements[op.index].op);
+            if (header.size == 0) return take_absent();
+            return frame(header.size) && at(program_.elements[op.index].op);
         }
         uint8_t present = 0;
-        if (!cursor_.Words(&present, 1, 1)) return false;
-        return present == 0 ? Absent() : At(program_.elements[op.index].op);
+        if (!cursor_.words(&present, 1, 1)) return false;
+        return present == 0 ? take_absent() : at(program_.elements[op.index].op);
     }
 
     // An array of primitives.
-    bool AtWords(const Op &op) {
-        const KOLT_CdrPathStep *const step = Step(true);
-        if (step == nullptr || !OpenDheader(op)) return false;
+    bool at_words(const Op &op) {
+        const KOLT_CdrPathStep *const step = take_step(true);
+        if (step == nullptr || !open_dheader(op)) return false;
         if (step->index >= op.count) return true;
         type_ = type_->content_type;
-        return cursor_.Align(op.alignment) && cursor_.SkipWords(step->index, op.width) && Leaf(op);
+        return cursor_.align(op.alignment) && cursor_.skip_words(step->index, op.width) && leaf(op);
     }
 
-    bool OpenDheader(const Op &op) {
+    bool open_dheader(const Op &op) {
         const uint8_t *outer = nullptr;
-        return (op.flags & kOpHasDheader) == 0 || cursor_.OpenCount(&outer);
+        return (op.flags & kOpHasDheader) == 0 || cursor_.open_count(&outer);
     }
 
-    bool AtElements(const Op &op) {
-        const KOLT_CdrPathStep *const step = Step(true);
-        if (step == nullptr || !OpenDheader(op)) return false;
+    bool at_elements(const Op &op) {
+        const KOLT_CdrPathStep *const step = take_step(true);
+        if (step == nullptr || !open_dheader(op)) return false;
         uint32_t count = op.count;
-        if (op.code != OpCode::kElements && !cursor_.Word32(&count)) return false;
+        if (op.code != OpCode::kElements && !cursor_.word32(&count)) return false;
         if (step->index >= count) return true;
         type_ = type_->content_type;
         const Op &element = program_.elements[op.index].op;
         if (op.code == OpCode::kPrimitiveSequence) {
-            return cursor_.Align(AlignmentOf(program_.version, op.width)) &&
-                   cursor_.SkipWords(step->index, op.width) && Leaf(op);
+            return cursor_.align(alignment_of(program_.version, op.width)) &&
+                   cursor_.skip_words(step->index, op.width) && leaf(op);
         }
-        return skipper_.SkipElements(op.index, step->index) && At(element);
+        return skipper_.skip_elements(op.index, step->index) && at(element);
     }
 
-    bool Leaf(const Op &op) {
+    bool leaf(const Op &op) {
         if (left_ > 0) return false;
-        if (type_->kind == DDS_TK_STRING) return StringLeaf();
+        if (type_->kind == DDS_TK_STRING) return string_leaf();
         uint64_t storage = 0;
-        if (!cursor_.Align(AlignmentOf(program_.version, op.width)) ||
-            !cursor_.Words(&storage, 1, op.width)) {
+        if (!cursor_.align(alignment_of(program_.version, op.width)) ||
+            !cursor_.words(&storage, 1, op.width)) {
             return false;
         }
         value_->kind = type_->kind;
@@ -283,14 +284,14 @@ class Finder {
         } else if (type_->kind == DDS_TK_DOUBLE) {
             std::memcpy(&value_->value.real, &storage, sizeof(value_->value.real));
         } else {
-            value_->value.integer = LoadInteger(type_->kind, &storage);
+            value_->value.integer = load_integer(type_->kind, &storage);
         }
         return true;
     }
 
-    bool StringLeaf() {
+    bool string_leaf() {
         uint32_t size = 0;
-        if (!cursor_.Word32(&size) || size > cursor_.left()) return false;
+        if (!cursor_.word32(&size) || size > cursor_.left()) return false;
         const auto *const text = reinterpret_cast<const char *>(cursor_.at());
         if (size > 0 && text[size - 1] != '\0') return false;
         if (type_->bound > 0 && size > size_t{type_->bound} + 1) return false;
@@ -324,8 +325,8 @@ DDS_Boolean KOLT_Cdr_find_field(const KOLT_TypePrograms *self, const DDS_Octet *
     DDS_UnsignedShort identifier = 0;
     size_t body = 0;
     Encapsulation encapsulation;
-    if (!ReadHeader(bytes, length, &identifier, &body) ||
-        !ResolveEncapsulation(*self, identifier, Part::kSample, &encapsulation)) {
+    if (!read_header(bytes, length, &identifier, &body) ||
+        !resolve_encapsulation(*self, identifier, Part::kSample, &encapsulation)) {
         return DDS_BOOLEAN_FALSE;
     }
     value->kind = DDS_TK_NULL;
@@ -333,6 +334,6 @@ DDS_Boolean KOLT_Cdr_find_field(const KOLT_TypePrograms *self, const DDS_Octet *
     const DDS_Octet *const start = bytes + KOLT_ENCAPSULATION_HEADER_SIZE;
     const bool native_big = std::endian::native == std::endian::big;
     return encapsulation.big_endian == native_big
-               ? Finder<false>(program, start, body).Find(*self->type, path, path_length, value)
-               : Finder<true>(program, start, body).Find(*self->type, path, path_length, value);
+               ? Finder<false>(program, start, body).find(*self->type, path, path_length, value)
+               : Finder<true>(program, start, body).find(*self->type, path, path_length, value);
 }

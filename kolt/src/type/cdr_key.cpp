@@ -19,7 +19,7 @@ constexpr size_t kKeyHashSize = 16;
 class ScratchRecord {
   public:
     explicit ScratchRecord(const KOLT_TypePrograms &programs) : programs_(programs) {
-        const size_t size = kolt::type::ValueSize(*programs.type);
+        const size_t size = kolt::type::value_size(*programs.type);
         if (size > sizeof(small_)) {
             large_.reset(std::calloc(1, size));
             record_ = large_.get();
@@ -30,7 +30,7 @@ class ScratchRecord {
     }
     ~ScratchRecord() {
         if (record_ != nullptr && programs_.key_owns_memory) {
-            kolt::type::FinalizeValue(*programs_.type, record_, kolt::type::kDefaultDeallocation);
+            kolt::type::finalize_value(*programs_.type, record_, kolt::type::kDefaultDeallocation);
         }
     }
     ScratchRecord(const ScratchRecord &) = delete;
@@ -60,7 +60,7 @@ DDS_Boolean KOLT_Cdr_key_of_record(const KOLT_TypePrograms *self, const void *re
                                    DDS_Octet *key, size_t *length) {
     if (self == nullptr || record == nullptr || length == nullptr) return DDS_BOOLEAN_FALSE;
     if (key == nullptr) *length = 0;
-    return kolt::type::CanonicalKey(*self, record, key, length);
+    return kolt::type::canonical_key(*self, record, key, length);
 }
 
 DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
@@ -71,13 +71,13 @@ DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_
     DDS_UnsignedShort identifier = 0;
     size_t body = 0;
     Encapsulation encapsulation;
-    if (!kolt::type::ReadHeader(bytes, length, &identifier, &body) ||
-        !kolt::type::ResolveEncapsulation(*self, identifier, part, &encapsulation)) {
+    if (!kolt::type::read_header(bytes, length, &identifier, &body) ||
+        !kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation)) {
         return DDS_BOOLEAN_FALSE;
     }
     ScratchRecord scratch(*self);
     if (scratch.record() == nullptr) return DDS_BOOLEAN_FALSE;
-    const auto decode = is_key_only ? kolt::type::DecodeKey : kolt::type::DecodeKeyOfSample;
+    const auto decode = is_key_only ? kolt::type::decode_key : kolt::type::decode_key_of_sample;
     if (!decode(*self, encapsulation, bytes + KOLT_ENCAPSULATION_HEADER_SIZE, body,
                 scratch.record())) {
         return DDS_BOOLEAN_FALSE;

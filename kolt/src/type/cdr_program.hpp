@@ -164,30 +164,30 @@ struct CompileOptions {
 };
 
 // Both throw std::bad_alloc. The type code is well formed.
-WriteProgram CompileWrite(const DDS_TypeCode &type, const CompileOptions &options);
-ReadProgram CompileRead(const DDS_TypeCode &type, const CompileOptions &options);
+WriteProgram compile_write(const DDS_TypeCode &type, const CompileOptions &options);
+ReadProgram compile_read(const DDS_TypeCode &type, const CompileOptions &options);
 
 // The extensibility that shows on the wire.
-Framing FramingOf(const DDS_TypeCode &type, const CompileOptions &options);
+Framing framing_of(const DDS_TypeCode &type, const CompileOptions &options);
 // Alignment of a primitive of `width` bytes.
-uint8_t AlignmentOf(XcdrVersion version, size_t width);
+uint8_t alignment_of(XcdrVersion version, size_t width);
 // The members of a structure that a program handles, in its order.
-std::vector<DDS_UnsignedLong> SelectMembers(const DDS_TypeCode &type, bool key_only);
+std::vector<DDS_UnsignedLong> select_members(const DDS_TypeCode &type, bool key_only);
 // The options for the type of a member: within a key, a structure that names keys of its own is
 // reduced to them; collections and unions are keys as a whole.
-CompileOptions NestedOptions(const DDS_TypeCode &type, const CompileOptions &options);
+CompileOptions nested_options(const DDS_TypeCode &type, const CompileOptions &options);
 // Joins `op` to the run before it where both memory and wire allow.
-void AppendOp(std::vector<Op> *ops, const Op &op);
+void append_op(std::vector<Op> *ops, const Op &op);
 // Arrays and sequences of anything but primitives carry a byte count in XCDR2.
-bool NeedsDheader(const DDS_TypeCode &element, XcdrVersion version);
+bool needs_dheader(const DDS_TypeCode &element, XcdrVersion version);
 
 // False (logged) for a type code that can't be compiled.
-bool ValidateTypeCode(const DDS_TypeCode &type);
+bool validate_type_code(const DDS_TypeCode &type);
 
 // The largest and the smallest end position of what the program writes from `start`; saturates at
 // UINT64_MAX.
-uint64_t MaximumEnd(const WriteProgram &program, uint64_t start);
-uint64_t MinimumEnd(const WriteProgram &program, uint64_t start);
+uint64_t maximum_end(const WriteProgram &program, uint64_t start);
+uint64_t minimum_end(const WriteProgram &program, uint64_t start);
 
 // The discriminator of a mutable union is its member 0 (XTypes 7.3.1.2.1.1).
 inline constexpr uint32_t kDiscriminatorId = 0;

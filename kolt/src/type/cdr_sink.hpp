@@ -23,7 +23,7 @@ inline uint64_t SwapBytes(uint64_t value) {
 
 // Copies `count` numbers of `width` bytes and turns each of them round.
 template <typename Word>
-void CopySwappedWords(uint8_t *to, const uint8_t *from, size_t count) {
+void copy_swapped_words(uint8_t *to, const uint8_t *from, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         Word word;
         std::memcpy(&word, from + i * sizeof(word), sizeof(word));
@@ -33,19 +33,19 @@ void CopySwappedWords(uint8_t *to, const uint8_t *from, size_t count) {
 }
 
 template <bool kSwap>
-inline void CopyWords(void *to, const void *from, size_t count, size_t width) {
+inline void copy_words(void *to, const void *from, size_t count, size_t width) {
     if constexpr (kSwap) {
         auto *const target = static_cast<uint8_t *>(to);
         const auto *const source = static_cast<const uint8_t *>(from);
         switch (width) {
             case 2:
-                CopySwappedWords<uint16_t>(target, source, count);
+                copy_swapped_words<uint16_t>(target, source, count);
                 return;
             case 4:
-                CopySwappedWords<uint32_t>(target, source, count);
+                copy_swapped_words<uint32_t>(target, source, count);
                 return;
             case 8:
-                CopySwappedWords<uint64_t>(target, source, count);
+                copy_swapped_words<uint64_t>(target, source, count);
                 return;
             default:
                 break;
@@ -76,7 +76,7 @@ class BufferSink {
 
     size_t position() const { return position_; }
 
-    bool Align(size_t alignment) {
+    bool align(size_t alignment) {
         const size_t padding = (origin_ - position_) & (alignment - 1);
         if (padding > capacity_ - position_) return false;
         for (size_t i = 0; i < padding; ++i) buffer_[position_ + i] = 0;
@@ -84,50 +84,50 @@ class BufferSink {
         return true;
     }
 
-    bool Words(const void *from, size_t count, size_t width) {
+    bool words(const void *from, size_t count, size_t width) {
         const size_t size = count * width;
         if (size > capacity_ - position_) return false;
-        CopyWords<kSwap>(buffer_ + position_, from, count, width);
+        copy_words<kSwap>(buffer_ + position_, from, count, width);
         position_ += size;
         return true;
     }
 
-    bool Word32(uint32_t value) { return Words(&value, 1, 4); }
+    bool word32(uint32_t value) { return words(&value, 1, 4); }
 
     // Words, and members of a record over some of them.
-    bool Patched(const uint32_t *words, size_t count, const StretchField *field,
+    bool patched(const uint32_t *pattern, size_t count, const StretchField *field,
                  const StretchField *last, const char *record) {
         uint8_t *const start = buffer_ + position_;
-        if (!Words(words, count, 4)) return false;
+        if (!words(pattern, count, 4)) return false;
         for (; field != last; ++field) {
-            CopyWords<kSwap>(start + field->position, record + field->offset, field->count,
-                             field->width);
+            copy_words<kSwap>(start + field->position, record + field->offset, field->count,
+                              field->width);
         }
         return true;
     }
 
     // A string of `size` bytes, its terminator included, behind its length.
-    bool String(const char *text, uint32_t size) {
-        return Align(4) && Word32(size) && Words(text, size, 1);
+    bool string(const char *text, uint32_t size) {
+        return align(4) && word32(size) && words(text, size, 1);
     }
 
     // Room for a byte count that CloseCount fills in.
-    bool OpenCount(size_t *mark) {
+    bool open_count(size_t *mark) {
         *mark = position_;
         if (4 > capacity_ - position_) return false;
         position_ += 4;
         return true;
     }
-    bool CloseCount(size_t mark) {
+    bool close_count(size_t mark) {
         const size_t size = position_ - mark - 4;
         if (size > UINT32_MAX) return false;
-        Store32(mark, static_cast<uint32_t>(size));
+        store32(mark, static_cast<uint32_t>(size));
         return true;
     }
 
     // The alignment of the value starts anew behind the header of a parameter.
-    bool OpenParameter(const Op &op, ParameterMark *mark) {
-        if (!Align(4)) return false;
+    bool open_parameter(const Op &op, ParameterMark *mark) {
+        if (!align(4)) return false;
         mark->header = position_;
         mark->origin = origin_;
         mark->extended = op.constant > kLargestShortId;
@@ -140,7 +140,7 @@ class BufferSink {
 
     // Short headers hold a length of 16 bits. A value that turns out longer moves up by the 8 bytes
     // of the extended header, which leaves its own alignment as it is.
-    bool CloseParameter(const Op &op, const ParameterMark &mark) {
+    bool close_parameter(const Op &op, const ParameterMark &mark) {
         const bool move = !mark.extended && position_ - mark.header - 4 > kLargestShortLength;
         const bool extended = mark.extended || move;
         const size_t start = mark.header + (mark.extended ? 12 : 4);
@@ -154,29 +154,29 @@ class BufferSink {
         const bool must_understand = (op.flags & kOpMustUnderstand) != 0;
         const uint16_t flag = must_understand ? kPidMustUnderstand : uint16_t{0};
         if (extended) {
-            Store16(mark.header, static_cast<uint16_t>(kPidExtended | flag));
-            Store16(mark.header + 2, 8);
-            Store32(mark.header + 4, op.constant | (must_understand ? kExtendedMustUnderstand : 0));
-            Store32(mark.header + 8, static_cast<uint32_t>(length));
+            store16(mark.header, static_cast<uint16_t>(kPidExtended | flag));
+            store16(mark.header + 2, 8);
+            store32(mark.header + 4, op.constant | (must_understand ? kExtendedMustUnderstand : 0));
+            store32(mark.header + 8, static_cast<uint32_t>(length));
         } else {
-            Store16(mark.header, static_cast<uint16_t>(op.constant | flag));
-            Store16(mark.header + 2, static_cast<uint16_t>(length));
+            store16(mark.header, static_cast<uint16_t>(op.constant | flag));
+            store16(mark.header + 2, static_cast<uint16_t>(length));
         }
         origin_ = mark.origin;
         return true;
     }
 
-    bool Sentinel() {
-        if (!Align(4) || 4 > capacity_ - position_) return false;
-        Store16(position_, kPidSentinel);
-        Store16(position_ + 2, 0);
+    bool sentinel() {
+        if (!align(4) || 4 > capacity_ - position_) return false;
+        store16(position_, kPidSentinel);
+        store16(position_ + 2, 0);
         position_ += 4;
         return true;
     }
 
   private:
-    void Store16(size_t at, uint16_t value) { CopyWords<kSwap>(buffer_ + at, &value, 1, 2); }
-    void Store32(size_t at, uint32_t value) { CopyWords<kSwap>(buffer_ + at, &value, 1, 4); }
+    void store16(size_t at, uint16_t value) { copy_words<kSwap>(buffer_ + at, &value, 1, 2); }
+    void store32(size_t at, uint32_t value) { copy_words<kSwap>(buffer_ + at, &value, 1, 4); }
 
     uint8_t *buffer_;
     size_t capacity_;
@@ -190,46 +190,46 @@ class CountSink {
     explicit CountSink(size_t start = 0) : position_(start) {}
 
     size_t position() const { return position_; }
-    bool Align(size_t alignment) {
+    bool align(size_t alignment) {
         position_ += (origin_ - position_) & (alignment - 1);
         return true;
     }
-    bool Words(const void *, size_t count, size_t width) {
+    bool words(const void *, size_t count, size_t width) {
         position_ += count * width;
         return true;
     }
-    bool Word32(uint32_t) {
+    bool word32(uint32_t) {
         position_ += 4;
         return true;
     }
-    bool Patched(const uint32_t *, size_t count, const StretchField *, const StretchField *,
+    bool patched(const uint32_t *, size_t count, const StretchField *, const StretchField *,
                  const char *) {
         position_ += count * 4;
         return true;
     }
-    bool String(const char *, uint32_t size) {
-        Align(4);
+    bool string(const char *, uint32_t size) {
+        align(4);
         position_ += 4 + size_t{size};
         return true;
     }
-    bool OpenCount(size_t *) { return Word32(0); }
-    bool CloseCount(size_t) { return true; }
-    bool OpenParameter(const Op &op, ParameterMark *mark) {
-        Align(4);
+    bool open_count(size_t *) { return word32(0); }
+    bool close_count(size_t) { return true; }
+    bool open_parameter(const Op &op, ParameterMark *mark) {
+        align(4);
         mark->extended = op.constant > kLargestShortId;
         mark->origin = origin_;
         position_ += mark->extended ? 12 : 4;
         origin_ = position_;
         return true;
     }
-    bool CloseParameter(const Op &, const ParameterMark &mark) {
+    bool close_parameter(const Op &, const ParameterMark &mark) {
         if (!mark.extended && position_ - origin_ > kLargestShortLength) position_ += 8;
         origin_ = mark.origin;
         return true;
     }
-    bool Sentinel() {
-        Align(4);
-        return Word32(0);
+    bool sentinel() {
+        align(4);
+        return word32(0);
     }
 
   private:

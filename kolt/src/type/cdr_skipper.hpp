@@ -13,102 +13,102 @@ class Skipper {
     Skipper(const ReadProgram &program, Cursor<kSwap> *cursor)
         : program_(program), cursor_(*cursor) {}
 
-    bool Skip(const Op &op) {
+    bool skip(const Op &op) {
         switch (op.code) {
             case OpCode::kRun:
-                if ((op.flags & kOpHasDheader) != 0) return SkipDelimited();
-                return cursor_.Align(op.alignment) && cursor_.SkipWords(op.count, op.width);
+                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
+                return cursor_.align(op.alignment) && cursor_.skip_words(op.count, op.width);
             case OpCode::kString: {
                 uint32_t size = 0;
-                return cursor_.Word32(&size) && cursor_.Skip(size);
+                return cursor_.word32(&size) && cursor_.skip(size);
             }
             case OpCode::kPrimitiveSequence: {
-                if ((op.flags & kOpHasDheader) != 0) return SkipDelimited();
+                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
                 uint32_t count = 0;
-                if (!cursor_.Word32(&count)) return false;
+                if (!cursor_.word32(&count)) return false;
                 if (count == 0) return true;
-                return cursor_.Align(AlignmentOf(program_.version, op.width)) &&
-                       cursor_.SkipWords(count, op.width);
+                return cursor_.align(alignment_of(program_.version, op.width)) &&
+                       cursor_.skip_words(count, op.width);
             }
             case OpCode::kSequence: {
-                if ((op.flags & kOpHasDheader) != 0) return SkipDelimited();
+                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
                 uint32_t count = 0;
-                return cursor_.Word32(&count) && SkipElements(op.index, count);
+                return cursor_.word32(&count) && skip_elements(op.index, count);
             }
             case OpCode::kElements:
-                if ((op.flags & kOpHasDheader) != 0) return SkipDelimited();
-                return SkipElements(op.index, op.count);
+                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
+                return skip_elements(op.index, op.count);
             case OpCode::kAggregate:
-                return SkipAggregate(program_.aggregates[op.index]);
+                return skip_aggregate(program_.aggregates[op.index]);
             case OpCode::kOptional:
-                return SkipOptional(op);
+                return skip_optional(op);
             case OpCode::kOptionalPresent:
-                return Skip(program_.elements[op.index].op);
+                return skip(program_.elements[op.index].op);
             default:
                 return false;
         }
     }
 
     // `count` elements, each of which takes at least a byte.
-    bool SkipElements(uint32_t index, uint32_t count) {
+    bool skip_elements(uint32_t index, uint32_t count) {
         const ReadElement &element = program_.elements[index];
         if (count > cursor_.left() / element.minimum_size) return false;
         for (uint32_t i = 0; i < count; ++i) {
-            if (!Skip(element.op)) return false;
+            if (!skip(element.op)) return false;
         }
         return true;
     }
 
   private:
-    bool SkipDelimited() {
+    bool skip_delimited() {
         uint32_t size = 0;
-        return cursor_.Word32(&size) && cursor_.Skip(size);
+        return cursor_.word32(&size) && cursor_.skip(size);
     }
 
-    bool SkipOptional(const Op &op) {
+    bool skip_optional(const Op &op) {
         if (program_.version == XcdrVersion::k1) {
             MemberHeader header;
-            return ReadParameterHeader(&cursor_, &header) && cursor_.Skip(header.size);
+            return read_parameter_header(&cursor_, &header) && cursor_.skip(header.size);
         }
         uint8_t present = 0;
-        if (!cursor_.Words(&present, 1, 1)) return false;
-        return present == 0 || Skip(program_.elements[op.index].op);
+        if (!cursor_.words(&present, 1, 1)) return false;
+        return present == 0 || skip(program_.elements[op.index].op);
     }
 
-    bool SkipParameters() {
+    bool skip_parameters() {
         for (;;) {
             MemberHeader header;
-            if (!ReadParameterHeader(&cursor_, &header)) return false;
+            if (!read_parameter_header(&cursor_, &header)) return false;
             if (header.sentinel) return true;
-            if (!cursor_.Skip(header.size)) return false;
+            if (!cursor_.skip(header.size)) return false;
         }
     }
 
-    bool SkipAggregate(const Aggregate &aggregate) {
+    bool skip_aggregate(const Aggregate &aggregate) {
         switch (aggregate.framing) {
             case Framing::kDelimited:
             case Framing::kParameterList2:
-                return SkipDelimited();
+                return skip_delimited();
             case Framing::kParameterList1:
-                return SkipParameters();
+                return skip_parameters();
             default:
                 break;
         }
-        if (aggregate.is_union) return SkipUnion(aggregate);
+        if (aggregate.is_union) return skip_union(aggregate);
         for (const ReadMember &member : aggregate.members) {
-            if (aggregate.framing == Framing::kOpen && cursor_.AtEnd(member.op.alignment)) break;
-            if (!Skip(member.op)) return false;
+            if (aggregate.framing == Framing::kOpen && cursor_.at_end(member.op.alignment)) break;
+            if (!skip(member.op)) return false;
         }
         return true;
     }
 
-    bool SkipUnion(const Aggregate &aggregate) {
+    bool skip_union(const Aggregate &aggregate) {
         const Op &op = aggregate.discriminator;
         uint64_t storage = 0;
-        if (!cursor_.Align(op.alignment) || !cursor_.Words(&storage, 1, op.width)) return false;
-        const int64_t value = LoadInteger(aggregate.type->discriminator_type->kind, &storage);
-        const DDS_UnsignedLong selected = SelectedMember(*aggregate.type, value);
-        return selected == aggregate.type->member_count || Skip(aggregate.members[selected].op);
+        if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) return false;
+        const int64_t value = load_integer(aggregate.type->discriminator_type->kind, &storage);
+        const DDS_UnsignedLong selected = selected_member(*aggregate.type, value);
+        return selected == aggregate.type->member_count || skip(aggregate.members[selected].op);
     }
 
     const ReadProgram &program_;

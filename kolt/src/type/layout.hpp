@@ -11,12 +11,12 @@
 
 namespace kolt::type {
 
-inline bool IsPrimitive(DDS_TCKind kind) {
+inline bool is_primitive(DDS_TCKind kind) {
     return kind >= DDS_TK_BOOLEAN && kind <= DDS_TK_DOUBLE;
 }
 
 // Bytes of a primitive or an enumeration, in memory and on the wire; 0 for other kinds.
-inline size_t PrimitiveSize(DDS_TCKind kind) {
+inline size_t primitive_size(DDS_TCKind kind) {
     switch (kind) {
         case DDS_TK_BOOLEAN:
         case DDS_TK_CHAR:
@@ -39,19 +39,19 @@ inline size_t PrimitiveSize(DDS_TCKind kind) {
     }
 }
 
-inline bool IsSigned(DDS_TCKind kind) {
+inline bool is_signed(DDS_TCKind kind) {
     return kind == DDS_TK_SHORT || kind == DDS_TK_LONG || kind == DDS_TK_LONGLONG ||
            kind == DDS_TK_ENUM || kind == DDS_TK_CHAR;
 }
 
-inline size_t ElementCount(const DDS_TypeCode &array) {
+inline size_t element_count(const DDS_TypeCode &array) {
     size_t count = 1;
     for (DDS_UnsignedLong i = 0; i < array.dimension_count; ++i) count *= array.dimensions[i];
     return count;
 }
 
 // Bytes of a value of the type inside a record; 0 for a malformed type code.
-inline size_t ValueSize(const DDS_TypeCode &type) {
+inline size_t value_size(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_STRING:
             return sizeof(DDS_Char *);
@@ -63,13 +63,13 @@ inline size_t ValueSize(const DDS_TypeCode &type) {
         case DDS_TK_ARRAY:
             return type.content_type == nullptr
                        ? 0
-                       : ElementCount(type) * ValueSize(*type.content_type);
+                       : element_count(type) * value_size(*type.content_type);
         default:
-            return PrimitiveSize(type.kind);
+            return primitive_size(type.kind);
     }
 }
 
-inline bool IsKeyed(const DDS_TypeCode &type) {
+inline bool is_keyed(const DDS_TypeCode &type) {
     if (type.kind != DDS_TK_STRUCT) return false;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         if (type.members[i].is_key) return true;
@@ -78,8 +78,8 @@ inline bool IsKeyed(const DDS_TypeCode &type) {
 }
 
 // The integer that `value` points to; floating-point kinds give their bits.
-inline int64_t LoadInteger(DDS_TCKind kind, const void *value) {
-    const size_t size = PrimitiveSize(kind);
+inline int64_t load_integer(DDS_TCKind kind, const void *value) {
+    const size_t size = primitive_size(kind);
     if (size == 1) {
         uint8_t byte = 0;
         std::memcpy(&byte, value, 1);
@@ -88,12 +88,12 @@ inline int64_t LoadInteger(DDS_TCKind kind, const void *value) {
     if (size == 2) {
         uint16_t half = 0;
         std::memcpy(&half, value, 2);
-        return IsSigned(kind) ? static_cast<int16_t>(half) : half;
+        return is_signed(kind) ? static_cast<int16_t>(half) : half;
     }
     if (size == 4) {
         uint32_t word = 0;
         std::memcpy(&word, value, 4);
-        return IsSigned(kind) ? static_cast<int32_t>(word) : static_cast<int64_t>(word);
+        return is_signed(kind) ? static_cast<int32_t>(word) : static_cast<int64_t>(word);
     }
     int64_t wide = 0;
     if (size == 8) std::memcpy(&wide, value, 8);
@@ -101,12 +101,12 @@ inline int64_t LoadInteger(DDS_TCKind kind, const void *value) {
 }
 
 // Stores the low bytes of `integer` as a value of an integral kind.
-inline void StoreInteger(DDS_TCKind kind, void *value, int64_t integer) {
+inline void store_integer(DDS_TCKind kind, void *value, int64_t integer) {
     const auto bits = static_cast<uint64_t>(integer);
     const auto byte = static_cast<uint8_t>(bits);
     const auto half = static_cast<uint16_t>(bits);
     const auto word = static_cast<uint32_t>(bits);
-    switch (PrimitiveSize(kind)) {
+    switch (primitive_size(kind)) {
         case 1:
             std::memcpy(value, &byte, 1);
             break;
@@ -125,7 +125,7 @@ inline void StoreInteger(DDS_TCKind kind, void *value, int64_t integer) {
 }
 
 // The member that a discriminator selects, or member_count when it selects none.
-inline DDS_UnsignedLong SelectedMember(const DDS_TypeCode &type, int64_t discriminator) {
+inline DDS_UnsignedLong selected_member(const DDS_TypeCode &type, int64_t discriminator) {
     DDS_UnsignedLong fallback = type.member_count;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         const DDS_TypeCodeMember &member = type.members[i];
@@ -137,28 +137,28 @@ inline DDS_UnsignedLong SelectedMember(const DDS_TypeCode &type, int64_t discrim
     return fallback;
 }
 
-inline int64_t LoadDiscriminator(const DDS_TypeCode &type, const void *record) {
-    return LoadInteger(type.discriminator_type->kind,
-                       static_cast<const char *>(record) + type.access->discriminator_offset);
+inline int64_t load_discriminator(const DDS_TypeCode &type, const void *record) {
+    return load_integer(type.discriminator_type->kind,
+                        static_cast<const char *>(record) + type.access->discriminator_offset);
 }
 
-inline char *MemberAddress(const DDS_TypeCode &type, void *record, DDS_UnsignedLong index) {
+inline char *member_address(const DDS_TypeCode &type, void *record, DDS_UnsignedLong index) {
     return static_cast<char *>(record) + type.access->member_offsets[index];
 }
 
-inline const char *MemberAddress(const DDS_TypeCode &type, const void *record,
-                                 DDS_UnsignedLong index) {
+inline const char *member_address(const DDS_TypeCode &type, const void *record,
+                                  DDS_UnsignedLong index) {
     return static_cast<const char *>(record) + type.access->member_offsets[index];
 }
 
 // A pointer that lies in a record, whatever its type there.
-inline void *LoadPointer(const void *place) {
+inline void *load_pointer(const void *place) {
     void *pointer = nullptr;
     std::memcpy(&pointer, place, sizeof(pointer));
     return pointer;
 }
 
-inline void StorePointer(void *place, const void *pointer) {
+inline void store_pointer(void *place, const void *pointer) {
     std::memcpy(place, &pointer, sizeof(pointer));
 }
 

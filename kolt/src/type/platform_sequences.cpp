@@ -20,7 +20,7 @@ KOLT_PLAIN_ELEMENT(DDS_FloatSeq, DDS_Float);
 KOLT_PLAIN_ELEMENT(DDS_DoubleSeq, DDS_Double);
 KOLT_PLAIN_ELEMENT(DDS_InstanceHandleSeq, DDS_InstanceHandle_t);
 
-DDS_Boolean InitializeString(void *element, const DDS_TypeAllocationParams_t *params) {
+DDS_Boolean initialize_string(void *element, const DDS_TypeAllocationParams_t *params) {
     auto *const string = static_cast<DDS_Char **>(element);
     *string = nullptr;
     if (!params->allocate_pointers) return DDS_BOOLEAN_TRUE;
@@ -28,20 +28,20 @@ DDS_Boolean InitializeString(void *element, const DDS_TypeAllocationParams_t *pa
     return *string != nullptr;
 }
 
-void FinalizeString(void *element, const DDS_TypeDeallocationParams_t *params) {
+void finalize_string(void *element, const DDS_TypeDeallocationParams_t *params) {
     auto *const string = static_cast<DDS_Char **>(element);
     if (params->delete_pointers) DDS_String_free(*string);
     *string = nullptr;
 }
 
-DDS_Boolean CopyString(void *destination, const void *source) {
+DDS_Boolean copy_string(void *destination, const void *source) {
     auto *const to = static_cast<DDS_Char **>(destination);
     const DDS_Char *const from = *static_cast<DDS_Char *const *>(source);
     return DDS_String_replace(to, from) != nullptr || from == nullptr;
 }
 
-constexpr KOLT_SequenceElementType kDDS_StringSeq = {"DDS_StringSeq", sizeof(DDS_StringPtr),
-                                                     InitializeString, FinalizeString, CopyString};
+constexpr KOLT_SequenceElementType kDdsStringSeq = {
+    "DDS_StringSeq", sizeof(DDS_StringPtr), initialize_string, finalize_string, copy_string};
 
 }  // namespace
 
@@ -57,4 +57,4 @@ KOLT_SEQUENCE_DEFINE(DDS_UnsignedLongLongSeq, DDS_UnsignedLongLong, &kDDS_Unsign
 KOLT_SEQUENCE_DEFINE(DDS_FloatSeq, DDS_Float, &kDDS_FloatSeq);
 KOLT_SEQUENCE_DEFINE(DDS_DoubleSeq, DDS_Double, &kDDS_DoubleSeq);
 KOLT_SEQUENCE_DEFINE(DDS_InstanceHandleSeq, DDS_InstanceHandle_t, &kDDS_InstanceHandleSeq);
-KOLT_SEQUENCE_DEFINE(DDS_StringSeq, DDS_StringPtr, &kDDS_StringSeq);
+KOLT_SEQUENCE_DEFINE(DDS_StringSeq, DDS_StringPtr, &kDdsStringSeq);

@@ -18,7 +18,7 @@ constexpr DDS_UnsignedLong kLargestKeyReserve = 64 * 1024;
 
 // Runs `make`; what it throws is out of memory.
 template <typename Make>
-bool NoThrow(Make &&make) {
+bool no_throw(Make &&make) {
     try {
         return make();
     } catch (...) {
@@ -64,7 +64,7 @@ KOLT_TypePluginEndpointData *KOLT_TypePlugin_EndpointData_new(
         return nullptr;
     }
     std::unique_ptr<KOLT_TypePluginEndpointData> data;
-    const bool made = NoThrow([&] {
+    const bool made = no_throw([&] {
         data = std::make_unique<KOLT_TypePluginEndpointData>();
         data->participant = participant_data;
         data->info = *info;
@@ -75,7 +75,7 @@ KOLT_TypePluginEndpointData *KOLT_TypePlugin_EndpointData_new(
         if (create_key != nullptr) {
             data->keys = std::make_unique<RecordPool>(create_key, destroy_key, kIdleKeys);
         }
-        return data->samples->Fill(info->initial_samples);
+        return data->samples->fill(info->initial_samples);
     });
     return made ? data.release() : nullptr;
 }
@@ -93,7 +93,7 @@ DDS_Boolean KOLT_TypePlugin_EndpointData_create_md5_stream(KOLT_TypePluginEndpoi
                                                            DDS_UnsignedLong key_max_size,
                                                            DDS_UnsignedLong keyhash_key_max_size) {
     if (self == nullptr) return DDS_BOOLEAN_FALSE;
-    return NoThrow([&] {
+    return no_throw([&] {
         auto stream = std::make_unique<KeyHashStream>();
         stream->key_max_size = key_max_size;
         stream->keyhash_key_max_size = keyhash_key_max_size;
@@ -128,6 +128,6 @@ DDS_Boolean KOLT_TypePlugin_EndpointData_create_writer_pool(
     // A few bytes more than the largest sample: the payload's padding to a multiple of 4.
     const size_t largest =
         size >= KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED ? 0 : (size_t{size} + 3) & ~size_t{3};
-    self->buffers.reset(BufferPool::Create(largest));
+    self->buffers.reset(BufferPool::create(largest));
     return self->buffers != nullptr;
 }

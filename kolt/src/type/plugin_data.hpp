@@ -20,7 +20,7 @@ struct KeyHashStream {
 };
 
 struct BufferPoolRelease {
-    void operator()(BufferPool *pool) const { pool->Release(); }
+    void operator()(BufferPool *pool) const { pool->release(); }
 };
 
 }  // namespace kolt::type

@@ -16,16 +16,16 @@ RecordPool::~RecordPool() {
     for (void *const record : idle_) destroy_(record);
 }
 
-bool RecordPool::Fill(size_t count) {
+bool RecordPool::fill(size_t count) {
     for (size_t i = 0; i < count; ++i) {
         void *const record = create_();
         if (record == nullptr) return false;
-        Return(record);
+        give_back(record);
     }
     return true;
 }
 
-void *RecordPool::Get() {
+void *RecordPool::get() {
     {
         const std::lock_guard lock(mutex_);
         if (!idle_.empty()) {
@@ -37,7 +37,7 @@ void *RecordPool::Get() {
     return create_();
 }
 
-void RecordPool::Return(void *record) {
+void RecordPool::give_back(void *record) {
     if (record == nullptr) return;
     {
         const std::lock_guard lock(mutex_);
@@ -56,12 +56,12 @@ struct alignas(std::max_align_t) BufferPool::Block {
     size_t capacity;
 
     DDS_Octet *bytes() { return reinterpret_cast<DDS_Octet *>(this + 1); }
-    static Block *Of(DDS_Octet *bytes) {
+    static Block *of(DDS_Octet *bytes) {
         return std::launder(reinterpret_cast<Block *>(bytes - sizeof(Block)));
     }
 };
 
-BufferPool *BufferPool::Create(size_t largest) {
+BufferPool *BufferPool::create(size_t largest) {
     return new (std::nothrow) BufferPool(largest);
 }
 
@@ -75,7 +75,7 @@ BufferPool::~BufferPool() {
     }
 }
 
-void BufferPool::Release() {
+void BufferPool::release() {
     bool last = false;
     {
         const std::lock_guard lock(mutex_);
@@ -85,13 +85,13 @@ void BufferPool::Release() {
     if (last) delete this;
 }
 
-BufferPool::Block *BufferPool::NewBlock(size_t size_class, size_t capacity) {
+BufferPool::Block *BufferPool::new_block(size_t size_class, size_t capacity) {
     void *const memory = std::malloc(sizeof(Block) + capacity);
     if (memory == nullptr) return nullptr;
     return new (memory) Block{this, size_class, nullptr, capacity};
 }
 
-DDS_Octet *BufferPool::Get(size_t size, size_t *capacity) {
+DDS_Octet *BufferPool::get(size_t size, size_t *capacity) {
     if (largest_ != 0 && size > largest_) return nullptr;
     size_t size_class = 0;
     size_t rounded = kSmallest;
@@ -112,7 +112,7 @@ DDS_Octet *BufferPool::Get(size_t size, size_t *capacity) {
     if (block == nullptr) {
         size_t wanted = size_class < kClassCount ? rounded : size;
         if (largest_ != 0) wanted = std::min(wanted, largest_);
-        block = NewBlock(size_class, wanted);
+        block = new_block(size_class, wanted);
         if (block == nullptr) {
             const std::lock_guard lock(mutex_);
             --outstanding_;
@@ -123,13 +123,13 @@ DDS_Octet *BufferPool::Get(size_t size, size_t *capacity) {
     return block->bytes();
 }
 
-void BufferPool::Return(DDS_Octet *buffer) {
+void BufferPool::give_back(DDS_Octet *buffer) {
     if (buffer == nullptr) return;
-    Block *const block = Block::Of(buffer);
-    block->pool->TakeBack(block);
+    Block *const block = Block::of(buffer);
+    block->pool->take_back(block);
 }
 
-void BufferPool::TakeBack(Block *block) {
+void BufferPool::take_back(Block *block) {
     bool keep = false;
     bool last = false;
     {

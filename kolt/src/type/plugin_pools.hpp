@@ -24,10 +24,10 @@ class RecordPool {
     RecordPool &operator=(const RecordPool &) = delete;
 
     // Makes `count` records in advance. False when one can't be made.
-    bool Fill(size_t count);
+    bool fill(size_t count);
     // NULL when a new record can't be made.
-    void *Get();
-    void Return(void *record);
+    void *get();
+    void give_back(void *record);
 
   private:
     const Create create_;
@@ -41,15 +41,15 @@ class RecordPool {
 class BufferPool {
   public:
     // No buffer is larger than `largest` bytes, if that is not 0. NULL when memory runs out.
-    static BufferPool *Create(size_t largest);
+    static BufferPool *create(size_t largest);
     // The owner's farewell.
-    void Release();
+    void release();
 
     // At least `size` bytes, `*capacity` in fact. NULL when memory runs out or `size` is more than
     // the largest.
-    DDS_Octet *Get(size_t size, size_t *capacity);
+    DDS_Octet *get(size_t size, size_t *capacity);
     // Gives back a buffer of any pool.
-    static void Return(DDS_Octet *buffer);
+    static void give_back(DDS_Octet *buffer);
 
   private:
     struct Block;  // the header in front of each buffer
@@ -61,8 +61,8 @@ class BufferPool {
     explicit BufferPool(size_t largest) : largest_(largest) {}
     ~BufferPool();
 
-    void TakeBack(Block *block);
-    Block *NewBlock(size_t size_class, size_t capacity);
+    void take_back(Block *block);
+    Block *new_block(size_t size_class, size_t capacity);
 
     const size_t largest_;
     std::mutex mutex_;

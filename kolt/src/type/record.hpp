@@ -14,28 +14,28 @@ namespace kolt::type {
 class TypeCodeElementOps final : public ElementOps {
   public:
     explicit TypeCodeElementOps(const DDS_TypeCode &type);
-    bool Initialize(void *element, const DDS_TypeAllocationParams_t &params) const override;
-    void Finalize(void *element, const DDS_TypeDeallocationParams_t &params) const override;
-    bool Copy(void *destination, const void *source) const override;
+    bool initialize(void *element, const DDS_TypeAllocationParams_t &params) const override;
+    void finalize(void *element, const DDS_TypeDeallocationParams_t &params) const override;
+    bool copy(void *destination, const void *source) const override;
 
   private:
     const DDS_TypeCode &type_;
 };
 
 // `member` tells the default value; NULL where there is none (elements, records).
-bool InitializeValue(const DDS_TypeCode &type, const DDS_TypeCodeMember *member, void *value,
-                     const DDS_TypeAllocationParams_t &params);
-void FinalizeValue(const DDS_TypeCode &type, void *value,
-                   const DDS_TypeDeallocationParams_t &params);
-bool CopyValue(const DDS_TypeCode &type, void *destination, const void *source);
+bool initialize_value(const DDS_TypeCode &type, const DDS_TypeCodeMember *member, void *value,
+                      const DDS_TypeAllocationParams_t &params);
+void finalize_value(const DDS_TypeCode &type, void *value,
+                    const DDS_TypeDeallocationParams_t &params);
+bool copy_value(const DDS_TypeCode &type, void *destination, const void *source);
 
 // Gives member `index` of an initialised record its initial value again. Buffers of strings and
 // sequences stay; a string that is NULL gets one. False when memory runs out.
-bool ResetMember(const DDS_TypeCode &type, void *record, DDS_UnsignedLong index);
+bool reset_member(const DDS_TypeCode &type, void *record, DDS_UnsignedLong index);
 
 // A new initialised value for an optional member; NULL when memory runs out.
-void *NewOptional(const DDS_TypeCode &type, const DDS_TypeAllocationParams_t &params);
-void DeleteOptional(const DDS_TypeCode &type, void *value);
+void *new_optional(const DDS_TypeCode &type, const DDS_TypeAllocationParams_t &params);
+void delete_optional(const DDS_TypeCode &type, void *value);
 
 inline constexpr DDS_TypeAllocationParams_t kDefaultAllocation = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
 inline constexpr DDS_TypeDeallocationParams_t kDefaultDeallocation =

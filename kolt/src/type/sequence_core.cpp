@@ -26,25 +26,25 @@ class MethodName {
     char text_[160];
 };
 
-void LogInsufficientSpace(const ElementOps &ops, const char *operation, DDS_UnsignedLong available,
-                          DDS_Long requested) {
+void log_insufficient_space(const ElementOps &ops, const char *operation,
+                            DDS_UnsignedLong available, DDS_Long requested) {
     if (!KOLT_Log_is_enabled(kCategory, kLevel)) return;
     KOLT_Log_message(kCategory, kLevel, MethodName(ops, operation).text(),
                      "insufficient space: %u available, %d requested", available, requested);
 }
 
-DDS_TypeAllocationParams_t AllocationParams(const KOLT_Sequence *self) {
+DDS_TypeAllocationParams_t allocation_params(const KOLT_Sequence *self) {
     return {self->_elementAllocParams.allocate_pointers,
             self->_elementAllocParams.allocate_optional_members,
             self->_elementAllocParams.allocate_memory};
 }
 
-bool CheckInvariants(const KOLT_Sequence *self, const ElementOps &ops, const char *operation) {
-    return SequenceCheckInvariants(self, MethodName(ops, operation).text());
+bool check_invariants(const KOLT_Sequence *self, const ElementOps &ops, const char *operation) {
+    return sequence_check_invariants(self, MethodName(ops, operation).text());
 }
 
 // What _set_maximum refuses before it touches anything.
-const char *MaximumProblem(const KOLT_Sequence *self, DDS_Long new_maximum) {
+const char *maximum_problem(const KOLT_Sequence *self, DDS_Long new_maximum) {
     if (!self->_elementAllocParams.allocate_memory) return "allocate_memory must be true";
     if (new_maximum < 0) return "max size must be positive";
     if (static_cast<DDS_UnsignedLong>(new_maximum) > self->_absolute_maximum) {
@@ -56,7 +56,7 @@ const char *MaximumProblem(const KOLT_Sequence *self, DDS_Long new_maximum) {
 }
 
 // `count` initialised elements, or NULL (reported).
-char *NewBuffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count) {
+char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count) {
     auto *const buffer = static_cast<char *>(std::calloc(count, ops.size()));
     if (buffer == nullptr) {
         if (KOLT_Log_is_enabled(kCategory, kLevel)) {
@@ -66,28 +66,28 @@ char *NewBuffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count) 
         return nullptr;
     }
     if (ops.plain()) return buffer;
-    const DDS_TypeAllocationParams_t params = AllocationParams(self);
+    const DDS_TypeAllocationParams_t params = allocation_params(self);
     for (size_t i = 0; i < count; ++i) {
-        if (!ops.Initialize(buffer + i * ops.size(), params)) {
-            LogSequenceError(ops, "set_maximum", "initialize_w_params");
+        if (!ops.initialize(buffer + i * ops.size(), params)) {
+            log_sequence_error(ops, "set_maximum", "initialize_w_params");
             // The elements after the failing one are zero bytes, which finalise to nothing.
-            SequenceDeleteBuffer(self, ops, buffer, count);
+            sequence_delete_buffer(self, ops, buffer, count);
             return nullptr;
         }
     }
     return buffer;
 }
 
-bool CopyKept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, size_t kept) {
+bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, size_t kept) {
     if (kept == 0) return true;
     if (self->_contiguous_buffer == nullptr) {
-        LogSequenceError(ops, "set_maximum", "inconsistent buffer state");
+        log_sequence_error(ops, "set_maximum", "inconsistent buffer state");
         return false;
     }
     const auto *const old = static_cast<const char *>(self->_contiguous_buffer);
     for (size_t i = 0; i < kept; ++i) {
-        if (!ops.Copy(buffer + i * ops.size(), old + i * ops.size())) {
-            LogSequenceError(ops, "set_maximum", "copy contiguous buffer");
+        if (!ops.copy(buffer + i * ops.size(), old + i * ops.size())) {
+            log_sequence_error(ops, "set_maximum", "copy contiguous buffer");
             return false;
         }
     }
@@ -96,24 +96,24 @@ bool CopyKept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, si
 
 }  // namespace
 
-void LogSequenceError(const ElementOps &ops, const char *operation, const char *text) {
+void log_sequence_error(const ElementOps &ops, const char *operation, const char *text) {
     if (!KOLT_Log_is_enabled(kCategory, kLevel)) return;
     KOLT_Log_message(kCategory, kLevel, MethodName(ops, operation).text(), "%s", text);
 }
 
-void SequenceReset(KOLT_Sequence *self) {
+void sequence_reset(KOLT_Sequence *self) {
     constexpr KOLT_Sequence kEmpty = DDS_SEQUENCE_INITIALIZER;
     *self = kEmpty;
 }
 
-void SequenceEnsureInitialized(const KOLT_Sequence *self) {
+void sequence_ensure_initialized(const KOLT_Sequence *self) {
     // Getters take the record as const, yet use may begin with any of them. No record that is
     // itself constant can be uninitialised and of use.
     if (self->_sequence_init != KOLT_SEQUENCE_MAGIC)
-        SequenceReset(const_cast<KOLT_Sequence *>(self));
+        sequence_reset(const_cast<KOLT_Sequence *>(self));
 }
 
-bool SequenceCheckInvariants(const KOLT_Sequence *self, const char *function_name) {
+bool sequence_check_invariants(const KOLT_Sequence *self, const char *function_name) {
     const char *problem = nullptr;
     const bool has_contiguous = self->_contiguous_buffer != nullptr;
     const bool has_discontiguous = self->_discontiguous_buffer != nullptr;
@@ -135,10 +135,10 @@ bool SequenceCheckInvariants(const KOLT_Sequence *self, const char *function_nam
     return false;
 }
 
-bool SequenceSetMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum) {
-    if (!CheckInvariants(self, ops, "set_maximum")) return false;
-    if (const char *const problem = MaximumProblem(self, new_maximum)) {
-        LogSequenceError(ops, "set_maximum", problem);
+bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum) {
+    if (!check_invariants(self, ops, "set_maximum")) return false;
+    if (const char *const problem = maximum_problem(self, new_maximum)) {
+        log_sequence_error(ops, "set_maximum", problem);
         return false;
     }
     const auto maximum = static_cast<DDS_UnsignedLong>(new_maximum);
@@ -146,12 +146,12 @@ bool SequenceSetMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new
 
     char *buffer = nullptr;
     if (maximum > 0) {
-        buffer = NewBuffer(self, ops, maximum);
+        buffer = new_buffer(self, ops, maximum);
         if (buffer == nullptr) return false;
     }
     const DDS_UnsignedLong kept = std::min(self->_length, maximum);
-    if (!CopyKept(self, ops, buffer, kept)) {
-        SequenceDeleteBuffer(self, ops, buffer, maximum);
+    if (!copy_kept(self, ops, buffer, kept)) {
+        sequence_delete_buffer(self, ops, buffer, maximum);
         return false;
     }
     void *const old_buffer = self->_contiguous_buffer;
@@ -159,37 +159,38 @@ bool SequenceSetMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new
     self->_contiguous_buffer = buffer;
     self->_maximum = maximum;
     self->_length = kept;
-    SequenceDeleteBuffer(self, ops, old_buffer, old_maximum);
-    return CheckInvariants(self, ops, "set_maximum");
+    sequence_delete_buffer(self, ops, old_buffer, old_maximum);
+    return check_invariants(self, ops, "set_maximum");
 }
 
-bool SequenceSetLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length) {
+bool sequence_set_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length) {
     if (new_length < 0 || static_cast<DDS_UnsignedLong>(new_length) > self->_absolute_maximum) {
-        LogInsufficientSpace(ops, "set_length", self->_absolute_maximum, new_length);
+        log_insufficient_space(ops, "set_length", self->_absolute_maximum, new_length);
         return false;
     }
     if (static_cast<DDS_UnsignedLong>(new_length) <= self->_maximum) {
         self->_length = static_cast<DDS_UnsignedLong>(new_length);
         return true;
     }
-    return SequenceEnsureLength(self, ops, new_length, new_length);
+    return sequence_ensure_length(self, ops, new_length, new_length);
 }
 
-bool SequenceEnsureLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
-                          DDS_Long maximum) {
+bool sequence_ensure_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
+                            DDS_Long maximum) {
     if (length < 0 || length > maximum) {
-        LogInsufficientSpace(ops, "ensure_length",
-                             static_cast<DDS_UnsignedLong>(std::max(maximum, DDS_Long{0})), length);
+        log_insufficient_space(ops, "ensure_length",
+                               static_cast<DDS_UnsignedLong>(std::max(maximum, DDS_Long{0})),
+                               length);
         return false;
     }
     const auto wanted = static_cast<DDS_UnsignedLong>(length);
     if (wanted > self->_maximum) {
         if (!self->_owned) {
-            LogSequenceError(ops, "ensure_length", "sequence does not own its buffer");
+            log_sequence_error(ops, "ensure_length", "sequence does not own its buffer");
             return false;
         }
-        if (!SequenceSetMaximum(self, ops, maximum)) {
-            LogInsufficientSpace(ops, "ensure_length", self->_maximum, maximum);
+        if (!sequence_set_maximum(self, ops, maximum)) {
+            log_insufficient_space(ops, "ensure_length", self->_maximum, maximum);
             return false;
         }
     }
@@ -197,17 +198,17 @@ bool SequenceEnsureLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long l
     return true;
 }
 
-bool SequenceSetAbsoluteMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit) {
+bool sequence_set_absolute_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit) {
     if (limit < 0 || static_cast<DDS_UnsignedLong>(limit) < self->_maximum) {
-        LogSequenceError(ops, "set_absolute_maximum",
-                         "new absolute max cannot be smaller than max");
+        log_sequence_error(ops, "set_absolute_maximum",
+                           "new absolute max cannot be smaller than max");
         return false;
     }
     self->_absolute_maximum = static_cast<DDS_UnsignedLong>(limit);
     return true;
 }
 
-void *SequenceElement(const KOLT_Sequence *self, const ElementOps &ops, size_t index) {
+void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, size_t index) {
     if (self->_discontiguous_buffer == nullptr) {
         return static_cast<char *>(self->_contiguous_buffer) + index * ops.size();
     }
@@ -217,56 +218,58 @@ void *SequenceElement(const KOLT_Sequence *self, const ElementOps &ops, size_t i
     return element;
 }
 
-bool SequenceCopyElements(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source) {
+bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
+                            const KOLT_Sequence *source) {
     if (self == source) return true;
     if (source->_length > KOLT_SEQUENCE_ABSOLUTE_MAXIMUM ||
-        !SequenceSetLength(self, ops, static_cast<DDS_Long>(source->_length))) {
+        !sequence_set_length(self, ops, static_cast<DDS_Long>(source->_length))) {
         return false;
     }
     for (size_t i = 0; i < source->_length; ++i) {
-        void *const to = SequenceElement(self, ops, i);
-        const void *const from = SequenceElement(source, ops, i);
+        void *const to = sequence_element(self, ops, i);
+        const void *const from = sequence_element(source, ops, i);
         if (to == nullptr || from == nullptr) {
-            LogSequenceError(ops, "copy_no_alloc",
-                             "Unexpected NULL discontiguous buffer in the sequence");
+            log_sequence_error(ops, "copy_no_alloc",
+                               "Unexpected NULL discontiguous buffer in the sequence");
             return false;
         }
-        if (to != from && !ops.Copy(to, from)) {
-            LogSequenceError(ops, "copy_no_alloc", "copy element");
+        if (to != from && !ops.copy(to, from)) {
+            log_sequence_error(ops, "copy_no_alloc", "copy element");
             return false;
         }
     }
     return true;
 }
 
-bool SequenceCopyNoAlloc(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source) {
+bool sequence_copy_no_alloc(KOLT_Sequence *self, const ElementOps &ops,
+                            const KOLT_Sequence *source) {
     if (!self->_owned && self->_maximum < source->_length) {
-        LogSequenceError(ops, "copy_no_alloc", "sequence does not own its buffer");
+        log_sequence_error(ops, "copy_no_alloc", "sequence does not own its buffer");
         return false;
     }
-    return SequenceCopyElements(self, ops, source);
+    return sequence_copy_elements(self, ops, source);
 }
 
-bool SequenceCopy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source) {
+bool sequence_copy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source) {
     if (self->_maximum < source->_length &&
-        !SequenceSetMaximum(self, ops, static_cast<DDS_Long>(source->_maximum))) {
+        !sequence_set_maximum(self, ops, static_cast<DDS_Long>(source->_maximum))) {
         return false;
     }
-    return SequenceCopyNoAlloc(self, ops, source);
+    return sequence_copy_no_alloc(self, ops, source);
 }
 
 namespace {
 
-bool CheckLoan(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
-               const void *buffer, DDS_Long new_length, DDS_Long new_maximum) {
+bool check_loan(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
+                const void *buffer, DDS_Long new_length, DDS_Long new_maximum) {
     const char *problem = nullptr;
     if (self->_maximum != 0) {
         problem = "max size must be 0";
     } else if (new_length < 0 || new_maximum < 0) {
         problem = "negative argument";
     } else if (new_length > new_maximum) {
-        LogInsufficientSpace(ops, operation, static_cast<DDS_UnsignedLong>(new_maximum),
-                             new_length);
+        log_insufficient_space(ops, operation, static_cast<DDS_UnsignedLong>(new_maximum),
+                               new_length);
         return false;
     } else if (buffer == nullptr && new_maximum > 0) {
         problem = "NULL buffer can't have non-zero maximum";
@@ -274,39 +277,39 @@ bool CheckLoan(const KOLT_Sequence *self, const ElementOps &ops, const char *ope
         problem = "new max cannot be larger than absolute maximum";
     }
     if (problem == nullptr) return true;
-    LogSequenceError(ops, operation, problem);
+    log_sequence_error(ops, operation, problem);
     return false;
 }
 
-bool InstallLoan(KOLT_Sequence *self, const ElementOps &ops, const char *operation,
-                 void *contiguous, void **discontiguous, DDS_Long length, DDS_Long maximum) {
+bool install_loan(KOLT_Sequence *self, const ElementOps &ops, const char *operation,
+                  void *contiguous, void **discontiguous, DDS_Long length, DDS_Long maximum) {
     self->_contiguous_buffer = contiguous;
     self->_discontiguous_buffer = discontiguous;
     self->_length = static_cast<DDS_UnsignedLong>(length);
     self->_maximum = static_cast<DDS_UnsignedLong>(maximum);
     self->_owned = DDS_BOOLEAN_FALSE;
-    return CheckInvariants(self, ops, operation);
+    return check_invariants(self, ops, operation);
 }
 
 }  // namespace
 
-bool SequenceLoanContiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
-                            DDS_Long new_length, DDS_Long new_maximum) {
+bool sequence_loan_contiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+                              DDS_Long new_length, DDS_Long new_maximum) {
     constexpr const char *kOperation = "loan_contiguous";
-    return CheckLoan(self, ops, kOperation, buffer, new_length, new_maximum) &&
-           InstallLoan(self, ops, kOperation, buffer, nullptr, new_length, new_maximum);
+    return check_loan(self, ops, kOperation, buffer, new_length, new_maximum) &&
+           install_loan(self, ops, kOperation, buffer, nullptr, new_length, new_maximum);
 }
 
-bool SequenceLoanDiscontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
-                               DDS_Long new_length, DDS_Long new_maximum) {
+bool sequence_loan_discontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
+                                 DDS_Long new_length, DDS_Long new_maximum) {
     constexpr const char *kOperation = "loan_discontiguous";
-    return CheckLoan(self, ops, kOperation, buffer, new_length, new_maximum) &&
-           InstallLoan(self, ops, kOperation, nullptr, buffer, new_length, new_maximum);
+    return check_loan(self, ops, kOperation, buffer, new_length, new_maximum) &&
+           install_loan(self, ops, kOperation, nullptr, buffer, new_length, new_maximum);
 }
 
-bool SequenceUnloan(KOLT_Sequence *self, const ElementOps &ops) {
+bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops) {
     if (self->_owned) {
-        LogSequenceError(ops, "unloan", "buffer must be loaned");
+        log_sequence_error(ops, "unloan", "buffer must be loaned");
         return false;
     }
     self->_contiguous_buffer = nullptr;
@@ -319,15 +322,15 @@ bool SequenceUnloan(KOLT_Sequence *self, const ElementOps &ops) {
     return true;
 }
 
-void SequenceDeleteBuffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
-                          size_t count) {
+void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+                            size_t count) {
     if (buffer == nullptr) return;
     if (!ops.plain()) {
         const DDS_TypeDeallocationParams_t params = {
             self->_elementDeallocParams.delete_pointers,
             self->_elementDeallocParams.delete_optional_members};
         for (size_t i = 0; i < count; ++i) {
-            ops.Finalize(static_cast<char *>(buffer) + i * ops.size(), params);
+            ops.finalize(static_cast<char *>(buffer) + i * ops.size(), params);
         }
     }
     std::free(buffer);

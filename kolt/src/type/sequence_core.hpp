@@ -19,9 +19,9 @@ class ElementOps {
     ElementOps &operator=(const ElementOps &) = delete;
 
     // `element` is zero bytes on entry.
-    virtual bool Initialize(void *element, const DDS_TypeAllocationParams_t &params) const = 0;
-    virtual void Finalize(void *element, const DDS_TypeDeallocationParams_t &params) const = 0;
-    virtual bool Copy(void *destination, const void *source) const = 0;
+    virtual bool initialize(void *element, const DDS_TypeAllocationParams_t &params) const = 0;
+    virtual void finalize(void *element, const DDS_TypeDeallocationParams_t &params) const = 0;
+    virtual bool copy(void *destination, const void *source) const = 0;
 
     const char *sequence_name() const { return sequence_name_; }
     size_t size() const { return size_; }
@@ -34,30 +34,32 @@ class ElementOps {
 };
 
 // The operations of kolt/sequence_ops.h; `self` is never NULL here.
-void SequenceReset(KOLT_Sequence *self);
-void SequenceEnsureInitialized(const KOLT_Sequence *self);
-bool SequenceCheckInvariants(const KOLT_Sequence *self, const char *function_name);
-bool SequenceSetMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum);
-bool SequenceSetLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length);
-bool SequenceEnsureLength(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
-                          DDS_Long maximum);
-bool SequenceSetAbsoluteMaximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit);
-bool SequenceCopyElements(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
-bool SequenceCopyNoAlloc(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
-bool SequenceCopy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
-bool SequenceLoanContiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
-                            DDS_Long new_length, DDS_Long new_maximum);
-bool SequenceLoanDiscontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
-                               DDS_Long new_length, DDS_Long new_maximum);
-bool SequenceUnloan(KOLT_Sequence *self, const ElementOps &ops);
-void SequenceDeleteBuffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
-                          size_t count);
+void sequence_reset(KOLT_Sequence *self);
+void sequence_ensure_initialized(const KOLT_Sequence *self);
+bool sequence_check_invariants(const KOLT_Sequence *self, const char *function_name);
+bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum);
+bool sequence_set_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length);
+bool sequence_ensure_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
+                            DDS_Long maximum);
+bool sequence_set_absolute_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit);
+bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
+                            const KOLT_Sequence *source);
+bool sequence_copy_no_alloc(KOLT_Sequence *self, const ElementOps &ops,
+                            const KOLT_Sequence *source);
+bool sequence_copy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
+bool sequence_loan_contiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+                              DDS_Long new_length, DDS_Long new_maximum);
+bool sequence_loan_discontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
+                                 DDS_Long new_length, DDS_Long new_maximum);
+bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops);
+void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+                            size_t count);
 
 // Element `index` of either kind of buffer. The buffer holds more than `index` elements.
-void *SequenceElement(const KOLT_Sequence *self, const ElementOps &ops, size_t index);
+void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, size_t index);
 
 // Reports `text` under "<sequence name>_<operation>".
-void LogSequenceError(const ElementOps &ops, const char *operation, const char *text);
+void log_sequence_error(const ElementOps &ops, const char *operation, const char *text);
 
 }  // namespace kolt::type
 

@@ -21,7 +21,7 @@ class ModuleMove {
   public:
     ModuleMove(std::string_view own_name, std::string_view registered_name);
 
-    std::string Announced(std::string_view name) const;
+    std::string announced(std::string_view name) const;
 
   private:
     using Modules = std::vector<std::string_view>;

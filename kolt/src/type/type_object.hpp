@@ -31,8 +31,8 @@ struct TypeDescription {
 // Describes a well-formed structure or union. `name` is what the type is announced as; types in the
 // modules of the type code's own name move to the modules of that one (type_names.hpp). Empty when
 // the standard has no object for such a type, or the engine would refuse it; `*problem` says why.
-std::optional<TypeDescription> DescribeType(const DDS_TypeCode &type, const char *name,
-                                            std::string *problem);
+std::optional<TypeDescription> describe_type(const DDS_TypeCode &type, const char *name,
+                                             std::string *problem);
 
 }  // namespace kolt::type
 

@@ -18,70 +18,70 @@ class Inspector {
     explicit Inspector(const ModuleMove &names) : names_(names) {}
 
     // Looks at the type and all that it consists of, until the first objection.
-    void Inspect(const DDS_TypeCode &type) {
+    void inspect(const DDS_TypeCode &type) {
         if (!objection_.empty() || !inspected_.insert(&type).second) return;
-        if (IsHashed(type)) {
-            InspectNamed(type);
-        } else if (IsCollection(type)) {
-            if (type.kind == DDS_TK_ARRAY) InspectArray(type);
-            Inspect(*type.content_type);
+        if (is_hashed(type)) {
+            inspect_named(type);
+        } else if (is_collection(type)) {
+            if (type.kind == DDS_TK_ARRAY) inspect_array(type);
+            inspect(*type.content_type);
         }
     }
-    std::string Take() { return std::move(objection_); }
+    std::string take() { return std::move(objection_); }
 
   private:
-    void Object(const DDS_TypeCode &type, const std::string &what) {
+    void object(const DDS_TypeCode &type, const std::string &what) {
         if (!objection_.empty()) return;
         objection_ = type.name == nullptr ? "an unnamed type" : type.name;
         objection_ += ": " + what;
     }
 
-    void InspectNamed(const DDS_TypeCode &type) {
-        if (type.name == nullptr || !IsName(names_.Announced(type.name))) {
-            return Object(type, "no name of 1 to 256 characters");
+    void inspect_named(const DDS_TypeCode &type) {
+        if (type.name == nullptr || !is_name(names_.announced(type.name))) {
+            return object(type, "no name of 1 to 256 characters");
         }
-        if (type.member_count == 0 || type.members == nullptr) return Object(type, "no members");
+        if (type.member_count == 0 || type.members == nullptr) return object(type, "no members");
         const std::span members(type.members, type.member_count);
         for (const DDS_TypeCodeMember &member : members) {
-            if (member.name == nullptr || !IsName(member.name)) {
-                return Object(type, "a member without a name of 1 to 256 characters");
+            if (member.name == nullptr || !is_name(member.name)) {
+                return object(type, "a member without a name of 1 to 256 characters");
             }
         }
-        if (type.kind == DDS_TK_ENUM) return InspectEnumeration(type);
+        if (type.kind == DDS_TK_ENUM) return inspect_enumeration(type);
         if (type.kind == DDS_TK_UNION) {
             if (std::count_if(members.begin(), members.end(), [](const DDS_TypeCodeMember &branch) {
                     return branch.is_default_label != DDS_BOOLEAN_FALSE;
                 }) > 1) {
-                return Object(type, "more than one default branch");
+                return object(type, "more than one default branch");
             }
-            Inspect(*type.discriminator_type);
+            inspect(*type.discriminator_type);
         }
-        for (const DDS_TypeCodeMember &member : members) Inspect(*member.type);
+        for (const DDS_TypeCodeMember &member : members) inspect(*member.type);
     }
 
-    void InspectEnumeration(const DDS_TypeCode &type) {
+    void inspect_enumeration(const DDS_TypeCode &type) {
         if (type.extensibility == DDS_MUTABLE_EXTENSIBILITY) {
-            return Object(type, "a mutable enumeration");
+            return object(type, "a mutable enumeration");
         }
         std::set<DDS_Long> values;
         for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
             if (!values.insert(type.members[i].ordinal).second) {
-                return Object(type, "two enumerators with one value");
+                return object(type, "two enumerators with one value");
             }
         }
     }
 
     // The engine counts the elements of arrays of arrays with 32 bits.
-    void InspectArray(const DDS_TypeCode &type) {
+    void inspect_array(const DDS_TypeCode &type) {
         uint64_t count = 1;
         for (const DDS_TypeCode *array = &type; array->kind == DDS_TK_ARRAY;
              array = array->content_type) {
-            count *= ElementCount(*array);  // each is below 2^31
-            if (count > UINT32_MAX) return Object(type, "too many elements");
+            count *= element_count(*array);  // each is below 2^31
+            if (count > UINT32_MAX) return object(type, "too many elements");
         }
     }
 
-    static bool IsName(std::string_view name) {
+    static bool is_name(std::string_view name) {
         return !name.empty() && name.size() <= kMaximumNameLength;
     }
 
@@ -92,13 +92,13 @@ class Inspector {
 
 }  // namespace
 
-std::string FindObjection(const DDS_TypeCode &type, const ModuleMove &names) {
+std::string find_objection(const DDS_TypeCode &type, const ModuleMove &names) {
     if (type.kind != DDS_TK_STRUCT && type.kind != DDS_TK_UNION) {
         return "neither a structure nor a union";
     }
     Inspector inspector(names);
-    inspector.Inspect(type);
-    return inspector.Take();
+    inspector.inspect(type);
+    return inspector.take();
 }
 
 }  // namespace kolt::type

@@ -22,11 +22,11 @@ constexpr uint16_t kIsDefault = 1 << 6;
 
 constexpr uint16_t kEnumerationBits = 32;
 
-uint16_t ExtensibilityFlag(DDS_ExtensibilityKind extensibility) {
+uint16_t extensibility_flag(DDS_ExtensibilityKind extensibility) {
     return static_cast<uint16_t>(1U << extensibility);
 }
 
-std::span<const DDS_TypeCodeMember> Members(const DDS_TypeCode &type) {
+std::span<const DDS_TypeCodeMember> members(const DDS_TypeCode &type) {
     return {type.members, type.member_count};
 }
 
@@ -35,120 +35,120 @@ class ObjectWriter {
     ObjectWriter(Equivalence kind, const TypeTable &table, const ModuleMove &names)
         : kind_(kind), table_(table), names_(names) {}
 
-    Bytes Write(const DDS_TypeCode &type) {
-        output_.WriteDelimited([&] {
-            output_.Write8(static_cast<uint8_t>(kind_));
+    Bytes write(const DDS_TypeCode &type) {
+        output_.write_delimited([&] {
+            output_.write8(static_cast<uint8_t>(kind_));
             switch (type.kind) {
                 case DDS_TK_STRUCT:
-                    WriteStructure(type);
+                    write_structure(type);
                     break;
                 case DDS_TK_UNION:
-                    WriteUnion(type);
+                    write_union(type);
                     break;
                 default:
-                    WriteEnumeration(type);
+                    write_enumeration(type);
                     break;
             }
         });
-        return output_.Take();
+        return output_.take();
     }
 
   private:
-    void WriteStructure(const DDS_TypeCode &type) {
-        output_.Write8(kStructure);
-        output_.Write16(ExtensibilityFlag(type.extensibility));
-        output_.WriteDelimited([&] {
-            output_.Write8(kNoType);  // no base type
-            WriteTypeDetail(type);
+    void write_structure(const DDS_TypeCode &type) {
+        output_.write8(kStructure);
+        output_.write16(extensibility_flag(type.extensibility));
+        output_.write_delimited([&] {
+            output_.write8(kNoType);  // no base type
+            write_type_detail(type);
         });
-        output_.WriteSequence(Members(type), [&](const DDS_TypeCodeMember &member) {
+        output_.write_sequence(members(type), [&](const DDS_TypeCodeMember &member) {
             uint16_t flags = kTryConstructDiscard;
             if (member.is_optional) flags |= kIsOptional;
             if (member.is_key) flags |= kIsKey;
             // Keys are understood by all (7.2.2.4.4.4.8).
             if (member.is_key || member.is_must_understand) flags |= kIsMustUnderstand;
-            output_.WriteDelimited([&] {
-                WriteMember(member, flags);
-                WriteMemberDetail(member.name);
+            output_.write_delimited([&] {
+                write_member(member, flags);
+                write_member_detail(member.name);
             });
         });
     }
 
-    void WriteUnion(const DDS_TypeCode &type) {
-        output_.Write8(kUnion);
-        output_.Write16(ExtensibilityFlag(type.extensibility));
-        output_.WriteDelimited([&] { WriteTypeDetail(type); });
-        output_.WriteDelimited([&] {
-            output_.Write16(kTryConstructDiscard | kIsMustUnderstand);
-            table_.WriteIdentifier(*type.discriminator_type, kind_, &output_);
-            WriteNoAnnotations();
+    void write_union(const DDS_TypeCode &type) {
+        output_.write8(kUnion);
+        output_.write16(extensibility_flag(type.extensibility));
+        output_.write_delimited([&] { write_type_detail(type); });
+        output_.write_delimited([&] {
+            output_.write16(kTryConstructDiscard | kIsMustUnderstand);
+            table_.write_identifier(*type.discriminator_type, kind_, &output_);
+            write_no_annotations();
         });
-        output_.WriteSequence(Members(type), [&](const DDS_TypeCodeMember &member) {
+        output_.write_sequence(members(type), [&](const DDS_TypeCodeMember &member) {
             uint16_t flags = kTryConstructDiscard;
             if (member.is_default_label) flags |= kIsDefault;
-            output_.WriteDelimited([&] {
-                WriteMember(member, flags);
-                output_.Write32(member.label_count);
+            output_.write_delimited([&] {
+                write_member(member, flags);
+                output_.write32(member.label_count);
                 for (DDS_UnsignedLong i = 0; i < member.label_count; ++i) {
-                    output_.Write32(static_cast<uint32_t>(member.labels[i]));
+                    output_.write32(static_cast<uint32_t>(member.labels[i]));
                 }
-                WriteMemberDetail(member.name);
+                write_member_detail(member.name);
             });
         });
     }
 
     // Enumerators stand in the order of their values.
-    void WriteEnumeration(const DDS_TypeCode &type) {
-        output_.Write8(kEnumeration);
-        output_.Write16(ExtensibilityFlag(type.extensibility));
-        output_.WriteDelimited([&] {
-            output_.Write16(kEnumerationBits);
-            WriteTypeDetail(type);
+    void write_enumeration(const DDS_TypeCode &type) {
+        output_.write8(kEnumeration);
+        output_.write16(extensibility_flag(type.extensibility));
+        output_.write_delimited([&] {
+            output_.write16(kEnumerationBits);
+            write_type_detail(type);
         });
-        const auto members = Members(type);
-        std::vector<DDS_TypeCodeMember> enumerators(members.begin(), members.end());
+        const auto declared = members(type);
+        std::vector<DDS_TypeCodeMember> enumerators(declared.begin(), declared.end());
         std::sort(enumerators.begin(), enumerators.end(),
                   [](const DDS_TypeCodeMember &left, const DDS_TypeCodeMember &right) {
                       return left.ordinal < right.ordinal;
                   });
-        output_.WriteSequence(enumerators, [&](const DDS_TypeCodeMember &enumerator) {
-            output_.WriteDelimited([&] {
-                output_.WriteDelimited([&] {
-                    output_.Write32(static_cast<uint32_t>(enumerator.ordinal));
-                    output_.Write16(0);
+        output_.write_sequence(enumerators, [&](const DDS_TypeCodeMember &enumerator) {
+            output_.write_delimited([&] {
+                output_.write_delimited([&] {
+                    output_.write32(static_cast<uint32_t>(enumerator.ordinal));
+                    output_.write16(0);
                 });
-                WriteMemberDetail(enumerator.name);
+                write_member_detail(enumerator.name);
             });
         });
     }
 
-    void WriteMember(const DDS_TypeCodeMember &member, uint16_t flags) {
-        output_.Write32(member.id);
-        output_.Write16(flags);
-        table_.WriteIdentifier(*member.type, kind_, &output_);
+    void write_member(const DDS_TypeCodeMember &member, uint16_t flags) {
+        output_.write32(member.id);
+        output_.write16(flags);
+        table_.write_identifier(*member.type, kind_, &output_);
     }
 
-    void WriteTypeDetail(const DDS_TypeCode &type) {
+    void write_type_detail(const DDS_TypeCode &type) {
         if (kind_ == Equivalence::kMinimal) return;
-        WriteNoAnnotations();
-        output_.WriteString(names_.Announced(type.name));
+        write_no_annotations();
+        output_.write_string(names_.announced(type.name));
     }
 
-    void WriteMemberDetail(const char *name) {
+    void write_member_detail(const char *name) {
         if (kind_ == Equivalence::kMinimal) {
-            const std::array<uint8_t, 16> digest = Md5(name, std::strlen(name));
-            output_.WriteRaw(std::span(digest).first<4>());
+            const std::array<uint8_t, 16> digest = md5(name, std::strlen(name));
+            output_.write_raw(std::span(digest).first<4>());
         } else {
-            output_.WriteString(name);
-            WriteNoAnnotations();
+            output_.write_string(name);
+            write_no_annotations();
         }
     }
 
     // Two optional members, built-in and custom annotations, that are absent.
-    void WriteNoAnnotations() {
+    void write_no_annotations() {
         if (kind_ == Equivalence::kMinimal) return;
-        output_.Write8(0);
-        output_.Write8(0);
+        output_.write8(0);
+        output_.write8(0);
     }
 
     const Equivalence kind_;
@@ -159,9 +159,9 @@ class ObjectWriter {
 
 }  // namespace
 
-Bytes WriteTypeObject(const DDS_TypeCode &type, Equivalence kind, const TypeTable &table,
-                      const ModuleMove &names) {
-    return ObjectWriter(kind, table, names).Write(type);
+Bytes write_type_object(const DDS_TypeCode &type, Equivalence kind, const TypeTable &table,
+                        const ModuleMove &names) {
+    return ObjectWriter(kind, table, names).write(type);
 }
 
 }  // namespace kolt::type

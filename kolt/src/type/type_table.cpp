@@ -18,7 +18,7 @@ constexpr uint8_t kArrayLarge = 0x91;
 constexpr uint16_t kTryConstructDiscard = 1;
 constexpr DDS_UnsignedLong kLargestSmallBound = 255;
 
-uint8_t PrimitiveKind(DDS_TCKind kind) {
+uint8_t primitive_kind(DDS_TCKind kind) {
     switch (kind) {
         case DDS_TK_BOOLEAN:
             return 0x01;
@@ -46,30 +46,30 @@ uint8_t PrimitiveKind(DDS_TCKind kind) {
 }
 
 // The innermost element type of a collection, or the type itself.
-const DDS_TypeCode &Innermost(const DDS_TypeCode &type) {
+const DDS_TypeCode &innermost(const DDS_TypeCode &type) {
     const DDS_TypeCode *element = &type;
-    while (IsCollection(*element)) element = element->content_type;
+    while (is_collection(*element)) element = element->content_type;
     return *element;
 }
 
-void WriteBound(DDS_UnsignedLong bound, bool small, Xcdr2Output *output) {
+void write_bound(DDS_UnsignedLong bound, bool small, Xcdr2Output *output) {
     if (small) {
-        output->Write8(static_cast<uint8_t>(bound));
+        output->write8(static_cast<uint8_t>(bound));
     } else {
-        output->Write32(bound);
+        output->write32(bound);
     }
 }
 
-TypeObject MakeObject(Bytes bytes) {
+TypeObject make_object(Bytes bytes) {
     TypeObject object{std::move(bytes), {}};
-    const std::array<uint8_t, 16> digest = Md5(object.bytes.data(), object.bytes.size());
+    const std::array<uint8_t, 16> digest = md5(object.bytes.data(), object.bytes.size());
     std::copy_n(digest.begin(), object.hash.size(), object.hash.begin());
     return object;
 }
 
 }  // namespace
 
-std::array<uint8_t, 16> Md5(const void *bytes, size_t length) {
+std::array<uint8_t, 16> md5(const void *bytes, size_t length) {
     std::array<uint8_t, 16> digest{};
     MD5_CTX context;
     MD5Init(&context);
@@ -79,33 +79,34 @@ std::array<uint8_t, 16> Md5(const void *bytes, size_t length) {
 }
 
 TypeTable::TypeTable(const DDS_TypeCode &type, const ModuleMove &names) : names_(names) {
-    Add(type);
-    RemoveDuplicates();
+    add(type);
+    remove_duplicates();
 }
 
 // A type takes its place before its parts do, but its objects hold their identifiers.
-void TypeTable::Add(const DDS_TypeCode &type) {
-    const DDS_TypeCode &element = Innermost(type);
-    if (!IsHashed(element)) return;
+void TypeTable::add(const DDS_TypeCode &type) {
+    const DDS_TypeCode &element = innermost(type);
+    if (!is_hashed(element)) return;
     if (std::any_of(types_.begin(), types_.end(),
                     [&](const HashedType &known) { return known.type == &element; })) {
         return;
     }
     const size_t place = types_.size();
     types_.push_back({&element});
-    if (element.kind == DDS_TK_UNION) Add(*element.discriminator_type);
+    if (element.kind == DDS_TK_UNION) add(*element.discriminator_type);
     if (element.kind != DDS_TK_ENUM) {
-        for (DDS_UnsignedLong i = 0; i < element.member_count; ++i) Add(*element.members[i].type);
+        for (DDS_UnsignedLong i = 0; i < element.member_count; ++i) add(*element.members[i].type);
     }
-    TypeObject minimal = MakeObject(WriteTypeObject(element, Equivalence::kMinimal, *this, names_));
+    TypeObject minimal =
+        make_object(write_type_object(element, Equivalence::kMinimal, *this, names_));
     TypeObject complete =
-        MakeObject(WriteTypeObject(element, Equivalence::kComplete, *this, names_));
+        make_object(write_type_object(element, Equivalence::kComplete, *this, names_));
     types_[place].minimal = std::move(minimal);
     types_[place].complete = std::move(complete);
 }
 
 // Several type codes may stand for one type.
-void TypeTable::RemoveDuplicates() {
+void TypeTable::remove_duplicates() {
     std::vector<HashedType> distinct;
     for (HashedType &type : types_) {
         if (std::none_of(distinct.begin(), distinct.end(), [&](const HashedType &earlier) {
@@ -117,45 +118,45 @@ void TypeTable::RemoveDuplicates() {
     types_ = std::move(distinct);
 }
 
-const HashedType &TypeTable::Find(const DDS_TypeCode &type) const {
+const HashedType &TypeTable::find(const DDS_TypeCode &type) const {
     return *std::find_if(types_.begin(), types_.end(),
                          [&](const HashedType &known) { return known.type == &type; });
 }
 
-void TypeTable::WriteIdentifier(const DDS_TypeCode &type, Equivalence kind,
-                                Xcdr2Output *output) const {
-    if (IsHashed(type)) {
-        output->Write8(static_cast<uint8_t>(kind));
-        output->WriteRaw(Find(type).Object(kind).hash);
+void TypeTable::write_identifier(const DDS_TypeCode &type, Equivalence kind,
+                                 Xcdr2Output *output) const {
+    if (is_hashed(type)) {
+        output->write8(static_cast<uint8_t>(kind));
+        output->write_raw(find(type).object(kind).hash);
     } else if (type.kind == DDS_TK_STRING) {
         const bool small = type.bound <= kLargestSmallBound;
-        output->Write8(small ? kStringSmall : kStringLarge);
-        WriteBound(type.bound, small, output);
-    } else if (IsCollection(type)) {
-        WriteCollection(type, kind, output);
+        output->write8(small ? kStringSmall : kStringLarge);
+        write_bound(type.bound, small, output);
+    } else if (is_collection(type)) {
+        write_collection(type, kind, output);
     } else {
-        output->Write8(PrimitiveKind(type.kind));
+        output->write8(primitive_kind(type.kind));
     }
 }
 
-void TypeTable::WriteCollection(const DDS_TypeCode &type, Equivalence kind,
-                                Xcdr2Output *output) const {
+void TypeTable::write_collection(const DDS_TypeCode &type, Equivalence kind,
+                                 Xcdr2Output *output) const {
     const bool is_array = type.kind == DDS_TK_ARRAY;
     const DDS_UnsignedLong *const bounds = is_array ? type.dimensions : &type.bound;
     const DDS_UnsignedLong count = is_array ? type.dimension_count : 1;
     const bool small = std::all_of(
         bounds, bounds + count, [](DDS_UnsignedLong bound) { return bound <= kLargestSmallBound; });
     if (is_array) {
-        output->Write8(small ? kArraySmall : kArrayLarge);
+        output->write8(small ? kArraySmall : kArrayLarge);
     } else {
-        output->Write8(small ? kSequenceSmall : kSequenceLarge);
+        output->write8(small ? kSequenceSmall : kSequenceLarge);
     }
-    const Equivalence elements = IsHashed(Innermost(type)) ? kind : Equivalence::kBoth;
-    output->Write8(static_cast<uint8_t>(elements));
-    output->Write16(kTryConstructDiscard);
-    if (is_array) output->Write32(count);
-    for (DDS_UnsignedLong i = 0; i < count; ++i) WriteBound(bounds[i], small, output);
-    WriteIdentifier(*type.content_type, kind, output);
+    const Equivalence elements = is_hashed(innermost(type)) ? kind : Equivalence::kBoth;
+    output->write8(static_cast<uint8_t>(elements));
+    output->write16(kTryConstructDiscard);
+    if (is_array) output->write32(count);
+    for (DDS_UnsignedLong i = 0; i < count; ++i) write_bound(bounds[i], small, output);
+    write_identifier(*type.content_type, kind, output);
 }
 
 }  // namespace kolt::type

@@ -28,16 +28,16 @@ struct HashedType {
     TypeObject minimal{};
     TypeObject complete{};
 
-    const TypeObject &Object(Equivalence kind) const {
+    const TypeObject &object(Equivalence kind) const {
         return kind == Equivalence::kMinimal ? minimal : complete;
     }
 };
 
-inline bool IsHashed(const DDS_TypeCode &type) {
+inline bool is_hashed(const DDS_TypeCode &type) {
     return type.kind == DDS_TK_STRUCT || type.kind == DDS_TK_UNION || type.kind == DDS_TK_ENUM;
 }
 
-inline bool IsCollection(const DDS_TypeCode &type) {
+inline bool is_collection(const DDS_TypeCode &type) {
     return type.kind == DDS_TK_SEQUENCE || type.kind == DDS_TK_ARRAY;
 }
 
@@ -51,28 +51,28 @@ class TypeTable {
     const std::vector<HashedType> &types() const { return types_; }
 
     // The TypeIdentifier of a type in the table, or of one that needs no object (XTypes 7.3.4.2).
-    void WriteIdentifier(const DDS_TypeCode &type, Equivalence kind, Xcdr2Output *output) const;
+    void write_identifier(const DDS_TypeCode &type, Equivalence kind, Xcdr2Output *output) const;
 
   private:
-    void Add(const DDS_TypeCode &type);
-    void RemoveDuplicates();
-    const HashedType &Find(const DDS_TypeCode &type) const;
-    void WriteCollection(const DDS_TypeCode &type, Equivalence kind, Xcdr2Output *output) const;
+    void add(const DDS_TypeCode &type);
+    void remove_duplicates();
+    const HashedType &find(const DDS_TypeCode &type) const;
+    void write_collection(const DDS_TypeCode &type, Equivalence kind, Xcdr2Output *output) const;
 
     const ModuleMove &names_;
     std::vector<HashedType> types_;
 };
 
 // Writes the MinimalTypeObject or CompleteTypeObject of a type whose parts are in the table.
-Bytes WriteTypeObject(const DDS_TypeCode &type, Equivalence kind, const TypeTable &table,
-                      const ModuleMove &names);
+Bytes write_type_object(const DDS_TypeCode &type, Equivalence kind, const TypeTable &table,
+                        const ModuleMove &names);
 
 // Why a well-formed type cannot be described; empty when it can. What the standard forbids and the
 // engine would therefore refuse as part of a topic's type.
-std::string FindObjection(const DDS_TypeCode &type, const ModuleMove &names);
+std::string find_objection(const DDS_TypeCode &type, const ModuleMove &names);
 
 // The MD5 of some bytes (RFC 1321).
-std::array<uint8_t, 16> Md5(const void *bytes, size_t length);
+std::array<uint8_t, 16> md5(const void *bytes, size_t length);
 
 }  // namespace kolt::type
 

@@ -13,7 +13,7 @@ namespace {
 constexpr DDS_DataRepresentationMask kBothRepresentations =
     DDS_DATA_REPRESENTATION_MASK_XCDR | DDS_DATA_REPRESENTATION_MASK_XCDR2;
 
-constexpr DDS_TypeCode Primitive(DDS_TCKind kind, const char *name) {
+constexpr DDS_TypeCode primitive(DDS_TCKind kind, const char *name) {
     DDS_TypeCode type{};
     type.kind = kind;
     type.name = name;
@@ -23,25 +23,25 @@ constexpr DDS_TypeCode Primitive(DDS_TCKind kind, const char *name) {
 
 // In the order of DDS_TCKind, from DDS_TK_BOOLEAN.
 constexpr std::array<DDS_TypeCode, 11> kPrimitives = {
-    Primitive(DDS_TK_BOOLEAN, "boolean"),
-    Primitive(DDS_TK_CHAR, "char"),
-    Primitive(DDS_TK_OCTET, "octet"),
-    Primitive(DDS_TK_SHORT, "short"),
-    Primitive(DDS_TK_USHORT, "unsigned short"),
-    Primitive(DDS_TK_LONG, "long"),
-    Primitive(DDS_TK_ULONG, "unsigned long"),
-    Primitive(DDS_TK_LONGLONG, "long long"),
-    Primitive(DDS_TK_ULONGLONG, "unsigned long long"),
-    Primitive(DDS_TK_FLOAT, "float"),
-    Primitive(DDS_TK_DOUBLE, "double"),
+    primitive(DDS_TK_BOOLEAN, "boolean"),
+    primitive(DDS_TK_CHAR, "char"),
+    primitive(DDS_TK_OCTET, "octet"),
+    primitive(DDS_TK_SHORT, "short"),
+    primitive(DDS_TK_USHORT, "unsigned short"),
+    primitive(DDS_TK_LONG, "long"),
+    primitive(DDS_TK_ULONG, "unsigned long"),
+    primitive(DDS_TK_LONGLONG, "long long"),
+    primitive(DDS_TK_ULONGLONG, "unsigned long long"),
+    primitive(DDS_TK_FLOAT, "float"),
+    primitive(DDS_TK_DOUBLE, "double"),
 };
 static_assert(kPrimitives[DDS_TK_DOUBLE - DDS_TK_BOOLEAN].kind == DDS_TK_DOUBLE);
 
-bool HasMembers(const DDS_TypeCode *type) {
+bool has_members(const DDS_TypeCode *type) {
     return type != nullptr && type->members != nullptr;
 }
 
-DDS_UnsignedShort BigEndianEncapsulation(const DDS_TypeCode &type, bool xcdr2) {
+DDS_UnsignedShort big_endian_encapsulation(const DDS_TypeCode &type, bool xcdr2) {
     // Only structures and unions have an extensibility that shows; the rest is plain.
     const bool aggregated = type.kind == DDS_TK_STRUCT || type.kind == DDS_TK_UNION;
     const DDS_ExtensibilityKind extensibility =
@@ -60,8 +60,8 @@ DDS_UnsignedShort BigEndianEncapsulation(const DDS_TypeCode &type, bool xcdr2) {
 }  // namespace
 
 const DDS_TypeCode *DDS_TypeCodeFactory_get_primitive_tc(DDS_TCKind kind) {
-    return kolt::type::IsPrimitive(kind) ? &kPrimitives[static_cast<size_t>(kind) - DDS_TK_BOOLEAN]
-                                         : nullptr;
+    return kolt::type::is_primitive(kind) ? &kPrimitives[static_cast<size_t>(kind) - DDS_TK_BOOLEAN]
+                                          : nullptr;
 }
 
 DDS_TCKind DDS_TypeCode_kind(const DDS_TypeCode *self) {
@@ -73,11 +73,11 @@ const char *DDS_TypeCode_name(const DDS_TypeCode *self) {
 }
 
 DDS_UnsignedLong DDS_TypeCode_member_count(const DDS_TypeCode *self) {
-    return HasMembers(self) ? self->member_count : 0;
+    return has_members(self) ? self->member_count : 0;
 }
 
 const DDS_TypeCodeMember *DDS_TypeCode_member(const DDS_TypeCode *self, DDS_UnsignedLong index) {
-    if (!HasMembers(self) || index >= self->member_count) return nullptr;
+    if (!has_members(self) || index >= self->member_count) return nullptr;
     return &self->members[index];
 }
 
@@ -99,7 +99,7 @@ const DDS_TypeCodeMember *DDS_TypeCode_find_member_by_id(const DDS_TypeCode *sel
 }
 
 DDS_Boolean DDS_TypeCode_is_keyed(const DDS_TypeCode *self) {
-    return self != nullptr && kolt::type::IsKeyed(*self);
+    return self != nullptr && kolt::type::is_keyed(*self);
 }
 
 DDS_UnsignedShort DDS_TypeCode_get_native_encapsulation(const DDS_TypeCode *self,
@@ -117,5 +117,5 @@ DDS_UnsignedShort DDS_TypeCode_get_native_encapsulation(const DDS_TypeCode *self
     }
     if (second ? !xcdr2 : !xcdr1) return KOLT_ENCAPSULATION_INVALID;
     constexpr DDS_UnsignedShort kNativeBit = std::endian::native == std::endian::little ? 1 : 0;
-    return static_cast<DDS_UnsignedShort>(BigEndianEncapsulation(*self, second) | kNativeBit);
+    return static_cast<DDS_UnsignedShort>(big_endian_encapsulation(*self, second) | kNativeBit);
 }

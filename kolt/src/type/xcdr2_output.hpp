@@ -14,28 +14,28 @@ using Bytes = std::vector<uint8_t>;
 
 class Xcdr2Output {
   public:
-    void Write8(uint8_t value) { bytes_.push_back(value); }
-    void Write16(uint16_t value) { WriteInteger(value); }
-    void Write32(uint32_t value) { WriteInteger(value); }
+    void write8(uint8_t value) { bytes_.push_back(value); }
+    void write16(uint16_t value) { write_integer(value); }
+    void write32(uint32_t value) { write_integer(value); }
     // A string with its length and its NUL.
-    void WriteString(std::string_view text) {
-        Write32(static_cast<uint32_t>(text.size() + 1));
+    void write_string(std::string_view text) {
+        write32(static_cast<uint32_t>(text.size() + 1));
         bytes_.insert(bytes_.end(), text.begin(), text.end());
         bytes_.push_back(0);
     }
     // Bytes as they stand.
     template <typename Range>
-    void WriteRaw(const Range &range) {
+    void write_raw(const Range &range) {
         bytes_.insert(bytes_.end(), std::begin(range), std::end(range));
     }
-    void Align(size_t alignment) {
+    void align(size_t alignment) {
         while (bytes_.size() % alignment != 0) bytes_.push_back(0);
     }
     // What `body` writes, behind a 32-bit length: an appendable type, a sequence whose elements are
     // not primitive, the value of a member of a mutable type.
     template <typename Body>
-    void WriteDelimited(Body &&body) {
-        Write32(0);
+    void write_delimited(Body &&body) {
+        write32(0);
         const size_t start = bytes_.size();
         body();
         const auto length = static_cast<uint32_t>(bytes_.size() - start);
@@ -45,20 +45,20 @@ class Xcdr2Output {
     }
     // A sequence whose elements are not primitive; `write` writes one.
     template <typename Elements, typename Write>
-    void WriteSequence(const Elements &elements, Write &&write) {
-        WriteDelimited([&] {
-            Write32(static_cast<uint32_t>(elements.size()));
+    void write_sequence(const Elements &elements, Write &&write) {
+        write_delimited([&] {
+            write32(static_cast<uint32_t>(elements.size()));
             for (const auto &element : elements) write(element);
         });
     }
 
-    Bytes Take() { return std::move(bytes_); }
+    Bytes take() { return std::move(bytes_); }
 
   private:
     template <typename Integer>
-    void WriteInteger(Integer value) {
+    void write_integer(Integer value) {
         static_assert(std::is_unsigned_v<Integer>);
-        Align(sizeof(Integer));
+        align(sizeof(Integer));
         for (unsigned i = 0; i < sizeof(Integer); ++i) {
             bytes_.push_back(static_cast<uint8_t>(value >> (8 * i)));
         }
