@@ -27,14 +27,18 @@ void echo_large(DDS_DataReader *reader, DDS_DataWriter *writer) {
     DDS_SampleInfo info{};
     while (DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_TRUE, large.get(),
                                                             &info) == DDS_RETCODE_OK) {
-        if (info.valid_data) DDS_DataWriter_write(writer, large.get(), DDS_HANDLE_NIL);
+        if (info.valid_data) {
+            DDS_DataWriter_write(writer, large.get(), DDS_HANDLE_NIL);
+        }
     }
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
-    if (argc != 4) return EXIT_FAILURE;
+    if (argc != 4) {
+        return EXIT_FAILURE;
+    }
     const std::string suffix = argv[3];
     const DDS_DataRepresentationId_t representation = std::strcmp(argv[2], "xcdr1") == 0
                                                           ? DDS_XCDR_DATA_REPRESENTATION

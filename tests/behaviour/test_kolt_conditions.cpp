@@ -224,7 +224,9 @@ TEST(KoltConditions, QueryConditionJudgesContent) {
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
     ASSERT_TRUE(is_matched(writer));
-    for (int i = 0; i < 10; ++i) ASSERT_EQ(write(writer, 1, i % 2, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 10; ++i) {
+        ASSERT_EQ(write(writer, 1, i % 2, i), DDS_RETCODE_OK);
+    }
     Strings parameters({"5"});
     DDS_QueryCondition *const query = DDS_DataReader_create_querycondition(
         reader, DDS_ANY_SAMPLE_STATE, DDS_ANY_VIEW_STATE, DDS_ANY_INSTANCE_STATE, "number >= %0",
@@ -239,7 +241,9 @@ TEST(KoltConditions, QueryConditionJudgesContent) {
     DDS_ReturnCode_t code = DDS_RETCODE_OK;
     auto got = access(reader, through, &code);
     ASSERT_EQ(got.size(), 5U);
-    for (const Text &text : got) EXPECT_GE(text.number, 5);
+    for (const Text &text : got) {
+        EXPECT_GE(text.number, 5);
+    }
     EXPECT_FALSE(DDS_Condition_get_trigger_value(condition));
 
     // New parameters judge what is there already, and the waitset keeps watching.

@@ -149,7 +149,9 @@ TEST(KoltListeners, CallbackTakesAndAnswers) {
     node.reader({}, nullptr, &listener, DDS_DATA_AVAILABLE_STATUS);
     DDS_DataWriter *const writer = node.writer();
     ASSERT_TRUE(is_matched(writer));
-    for (int i = 0; i < 200; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
     EXPECT_TRUE(eventually([&] { return calls.data == 200; }));
 }
 
@@ -158,7 +160,9 @@ TEST(KoltListeners, CallbackTakesAndAnswers) {
 void write_on_first_match(void *data, DDS_DataWriter *writer,
                           const DDS_PublicationMatchedStatus *) {
     Calls &calls = of(data);
-    if (calls.matched++ != 0) return;
+    if (calls.matched++ != 0) {
+        return;
+    }
     DDS_WriteParams_t params = DDS_WRITEPARAMS_DEFAULT;
     ASSERT_TRUE(DDS_Cookie_from_pointer(&params.cookie, calls.live));
     params.handle = DDS_DataWriter_register_instance(writer, calls.live);
@@ -233,7 +237,9 @@ TEST(KoltListeners, RemovedListenerIsSilent) {
     ASSERT_TRUE(is_matched(writer));
     std::atomic<bool> stop{false};
     std::thread busy([&] {
-        while (!stop) write(writer, 1, 1, 1);
+        while (!stop) {
+            write(writer, 1, 1, 1);
+        }
     });
     for (int round = 0; round < 50; ++round) {
         auto calls = std::make_unique<Calls>();

@@ -100,7 +100,9 @@ TEST(KoltPeers, ManyThreadsWriteWhileOneTakes) {
     }
     const auto remote = take_at_least(reader, kThreads * kEach);
     const auto here_too = take_at_least(local, kThreads * kEach);
-    for (std::thread &thread : threads) thread.join();
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
     EXPECT_EQ(remote.size(), static_cast<size_t>(kThreads * kEach));
     EXPECT_EQ(here_too.size(), static_cast<size_t>(kThreads * kEach));
     // Of each thread and instance, in order.
@@ -122,12 +124,16 @@ TEST(KoltPeers, SamplesOutliveTheirWriter) {
         DDS_DataReader *const reader = node.reader();
         DDS_DataWriter *const writer = node.writer();
         ASSERT_TRUE(is_matched(reader));
-        for (int i = 0; i < 20; ++i) ASSERT_EQ(write(writer, 1, 1, i, "kept"), DDS_RETCODE_OK);
+        for (int i = 0; i < 20; ++i) {
+            ASSERT_EQ(write(writer, 1, 1, i, "kept"), DDS_RETCODE_OK);
+        }
         ASSERT_EQ(DDS_Publisher_delete_datawriter(node.publisher, writer), DDS_RETCODE_OK);
         size_t valid = 0;
         ASSERT_TRUE(is_matched(reader, 0));
         for (const Text &text : take(reader)) {
-            if (!text.info.valid_data) continue;
+            if (!text.info.valid_data) {
+                continue;
+            }
             EXPECT_EQ(text.text, "kept");
             ++valid;
         }

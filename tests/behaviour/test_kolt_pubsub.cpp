@@ -132,7 +132,9 @@ TEST(KoltPubSub, LateJoinerGetsTheHistory) {
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
         qos.history.depth = 10;
     });
-    for (int i = 0; i < 25; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 25; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
     ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
     Node there(1);
     DDS_DataReader *const reader =
@@ -141,7 +143,9 @@ TEST(KoltPubSub, LateJoinerGetsTheHistory) {
     ASSERT_EQ(got.size(), 11U);
     std::vector<long long> numbers;
     for (const Text &text : got) {
-        if (text.level == 1) numbers.push_back(text.number);
+        if (text.level == 1) {
+            numbers.push_back(text.number);
+        }
     }
     EXPECT_EQ(numbers, (std::vector<long long>{15, 16, 17, 18, 19, 20, 21, 22, 23, 24}));
 }
@@ -154,7 +158,9 @@ TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
         qos.history.depth = 10;
         qos.durability_service.history_depth = 3;
     });
-    for (int i = 0; i < 25; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 25; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
     ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
     Node there(1);
     DDS_DataReader *const reader =

@@ -238,7 +238,9 @@ TEST(KoltQos, KeepLastReaderKeepsTheLast) {
     });
     DDS_DataReader *const all = node.reader();
     ASSERT_TRUE(is_matched(writer, 2));
-    for (int i = 0; i < 10; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 10; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
     ASSERT_EQ(take_at_least(all, 10).size(), 10U);
     const auto got = take(reader);
     ASSERT_EQ(got.size(), 3U);

@@ -14,7 +14,9 @@ TEST(KoltReading, ReadLeavesAndTakeRemoves) {
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
     ASSERT_TRUE(is_matched(writer));
-    for (int i = 0; i < 100; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
     DDS_ReturnCode_t code = DDS_RETCODE_ERROR;
     EXPECT_EQ(access(reader, selection(false), &code).size(), 100U);
     auto again = access(reader, selection(false), &code);
@@ -41,7 +43,9 @@ TEST(KoltReading, InstancesCanBeReadOneByOne) {
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
     ASSERT_TRUE(is_matched(writer));
-    for (int i = 0; i < 12; ++i) ASSERT_EQ(write(writer, 1, i % 3, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 12; ++i) {
+        ASSERT_EQ(write(writer, 1, i % 3, i), DDS_RETCODE_OK);
+    }
 
     std::set<int> levels;
     KOLT_ReadSelection next = selection(false);
@@ -50,9 +54,13 @@ TEST(KoltReading, InstancesCanBeReadOneByOne) {
     DDS_InstanceHandle_t last = DDS_HANDLE_NIL;
     while (true) {
         const auto got = access(reader, next, &code);
-        if (code != DDS_RETCODE_OK) break;
+        if (code != DDS_RETCODE_OK) {
+            break;
+        }
         ASSERT_EQ(got.size(), 4U);
-        for (const Text &text : got) EXPECT_EQ(text.level, got[0].level);
+        for (const Text &text : got) {
+            EXPECT_EQ(text.level, got[0].level);
+        }
         levels.insert(got[0].level);
         last = got[0].info.instance_handle;
         EXPECT_GT(last, next.handle);
@@ -146,7 +154,9 @@ TEST(KoltReading, CopiesIntoTheCallersRecords) {
     DDS_DataWriter *const writer = node.writer();
     DDS_DataReader *const reader = node.reader();
     ASSERT_TRUE(is_matched(writer));
-    for (int i = 0; i < 3; ++i) ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
     Message records[2] = {};
     const DDS_TypeAllocationParams_t allocation = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
     for (Message &record : records) {

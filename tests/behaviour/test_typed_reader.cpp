@@ -70,7 +70,9 @@ class Written {
 
     // What a form is to bring that was made with last() as its handle and NIL before the next.
     Numbers expected(const std::string &form) const {
-        if (form.find("next_instance") != std::string::npos) return of(first());
+        if (form.find("next_instance") != std::string::npos) {
+            return of(first());
+        }
         return form.find("instance") != std::string::npos ? of(last()) : all();
     }
 
@@ -95,7 +97,9 @@ void expect_every_form(bool lent) {
         SCOPED_TRACE(form.name);
         written.again();
         Received<T> received(ends.reader);
-        if (!lent) received.allocate(5);
+        if (!lent) {
+            received.allocate(5);
+        }
         ASSERT_EQ(form.call(ends.reader, &received.data, &received.infos, DDS_LENGTH_UNLIMITED),
                   DDS_RETCODE_OK);
         EXPECT_EQ(received.is_owned(), !lent);
@@ -211,7 +215,9 @@ TYPED_TEST(TypedReader, NextSampleIsTheNextThatWasNotRead) {
     EXPECT_EQ(Read::read_next_sample(ends.reader, sample.get(), &info), DDS_RETCODE_NO_DATA);
     EXPECT_EQ(Read::take_next_sample(ends.reader, sample.get(), &info), DDS_RETCODE_NO_DATA);
     EXPECT_EQ(sample.number(), 7) << "untouched";
-    for (DDS_Long number = 1; number <= 4; ++number) ends.write(100, number);
+    for (DDS_Long number = 1; number <= 4; ++number) {
+        ends.write(100, number);
+    }
     ASSERT_EQ(Read::read_next_sample(ends.reader, sample.get(), &info), DDS_RETCODE_OK);
     EXPECT_EQ(sample.number(), 1);
     EXPECT_TRUE(info.valid_data);
@@ -284,10 +290,14 @@ TYPED_TEST(TypedReader, ConditionsSelect) {
     ASSERT_NE(query, nullptr);
     const auto expected = [&](const std::string &form, Numbers selected) {
         // Of the instance that the form is about.
-        if (form.find("instance") == std::string::npos) return selected;
+        if (form.find("instance") == std::string::npos) {
+            return selected;
+        }
         Numbers of =
             written.of(form.find("next") != std::string::npos ? written.first() : written.last());
-        if (std::find(of.begin(), of.end(), 1) != of.end()) of.push_back(4);
+        if (std::find(of.begin(), of.end(), 1) != of.end()) {
+            of.push_back(4);
+        }
         std::erase_if(selected, [&](DDS_Long number) {
             return std::find(of.begin(), of.end(), number) == of.end();
         });
@@ -298,7 +308,9 @@ TYPED_TEST(TypedReader, ConditionsSelect) {
           std::pair{unread, Numbers{4}}}) {
         for (const ReadForm<TypeParam> &form :
              read_forms<TypeParam>(written.last(), DDS_HANDLE_NIL, condition)) {
-            if (!form.by_condition) continue;
+            if (!form.by_condition) {
+                continue;
+            }
             SCOPED_TRACE(form.name);
             written.again();
             ends.write(100, 4);
@@ -334,7 +346,9 @@ TEST(TypedReaderThreads, TakeSideBySide) {
                     ends.reader, &received.data, &received.infos, 7, DDS_ANY_SAMPLE_STATE,
                     DDS_ANY_VIEW_STATE, DDS_ANY_INSTANCE_STATE);
                 if (result == DDS_RETCODE_OK) {
-                    for (const DDS_Long number : received.numbers()) mine.push_back(number);
+                    for (const DDS_Long number : received.numbers()) {
+                        mine.push_back(number);
+                    }
                     total += static_cast<DDS_Long>(received.size());
                     EXPECT_EQ(received.give_back(), DDS_RETCODE_OK);
                 } else {
@@ -345,8 +359,12 @@ TEST(TypedReaderThreads, TakeSideBySide) {
             EXPECT_TRUE(all);
         });
     }
-    for (DDS_Long number = 1; number <= kSamples; ++number) ends.write(100 * (number % 4), number);
-    for (std::thread &thread : threads) thread.join();
+    for (DDS_Long number = 1; number <= kSamples; ++number) {
+        ends.write(100 * (number % 4), number);
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
     Numbers all;
     for (const Numbers &mine : taken) {
         EXPECT_EQ(std::set<DDS_Long>(mine.begin(), mine.end()).size(), mine.size());

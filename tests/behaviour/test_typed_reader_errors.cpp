@@ -28,7 +28,9 @@ struct OneSample {
         handle = received.info(0).instance_handle;
     }
     std::vector<ReadForm<T>> forms() {
-        if (condition == nullptr) condition = any_state(ends.untyped_reader);
+        if (condition == nullptr) {
+            condition = any_state(ends.untyped_reader);
+        }
         return read_forms<T>(handle, DDS_HANDLE_NIL, condition);
     }
 
@@ -71,7 +73,9 @@ TYPED_TEST(TypedReaderErrors, ConditionsAreTheReadersOwn) {
          {static_cast<DDS_ReadCondition *>(nullptr), any_state(others.untyped_reader)}) {
         for (const ReadForm<TypeParam> &form :
              read_forms<TypeParam>(one.handle, DDS_HANDLE_NIL, wrong)) {
-            if (!form.by_condition) continue;
+            if (!form.by_condition) {
+                continue;
+            }
             SCOPED_TRACE(form.name);
             Received<TypeParam> received(one.ends.reader);
             EXPECT_EQ(form.call(one.ends.reader, &received.data, &received.infos, 1),
@@ -103,7 +107,9 @@ TYPED_TEST(TypedReaderErrors, HandlesAreThoseOfInstances) {
     // The walk begins with any handle: what comes after it counts.
     for (const ReadForm<TypeParam> &form :
          read_forms<TypeParam>(one.handle, one.handle - 1, condition)) {
-        if (std::string(form.name).find("read_next") == std::string::npos) continue;
+        if (std::string(form.name).find("read_next") == std::string::npos) {
+            continue;
+        }
         Received<TypeParam> received(one.ends.reader);
         EXPECT_EQ(form.call(one.ends.reader, &received.data, &received.infos, 1), DDS_RETCODE_OK)
             << form.name;
@@ -221,7 +227,9 @@ TYPED_TEST(TypedReaderErrors, ALoanThatDoesNotFitGoesBack) {
     one.ends.write(100, 2);
     LogCapture log;
     for (const ReadForm<TypeParam> &form : one.forms()) {
-        if (form.take) continue;
+        if (form.take) {
+            continue;
+        }
         SCOPED_TRACE(form.name);
         Received<TypeParam> received(one.ends.reader);
         ASSERT_TRUE(Type::Seq::set_absolute_maximum(&received.data, 1));

@@ -147,7 +147,9 @@ void expect_changes(const std::vector<ChangeForm<T>> &forms) {
     for (const ChangeForm<T> &form : forms) {
         for (const bool with_sample : {true, false}) {
             for (const bool with_handle : {true, false}) {
-                if (!with_sample && !with_handle) continue;
+                if (!with_sample && !with_handle) {
+                    continue;
+                }
                 SCOPED_TRACE(std::string(form.name) + (with_sample ? " sample" : "") +
                              (with_handle ? " handle" : ""));
                 Sample<T> sample(++key, 5);
@@ -167,7 +169,9 @@ void expect_changes(const std::vector<ChangeForm<T>> &forms) {
                     << "unregistering disposes by default";
                 EXPECT_EQ(Type::key(received.at(0)), key) << "of the sample the key is there";
                 EXPECT_EQ(Type::number(received.at(0)), 0) << "and nothing more";
-                if (form.stamped) expect_stamp(received.info(0), kStamp);
+                if (form.stamped) {
+                    expect_stamp(received.info(0), kStamp);
+                }
             }
         }
     }

@@ -20,7 +20,9 @@ int g_endpoints_deleted = 0;
 
 bool blows(const char *function) {
     const auto fuse = g_fuses.find(function);
-    if (fuse == g_fuses.end()) return false;
+    if (fuse == g_fuses.end()) {
+        return false;
+    }
     return fuse->second-- == 0;
 }
 
@@ -129,7 +131,9 @@ class Attachment {
   public:
     Attachment() : plugin_(TopicType<T>::new_plugin()) {}
     ~Attachment() {
-        if (participant != nullptr) plugin_->on_participant_detached(participant);
+        if (participant != nullptr) {
+            plugin_->on_participant_detached(participant);
+        }
         TopicType<T>::delete_plugin(plugin_);
     }
     Attachment(const Attachment &) = delete;
@@ -145,7 +149,9 @@ class Attachment {
         const KOLT_TypePluginEndpointInfo info = {kind, DDS_XCDR_DATA_REPRESENTATION, 0};
         KOLT_TypePluginEndpointData *const data =
             plugin_->on_endpoint_attached(participant, &info, 1, nullptr);
-        if (data != nullptr) plugin_->on_endpoint_detached(data);
+        if (data != nullptr) {
+            plugin_->on_endpoint_detached(data);
+        }
         return data != nullptr;
     }
 

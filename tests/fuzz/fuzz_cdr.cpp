@@ -25,7 +25,9 @@ using namespace support;  // NOLINT
 // Programs that stay: otherwise every input would compile its type again.
 void keep_programs() {
     static const bool kept = [] {
-        for (const DDS_TypeCode *type : fixed_types()) KOLT_TypePrograms_acquire(type);
+        for (const DDS_TypeCode *type : fixed_types()) {
+            KOLT_TypePrograms_acquire(type);
+        }
         return true;
     }();
     static_cast<void>(kept);
@@ -36,14 +38,18 @@ void check_edited(const DDS_TypeCode *type, std::vector<uint8_t> bytes, Decision
     for (int edits = 0; edits < 4 && !decisions.empty(); ++edits) {
         const size_t at = decisions.Word() % bytes.size();
         bytes[at] = decisions.Byte();
-        if (decisions.OneIn(8)) bytes.resize(at + 1);
+        if (decisions.OneIn(8)) {
+            bytes.resize(at + 1);
+        }
     }
     check_sample(type, bytes.data(), bytes.size());
     check_key(type, bytes.data(), bytes.size());
 }
 
 void run_made_up(const uint8_t *data, size_t size) {
-    if (size == 0) return;
+    if (size == 0) {
+        return;
+    }
     const size_t description = data[0] < size ? data[0] : size - 1;
     Decisions decisions(data + 1, description);
     const RandomType made(&decisions);
@@ -58,10 +64,14 @@ void run_made_up(const uint8_t *data, size_t size) {
     checked_fill(value, &content);
     for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
         const std::vector<uint8_t> bytes = checked_bytes(value, encapsulation);
-        if (!check_sample(type, bytes.data(), bytes.size())) std::abort();
+        if (!check_sample(type, bytes.data(), bytes.size())) {
+            std::abort();
+        }
         check_edited(type, bytes, Decisions(payload, length));
     }
-    if (made.shorter() != nullptr) check_evolution(type, made.shorter(), value);
+    if (made.shorter() != nullptr) {
+        check_evolution(type, made.shorter(), value);
+    }
     DDS_DynamicData_delete(value);
     KOLT_TypePrograms_release(programs);
 }
@@ -69,7 +79,9 @@ void run_made_up(const uint8_t *data, size_t size) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    if (size == 0) return 0;
+    if (size == 0) {
+        return 0;
+    }
     keep_programs();
     const uint8_t selection = data[0] % kTypeSelections;
     const std::vector<const DDS_TypeCode *> &types = fixed_types();

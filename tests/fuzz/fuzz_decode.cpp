@@ -35,12 +35,18 @@ class Subject {
 
     // What is accepted is written in its own encapsulation, and reads and writes the same again.
     void Check(const uint8_t *bytes, size_t size) {
-        if (!KOLT_Cdr_deserialize(programs_, bytes, size, first_)) return;
+        if (!KOLT_Cdr_deserialize(programs_, bytes, size, first_)) {
+            return;
+        }
         const auto encapsulation = static_cast<DDS_UnsignedShort>(bytes[0] << 8 | bytes[1]);
         Write(first_, encapsulation, &once_);
-        if (!KOLT_Cdr_deserialize(programs_, once_.data(), once_.size(), second_)) std::abort();
+        if (!KOLT_Cdr_deserialize(programs_, once_.data(), once_.size(), second_)) {
+            std::abort();
+        }
         Write(second_, encapsulation, &twice_);
-        if (once_ != twice_) std::abort();
+        if (once_ != twice_) {
+            std::abort();
+        }
     }
 
     void CheckKey(const uint8_t *bytes, size_t size) {
@@ -51,7 +57,9 @@ class Subject {
     static void *MakeRecord(const DDS_TypeCode *type) {
         void *const record = std::calloc(1, type->access->record_size);
         const DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
-        if (!KOLT_Record_initialize_w_params(type, record, &params)) std::abort();
+        if (!KOLT_Record_initialize_w_params(type, record, &params)) {
+            std::abort();
+        }
         return record;
     }
 
@@ -81,7 +89,9 @@ std::deque<Subject> &subjects() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    if (size == 0) return 0;
+    if (size == 0) {
+        return 0;
+    }
     std::deque<Subject> &all = subjects();
     Subject &subject = all[data[0] % kTypeSelections % all.size()];
     subject.Check(data + 1, size - 1);

@@ -33,7 +33,9 @@ class Random {
     DDS_LongLong wide() {
         constexpr DDS_LongLong kEnds[] = {INT64_MIN, INT64_MAX, 0, -1};
         const unsigned kind = below(16);
-        if (kind < 4) return kEnds[kind];
+        if (kind < 4) {
+            return kEnds[kind];
+        }
         return static_cast<DDS_LongLong>(std::uint64_t{generator_()} << 32 | generator_());
     }
     template <typename Enum>

@@ -153,7 +153,9 @@ void show_enumeration(const std::string &id, const DDS_XTypes_CompleteEnumerated
 
 void show_type(Tool &tool, const DDS_XTypes_TypeIdentifier &id) {
     const std::string name = hash_name(id);
-    if (!tool.seen_types.insert(name).second) return;
+    if (!tool.seen_types.insert(name).second) {
+        return;
+    }
     dds_typeobj_t *object = nullptr;
     // A dds_typeid_t is the identifier and nothing else.
     if (dds_get_typeobj(tool.participant, reinterpret_cast<const dds_typeid_t *>(&id),
@@ -263,7 +265,9 @@ int main(int argc, char **argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     Tool tool;
     tool.prefix = argv[2];
-    if (argc == 4) tool.sample_topic = argv[3];
+    if (argc == 4) {
+        tool.sample_topic = argv[3];
+    }
     tool.participant = checked(
         dds_create_participant(static_cast<dds_domainid_t>(std::strtoul(argv[1], nullptr, 10)),
                                nullptr, nullptr),
@@ -281,7 +285,9 @@ int main(int argc, char **argv) {
         checked(dds_waitset_wait(waitset, nullptr, 0, DDS_MSECS(20)), "wait");
         show_endpoints(tool, writers, "writer");
         show_endpoints(tool, readers, "reader");
-        if (tool.reader != 0) show_samples(tool);
+        if (tool.reader != 0) {
+            show_samples(tool);
+        }
     }
     return checked(dds_delete(tool.participant), "delete");
 }

@@ -35,7 +35,9 @@ std::string announced_name(const std::string &name) {
     for (const auto &[from, to] :
          {std::pair<std::string, std::string>{"VUR::DL::ADMIN::", "com::vur::dl::admin::"},
           {"VUR::DL::", "com::vur::dl::"}}) {
-        if (name.starts_with(from)) return to + name.substr(from.size());
+        if (name.starts_with(from)) {
+            return to + name.substr(from.size());
+        }
     }
     return name;
 }
@@ -46,9 +48,15 @@ class Findings {
     explicit Findings(const std::vector<std::string> &lines) {
         for (const std::string &line : lines) {
             const Fields fields = interop::split(line);
-            if (fields[0] == "type") types_[fields.at(1)] = fields;
-            if (fields[0] == "missing") ++missing_;
-            if (fields[0] == "minimal") ++minimal_;
+            if (fields[0] == "type") {
+                types_[fields.at(1)] = fields;
+            }
+            if (fields[0] == "missing") {
+                ++missing_;
+            }
+            if (fields[0] == "minimal") {
+                ++minimal_;
+            }
             if (fields[0] == "member" || fields[0] == "enumerator" || fields[0] == "case") {
                 parts_[fields.at(1)].push_back(fields);
             }
@@ -61,7 +69,9 @@ class Findings {
 
     // The type with the identifier, and all that it consists of, is the type code's.
     void expect_type(const std::string &id, const DDS_TypeCode &code) {
-        if (!expected_.insert(id).second) return;
+        if (!expected_.insert(id).second) {
+            return;
+        }
         ASSERT_EQ(types_.count(id), 1U) << code.name;
         const Fields &type = types_[id];
         EXPECT_EQ(type.at(2), announced_name(code.name));
@@ -96,10 +106,18 @@ class Findings {
     void expect_member(const std::string &id, const DDS_TypeCode &code,
                        const DDS_TypeCodeMember &member) {
         unsigned flags = kDiscard;
-        if (member.is_optional) flags |= kOptional;
-        if (member.is_key) flags |= kKey;
-        if (member.is_key || member.is_must_understand) flags |= kMustUnderstand;
-        if (member.is_default_label) flags |= kDefault;
+        if (member.is_optional) {
+            flags |= kOptional;
+        }
+        if (member.is_key) {
+            flags |= kKey;
+        }
+        if (member.is_key || member.is_must_understand) {
+            flags |= kMustUnderstand;
+        }
+        if (member.is_default_label) {
+            flags |= kDefault;
+        }
         char text[16];
         std::snprintf(text, sizeof(text), "%x", flags);
         const Fields fields = next(id);
@@ -107,7 +125,9 @@ class Findings {
         EXPECT_EQ(Fields(fields.begin(), fields.end() - 1),
                   (Fields{"member", id, std::to_string(member.id), member.name, text}));
         expect_type_of(*member.type, fields.back());
-        if (code.kind != DDS_TK_UNION) return;
+        if (code.kind != DDS_TK_UNION) {
+            return;
+        }
         for (DDS_UnsignedLong i = 0; i < member.label_count; ++i) {
             EXPECT_EQ(next(id), (Fields{"case", id, std::to_string(member.id),
                                         std::to_string(member.labels[i])}));
@@ -128,7 +148,9 @@ class Findings {
                 break;
             case DDS_TK_SEQUENCE: {
                 const std::string end = "," + bound + ">";
-                if (code.bound > 255) break;  // the tool spells small ones only
+                if (code.bound > 255) {
+                    break;  // the tool spells small ones only
+                }
                 ASSERT_TRUE(text.starts_with("sequence<") && text.ends_with(end)) << text;
                 expect_type_of(*code.content_type, text.substr(9, text.size() - 9 - end.size()));
                 break;
@@ -170,7 +192,9 @@ std::unique_ptr<ChildProcess> start_tool(int domain, const std::string &prefix,
                                          const std::string &sample_topic = "") {
     std::vector<std::string> command = {support::helper_path("peer_types"), std::to_string(domain),
                                         prefix};
-    if (!sample_topic.empty()) command.push_back(sample_topic);
+    if (!sample_topic.empty()) {
+        command.push_back(sample_topic);
+    }
     return std::make_unique<ChildProcess>(command);
 }
 
@@ -179,7 +203,9 @@ std::map<std::string, Fields> read_endpoints(ChildProcess &tool, size_t count) {
     std::map<std::string, Fields> endpoints;
     while (endpoints.size() < count) {
         const Fields line = interop::read_until(tool, "endpoint");
-        if (line.size() != 5) break;
+        if (line.size() != 5) {
+            break;
+        }
         endpoints[line[1] + " " + line[2]] = Fields(line.begin() + 3, line.end());
     }
     return endpoints;
@@ -288,7 +314,9 @@ TEST_F(LookedUp, EveryKindOfTypeIsFound) {
         {prefix + "top", kinds_.top()},
         {prefix + "deep", kinds_.deep()},
         {prefix + "arrays", kinds_.arrays()}};
-    for (const auto &[topic, code] : codes) announce(code, topic);
+    for (const auto &[topic, code] : codes) {
+        announce(code, topic);
+    }
     const auto tool = start_tool(kDomain, prefix);
     const std::map<std::string, Fields> endpoints = read_endpoints(*tool, codes.size());
     interop::dismiss(*tool);

@@ -28,16 +28,22 @@ const char *rule_of(const ByteLines &lines, bool big, size_t position) {
     size_t end = 0;
     for (const ByteLine &line : lines) {
         end += bytes_of(line, big).size();
-        if (position < end) return line.why;
+        if (position < end) {
+            return line.why;
+        }
     }
     return "the end";
 }
 
 void expect_written(const Bytes &written, const ByteLines &lines, bool big) {
     const Bytes expected = bytes_of(lines, big);
-    if (written == expected) return;
+    if (written == expected) {
+        return;
+    }
     size_t at = 0;
-    while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
+    while (at < written.size() && at < expected.size() && written[at] == expected[at]) {
+        ++at;
+    }
     ADD_FAILURE() << "byte " << at << " breaks: " << rule_of(lines, big, at) << "\nwritten  "
                   << to_hex(written) << "\nexpected " << to_hex(expected);
 }
@@ -77,7 +83,9 @@ void expect_lines(const DDS_TypeCode *type, const void *record,
 
 ByteLines joined(std::initializer_list<ByteLines> parts) {
     ByteLines all;
-    for (const ByteLines &part : parts) all.insert(all.end(), part.begin(), part.end());
+    for (const ByteLines &part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
     return all;
 }
 

@@ -17,7 +17,9 @@ constexpr unsigned kMaximumFields = 64;
 constexpr size_t kMaximumKey = 4096;
 
 void require(bool condition, const char *what, int line) {
-    if (condition) return;
+    if (condition) {
+        return;
+    }
     std::fprintf(stderr, "cdr_checks.cpp:%d: %s\n", line, what);
     std::abort();
 }
@@ -92,7 +94,9 @@ class FieldWalk {
     virtual DDS_UnsignedLong SequenceLength(const DDS_TypeCode &type) = 0;
 
     void Walk(const DDS_TypeCode &type) {
-        if (fields_ == kMaximumFields) return;
+        if (fields_ == kMaximumFields) {
+            return;
+        }
         switch (type.kind) {
             case DDS_TK_STRUCT:
             case DDS_TK_UNION:
@@ -133,15 +137,21 @@ class FieldWalk {
         const DDS_UnsignedLong branch = type.kind == DDS_TK_UNION ? Branch(type) : kAllBranches;
         for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
             const DDS_TypeCodeMember &member = type.members[i];
-            if (branch != kAllBranches && branch != i) continue;
-            if (member.is_optional && !EnterOptional()) continue;
+            if (branch != kAllBranches && branch != i) {
+                continue;
+            }
+            if (member.is_optional && !EnterOptional()) {
+                continue;
+            }
             Into(*member.type, (name_.empty() ? "" : ".") + std::string(member.name), {0, i});
         }
     }
 
     void WalkArray(const DDS_TypeCode &type) {
         DDS_UnsignedLong count = 1;
-        for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) count *= type.dimensions[i];
+        for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
+            count *= type.dimensions[i];
+        }
         for (DDS_UnsignedLong flat = 0; flat < count; ++flat) {
             std::string indexes;
             DDS_UnsignedLong rest = flat;
@@ -248,7 +258,9 @@ class SearchMalformed : FieldWalk {
         if (!KOLT_Cdr_find_field(programs_, bytes_, size_, path_.data(), path_.size(), &found)) {
             return;
         }
-        if (found.kind != DDS_TK_STRING) return;
+        if (found.kind != DDS_TK_STRING) {
+            return;
+        }
         std::string copy(found.value.string.characters, found.value.string.length);
         REQUIRE(copy.size() == found.value.string.length);
     }
@@ -269,7 +281,9 @@ class FillFields : FieldWalk {
   private:
     DDS_UnsignedLong Branch(const DDS_TypeCode &type) override {
         const DDS_UnsignedLong branch = decisions_.Below(type.member_count + 1);
-        if (branch == type.member_count) SelectNothing(type);
+        if (branch == type.member_count) {
+            SelectNothing(type);
+        }
         return branch;
     }
 
@@ -405,13 +419,19 @@ struct KeyShape {
 
 void add_shape(const DDS_TypeCode &type, KeyShape *shape) {
     const bool structured = type.kind == DDS_TK_STRUCT || type.kind == DDS_TK_UNION;
-    if (structured && type.extensibility != DDS_FINAL_EXTENSIBILITY) shape->is_framed = true;
+    if (structured && type.extensibility != DDS_FINAL_EXTENSIBILITY) {
+        shape->is_framed = true;
+    }
     if (type.kind == DDS_TK_STRING || type.kind == DDS_TK_SEQUENCE || type.kind == DDS_TK_UNION) {
         shape->varies = true;
     }
-    if (type.content_type != nullptr) add_shape(*type.content_type, shape);
+    if (type.content_type != nullptr) {
+        add_shape(*type.content_type, shape);
+    }
     for (DDS_UnsignedLong i = 0; structured && i < type.member_count; ++i) {
-        if (type.members[i].is_optional) shape->varies = true;
+        if (type.members[i].is_optional) {
+            shape->varies = true;
+        }
         add_shape(*type.members[i].type, shape);
     }
 }
@@ -422,7 +442,9 @@ bool may_be_taken_for_framed(const DDS_TypeCode &type, DDS_UnsignedShort encapsu
     KeyShape shape;
     shape.is_framed = type.extensibility != DDS_FINAL_EXTENSIBILITY;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (type.members[i].is_key) add_shape(*type.members[i].type, &shape);
+        if (type.members[i].is_key) {
+            add_shape(*type.members[i].type, &shape);
+        }
     }
     return encapsulation >= KOLT_ENCAPSULATION_CDR2_BE && shape.is_framed && shape.varies;
 }
@@ -456,7 +478,9 @@ void check_keys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t 
         REQUIRE(KOLT_Cdr_serialize_key(programs, encapsulation, record, payload.data(), key_size,
                                        &written));
         REQUIRE(written == key_size);
-        if (may_be_taken_for_framed(*type, encapsulation)) continue;
+        if (may_be_taken_for_framed(*type, encapsulation)) {
+            continue;
+        }
         same(payload.data(), key_size, DDS_BOOLEAN_TRUE);
     }
 }
@@ -519,7 +543,9 @@ std::vector<DDS_UnsignedShort> encapsulations_of(const DDS_TypeCode *type) {
          {DDS_XCDR_DATA_REPRESENTATION, DDS_XCDR2_DATA_REPRESENTATION}) {
         const DDS_UnsignedShort native =
             DDS_TypeCode_get_native_encapsulation(type, representation);
-        if (native == KOLT_ENCAPSULATION_INVALID) continue;
+        if (native == KOLT_ENCAPSULATION_INVALID) {
+            continue;
+        }
         all.push_back(native);
         all.push_back(native ^ 1U);
     }
@@ -574,7 +600,9 @@ bool check_key(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
         size_t written = 0;
         REQUIRE(KOLT_Cdr_serialize_key(programs, encapsulation, record.get(), payload.data(),
                                        key_size, &written));
-        if (may_be_taken_for_framed(*type, encapsulation)) continue;
+        if (may_be_taken_for_framed(*type, encapsulation)) {
+            continue;
+        }
         length = key.size();
         REQUIRE(KOLT_Cdr_key_of_serialized(programs, payload.data(), written, DDS_BOOLEAN_TRUE,
                                            key.data(), &length));
@@ -602,7 +630,9 @@ std::vector<uint8_t> checked_bytes(const DDS_DynamicData *data, DDS_UnsignedShor
     REQUIRE(DDS_DynamicData_to_cdr_buffer_ex(data, reinterpret_cast<DDS_Char *>(bytes.data()),
                                              &length, representation) == DDS_RETCODE_OK);
     REQUIRE(length == bytes.size());
-    if (encapsulation == DDS_TypeCode_get_native_encapsulation(type, representation)) return bytes;
+    if (encapsulation == DDS_TypeCode_get_native_encapsulation(type, representation)) {
+        return bytes;
+    }
     // The other byte order is the codec's alone.
     const ProgramsOf programs(type);
     AnyRecord record(type);
@@ -627,11 +657,15 @@ void check_evolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
         REQUIRE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), full.get()));
         const bool read =
             KOLT_Cdr_deserialize(shorter_programs, bytes.data(), bytes.size(), record.get()) != 0;
-        if (type->extensibility == DDS_FINAL_EXTENSIBILITY) continue;
+        if (type->extensibility == DDS_FINAL_EXTENSIBILITY) {
+            continue;
+        }
         const bool refused = type->extensibility == DDS_MUTABLE_EXTENSIBILITY && must_understand &&
                              DDS_DynamicData_member_exists(data, last.name, DDS_MEMBER_ID_INVALID);
         REQUIRE(read == !refused);
-        if (!read) continue;
+        if (!read) {
+            continue;
+        }
         REQUIRE(KOLT_Record_equals(shorter, full.get(), record.get()));
         // And back.
         const DDS_UnsignedLong size =

@@ -26,7 +26,9 @@ class LogCapture {
     // Whether `text` was logged since the last call. Begins anew.
     testing::AssertionResult saw(const std::string &text) {
         const std::string logged = take();
-        if (logged.find(text) != std::string::npos) return testing::AssertionSuccess();
+        if (logged.find(text) != std::string::npos) {
+            return testing::AssertionSuccess();
+        }
         return testing::AssertionFailure() << "\"" << text << "\" is not in \"" << logged << "\"";
     }
 

@@ -24,7 +24,9 @@ struct Maker {
         return nullptr;
     }
     static void destroy(void *record) {
-        if (record == nullptr) return;
+        if (record == nullptr) {
+            return;
+        }
         const DDS_TypeDeallocationParams_t params = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
         KOLT_Record_finalize_w_params(kType(), record, &params);
         std::free(record);
@@ -35,7 +37,9 @@ KOLT_TypePluginParticipantData *attach_participant(void *,
                                                    const KOLT_TypePluginParticipantInfo *info,
                                                    DDS_Boolean, void *, const DDS_TypeCode *type) {
     KOLT_TypePluginParticipantData *const data = KOLT_TypePlugin_ParticipantData_new(info);
-    if (data == nullptr) return nullptr;
+    if (data == nullptr) {
+        return nullptr;
+    }
     KOLT_TypePlugin_ParticipantData_set_programs(data, KOLT_TypePrograms_acquire(type));
     return data;
 }
@@ -62,7 +66,9 @@ KOLT_TypePluginEndpointData *attach_endpoint(KOLT_TypePluginParticipantData *par
                                              void *) {
     KOLT_TypePluginEndpointData *const data = KOLT_TypePlugin_EndpointData_new(
         participant, info, Make::create, Make::destroy, Make::create, Make::destroy);
-    if (data == nullptr) return nullptr;
+    if (data == nullptr) {
+        return nullptr;
+    }
     if (info->kind == KOLT_TYPE_PLUGIN_WRITER &&
         !KOLT_TypePlugin_EndpointData_create_writer_pool(
             data, max_size, KOLT_TypePlugin_get_serialized_sample_size)) {
@@ -186,7 +192,9 @@ DDS_DataWriter *Node::writer(const std::function<void(DDS_DataWriterQos &)> &adj
     qos->reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
     qos->history.kind = DDS_KEEP_ALL_HISTORY_QOS;
     qos->reliability.max_blocking_time = {10, 0};
-    if (adjust) adjust(*qos);
+    if (adjust) {
+        adjust(*qos);
+    }
     return DDS_Publisher_create_datawriter(publisher, of != nullptr ? of : topic, qos.get(),
                                            listener, mask);
 }
@@ -197,7 +205,9 @@ DDS_DataReader *Node::reader(const std::function<void(DDS_DataReaderQos &)> &adj
     ReaderQos qos;
     qos->reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
     qos->history.kind = DDS_KEEP_ALL_HISTORY_QOS;
-    if (adjust) adjust(*qos);
+    if (adjust) {
+        adjust(*qos);
+    }
     return DDS_Subscriber_create_datareader(
         subscriber, description != nullptr ? description : DDS_Topic_as_topicdescription(topic),
         qos.get(), listener, mask);
@@ -235,9 +245,13 @@ std::vector<Text> access(DDS_DataReader *reader, const KOLT_ReadSelection &selec
     const DDS_ReturnCode_t result =
         DDS_DataReader_read_or_take_untypedI(reader, &selection, 0, 0, DDS_BOOLEAN_TRUE, nullptr,
                                              sizeof(Message), &samples, &count, &infos);
-    if (code != nullptr) *code = result;
+    if (code != nullptr) {
+        *code = result;
+    }
     std::vector<Text> texts;
-    if (result != DDS_RETCODE_OK) return texts;
+    if (result != DDS_RETCODE_OK) {
+        return texts;
+    }
     for (DDS_UnsignedLong i = 0; i < count; ++i) {
         const auto &message = *static_cast<const Message *>(samples[i]);
         Text text;
@@ -261,7 +275,9 @@ std::vector<Text> take(DDS_DataReader *reader) {
 std::vector<Text> take_at_least(DDS_DataReader *reader, size_t count) {
     std::vector<Text> all;
     eventually([&] {
-        for (Text &text : take(reader)) all.push_back(std::move(text));
+        for (Text &text : take(reader)) {
+            all.push_back(std::move(text));
+        }
         return all.size() >= count;
     });
     return all;

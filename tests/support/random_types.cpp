@@ -34,7 +34,9 @@ size_t size_of(const DDS_TypeCode &type) {
             return type.access->record_size;
         case DDS_TK_ARRAY: {
             size_t count = 1;
-            for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) count *= type.dimensions[i];
+            for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
+                count *= type.dimensions[i];
+            }
             return count * size_of(*type.content_type);
         }
         default:
@@ -84,14 +86,18 @@ bool is_integral(DDS_TCKind kind) {
 }  // namespace
 
 uint8_t Decisions::Byte() {
-    if (left_ == 0) return 0;
+    if (left_ == 0) {
+        return 0;
+    }
     --left_;
     return *at_++;
 }
 
 uint64_t Decisions::Word() {
     uint64_t word = 0;
-    for (int i = 0; i < 8; ++i) word = word << 8 | Byte();
+    for (int i = 0; i < 8; ++i) {
+        word = word << 8 | Byte();
+    }
     return word;
 }
 
@@ -120,10 +126,16 @@ const DDS_TypeCode *RandomType::Make(int depth) {
     const unsigned choice = decisions_.Below(18);
     const DDS_TypeCode *const small =
         DDS_TypeCodeFactory_get_primitive_tc(static_cast<DDS_TCKind>(DDS_TK_BOOLEAN + choice % 11));
-    if (choice < 11 || budget_ == 0) return small;
+    if (choice < 11 || budget_ == 0) {
+        return small;
+    }
     --budget_;
-    if (choice == 11) return MakeEnum();
-    if (choice == 12 || depth >= kMaximumDepth) return MakeString();
+    if (choice == 11) {
+        return MakeEnum();
+    }
+    if (choice == 12 || depth >= kMaximumDepth) {
+        return MakeString();
+    }
     const DDS_TypeCode *made = nullptr;
     switch (choice) {
         case 13:
@@ -172,7 +184,9 @@ const DDS_TypeCode *RandomType::MakeArray(int depth) {
     DDS_TypeCode type{};
     type.kind = DDS_TK_ARRAY;
     std::vector<DDS_UnsignedLong> dimensions(1 + decisions_.Below(2));
-    for (DDS_UnsignedLong &dimension : dimensions) dimension = 1 + decisions_.Below(3);
+    for (DDS_UnsignedLong &dimension : dimensions) {
+        dimension = 1 + decisions_.Below(3);
+    }
     dimensions_.push_back(std::move(dimensions));
     type.dimensions = dimensions_.back().data();
     type.dimension_count = static_cast<DDS_UnsignedLong>(dimensions_.back().size());
@@ -218,7 +232,9 @@ std::vector<DDS_TypeCodeMember> RandomType::MakeMembers(unsigned count, int dept
         member.is_key = !is_union && flags % 5 == 4;
         member.is_optional = !is_union && !member.is_key && flags % 5 == 3;
         member.is_must_understand = flags >= 200;
-        if (!member.is_optional && flags % 3 == 2) GiveDefault(&member);
+        if (!member.is_optional && flags % 3 == 2) {
+            GiveDefault(&member);
+        }
     }
     if (decisions_.OneIn(4)) {  // ids that fall
         for (size_t i = 0; i < members.size() / 2; ++i) {
@@ -287,7 +303,9 @@ const DDS_TypeCode *RandomType::MakeUnion(int depth) {
     type.default_discriminator = label;
     for (DDS_TypeCodeMember &member : members) {
         std::vector<DDS_Long> labels(is_boolean ? 1 : 1 + decisions_.Below(2));
-        for (DDS_Long &each : labels) each = label++;
+        for (DDS_Long &each : labels) {
+            each = label++;
+        }
         labels_.push_back(std::move(labels));
         member.labels = labels_.back().data();
         member.label_count = static_cast<DDS_UnsignedLong>(labels_.back().size());
@@ -297,7 +315,9 @@ const DDS_TypeCode *RandomType::MakeUnion(int depth) {
 }
 
 void RandomType::MakeShorter() {
-    if (type_->kind != DDS_TK_STRUCT || type_->member_count < 2) return;
+    if (type_->kind != DDS_TK_STRUCT || type_->member_count < 2) {
+        return;
+    }
     DDS_TypeCode shorter = *type_;
     DDS_SampleAccessInfo access = *type_->access;
     --shorter.member_count;

@@ -479,7 +479,9 @@ std::string to_hex(const Bytes &bytes) {
     for (size_t i = 0; i < bytes.size(); ++i) {
         char digits[4];
         std::snprintf(digits, sizeof(digits), "%02x", bytes[i]);
-        if (i > 0 && i % 4 == 0) text += ' ';
+        if (i > 0 && i % 4 == 0) {
+            text += ' ';
+        }
         text += digits;
     }
     return text;
@@ -526,7 +528,9 @@ void fill_everything(Everything *record) {
     record->single = -0.25F;
     record->color = BLUE;
     DDS_String_replace(&record->text, "text");
-    for (int i = 0; i < 6; ++i) record->matrix[i / 3][i % 3] = i + 1;
+    for (int i = 0; i < 6; ++i) {
+        record->matrix[i / 3][i % 3] = i + 1;
+    }
     record->points[0] = {1, -1};
     record->points[1] = {2, -2};
     record->colors[0] = GREEN;

@@ -12,11 +12,17 @@ constexpr size_t kAlignment = alignof(std::max_align_t);
 // The room for a value in a record, aligned for whatever comes next.
 size_t room_for(const DDS_TypeCode &type) {
     size_t size = kAlignment;
-    if (type.kind == DDS_TK_SEQUENCE) size = sizeof(KOLT_Sequence);
-    if (type.access != nullptr) size = type.access->record_size;
+    if (type.kind == DDS_TK_SEQUENCE) {
+        size = sizeof(KOLT_Sequence);
+    }
+    if (type.access != nullptr) {
+        size = type.access->record_size;
+    }
     if (type.kind == DDS_TK_ARRAY) {
         size = room_for(*type.content_type);
-        for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) size *= type.dimensions[i];
+        for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
+            size *= type.dimensions[i];
+        }
     }
     return (size + kAlignment - 1) / kAlignment * kAlignment;
 }

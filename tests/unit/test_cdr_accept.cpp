@@ -62,7 +62,9 @@ const std::array<std::string, 5> kMembers2 = {
 
 std::string all(const std::array<std::string, 5> &members) {
     std::string text;
-    for (const std::string &member : members) text += member;
+    for (const std::string &member : members) {
+        text += member;
+    }
     return text;
 }
 std::string with(std::array<std::string, 5> members, size_t place, const std::string &form) {
@@ -281,7 +283,9 @@ TEST(AcceptCommand, Xcdr2InARequest) {
 TEST(AcceptState, Xcdr2ArrayWithLengthCodes4And5) {
     const DDS_TypeCode *const type = VUR_DL_ADMIN_State_get_typecode();
     std::string elements;
-    for (int i = 0; i < 5; ++i) elements += "08000000 0" + std::to_string(i) + "000000 03000000";
+    for (int i = 0; i < 5; ++i) {
+        elements += "08000000 0" + std::to_string(i) + "000000 03000000";
+    }
     for (const char *header : {"05000050 3c000000", "05000040 40000000 3c000000"}) {
         Record<VUR_DL_ADMIN_State> state(type);
         ASSERT_TRUE(read(type, list2(std::string(header) + elements), state.get())) << header;
@@ -391,7 +395,9 @@ TEST_F(AcceptCollections, Xcdr1IsThePlainForm) {
 TEST(AcceptUnknown, EnumeratorsArriveAsTheyCame) {
     const DDS_TypeCode *const type = VUR_DL_ADMIN_State_get_typecode();
     std::string elements;
-    for (int i = 0; i < 5; ++i) elements += "63000000 ffffffff";
+    for (int i = 0; i < 5; ++i) {
+        elements += "63000000 ffffffff";
+    }
     Record<VUR_DL_ADMIN_State> state(type);
     ASSERT_TRUE(read(type, list1("0200 0400 09000000 0500 2800" + elements + "0600 0400 07000000"),
                      state.get()));

@@ -186,7 +186,9 @@ TEST(Programs, ManyThreads) {
             }
         });
     }
-    for (std::thread &thread : threads) thread.join();
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
 }
 
 }  // namespace

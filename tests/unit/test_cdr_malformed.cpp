@@ -16,7 +16,9 @@ using namespace support;  // NOLINT
 struct Exact {
     explicit Exact(const Bytes &bytes)
         : size(bytes.size()), memory(std::make_unique<uint8_t[]>(bytes.size())) {
-        if (size > 0) std::memcpy(memory.get(), bytes.data(), size);
+        if (size > 0) {
+            std::memcpy(memory.get(), bytes.data(), size);
+        }
     }
     size_t size;
     std::unique_ptr<uint8_t[]> memory;
@@ -140,7 +142,9 @@ TEST(Malformed, RandomBytes) {
     Record<Everything> everything(everything_type());
     for (int i = 0; i < 20000; ++i) {
         Bytes bytes(4 + random() % 96);
-        for (uint8_t &byte : bytes) byte = static_cast<uint8_t>(random() % 4 == 0 ? random() : 0);
+        for (uint8_t &byte : bytes) {
+            byte = static_cast<uint8_t>(random() % 4 == 0 ? random() : 0);
+        }
         bytes[0] = 0;
         bytes[1] = static_cast<uint8_t>(random() % 12);
         reads(mutable_request_type(), bytes, request.get());

@@ -15,7 +15,9 @@ using support::Decisions;
 // Bytes that decide, small ones mostly.
 std::vector<uint8_t> decisions_of(std::mt19937 *random, size_t count) {
     std::vector<uint8_t> bytes(count);
-    for (uint8_t &byte : bytes) byte = static_cast<uint8_t>((*random)());
+    for (uint8_t &byte : bytes) {
+        byte = static_cast<uint8_t>((*random)());
+    }
     return bytes;
 }
 
@@ -44,7 +46,9 @@ TEST_P(RandomTypes, EveryWayToReadThemSaysTheSame) {
                 support::check_key(type, bytes.data(), bytes.size());
             }
         }
-        if (made.shorter() != nullptr) support::check_evolution(type, made.shorter(), value);
+        if (made.shorter() != nullptr) {
+            support::check_evolution(type, made.shorter(), value);
+        }
         DDS_DynamicData_delete(value);
         KOLT_TypePrograms_release(programs);
     }

@@ -58,14 +58,18 @@ void fill(VUR_DL_ADMIN_State *state) {
     state->administrationDomainId = 232;
     state->state = VUR_DL_STATE_SHUTTING_DOWN;
     set_text(state->applicationKind, std::string(256, 'a').c_str());
-    for (auto &pair : state->vurLoggerVerbosities) fill(&pair);
+    for (auto &pair : state->vurLoggerVerbosities) {
+        fill(&pair);
+    }
     state->vurLoggerPrintFormat = VUR_DL_KOLT_CONFIG_LOG_PRINT_FORMAT_MAXIMAL;
 }
 void fill(VUR_DL_ADMIN_Command *command) {
     command->_d = VUR_DL_SET_VUR_LOGGER_LEVEL;
     auto *const sequence = &command->_u.categoryAndVerbosity;
     ASSERT_TRUE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_set_length(sequence, 5));
-    for (int i = 0; i < 5; ++i) fill(&sequence->_contiguous_buffer[i]);
+    for (int i = 0; i < 5; ++i) {
+        fill(&sequence->_contiguous_buffer[i]);
+    }
 }
 void fill(VUR_DL_ADMIN_CommandRequest *request) {
     fill(&request->originatorHostAndAppId);

@@ -101,7 +101,9 @@ TYPED_TEST(DistlogOperations, EveryWayToInitialiseIsTheSame) {
     // Once more, without memory: what is there stays, and is emptied.
     ASSERT_TRUE(TypeParam::kInitializeEx(&second, DDS_BOOLEAN_TRUE, DDS_BOOLEAN_FALSE));
     EXPECT_TRUE(this->equal(first, second));
-    for (auto *record : {&first, &second, &third, &fourth}) TypeParam::kFinalize(record);
+    for (auto *record : {&first, &second, &third, &fourth}) {
+        TypeParam::kFinalize(record);
+    }
 }
 
 TYPED_TEST(DistlogOperations, EveryWayToFinaliseIsRepeatable) {
@@ -171,7 +173,9 @@ TYPED_TEST(DistlogOperations, TablesAreTheSameAtEveryCall) {
             EXPECT_EQ(TypeParam::kPlugin(), TypeParam::kPlugin());
         });
     }
-    for (std::thread &thread : threads) thread.join();
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
     ASSERT_NE(TypeParam::kAccess(), nullptr);
     EXPECT_EQ(TypeParam::kAccess()->language_binding, KOLT_LANGUAGE_BINDING_PLAIN_RECORD);
     EXPECT_EQ(TypeParam::kAccess()->record_size, sizeof(typename TypeParam::Record));

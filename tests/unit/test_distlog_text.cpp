@@ -50,13 +50,17 @@ void fill(VUR_DL_ADMIN_State *state) {
     state->state = VUR_DL_STATE_SHUTTING_DOWN;
     set_text(state->applicationKind, "rig");
     state->filterLevel = 800;
-    for (auto &pair : state->vurLoggerVerbosities) fill(&pair);
+    for (auto &pair : state->vurLoggerVerbosities) {
+        fill(&pair);
+    }
 }
 void fill(VUR_DL_ADMIN_Command *command) {
     command->_d = VUR_DL_SET_VUR_LOGGER_LEVEL;
     auto *const sequence = &command->_u.categoryAndVerbosity;
     ASSERT_TRUE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_set_length(sequence, 2));
-    for (int i = 0; i < 2; ++i) fill(&sequence->_contiguous_buffer[i]);
+    for (int i = 0; i < 2; ++i) {
+        fill(&sequence->_contiguous_buffer[i]);
+    }
 }
 void fill(VUR_DL_ADMIN_CommandRequest *request) {
     fill(&request->targetHostAndAppId);
@@ -142,7 +146,9 @@ TYPED_TEST(DistlogText, EveryFormatWithEveryOption) {
             const std::string begin = kind == DDS_XML_PRINT_FORMAT    ? "<" + root + ">"
                                       : kind == DDS_JSON_PRINT_FORMAT ? "\"" + root + "\":"
                                                                       : "";
-            if (begin.empty()) continue;
+            if (begin.empty()) {
+                continue;
+            }
             EXPECT_EQ(text.find(begin) != std::string::npos, property.include_root_elements != 0)
                 << text;
         }

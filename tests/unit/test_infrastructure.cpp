@@ -19,7 +19,9 @@ TEST(Strings, ReplaceDupFree) {
     EXPECT_EQ(DDS_String_dup(nullptr), nullptr);
     EXPECT_EQ(DDS_String_alloc(SIZE_MAX), nullptr);
     DDS_Char *const buffer = DDS_String_alloc(3);
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(buffer[i], '\0');
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(buffer[i], '\0');
+    }
     DDS_String_free(buffer);
     DDS_String_free(nullptr);
 }

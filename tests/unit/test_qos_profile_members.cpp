@@ -116,10 +116,10 @@ void assign(DDS_Char *&value, DDS_Char *const &source) {
 }
 
 // ROW(policy, member, content, value)
-#define ROW(policy, member, content, ...)                                                    \
-    Row<Qos> {                                                                               \
-#policy, #member, content, member_count<decltype(Qos::policy)>(),                          \
-            [](const Qos &qos) { return same(qos.policy.member, __VA_ARGS__); },                  \
+#define ROW(policy, member, content, ...)                                                \
+    Row<Qos> {                                                                           \
+#policy, #member, content, member_count<decltype(Qos::policy)>(),                      \
+            [](const Qos &qos) { return same(qos.policy.member, __VA_ARGS__); },               \
             [](Qos &qos, const Qos &other) { assign(qos.policy.member, other.policy.member); } \
     }
 

@@ -117,7 +117,9 @@ TEST_F(SequenceTest, SetLengthGrowsExactly) {
 TEST_F(SequenceTest, ShrinkingTheMaximumKeepsTheFirst) {
     NamedSeq seq{};
     ASSERT_TRUE(NamedSeq_set_length(&seq, 4));
-    for (DDS_Long i = 0; i < 4; ++i) NamedSeq_get_reference(&seq, i)->number = i;
+    for (DDS_Long i = 0; i < 4; ++i) {
+        NamedSeq_get_reference(&seq, i)->number = i;
+    }
     DDS_String_replace(&NamedSeq_get_reference(&seq, 1)->name, "second");
     EXPECT_TRUE(NamedSeq_set_maximum(&seq, 2));
     EXPECT_EQ(NamedSeq_get_length(&seq), 2U);

@@ -95,7 +95,9 @@ std::vector<std::pair<Bytes, uint32_t>> read_ids(Input &input, uint32_t member) 
     const uint32_t count = input.number();
     EXPECT_GT(input.number(), 0U);  // of the sequence
     EXPECT_EQ(input.number(), count);
-    for (uint32_t i = 0; i < count; ++i) ids.push_back(read_id_with_size(input));
+    for (uint32_t i = 0; i < count; ++i) {
+        ids.push_back(read_id_with_size(input));
+    }
     return ids;
 }
 
@@ -113,7 +115,9 @@ Description describe(const DDS_TypeCode *type, const char *name) {
     const Bytes mapping_bytes = bytes_of(mapping);
     DDS_OctetSeq_finalize(&information);
     DDS_OctetSeq_finalize(&mapping);
-    if (result.code != DDS_RETCODE_OK) return result;
+    if (result.code != DDS_RETCODE_OK) {
+        return result;
+    }
 
     Input objects(mapping_bytes);
     result.minimal = read_objects(objects);
@@ -143,7 +147,9 @@ std::string member_identifier(const DDS_TypeCode *type) {
     const Description description =
         describe(book.structure("Holder", DDS_FINAL_EXTENSIBILITY, {{"m", 0, type}}));
     EXPECT_EQ(description.code, DDS_RETCODE_OK);
-    if (description.minimal.empty()) return {};
+    if (description.minimal.empty()) {
+        return {};
+    }
     // Kinds 2, flags 2, DHEADER 4, base type 1 and 3, DHEADER 4, count 4, DHEADER 4, id 4, flags 2.
     const Bytes &object = description.minimal[0].object;
     // The name hash is last.

@@ -18,7 +18,9 @@ std::atomic<int> g_live{0};
 std::atomic<int> g_fail_after{-1};
 
 void *create_message() {
-    if (g_fail_after >= 0 && g_fail_after-- == 0) return nullptr;
+    if (g_fail_after >= 0 && g_fail_after-- == 0) {
+        return nullptr;
+    }
     auto *const message = static_cast<Message *>(std::calloc(1, sizeof(Message)));
     const DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
     KOLT_Record_initialize_w_params(message_type(), message, &params);
@@ -117,9 +119,13 @@ TEST_F(TypePlugin, SamplesThatCantBeMade) {
 
 TEST_F(TypePlugin, ThePoolKeepsOnlySoMany) {
     std::vector<void *> samples;
-    for (int i = 0; i < 100; ++i) samples.push_back(KOLT_TypePlugin_get_sample(endpoint_, nullptr));
+    for (int i = 0; i < 100; ++i) {
+        samples.push_back(KOLT_TypePlugin_get_sample(endpoint_, nullptr));
+    }
     EXPECT_EQ(g_live, 100);
-    for (void *const sample : samples) KOLT_TypePlugin_return_sample(endpoint_, sample, nullptr);
+    for (void *const sample : samples) {
+        KOLT_TypePlugin_return_sample(endpoint_, sample, nullptr);
+    }
     EXPECT_LE(g_live, 40);
     EXPECT_GT(g_live, 0);
 }
@@ -352,7 +358,9 @@ TEST_F(TypePlugin, PoolsFromManyThreads) {
             }
         });
     }
-    for (std::thread &thread : threads) thread.join();
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
 }
 
 }  // namespace

@@ -171,7 +171,9 @@ TEST_F(WireFormat, ThePageShowsWhatIsWritten) {
     expect_sample("CommandRequest", VUR_DL_ADMIN_CommandRequest_get_typecode(), request_.get());
     expect_sample("CommandResponse", VUR_DL_ADMIN_CommandResponse_get_typecode(), response_.get());
     expect_keys();
-    for (const auto &[name, bytes] : page_.blocks) ADD_FAILURE() << "nothing checks " << name;
+    for (const auto &[name, bytes] : page_.blocks) {
+        ADD_FAILURE() << "nothing checks " << name;
+    }
 }
 
 }  // namespace

@@ -97,7 +97,9 @@ const char *DDS_QueryCondition_get_query_expression(DDS_QueryCondition *self) {
 
 DDS_ReturnCode_t DDS_QueryCondition_get_query_parameters(DDS_QueryCondition *self,
                                                          DDS_StringSeq *parameters) {
-    if (parameters == nullptr) return bad_parameter(__func__, "parameters");
+    if (parameters == nullptr) {
+        return bad_parameter(__func__, "parameters");
+    }
     return with<QueryCondition>(self, __func__, [&](QueryCondition &condition) {
         return condition.filter().get_parameters(parameters);
     });
@@ -105,7 +107,9 @@ DDS_ReturnCode_t DDS_QueryCondition_get_query_parameters(DDS_QueryCondition *sel
 
 DDS_ReturnCode_t DDS_QueryCondition_set_query_parameters(DDS_QueryCondition *self,
                                                          const DDS_StringSeq *parameters) {
-    if (parameters == nullptr) return bad_parameter(__func__, "parameters");
+    if (parameters == nullptr) {
+        return bad_parameter(__func__, "parameters");
+    }
     return with<QueryCondition>(self, __func__, [&, method = __func__](QueryCondition &condition) {
         return condition.set_parameters(*parameters, method);
     });
@@ -128,13 +132,17 @@ DDS_ReturnCode_t DDS_WaitSet_delete(DDS_WaitSet *self) {
 }
 
 DDS_ReturnCode_t DDS_WaitSet_attach_condition(DDS_WaitSet *self, DDS_Condition *condition) {
-    if (condition == nullptr) return bad_parameter(__func__, "condition");
+    if (condition == nullptr) {
+        return bad_parameter(__func__, "condition");
+    }
     return with<WaitSet>(self, __func__,
                          [&](WaitSet &waitset) { return waitset.attach(*condition->_impl); });
 }
 
 DDS_ReturnCode_t DDS_WaitSet_detach_condition(DDS_WaitSet *self, DDS_Condition *condition) {
-    if (condition == nullptr) return bad_parameter(__func__, "condition");
+    if (condition == nullptr) {
+        return bad_parameter(__func__, "condition");
+    }
     return with<WaitSet>(self, __func__, [&, method = __func__](WaitSet &waitset) {
         const DDS_ReturnCode_t result = waitset.detach(*condition->_impl);
         return result == DDS_RETCODE_OK ? result
@@ -143,15 +151,21 @@ DDS_ReturnCode_t DDS_WaitSet_detach_condition(DDS_WaitSet *self, DDS_Condition *
 }
 
 DDS_ReturnCode_t DDS_WaitSet_get_conditions(DDS_WaitSet *self, DDS_ConditionSeq *conditions) {
-    if (conditions == nullptr) return bad_parameter(__func__, "conditions");
+    if (conditions == nullptr) {
+        return bad_parameter(__func__, "conditions");
+    }
     return with<WaitSet>(self, __func__,
                          [&](WaitSet &waitset) { return waitset.get_conditions(conditions); });
 }
 
 DDS_ReturnCode_t DDS_WaitSet_wait(DDS_WaitSet *self, DDS_ConditionSeq *active,
                                   const DDS_Duration_t *timeout) {
-    if (active == nullptr) return bad_parameter(__func__, "active");
-    if (timeout == nullptr || to_engine(*timeout) < 0) return bad_parameter(__func__, "timeout");
+    if (active == nullptr) {
+        return bad_parameter(__func__, "active");
+    }
+    if (timeout == nullptr || to_engine(*timeout) < 0) {
+        return bad_parameter(__func__, "timeout");
+    }
     return with<WaitSet>(self, __func__,
                          [&](WaitSet &waitset) { return waitset.wait(active, *timeout); });
 }

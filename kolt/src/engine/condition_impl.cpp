@@ -44,7 +44,9 @@ void KOLT_ConditionImpl::start_watching() {
 void KOLT_ConditionImpl::stop_watching() {
     const std::lock_guard lock(attachments());
     const dds_entity_t entity = watched();
-    if (entity <= 0) return;
+    if (entity <= 0) {
+        return;
+    }
     for (const kolt::engine::WaitSet *const waitset : waitsets_) {
         dds_waitset_detach(waitset->engine_, entity);
     }
@@ -76,7 +78,9 @@ DDS_ReturnCode_t StatusCondition::apply_mask() {
 GuardCondition::GuardCondition() : Condition(&handle_._condition) {
     prepare_engine();
     engine_ = dds_create_guardcondition(api::kLibrary);
-    if (engine_ < 0) throw std::bad_alloc();
+    if (engine_ < 0) {
+        throw std::bad_alloc();
+    }
 }
 
 GuardCondition::~GuardCondition() {
@@ -98,11 +102,15 @@ DDS_ReturnCode_t GuardCondition::set(bool value) {
 WaitSet::WaitSet() {
     prepare_engine();
     engine_ = dds_create_waitset(api::kLibrary);
-    if (engine_ < 0) throw std::bad_alloc();
+    if (engine_ < 0) {
+        throw std::bad_alloc();
+    }
     wake_up_ = dds_create_guardcondition(api::kLibrary);
     // A waitset of the engine that watches nothing does not wait.
     if (wake_up_ < 0 || dds_waitset_attach(engine_, wake_up_, 0) < 0) {
-        if (wake_up_ > 0) dds_delete(wake_up_);
+        if (wake_up_ > 0) {
+            dds_delete(wake_up_);
+        }
         dds_delete(engine_);
         throw std::bad_alloc();
     }
@@ -112,7 +120,9 @@ WaitSet::~WaitSet() {
     {
         const std::lock_guard lock(attachments());
         for (Condition *const condition : conditions_) {
-            if (condition->watched() > 0) dds_waitset_detach(engine_, condition->watched());
+            if (condition->watched() > 0) {
+                dds_waitset_detach(engine_, condition->watched());
+            }
             std::erase(condition->waitsets_, this);
         }
         conditions_.clear();
@@ -131,7 +141,9 @@ DDS_ReturnCode_t WaitSet::attach(Condition &condition) {
     if (condition.watched() > 0) {
         const dds_return_t result = dds_waitset_attach(engine_, condition.watched(),
                                                        reinterpret_cast<dds_attach_t>(&condition));
-        if (result < 0) return to_return_code(result);
+        if (result < 0) {
+            return to_return_code(result);
+        }
     }
     conditions_.push_back(&condition);
     condition.waitsets_.push_back(this);
@@ -140,9 +152,13 @@ DDS_ReturnCode_t WaitSet::attach(Condition &condition) {
 
 DDS_ReturnCode_t WaitSet::detach(Condition &condition) {
     const std::lock_guard lock(attachments());
-    if (std::erase(conditions_, &condition) == 0) return DDS_RETCODE_PRECONDITION_NOT_MET;
+    if (std::erase(conditions_, &condition) == 0) {
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
+    }
     std::erase(condition.waitsets_, this);
-    if (condition.watched() > 0) dds_waitset_detach(engine_, condition.watched());
+    if (condition.watched() > 0) {
+        dds_waitset_detach(engine_, condition.watched());
+    }
     return DDS_RETCODE_OK;
 }
 
@@ -192,12 +208,18 @@ DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
         }
         const dds_return_t result =
             dds_waitset_wait(engine_, triggered.data(), triggered.size(), left);
-        if (result < 0) return to_return_code(result);
+        if (result < 0) {
+            return to_return_code(result);
+        }
         triggered.resize(std::min(static_cast<size_t>(result), triggered.size()));
         collect(triggered, active);
         // What triggered may have been detached in the meantime.
-        if (!active->empty()) return DDS_RETCODE_OK;
-        if (left == 0) return DDS_RETCODE_TIMEOUT;
+        if (!active->empty()) {
+            return DDS_RETCODE_OK;
+        }
+        if (left == 0) {
+            return DDS_RETCODE_TIMEOUT;
+        }
     }
 }
 

@@ -67,7 +67,9 @@ template <size_t N>
 uint32_t translate_states(const std::array<StateBit, N> &table, uint32_t mask) {
     uint32_t result = 0;
     for (const StateBit &bit : table) {
-        if ((mask & bit.standard) != 0) result |= bit.engine;
+        if ((mask & bit.standard) != 0) {
+            result |= bit.engine;
+        }
     }
     return result;
 }
@@ -75,7 +77,9 @@ uint32_t translate_states(const std::array<StateBit, N> &table, uint32_t mask) {
 template <size_t N>
 uint32_t state_from_engine(const std::array<StateBit, N> &table, uint32_t state) {
     for (const StateBit &bit : table) {
-        if (bit.engine == state) return bit.standard;
+        if (bit.engine == state) {
+            return bit.standard;
+        }
     }
     return table[0].standard;
 }
@@ -83,15 +87,21 @@ uint32_t state_from_engine(const std::array<StateBit, N> &table, uint32_t state)
 }  // namespace
 
 DDS_ReturnCode_t to_return_code(dds_return_t result) {
-    if (result >= 0) return DDS_RETCODE_OK;
+    if (result >= 0) {
+        return DDS_RETCODE_OK;
+    }
     for (const auto &[engine_code, code] : kReturnCodes) {
-        if (engine_code == result) return code;
+        if (engine_code == result) {
+            return code;
+        }
     }
     return DDS_RETCODE_ERROR;
 }
 
 dds_duration_t to_engine(const DDS_Duration_t &duration) {
-    if (DDS_Duration_is_infinite(&duration)) return api::kInfinity;
+    if (DDS_Duration_is_infinite(&duration)) {
+        return api::kInfinity;
+    }
     return static_cast<int64_t>(duration.sec) * kNanosecondsPerSecond + duration.nanosec;
 }
 
@@ -114,7 +124,9 @@ dds_time_t to_engine(const DDS_Time_t &time) {
 }
 
 DDS_Time_t from_engine_time(dds_time_t time) {
-    if (time < 0) return DDS_TIME_INVALID;
+    if (time < 0) {
+        return DDS_TIME_INVALID;
+    }
     return {time / kNanosecondsPerSecond,
             static_cast<DDS_UnsignedLong>(time % kNanosecondsPerSecond)};
 }
@@ -122,7 +134,9 @@ DDS_Time_t from_engine_time(dds_time_t time) {
 uint32_t status_to_engine(DDS_StatusMask mask) {
     uint32_t result = 0;
     for (const auto &[standard, engine] : kStatuses) {
-        if ((mask & standard) != 0) result |= engine;
+        if ((mask & standard) != 0) {
+            result |= engine;
+        }
     }
     return result;
 }
@@ -130,7 +144,9 @@ uint32_t status_to_engine(DDS_StatusMask mask) {
 DDS_StatusMask status_from_engine(uint32_t mask) {
     DDS_StatusMask result = 0;
     for (const auto &[standard, engine] : kStatuses) {
-        if ((mask & engine) != 0) result |= standard;
+        if ((mask & engine) != 0) {
+            result |= standard;
+        }
     }
     return result;
 }

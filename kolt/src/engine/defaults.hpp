@@ -15,7 +15,9 @@ class DefaultQos {
     // Into an initialised record. False when memory runs out.
     bool get(Qos *qos) const { return kolt::qos::copy(*qos, *value_); }
     bool set(const Qos &qos) {
-        if (!kolt::qos::copy(*value_, qos)) return false;
+        if (!kolt::qos::copy(*value_, qos)) {
+            return false;
+        }
         set_ = true;
         return true;
     }
@@ -30,7 +32,9 @@ class DefaultQos {
 template <typename Qos>
 bool profile_default(Qos *qos, const char *topic_name) {
     kolt::qos::OwnedQos<Qos> standard;
-    if (!kolt::qos::copy(*qos, *standard)) return false;
+    if (!kolt::qos::copy(*qos, *standard)) {
+        return false;
+    }
     kolt::qos::profile_store().default_qos(*qos, topic_name);
     return true;
 }

@@ -37,7 +37,9 @@ DDS_DomainParticipant *DDS_DomainParticipantFactory_create_participant(
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipant *participant) {
-    if (participant == nullptr) return bad_parameter(__func__, "participant");
+    if (participant == nullptr) {
+        return bad_parameter(__func__, "participant");
+    }
     return with<Factory>(self, __func__, [&, method = __func__](Factory &factory) {
         return factory.delete_participant(Participant::of(participant), method);
     });
@@ -51,14 +53,18 @@ DDS_DomainParticipant *DDS_DomainParticipantFactory_lookup_participant(
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Factory>(
         self, __func__, [&](Factory &factory) { return factory.get_default_participant_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_set_default_participant_qos(
     DDS_DomainParticipantFactory *self, const DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Factory>(self, __func__, [&, method = __func__](Factory &factory) {
         return factory.set_default_participant_qos(*qos, method);
     });
@@ -66,13 +72,17 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_set_default_participant_qos(
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos(DDS_DomainParticipantFactory *self,
                                                       DDS_DomainParticipantFactoryQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Factory>(self, __func__, [&](Factory &factory) { return factory.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_set_qos(DDS_DomainParticipantFactory *self,
                                                       const DDS_DomainParticipantFactoryQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Factory>(self, __func__, [&](Factory &factory) { return factory.set_qos(*qos); });
 }
 
@@ -105,13 +115,17 @@ DDS_DomainId_t DDS_DomainParticipant_get_domain_id(DDS_DomainParticipant *self) 
 
 DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant *self,
                                                DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Participant>(self, __func__, [&](Participant &p) { return p.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_set_qos(DDS_DomainParticipant *self,
                                                const DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Participant>(
         self, __func__, [&, method = __func__](Participant &p) { return p.set_qos(*qos, method); });
 }
@@ -129,7 +143,9 @@ DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant *self
                                                      const char *type_name,
                                                      const KOLT_TypePlugin *plugin,
                                                      void *registration_data) {
-    if (type_name == nullptr || *type_name == '\0') return bad_parameter(__func__, "type_name");
+    if (type_name == nullptr || *type_name == '\0') {
+        return bad_parameter(__func__, "type_name");
+    }
     if (plugin == nullptr || plugin->type_code == nullptr ||
         plugin->endpoint_type_name == nullptr) {
         return bad_parameter(__func__, "plugin");
@@ -141,7 +157,9 @@ DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant *self
 
 DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant *self,
                                                        const char *type_name) {
-    if (type_name == nullptr) return bad_parameter(__func__, "type_name");
+    if (type_name == nullptr) {
+        return bad_parameter(__func__, "type_name");
+    }
     return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
         return p.unregister_type(type_name, method);
     });
@@ -161,7 +179,9 @@ DDS_Topic *DDS_DomainParticipant_create_topic(DDS_DomainParticipant *self, const
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_topic(DDS_DomainParticipant *self, DDS_Topic *topic) {
-    if (topic == nullptr) return bad_parameter(__func__, "topic");
+    if (topic == nullptr) {
+        return bad_parameter(__func__, "topic");
+    }
     return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
         return p.delete_topic(Topic::of(topic), method);
     });
@@ -184,7 +204,9 @@ DDS_ContentFilteredTopic *DDS_DomainParticipant_create_contentfilteredtopic(
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_contentfilteredtopic(
     DDS_DomainParticipant *self, DDS_ContentFilteredTopic *topic) {
-    if (topic == nullptr) return bad_parameter(__func__, "topic");
+    if (topic == nullptr) {
+        return bad_parameter(__func__, "topic");
+    }
     return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
         return p.delete_filtered_topic(ContentFilteredTopic::of(topic), method);
     });
@@ -210,7 +232,9 @@ DDS_Publisher *DDS_DomainParticipant_create_publisher(DDS_DomainParticipant *sel
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_publisher(DDS_DomainParticipant *self,
                                                         DDS_Publisher *publisher) {
-    if (publisher == nullptr) return bad_parameter(__func__, "publisher");
+    if (publisher == nullptr) {
+        return bad_parameter(__func__, "publisher");
+    }
     return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
         return p.delete_publisher(Publisher::of(publisher), method);
     });
@@ -227,7 +251,9 @@ DDS_Subscriber *DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant *s
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_subscriber(DDS_DomainParticipant *self,
                                                          DDS_Subscriber *subscriber) {
-    if (subscriber == nullptr) return bad_parameter(__func__, "subscriber");
+    if (subscriber == nullptr) {
+        return bad_parameter(__func__, "subscriber");
+    }
     return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
         return p.delete_subscriber(Subscriber::of(subscriber), method);
     });
@@ -248,14 +274,18 @@ DDS_Boolean DDS_DomainParticipant_contains_entity(DDS_DomainParticipant *self,
 
 DDS_ReturnCode_t DDS_DomainParticipant_assert_liveliness(DDS_DomainParticipant *self) {
     return with<Participant>(self, __func__, [method = __func__](Participant &p) {
-        if (!p.is_enabled()) return not_enabled(method);
+        if (!p.is_enabled()) {
+            return not_enabled(method);
+        }
         return to_return_code(dds_assert_liveliness(p.engine()));
     });
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_get_current_time(DDS_DomainParticipant *self,
                                                         DDS_Time_t *current_time) {
-    if (current_time == nullptr) return bad_parameter(__func__, "current_time");
+    if (current_time == nullptr) {
+        return bad_parameter(__func__, "current_time");
+    }
     return with<Participant>(self, __func__, [&](Participant &) {
         *current_time = from_engine_time(dds_time());
         return DDS_RETCODE_OK;

@@ -44,7 +44,9 @@ struct Special<SubscriberTraits> {
     static constexpr const DDS_DataReaderQos *kUseTopic = &DDS_DATAREADER_QOS_USE_TOPIC_QOS;
     static constexpr auto *kCreate = dds_create_subscriber;
     static const char *obstacle(const DataReader &reader) {
-        if (reader.has_loans()) return "the reader has loans out";
+        if (reader.has_loans()) {
+            return "the reader has loans out";
+        }
         return reader.has_conditions() ? "the reader has conditions" : nullptr;
     }
     static void empty(DataReader &reader, const char *method) {
@@ -89,10 +91,14 @@ DDS_ReturnCode_t EndpointGroup<Traits>::enable(const char *method) {
     }
     set_engine(entity);
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
-    if (!autoenables()) return result;
+    if (!autoenables()) {
+        return result;
+    }
     for (Endpoint *const endpoint : endpoints()) {
         const DDS_ReturnCode_t enabled = endpoint->enable(method);
-        if (enabled != DDS_RETCODE_OK) result = enabled;
+        if (enabled != DDS_RETCODE_OK) {
+            result = enabled;
+        }
     }
     return result;
 }
@@ -117,7 +123,9 @@ template <typename Traits>
 DDS_ReturnCode_t EndpointGroup<Traits>::set_default_qos(const EndpointQos &qos,
                                                         const char *method) {
     const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
+    if (checked != DDS_RETCODE_OK) {
+        return checked;
+    }
     const std::lock_guard lock(participant_.tree());
     return default_qos_.set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
@@ -132,10 +140,14 @@ DDS_ReturnCode_t EndpointGroup<Traits>::choose_qos(const EndpointQos *given, End
         return kolt::qos::copy(*chosen, *given) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
     }
     const DDS_ReturnCode_t result = get_default_qos(chosen, topic.topic().name().c_str());
-    if (result != DDS_RETCODE_OK || !from_topic) return result;
+    if (result != DDS_RETCODE_OK || !from_topic) {
+        return result;
+    }
     kolt::qos::OwnedQos<DDS_TopicQos> topic_qos;
     const DDS_ReturnCode_t got = topic.topic().get_qos(topic_qos.get());
-    if (got != DDS_RETCODE_OK) return got;
+    if (got != DDS_RETCODE_OK) {
+        return got;
+    }
     return copy_from_topic_qos(chosen, *topic_qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
@@ -148,13 +160,21 @@ auto EndpointGroup<Traits>::create(EndpointTopic *topic, const EndpointQos *qos,
         return nullptr;
     }
     kolt::qos::OwnedQos<EndpointQos> chosen;
-    if (choose_qos(qos, *topic, chosen.get()) != DDS_RETCODE_OK) throw std::bad_alloc();
-    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+    if (choose_qos(qos, *topic, chosen.get()) != DDS_RETCODE_OK) {
+        throw std::bad_alloc();
+    }
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
 
     auto endpoint = std::make_unique<Endpoint>(self(), *topic, *chosen);
-    if (endpoint->attach_type(method) != DDS_RETCODE_OK) return nullptr;
+    if (endpoint->attach_type(method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     endpoint->set_listener(listener, mask);
-    if (autoenables() && endpoint->enable(method) != DDS_RETCODE_OK) return nullptr;
+    if (autoenables() && endpoint->enable(method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     EndpointRecord *const handle = endpoint->handle();
     const std::lock_guard lock(participant_.tree());
     endpoints_.push_back(std::move(endpoint));
@@ -186,7 +206,9 @@ DDS_ReturnCode_t EndpointGroup<Traits>::delete_contained_entities(const char *me
     for (Endpoint *const endpoint : endpoints()) {
         Special<Traits>::empty(*endpoint, method);
         const DDS_ReturnCode_t removed = remove(endpoint, method);
-        if (removed != DDS_RETCODE_OK) result = removed;
+        if (removed != DDS_RETCODE_OK) {
+            result = removed;
+        }
     }
     return result;
 }
@@ -195,7 +217,9 @@ template <typename Traits>
 auto EndpointGroup<Traits>::lookup(const char *topic_name) -> EndpointRecord * {
     const std::lock_guard lock(participant_.tree());
     for (const auto &endpoint : endpoints_) {
-        if (endpoint->topic().name() == topic_name) return endpoint->handle();
+        if (endpoint->topic().name() == topic_name) {
+            return endpoint->handle();
+        }
     }
     return nullptr;
 }

@@ -19,19 +19,25 @@ KOLT_EntityImpl::~KOLT_EntityImpl() = default;
 
 DDS_InstanceHandle_t KOLT_EntityImpl::instance_handle() const {
     dds_instance_handle_t handle = DDS_HANDLE_NIL;
-    if (is_enabled()) dds_get_instance_handle(engine(), &handle);
+    if (is_enabled()) {
+        dds_get_instance_handle(engine(), &handle);
+    }
     return handle;
 }
 
 void KOLT_EntityImpl::set_engine(dds_entity_t engine) {
     engine_.store(engine, std::memory_order_release);
-    if (valid_statuses_ != 0) status_condition_->apply_mask();
+    if (valid_statuses_ != 0) {
+        status_condition_->apply_mask();
+    }
     status_condition_->start_watching();
 }
 
 void KOLT_EntityImpl::delete_engine(const char *method) {
     const dds_entity_t entity = engine();
-    if (entity == 0) return;
+    if (entity == 0) {
+        return;
+    }
     status_condition_->stop_watching();
     const dds_return_t result = dds_delete(entity);
     engine_.store(0, std::memory_order_release);
@@ -71,8 +77,12 @@ KOLT_EntityImpl *impl_of(DDS_Entity *self) {
 
 DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity *self) {
     KOLT_EntityImpl *const impl = impl_of(self);
-    if (impl == nullptr) return kolt::engine::bad_parameter(__func__, "self");
-    if (impl->is_enabled()) return DDS_RETCODE_OK;
+    if (impl == nullptr) {
+        return kolt::engine::bad_parameter(__func__, "self");
+    }
+    if (impl->is_enabled()) {
+        return DDS_RETCODE_OK;
+    }
     return kolt::engine::guarded(__func__, [&] { return impl->enable("DDS_Entity_enable"); });
 }
 
@@ -84,8 +94,12 @@ DDS_Boolean DDS_Entity_is_enabled(DDS_Entity *self) {
 DDS_StatusMask DDS_Entity_get_status_changes(DDS_Entity *self) {
     const KOLT_EntityImpl *const impl = impl_of(self);
     uint32_t mask = 0;
-    if (impl == nullptr || !impl->is_enabled() || impl->valid_statuses() == 0) return 0;
-    if (dds_get_status_changes(impl->engine(), &mask) < 0) return 0;
+    if (impl == nullptr || !impl->is_enabled() || impl->valid_statuses() == 0) {
+        return 0;
+    }
+    if (dds_get_status_changes(impl->engine(), &mask) < 0) {
+        return 0;
+    }
     return kolt::engine::status_from_engine(mask) & impl->valid_statuses();
 }
 

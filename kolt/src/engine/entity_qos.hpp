@@ -17,7 +17,9 @@ class EntityQos {
   public:
     // `tree` guards the record. Throws std::bad_alloc.
     EntityQos(std::mutex &tree, const Qos &initial) : tree_(tree) {
-        if (!kolt::qos::copy(*value_, initial)) throw std::bad_alloc();
+        if (!kolt::qos::copy(*value_, initial)) {
+            throw std::bad_alloc();
+        }
     }
 
     // Into an initialised record.
@@ -38,11 +40,15 @@ class EntityQos {
     DDS_ReturnCode_t set(const Qos &qos, const Entity &entity, const char *method,
                          MakeEngineQos &&make_engine_qos) {
         const DDS_ReturnCode_t checked = check_qos(qos, method);
-        if (checked != DDS_RETCODE_OK) return checked;
+        if (checked != DDS_RETCODE_OK) {
+            return checked;
+        }
         if (entity.is_enabled()) {
             const DDS_ReturnCode_t changeable =
                 read([&](const Qos &value) { return check_change(value, qos, method); });
-            if (changeable != DDS_RETCODE_OK) return changeable;
+            if (changeable != DDS_RETCODE_OK) {
+                return changeable;
+            }
             const EngineQos engine_qos = make_engine_qos(qos);
             const dds_return_t result = dds_set_qos(entity.engine(), engine_qos.get());
             if (result < 0) {

@@ -47,7 +47,9 @@ DDS_DomainParticipant *Factory::create_participant(DDS_DomainId_t domain_id,
                     [&](DDS_DomainParticipantQos *q) { return get_default_participant_qos(q); })) {
         throw std::bad_alloc();
     }
-    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     auto participant = std::make_unique<Participant>(domain_id, *chosen);
     participant->listener().set(listener, mask);
     bool autoenable = false;
@@ -55,7 +57,9 @@ DDS_DomainParticipant *Factory::create_participant(DDS_DomainId_t domain_id,
         const std::lock_guard lock(mutex_);
         autoenable = (*qos_).entity_factory.autoenable_created_entities != 0;
     }
-    if (autoenable && participant->enable(method) != DDS_RETCODE_OK) return nullptr;
+    if (autoenable && participant->enable(method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     DDS_DomainParticipant *const handle = participant->handle();
     const std::lock_guard lock(mutex_);
     participants_.push_back(std::move(participant));
@@ -100,7 +104,9 @@ DDS_ReturnCode_t Factory::unwrap(Participant *participant, const char *method) {
 DDS_DomainParticipant *Factory::lookup_participant(DDS_DomainId_t domain_id) {
     const std::lock_guard lock(mutex_);
     for (const auto &participant : participants_) {
-        if (participant->domain_id() == domain_id) return participant->handle();
+        if (participant->domain_id() == domain_id) {
+            return participant->handle();
+        }
     }
     return nullptr;
 }
@@ -121,7 +127,9 @@ DDS_DomainParticipant *Factory::wrap(dds_entity_t engine_participant, const char
     }
     const std::lock_guard lock(mutex_);
     for (const auto &participant : participants_) {
-        if (participant->engine() == engine_participant) return participant->handle();
+        if (participant->engine() == engine_participant) {
+            return participant->handle();
+        }
     }
     auto participant = std::make_unique<Participant>(static_cast<DDS_DomainId_t>(domain_id), *qos,
                                                      engine_participant);
@@ -147,7 +155,9 @@ DDS_ReturnCode_t Factory::get_default_participant_qos(DDS_DomainParticipantQos *
 DDS_ReturnCode_t Factory::set_default_participant_qos(const DDS_DomainParticipantQos &qos,
                                                       const char *method) {
     const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
+    if (checked != DDS_RETCODE_OK) {
+        return checked;
+    }
     const std::lock_guard lock(mutex_);
     return default_participant_qos_.set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }
@@ -159,7 +169,9 @@ DDS_ReturnCode_t Factory::get_qos(DDS_DomainParticipantFactoryQos *qos) {
 
 DDS_ReturnCode_t Factory::set_qos(const DDS_DomainParticipantFactoryQos &qos) {
     const DDS_ReturnCode_t result = kolt::qos::profile_store().set_sources(qos.profile);
-    if (result != DDS_RETCODE_OK) return result;
+    if (result != DDS_RETCODE_OK) {
+        return result;
+    }
     const std::lock_guard lock(mutex_);
     return DDS_DomainParticipantFactoryQos_copy(qos_.get(), &qos);
 }

@@ -32,14 +32,18 @@ class InstanceRegistry {
     void set_handle(std::string_view key, DDS_InstanceHandle_t handle) {
         const std::lock_guard lock(mutex_);
         const auto found = by_key_.find(key);
-        if (found == by_key_.end()) return;
+        if (found == by_key_.end()) {
+            return;
+        }
         by_handle_.insert_or_assign(handle, found->first);
         found->second = handle;
     }
     bool find(DDS_InstanceHandle_t handle, KeyBytes *key) const {
         const std::lock_guard lock(mutex_);
         const auto found = by_handle_.find(handle);
-        if (found == by_handle_.end()) return false;
+        if (found == by_handle_.end()) {
+            return false;
+        }
         assign(found->second, key);
         return true;
     }
@@ -47,7 +51,9 @@ class InstanceRegistry {
     bool find_without_handle(KeyBytes *key) const {
         const std::lock_guard lock(mutex_);
         for (const auto &[bytes, handle] : by_key_) {
-            if (handle != DDS_HANDLE_NIL) continue;
+            if (handle != DDS_HANDLE_NIL) {
+                continue;
+            }
             assign(bytes, key);
             return true;
         }
@@ -56,7 +62,9 @@ class InstanceRegistry {
     void remove(std::string_view key) {
         const std::lock_guard lock(mutex_);
         const auto found = by_key_.find(key);
-        if (found == by_key_.end()) return;
+        if (found == by_key_.end()) {
+            return;
+        }
         by_handle_.erase(found->second);
         by_key_.erase(found);
     }

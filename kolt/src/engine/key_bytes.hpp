@@ -24,9 +24,13 @@ class KeyBytes {
             size_ = length;
             return true;
         }
-        if (length <= kInlineSize) return false;
+        if (length <= kInlineSize) {
+            return false;
+        }
         auto larger = std::make_unique<DDS_Octet[]>(length);
-        if (!extract(larger.get(), &length)) return false;
+        if (!extract(larger.get(), &length)) {
+            return false;
+        }
         heap_ = std::move(larger);
         size_ = length;
         return true;
@@ -39,7 +43,9 @@ class KeyBytes {
             heap_.reset();
         }
         size_ = size;
-        if (size != 0) std::memcpy(heap_ ? heap_.get() : inline_, bytes, size);
+        if (size != 0) {
+            std::memcpy(heap_ ? heap_.get() : inline_, bytes, size);
+        }
     }
 
     const DDS_Octet *data() const { return heap_ ? heap_.get() : inline_; }

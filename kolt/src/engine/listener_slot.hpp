@@ -35,9 +35,13 @@ class ListenerSlot {
     bool handle(DDS_StatusMask status, HasCallback &&has_callback, Call &&call) {
         std::unique_lock lock(mutex_);
         const auto handles = [&] { return (mask_ & status) != 0 && has_callback(listener_); };
-        if (!handles()) return false;
+        if (!handles()) {
+            return false;
+        }
         wait_for_others(lock);
-        if (!handles()) return false;
+        if (!handles()) {
+            return false;
+        }
         const Listener listener = listener_;
         owner_ = std::this_thread::get_id();
         ++depth_;

@@ -18,7 +18,9 @@ inline DDS_ReturnCode_t get_matched(dds_entity_t entity,
     std::vector<dds_instance_handle_t> found(8);
     while (true) {
         const dds_return_t count = get(entity, found.data(), found.size());
-        if (count < 0) return to_return_code(count);
+        if (count < 0) {
+            return to_return_code(count);
+        }
         if (static_cast<size_t>(count) <= found.size()) {
             found.resize(static_cast<size_t>(count));
             break;

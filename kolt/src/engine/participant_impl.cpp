@@ -72,23 +72,37 @@ DDS_ReturnCode_t Participant::enable_contained(const char *method) {
     std::vector<Entity *> contained;
     {
         const std::lock_guard lock(tree_);
-        for (const auto &topic : topics_) contained.push_back(topic.get());
-        for (const auto &topic : filtered_topics_) contained.push_back(topic.get());
-        for (const auto &publisher : publishers_) contained.push_back(publisher.get());
-        for (const auto &subscriber : subscribers_) contained.push_back(subscriber.get());
+        for (const auto &topic : topics_) {
+            contained.push_back(topic.get());
+        }
+        for (const auto &topic : filtered_topics_) {
+            contained.push_back(topic.get());
+        }
+        for (const auto &publisher : publishers_) {
+            contained.push_back(publisher.get());
+        }
+        for (const auto &subscriber : subscribers_) {
+            contained.push_back(subscriber.get());
+        }
     }
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
     for (Entity *const entity : contained) {
-        if (entity->is_enabled()) continue;
+        if (entity->is_enabled()) {
+            continue;
+        }
         const DDS_ReturnCode_t enabled = entity->enable(method);
-        if (enabled != DDS_RETCODE_OK) result = enabled;
+        if (enabled != DDS_RETCODE_OK) {
+            result = enabled;
+        }
     }
     return result;
 }
 
 DDS_ReturnCode_t Participant::get_qos(DDS_DomainParticipantQos *qos) {
     const DDS_ReturnCode_t result = qos_.get(qos);
-    if (result != DDS_RETCODE_OK) return result;
+    if (result != DDS_RETCODE_OK) {
+        return result;
+    }
     dds_guid_t guid{};
     if (is_enabled() && dds_get_guid(engine(), &guid) >= 0) {
         qos->wire_protocol.rtps_host_id = big_endian(guid.v);
@@ -102,7 +116,9 @@ namespace {
 // What can change on an enabled participant.
 EngineQos to_engine_change(const DDS_DomainParticipantQos &qos) {
     EngineQos result(dds_create_qos());
-    if (result == nullptr) throw std::bad_alloc();
+    if (result == nullptr) {
+        throw std::bad_alloc();
+    }
     const DDS_OctetSeq &data = qos.user_data.value;
     const size_t size = DDS_OctetSeq_get_length(&data);
     dds_qset_userdata(result.get(), size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&data) : nullptr,
@@ -151,10 +167,14 @@ typename Group::Record *Participant::create_group(std::vector<std::unique_ptr<Gr
                     [&](auto *q) { return get_default(q, nullptr); })) {
         throw std::bad_alloc();
     }
-    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     auto group = std::make_unique<Group>(*this, *chosen);
     group->listener().set(listener, mask);
-    if (autoenables() && group->enable(method) != DDS_RETCODE_OK) return nullptr;
+    if (autoenables() && group->enable(method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     typename Group::Record *const handle = group->handle();
     const std::lock_guard lock(tree_);
     groups.push_back(std::move(group));
@@ -209,7 +229,9 @@ DDS_ReturnCode_t Participant::delete_subscriber(Subscriber *subscriber, const ch
 DDS_ReturnCode_t Participant::delete_contained_entities(const char *method) {
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
     const auto keep_failure = [&](DDS_ReturnCode_t code) {
-        if (code != DDS_RETCODE_OK) result = code;
+        if (code != DDS_RETCODE_OK) {
+            result = code;
+        }
         return code == DDS_RETCODE_OK;
     };
     for (Subscriber *const subscriber : pointers(tree_, subscribers_)) {
@@ -238,16 +260,24 @@ bool Participant::is_empty() {
 }
 
 bool Participant::contains(DDS_InstanceHandle_t handle) {
-    if (handle == DDS_HANDLE_NIL) return false;
+    if (handle == DDS_HANDLE_NIL) {
+        return false;
+    }
     const std::lock_guard lock(tree_);
     for (const auto &topic : topics_) {
-        if (topic->instance_handle() == handle) return true;
+        if (topic->instance_handle() == handle) {
+            return true;
+        }
     }
     for (const auto &publisher : publishers_) {
-        if (publisher->instance_handle() == handle || publisher->contains(handle)) return true;
+        if (publisher->instance_handle() == handle || publisher->contains(handle)) {
+            return true;
+        }
     }
     for (const auto &subscriber : subscribers_) {
-        if (subscriber->instance_handle() == handle || subscriber->contains(handle)) return true;
+        if (subscriber->instance_handle() == handle || subscriber->contains(handle)) {
+            return true;
+        }
     }
     return false;
 }
@@ -290,7 +320,9 @@ DDS_ReturnCode_t Participant::get_default(Qos *qos, const char *topic_name) {
 template <typename Qos>
 DDS_ReturnCode_t Participant::set_default(const Qos &qos, const char *method) {
     const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) return checked;
+    if (checked != DDS_RETCODE_OK) {
+        return checked;
+    }
     const std::lock_guard lock(tree_);
     return default_of<Qos>().set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
 }

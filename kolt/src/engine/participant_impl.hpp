@@ -121,7 +121,9 @@ class Participant final : public Entity {
 // `get_default(&qos)` gives. False when that fails.
 template <typename Qos, typename GetDefault>
 bool choose_qos(const Qos *given, const Qos &sentinel, Qos *chosen, GetDefault &&get_default) {
-    if (given != nullptr && given != &sentinel) return kolt::qos::copy(*chosen, *given);
+    if (given != nullptr && given != &sentinel) {
+        return kolt::qos::copy(*chosen, *given);
+    }
     return get_default(chosen) == DDS_RETCODE_OK;
 }
 
@@ -130,7 +132,9 @@ template <typename T>
 std::vector<T *> pointers(std::mutex &mutex, const std::vector<std::unique_ptr<T>> &list) {
     const std::lock_guard lock(mutex);
     std::vector<T *> result;
-    for (const auto &element : list) result.push_back(element.get());
+    for (const auto &element : list) {
+        result.push_back(element.get());
+    }
     return result;
 }
 
@@ -150,7 +154,9 @@ std::unique_ptr<T> extract(std::vector<std::unique_ptr<T>> &list, const T *raw) 
 template <typename T>
 bool contains_pointer(const std::vector<std::unique_ptr<T>> &list, const T *raw) {
     for (const auto &element : list) {
-        if (element.get() == raw) return true;
+        if (element.get() == raw) {
+            return true;
+        }
     }
     return false;
 }

@@ -36,7 +36,9 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
         const std::lock_guard lock(tree_);
         const auto found = types_.find(name);
         if (found != types_.end()) {
-            if (found->second->is_same(plugin)) return DDS_RETCODE_OK;
+            if (found->second->is_same(plugin)) {
+                return DDS_RETCODE_OK;
+            }
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                         "the name %s is taken by another type", name);
         }
@@ -78,10 +80,14 @@ DDS_ReturnCode_t Participant::unregister_type(const char *name, const char *meth
 
 bool Participant::is_name_taken(const char *name) const {
     for (const auto &topic : topics_) {
-        if (topic->name() == name) return true;
+        if (topic->name() == name) {
+            return true;
+        }
     }
     for (const auto &topic : filtered_topics_) {
-        if (topic->name() == name) return true;
+        if (topic->name() == name) {
+            return true;
+        }
     }
     return false;
 }
@@ -102,7 +108,9 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
         fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "memory ran out");
         return nullptr;
     }
-    if (check_qos(*chosen, method) != DDS_RETCODE_OK) return nullptr;
+    if (check_qos(*chosen, method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
 
     const std::lock_guard creation(topic_creation_);
     std::shared_ptr<RegisteredType> type;
@@ -122,7 +130,9 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
     }
     auto topic = std::make_unique<Topic>(*this, name, std::move(type), *chosen);
     topic->listener().set(listener, mask);
-    if (autoenables() && topic->enable(method) != DDS_RETCODE_OK) return nullptr;
+    if (autoenables() && topic->enable(method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     DDS_Topic *const handle = topic->handle();
     {
         const std::lock_guard lock(tree_);
@@ -221,10 +231,14 @@ DDS_ReturnCode_t Participant::delete_filtered_topic(ContentFilteredTopic *topic,
 DDS_TopicDescription *Participant::lookup_topic(const char *name) {
     const std::lock_guard lock(tree_);
     for (const auto &topic : topics_) {
-        if (topic->name() == name) return topic->description();
+        if (topic->name() == name) {
+            return topic->description();
+        }
     }
     for (const auto &topic : filtered_topics_) {
-        if (topic->name() == name) return topic->description();
+        if (topic->name() == name) {
+            return topic->description();
+        }
     }
     return nullptr;
 }

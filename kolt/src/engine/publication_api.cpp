@@ -33,7 +33,9 @@ DDS_DataWriter *DDS_Publisher_create_datawriter(DDS_Publisher *self, DDS_Topic *
 }
 
 DDS_ReturnCode_t DDS_Publisher_delete_datawriter(DDS_Publisher *self, DDS_DataWriter *writer) {
-    if (writer == nullptr) return bad_parameter(__func__, "writer");
+    if (writer == nullptr) {
+        return bad_parameter(__func__, "writer");
+    }
     return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
         return publisher.remove(DataWriter::of(writer), method);
     });
@@ -55,13 +57,17 @@ DDS_DataWriter *DDS_Publisher_lookup_datawriter(DDS_Publisher *self, const char 
 }
 
 DDS_ReturnCode_t DDS_Publisher_get_qos(DDS_Publisher *self, DDS_PublisherQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Publisher>(self, __func__,
                            [&](Publisher &publisher) { return publisher.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_Publisher_set_qos(DDS_Publisher *self, const DDS_PublisherQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
         return publisher.set_qos(*qos, method);
     });
@@ -78,7 +84,9 @@ DDS_ReturnCode_t DDS_Publisher_set_listener(DDS_Publisher *self,
 
 DDS_ReturnCode_t DDS_Publisher_get_default_datawriter_qos(DDS_Publisher *self,
                                                           DDS_DataWriterQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Publisher>(self, __func__, [&](Publisher &publisher) {
         return publisher.get_default_qos(qos, nullptr);
     });
@@ -86,7 +94,9 @@ DDS_ReturnCode_t DDS_Publisher_get_default_datawriter_qos(DDS_Publisher *self,
 
 DDS_ReturnCode_t DDS_Publisher_set_default_datawriter_qos(DDS_Publisher *self,
                                                           const DDS_DataWriterQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
         return publisher.set_default_qos(*qos, method);
     });
@@ -95,8 +105,12 @@ DDS_ReturnCode_t DDS_Publisher_set_default_datawriter_qos(DDS_Publisher *self,
 DDS_ReturnCode_t DDS_Publisher_copy_from_topic_qos(DDS_Publisher *self,
                                                    DDS_DataWriterQos *writer_qos,
                                                    const DDS_TopicQos *topic_qos) {
-    if (writer_qos == nullptr) return bad_parameter(__func__, "writer_qos");
-    if (topic_qos == nullptr) return bad_parameter(__func__, "topic_qos");
+    if (writer_qos == nullptr) {
+        return bad_parameter(__func__, "writer_qos");
+    }
+    if (topic_qos == nullptr) {
+        return bad_parameter(__func__, "topic_qos");
+    }
     return with<Publisher>(self, __func__, [&](Publisher &) {
         return copy_from_topic_qos(writer_qos, *topic_qos) ? DDS_RETCODE_OK
                                                            : DDS_RETCODE_OUT_OF_RESOURCES;
@@ -121,13 +135,17 @@ DDS_DomainParticipant *DDS_Publisher_get_participant(DDS_Publisher *self) {
 // ---- Data writer --------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DataWriter_get_qos(DDS_DataWriter *self, DDS_DataWriterQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<DataWriter>(self, __func__,
                             [&](DataWriter &writer) { return writer.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_DataWriter_set_qos(DDS_DataWriter *self, const DDS_DataWriterQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<DataWriter>(self, __func__, [&, method = __func__](DataWriter &writer) {
         return writer.set_qos(*qos, method);
     });
@@ -174,7 +192,9 @@ DDS_ReturnCode_t DDS_DataWriter_wait_for_acknowledgments(DDS_DataWriter *self,
 
 DDS_ReturnCode_t DDS_DataWriter_assert_liveliness(DDS_DataWriter *self) {
     return with<DataWriter>(self, __func__, [method = __func__](DataWriter &writer) {
-        if (!writer.is_enabled()) return not_enabled(method);
+        if (!writer.is_enabled()) {
+            return not_enabled(method);
+        }
         return to_return_code(dds_assert_liveliness(writer.engine()));
     });
 }
@@ -196,9 +216,13 @@ KOLT_DEFINE_GET_STATUS(publication_matched, PublicationMatched)
 
 DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter *self,
                                                           DDS_InstanceHandleSeq *handles) {
-    if (handles == nullptr) return bad_parameter(__func__, "handles");
+    if (handles == nullptr) {
+        return bad_parameter(__func__, "handles");
+    }
     return with<DataWriter>(self, __func__, [&, method = __func__](DataWriter &writer) {
-        if (!writer.is_enabled()) return not_enabled(method);
+        if (!writer.is_enabled()) {
+            return not_enabled(method);
+        }
         return get_matched(writer.engine(), dds_get_matched_subscriptions, handles, method);
     });
 }
@@ -254,13 +278,17 @@ DDS_ReturnCode_t DDS_DataWriter_write(DDS_DataWriter *self, const void *sample,
 DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *self, const void *sample,
                                                   DDS_InstanceHandle_t handle,
                                                   const DDS_Time_t *source_timestamp) {
-    if (!is_given(source_timestamp)) return bad_parameter(__func__, "source_timestamp");
+    if (!is_given(source_timestamp)) {
+        return bad_parameter(__func__, "source_timestamp");
+    }
     return write(self, sample, make_params(handle, *source_timestamp), __func__);
 }
 
 DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter *self, const void *sample,
                                                const DDS_WriteParams_t *params) {
-    if (params == nullptr) return bad_parameter(__func__, "params");
+    if (params == nullptr) {
+        return bad_parameter(__func__, "params");
+    }
     return write(self, sample, *params, __func__);
 }
 
@@ -310,7 +338,9 @@ KOLT_DEFINE_CHANGE(dispose, InstanceChange::kDispose)
 
 DDS_ReturnCode_t DDS_DataWriter_get_key_value(DDS_DataWriter *self, void *key_holder,
                                               DDS_InstanceHandle_t handle) {
-    if (key_holder == nullptr) return bad_parameter(__func__, "key_holder");
+    if (key_holder == nullptr) {
+        return bad_parameter(__func__, "key_holder");
+    }
     return with<DataWriter>(self, __func__, [&, method = __func__](DataWriter &writer) {
         return writer.get_key_value(key_holder, handle, method);
     });
@@ -331,7 +361,9 @@ void *DDS_DataWriter_create_data(DDS_DataWriter *self) {
 }
 
 DDS_ReturnCode_t DDS_DataWriter_delete_data(DDS_DataWriter *self, void *sample) {
-    if (sample == nullptr) return bad_parameter(__func__, "sample");
+    if (sample == nullptr) {
+        return bad_parameter(__func__, "sample");
+    }
     return with<DataWriter>(self, __func__, [&](DataWriter &writer) {
         writer.delete_data(sample);
         return DDS_RETCODE_OK;

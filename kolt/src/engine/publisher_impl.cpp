@@ -12,13 +12,17 @@ namespace kolt::engine {
 DDS_ReturnCode_t Publisher::wait_for_acknowledgments(const DDS_Duration_t &max_wait,
                                                      const char *method) {
     using Clock = std::chrono::steady_clock;
-    if (!is_enabled()) return not_enabled(method);
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
     // A writer may be deleted meanwhile: its engine handle stays safe to ask.
     std::vector<dds_entity_t> writers;
     {
         const std::lock_guard lock(participant_.tree());
         for (const auto &writer : endpoints_) {
-            if (writer->is_enabled()) writers.push_back(writer->engine());
+            if (writer->is_enabled()) {
+                writers.push_back(writer->engine());
+            }
         }
     }
     const dds_duration_t span = to_engine(max_wait);
@@ -31,7 +35,9 @@ DDS_ReturnCode_t Publisher::wait_for_acknowledgments(const DDS_Duration_t &max_w
             left = std::max<dds_duration_t>(span - spent.count(), 0);
         }
         const dds_return_t result = dds_wait_for_acks(writer, left);
-        if (result < 0) return to_return_code(result);
+        if (result < 0) {
+            return to_return_code(result);
+        }
     }
     return DDS_RETCODE_OK;
 }

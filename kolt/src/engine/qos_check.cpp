@@ -15,8 +15,12 @@ constexpr DDS_UnsignedLong kNanosecondsPerSecond = 1000000000U;
 // ---- One policy: what is wrong with it, or nullptr ----------------------------------------------
 
 const char *wrong_duration(const DDS_Duration_t &d) {
-    if (DDS_Duration_is_infinite(&d)) return nullptr;
-    if (d.sec < 0) return "a duration is negative";
+    if (DDS_Duration_is_infinite(&d)) {
+        return nullptr;
+    }
+    if (d.sec < 0) {
+        return "a duration is negative";
+    }
     return d.nanosec < kNanosecondsPerSecond ? nullptr
                                              : "a duration has a second or more of nanoseconds";
 }
@@ -32,9 +36,13 @@ const char *wrong_limit(DDS_Long limit) {
 
 const char *wrong_limits(DDS_HistoryQosPolicyKind kind, DDS_Long depth, DDS_Long max_samples,
                          DDS_Long max_instances, DDS_Long max_samples_per_instance) {
-    if (kind == DDS_KEEP_LAST_HISTORY_QOS && depth < 1) return "the history depth is below 1";
+    if (kind == DDS_KEEP_LAST_HISTORY_QOS && depth < 1) {
+        return "the history depth is below 1";
+    }
     for (const DDS_Long limit : {max_samples, max_instances, max_samples_per_instance}) {
-        if (const char *const wrong = wrong_limit(limit)) return wrong;
+        if (const char *const wrong = wrong_limit(limit)) {
+            return wrong;
+        }
     }
     if (max_samples != DDS_LENGTH_UNLIMITED && (max_samples_per_instance > max_samples)) {
         return "max_samples_per_instance exceeds max_samples";
@@ -54,8 +62,12 @@ const char *wrong(const DDS_DurabilityQosPolicy &p) {
     return wrong_kind(p.kind, DDS_PERSISTENT_DURABILITY_QOS);
 }
 const char *wrong(const DDS_DurabilityServiceQosPolicy &p) {
-    if (const char *const text = wrong_duration(p.service_cleanup_delay)) return text;
-    if (const char *const text = wrong_kind(p.history_kind, DDS_KEEP_ALL_HISTORY_QOS)) return text;
+    if (const char *const text = wrong_duration(p.service_cleanup_delay)) {
+        return text;
+    }
+    if (const char *const text = wrong_kind(p.history_kind, DDS_KEEP_ALL_HISTORY_QOS)) {
+        return text;
+    }
     return wrong_limits(p.history_kind, p.history_depth, p.max_samples, p.max_instances,
                         p.max_samples_per_instance);
 }
@@ -84,19 +96,25 @@ const char *wrong(const DDS_TimeBasedFilterQosPolicy &p) {
     return wrong_duration(p.minimum_separation);
 }
 const char *wrong(const DDS_ReliabilityQosPolicy &p) {
-    if (const char *const text = wrong_kind(p.kind, DDS_RELIABLE_RELIABILITY_QOS)) return text;
+    if (const char *const text = wrong_kind(p.kind, DDS_RELIABLE_RELIABILITY_QOS)) {
+        return text;
+    }
     return wrong_duration(p.max_blocking_time);
 }
 const char *wrong(const DDS_DestinationOrderQosPolicy &p) {
     return wrong_kind(p.kind, DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS);
 }
 const char *wrong(const DDS_HistoryQosPolicy &p) {
-    if (const char *const text = wrong_kind(p.kind, DDS_KEEP_ALL_HISTORY_QOS)) return text;
+    if (const char *const text = wrong_kind(p.kind, DDS_KEEP_ALL_HISTORY_QOS)) {
+        return text;
+    }
     return p.kind == DDS_KEEP_LAST_HISTORY_QOS && p.depth < 1 ? "the history depth is below 1"
                                                               : nullptr;
 }
 const char *wrong(const DDS_LifespanQosPolicy &p) {
-    if (p.duration.sec == 0 && p.duration.nanosec == 0) return "the duration is zero";
+    if (p.duration.sec == 0 && p.duration.nanosec == 0) {
+        return "the duration is zero";
+    }
     return wrong_duration(p.duration);
 }
 const char *wrong(const DDS_ReaderDataLifecycleQosPolicy &p) {

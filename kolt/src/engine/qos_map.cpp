@@ -81,7 +81,9 @@ void set(dds_qos_t *q, const DDS_PartitionQosPolicy &p) {
     std::vector<const char *> names(DDS_StringSeq_get_length(&p.name));
     for (size_t i = 0; i < names.size(); ++i) {
         names[i] = *DDS_StringSeq_get_reference(&p.name, static_cast<DDS_Long>(i));
-        if (names[i] == nullptr) names[i] = "";
+        if (names[i] == nullptr) {
+            names[i] = "";
+        }
     }
     dds_qset_partition(q, static_cast<uint32_t>(names.size()), names.data());
 }
@@ -118,7 +120,9 @@ void set(dds_qos_t *q, const DDS_TypeConsistencyEnforcementQosPolicy &p) {
                               p.force_type_validation != 0);
 }
 void set(dds_qos_t *q, const DDS_EntityNameQosPolicy &p) {
-    if (p.name != nullptr) dds_qset_entity_name(q, p.name);
+    if (p.name != nullptr) {
+        dds_qset_entity_name(q, p.name);
+    }
 }
 // The engine's public interface sets properties that stay local.
 void set(dds_qos_t *q, const DDS_PropertyQosPolicy &p) {
@@ -126,9 +130,13 @@ void set(dds_qos_t *q, const DDS_PropertyQosPolicy &p) {
     for (DDS_UnsignedLong i = 0; i < count; ++i) {
         const DDS_Property_t *const property =
             DDS_PropertySeq_get_reference(&p.value, static_cast<DDS_Long>(i));
-        if (property->name == nullptr || property->value == nullptr) continue;
+        if (property->name == nullptr || property->value == nullptr) {
+            continue;
+        }
         const std::string_view name = property->name;
-        if (name.starts_with(kOwnPropertyPrefix) && !name.starts_with("dds.sec.")) continue;
+        if (name.starts_with(kOwnPropertyPrefix) && !name.starts_with("dds.sec.")) {
+            continue;
+        }
         dds_qset_prop(q, property->name, property->value);
     }
 }
@@ -141,7 +149,9 @@ void set(dds_qos_t *, const DDS_ProtocolQosPolicy &) {}
 template <typename Qos>
 EngineQos set_all(const Qos &qos) {
     EngineQos result(dds_create_qos());
-    if (result == nullptr) throw std::bad_alloc();
+    if (result == nullptr) {
+        throw std::bad_alloc();
+    }
     kolt::qos::for_each_member<Qos>([&](const auto &row) { set(result.get(), qos.*(row.place)); });
     return result;
 }
@@ -183,7 +193,9 @@ EngineQos to_engine(const DDS_TopicQos &qos) {
     EngineQos result = set_all(qos);
     // Left out unless it is set: the engine merges a topic's policies into those of its endpoints.
     const auto ids = representations(qos.representation, nullptr);
-    if (!ids.empty()) set_representations(result.get(), ids);
+    if (!ids.empty()) {
+        set_representations(result.get(), ids);
+    }
     return result;
 }
 
@@ -227,7 +239,9 @@ EngineQos to_engine(const DDS_DataReaderQos &qos, const RegisteredType &type) {
         for (const DDS_DataRepresentationId_t id :
              {DDS_XCDR_DATA_REPRESENTATION, DDS_XCDR2_DATA_REPRESENTATION}) {
             DDS_DataRepresentationId_t resolved = id;
-            if (type.resolve_representation(&resolved)) ids.push_back(id);
+            if (type.resolve_representation(&resolved)) {
+                ids.push_back(id);
+            }
         }
     }
     set_representations(result.get(), ids);
@@ -251,7 +265,9 @@ bool from_engine(const dds_qos_t *engine_qos, DDS_DomainParticipantQos *qos) {
     }
     uint32_t count = 0;
     char **names = nullptr;
-    if (!dds_qget_propnames(engine_qos, &count, &names)) return complete;
+    if (!dds_qget_propnames(engine_qos, &count, &names)) {
+        return complete;
+    }
     for (uint32_t i = 0; i < count; ++i) {
         char *value = nullptr;
         if (dds_qget_prop(engine_qos, names[i], &value)) {

@@ -36,7 +36,9 @@ constexpr auto kFunctions = make_functions(std::make_index_sequence<kSlots>());
 size_t claim_slot(const ContentFilter *filter) {
     for (size_t slot = 0; slot < kSlots; ++slot) {
         const ContentFilter *free = nullptr;
-        if (g_filters[slot].compare_exchange_strong(free, filter)) return slot;
+        if (g_filters[slot].compare_exchange_strong(free, filter)) {
+            return slot;
+        }
     }
     return kSlots;
 }
@@ -55,7 +57,9 @@ ReadCondition::ReadCondition(DataReader &reader, uint32_t engine_mask, const Rea
 ReadCondition::ReadCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states)
     : ReadCondition(reader, engine_mask, states, Deferred{}) {
     const dds_entity_t engine = dds_create_readcondition(reader.engine(), engine_mask);
-    if (engine < 0) throw std::bad_alloc();
+    if (engine < 0) {
+        throw std::bad_alloc();
+    }
     set_engine(engine);
 }
 
@@ -66,7 +70,9 @@ ReadCondition::~ReadCondition() {
 void ReadCondition::delete_engine() {
     stop_watching();
     const dds_entity_t engine = engine_.exchange(0);
-    if (engine > 0) dds_delete(engine);
+    if (engine > 0) {
+        dds_delete(engine);
+    }
 }
 
 // ---- Query condition ----------------------------------------------------------------------------
@@ -111,10 +117,14 @@ DDS_ReturnCode_t QueryCondition::set_parameters(const DDS_StringSeq &parameters,
                                                 const char *method) {
     const std::lock_guard lock(use_);
     const DDS_ReturnCode_t set = filter_->set_parameters(parameters, method);
-    if (set != DDS_RETCODE_OK) return set;
+    if (set != DDS_RETCODE_OK) {
+        return set;
+    }
     delete_engine();
     const DDS_ReturnCode_t made = make_engine(method);
-    if (made == DDS_RETCODE_OK) start_watching();
+    if (made == DDS_RETCODE_OK) {
+        start_watching();
+    }
     return made;
 }
 

@@ -27,7 +27,9 @@ struct SeenKeys {
 
     SeenKeys() = default;
     ~SeenKeys() {
-        for (const Serdata *const key : keys) key->unref();
+        for (const Serdata *const key : keys) {
+            key->unref();
+        }
     }
     SeenKeys(const SeenKeys &) = delete;
     SeenKeys &operator=(const SeenKeys &) = delete;
@@ -53,7 +55,9 @@ bool collect_keys(const void *view) {
 
 // The result of a read, with a log message unless there simply is nothing to read.
 DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
-    if (result == DDS_RETCODE_OK || result == DDS_RETCODE_NO_DATA) return result;
+    if (result == DDS_RETCODE_OK || result == DDS_RETCODE_NO_DATA) {
+        return result;
+    }
     return fail(result, method,
                 result == DDS_RETCODE_BAD_PARAMETER ? "the handle is no instance"
                                                     : "the engine does not read");
@@ -62,12 +66,16 @@ DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
 }  // namespace
 
 void Batch::resize(size_t capacity) {
-    if (capacity <= infos.size()) return;
+    if (capacity <= infos.size()) {
+        return;
+    }
     std::vector<SerdataView> larger(capacity);
     infos.resize(capacity);
     pointers.resize(capacity);
     views.swap(larger);
-    for (size_t i = 0; i < capacity; ++i) pointers[i] = &views[i];
+    for (size_t i = 0; i < capacity; ++i) {
+        pointers[i] = &views[i];
+    }
 }
 
 // ---- From the engine ----------------------------------------------------------------------------
@@ -121,7 +129,9 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, size_t l
         *count = static_cast<size_t>(result);
         return DDS_RETCODE_OK;
     }
-    if (result == 0 || is_instance_known(selection)) return DDS_RETCODE_NO_DATA;
+    if (result == 0 || is_instance_known(selection)) {
+        return DDS_RETCODE_NO_DATA;
+    }
     return result == api::kPreconditionNotMet ? DDS_RETCODE_BAD_PARAMETER : to_return_code(result);
 }
 
@@ -138,13 +148,17 @@ std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
     const dds_entity_t condition =
         dds_create_querycondition(engine(), api::kNoStateMask - 1U, collect_keys);
     t_seen = nullptr;
-    if (condition > 0) dds_delete(condition);
+    if (condition > 0) {
+        dds_delete(condition);
+    }
     std::vector<DDS_InstanceHandle_t> handles;
     handles.reserve(seen.keys.size());
     for (const Serdata *const key : seen.keys) {
         const SerdataView view(key);
         const dds_instance_handle_t handle = dds_lookup_instance(engine(), &view);
-        if (handle != DDS_HANDLE_NIL) handles.push_back(handle);
+        if (handle != DDS_HANDLE_NIL) {
+            handles.push_back(handle);
+        }
     }
     std::sort(handles.begin(), handles.end());
     handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
@@ -164,7 +178,9 @@ DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selec
     for (auto it = std::upper_bound(handles.begin(), handles.end(), selection.handle);
          it != handles.end(); ++it) {
         one.handle = *it;
-        if (fetch(one, limit, batch, count) == DDS_RETCODE_OK) return DDS_RETCODE_OK;
+        if (fetch(one, limit, batch, count) == DDS_RETCODE_OK) {
+            return DDS_RETCODE_OK;
+        }
     }
     return DDS_RETCODE_NO_DATA;
 }
@@ -192,7 +208,9 @@ bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *reco
         done = plugin.deserialize_key(endpoint_->data(), &record, &drop, &stream, DDS_BOOLEAN_TRUE,
                                       DDS_BOOLEAN_TRUE, nullptr);
     }
-    if (done != DDS_BOOLEAN_FALSE && drop == DDS_BOOLEAN_FALSE) return true;
+    if (done != DDS_BOOLEAN_FALSE && drop == DDS_BOOLEAN_FALSE) {
+        return true;
+    }
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
                      "DDS_DataReader_read_or_take",
                      "a sample of the topic %s cannot be deserialised and is dropped",
@@ -217,7 +235,9 @@ DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, vo
                              ? kMaxSamples
                              : static_cast<size_t>(selection.max_samples);
     const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
-    if (result != DDS_RETCODE_OK) return report(result, method);
+    if (result != DDS_RETCODE_OK) {
+        return report(result, method);
+    }
 
     auto loan = std::make_unique<Loan>();
     loan->samples.reserve(fetched);
@@ -280,7 +300,9 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
     Batch batch;
     size_t fetched = 0;
     const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
-    if (result != DDS_RETCODE_OK) return report(result, method);
+    if (result != DDS_RETCODE_OK) {
+        return report(result, method);
+    }
     if (DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(fetched)) ==
         DDS_BOOLEAN_FALSE) {
         return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no %zu elements", fetched);
@@ -288,7 +310,9 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
     size_t copied = 0;
     for (size_t i = 0; i < fetched; ++i) {
         void *const record = static_cast<char *>(buffer) + copied * element_size;
-        if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record)) continue;
+        if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record)) {
+            continue;
+        }
         *DDS_SampleInfoSeq_get_reference(info_seq, static_cast<DDS_Long>(copied)) =
             to_sample_info(batch.infos[i]);
         ++copied;
@@ -310,8 +334,12 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
     // A malformed sample is passed over.
     while (true) {
         const DDS_ReturnCode_t result = fetch(selection, 1, &batch, &fetched);
-        if (result != DDS_RETCODE_OK) return report(result, method);
-        if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample)) continue;
+        if (result != DDS_RETCODE_OK) {
+            return report(result, method);
+        }
+        if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample)) {
+            continue;
+        }
         *info = to_sample_info(batch.infos[0]);
         return DDS_RETCODE_OK;
     }
@@ -347,7 +375,9 @@ bool DataReader::has_loans() const {
 
 DDS_ReturnCode_t DataReader::get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
                                            const char *method) {
-    if (!is_enabled()) return not_enabled(method);
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
     SerdataView key;
     if (handle == DDS_HANDLE_NIL || !type_->is_keyed() ||
         dds_instance_get_key(engine(), handle, &key) < 0 || key.get() == nullptr) {
@@ -361,7 +391,9 @@ DDS_ReturnCode_t DataReader::get_key_value(void *key_holder, DDS_InstanceHandle_
 }
 
 DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {
-    if (!is_enabled() || !type_->is_keyed()) return DDS_HANDLE_NIL;
+    if (!is_enabled() || !type_->is_keyed()) {
+        return DDS_HANDLE_NIL;
+    }
     KeyBytes key;
     if (!key.fill([&](DDS_Octet *buffer, size_t *length) {
             return KOLT_Cdr_key_of_record(type_->programs(), key_holder, buffer, length) != 0;

@@ -58,7 +58,9 @@ DDS_ReturnCode_t DataReader::attach_type(const char *method) {
         const auto count = static_cast<DDS_Long>(DDS_ShortSeq_get_length(&ids));
         for (DDS_Long i = 0; i < count; ++i) {
             DDS_DataRepresentationId_t id = *DDS_ShortSeq_get_reference(&ids, i);
-            if (!type_->resolve_representation(&id)) return false;
+            if (!type_->resolve_representation(&id)) {
+                return false;
+            }
         }
         return true;
     });
@@ -120,7 +122,9 @@ DDS_ReturnCode_t DataReader::set_qos(const DDS_DataReaderQos &qos, const char *m
 
 template <typename HasCallback, typename Call>
 void DataReader::tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call) {
-    if (listener_.handle(status, has_callback, call)) return;
+    if (listener_.handle(status, has_callback, call)) {
+        return;
+    }
     if (subscriber_.listener().handle(
             status,
             [&](const DDS_SubscriberListener &l) { return has_callback(l.reader_listener); },
@@ -160,8 +164,12 @@ void DataReader::dispatch_data_available() {
 // A subscriber that wants to know about all of its readers' data is told first, and decides by
 // itself whether its readers' listeners are (DDS 1.4, 2.2.4.2.3.2).
 void DataReader::on_data_available() {
-    if (!is_enabled()) return;
-    if (!subscriber_.dispatch_data_on_readers()) dispatch_data_available();
+    if (!is_enabled()) {
+        return;
+    }
+    if (!subscriber_.dispatch_data_on_readers()) {
+        dispatch_data_available();
+    }
 }
 
 bool DataReader::has_data_available() const {
@@ -172,17 +180,25 @@ bool DataReader::has_data_available() const {
 
 void DataReader::dispatch_pending(DDS_StatusMask mask) {
     uint32_t engine_mask = 0;
-    if (dds_get_status_changes(engine(), &engine_mask) < 0) return;
+    if (dds_get_status_changes(engine(), &engine_mask) < 0) {
+        return;
+    }
     const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
     for_each_reader_status([&]<typename Kind>() {
-        if ((changed & Kind::kBit) != 0) dispatch<Kind>();
+        if ((changed & Kind::kBit) != 0) {
+            dispatch<Kind>();
+        }
     });
-    if ((changed & DDS_DATA_AVAILABLE_STATUS) != 0) on_data_available();
+    if ((changed & DDS_DATA_AVAILABLE_STATUS) != 0) {
+        on_data_available();
+    }
 }
 
 void DataReader::set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask) {
     listener_.set(listener, mask);
-    if (listener != nullptr && is_enabled()) dispatch_pending(mask);
+    if (listener != nullptr && is_enabled()) {
+        dispatch_pending(mask);
+    }
 }
 
 // ---- Conditions ---------------------------------------------------------------------------------
@@ -210,7 +226,9 @@ DDS_QueryCondition *DataReader::create_query_condition(uint32_t engine_mask,
         return nullptr;
     }
     auto filter = ContentFilter::create(type_, expression, parameters, method);
-    if (filter == nullptr) return nullptr;
+    if (filter == nullptr) {
+        return nullptr;
+    }
     // The lock spans the creation, so that the engine's limit is never passed.
     const std::lock_guard lock(contents_);
     const auto queries = std::count_if(conditions_.begin(), conditions_.end(),
@@ -221,7 +239,9 @@ DDS_QueryCondition *DataReader::create_query_condition(uint32_t engine_mask,
         return nullptr;
     }
     auto condition = QueryCondition::create(*this, engine_mask, states, std::move(filter), method);
-    if (condition == nullptr) return nullptr;
+    if (condition == nullptr) {
+        return nullptr;
+    }
     DDS_QueryCondition *const handle = condition->handle();
     conditions_.push_back(std::move(condition));
     return handle;

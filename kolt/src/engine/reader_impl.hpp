@@ -59,7 +59,9 @@ class DataReader final : public Entity {
     // The engine has an event of this kind. Called on its threads.
     template <typename Kind>
     void on_event() {
-        if (is_enabled()) dispatch<Kind>();
+        if (is_enabled()) {
+            dispatch<Kind>();
+        }
     }
     void on_data_available();
     // Calls on_data_available of whichever listener handles it.

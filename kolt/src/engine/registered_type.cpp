@@ -12,19 +12,27 @@ std::shared_ptr<RegisteredType> RegisteredType::create(const char *name,
                                                        DDS_DomainId_t domain_id, bool described) {
     std::shared_ptr<RegisteredType> type(new RegisteredType(name, plugin));
     type->programs_ = KOLT_TypePrograms_acquire(plugin.type_code);
-    if (type->programs_ == nullptr) return nullptr;
-    if (described) type->announcement_ = TypeAnnouncement::create(*plugin.type_code, name);
+    if (type->programs_ == nullptr) {
+        return nullptr;
+    }
+    if (described) {
+        type->announcement_ = TypeAnnouncement::create(*plugin.type_code, name);
+    }
     const KOLT_TypePluginParticipantInfo info{domain_id};
     type->participant_data_ = plugin.on_participant_attached(
         registration_data, &info, DDS_BOOLEAN_TRUE, nullptr, plugin.type_code);
-    if (type->participant_data_ == nullptr) return nullptr;
+    if (type->participant_data_ == nullptr) {
+        return nullptr;
+    }
     type->keyed_ =
         plugin.get_key_kind != nullptr && plugin.get_key_kind() == KOLT_TYPE_PLUGIN_USER_KEY;
     return type;
 }
 
 RegisteredType::~RegisteredType() {
-    if (participant_data_ != nullptr) plugin_.on_participant_detached(participant_data_);
+    if (participant_data_ != nullptr) {
+        plugin_.on_participant_detached(participant_data_);
+    }
     KOLT_TypePrograms_release(programs_);
 }
 
@@ -54,7 +62,9 @@ std::shared_ptr<TypeEndpoint> TypeEndpoint::create(std::shared_ptr<RegisteredTyp
 }
 
 TypeEndpoint::~TypeEndpoint() {
-    if (data_ != nullptr) plugin().on_endpoint_detached(data_);
+    if (data_ != nullptr) {
+        plugin().on_endpoint_detached(data_);
+    }
 }
 
 }  // namespace kolt::engine

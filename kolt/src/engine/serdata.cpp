@@ -96,7 +96,9 @@ Serdata *Serdata::from_key(const Sertype *type, const DDS_Octet *key, size_t siz
     Serdata *const serdata = create(type, SDK_KEY, kHeaderSize + size);
     std::unique_ptr<Serdata, void (*)(Serdata *)> guard(serdata, [](Serdata *s) { free_op(s); });
     std::memcpy(serdata->bytes_, kCanonicalKeyHeader, kHeaderSize);
-    if (size != 0) std::memcpy(serdata->bytes_ + kHeaderSize, key, size);
+    if (size != 0) {
+        std::memcpy(serdata->bytes_ + kHeaderSize, key, size);
+    }
     serdata->key_.assign(key, size);
     serdata->set_hash();
     serdata->seal(kHeaderSize + size);
@@ -104,7 +106,9 @@ Serdata *Serdata::from_key(const Sertype *type, const DDS_Octet *key, size_t siz
 }
 
 Serdata::~Serdata() {
-    if (endpoint_ != nullptr) endpoint_->plugin().return_buffer(endpoint_->data(), &buffer_);
+    if (endpoint_ != nullptr) {
+        endpoint_->plugin().return_buffer(endpoint_->data(), &buffer_);
+    }
 }
 
 // The engine's count, as what it is: an atomic.
@@ -141,9 +145,13 @@ void Serdata::seal(size_t size) {
 }
 
 bool Serdata::unseal() {
-    if (size_ < kHeaderSize) return false;
+    if (size_ < kHeaderSize) {
+        return false;
+    }
     const size_t padding = bytes_[3] & kPaddingMask;
-    if (size_ - kHeaderSize < padding) return false;
+    if (size_ - kHeaderSize < padding) {
+        return false;
+    }
     size_ -= padding;
     return true;
 }
@@ -183,7 +191,9 @@ namespace {
 template <typename Copy>
 ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, size_t size,
                         Copy &&copy) {
-    if (size < kHeaderSize || size > UINT32_MAX - sizeof(Serdata) - kHeaderSize) return nullptr;
+    if (size < kHeaderSize || size > UINT32_MAX - sizeof(Serdata) - kHeaderSize) {
+        return nullptr;
+    }
     return make_or_null([&]() -> ddsi_serdata * {
         Serdata *const serdata = Serdata::allocate(Sertype::of(type), kind, size);
         copy(serdata->bytes());
@@ -193,7 +203,9 @@ ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, size_t
         } catch (...) {
             valid = false;
         }
-        if (valid) return serdata;
+        if (valid) {
+            return serdata;
+        }
         serdata->unref();
         return nullptr;
     });
@@ -207,7 +219,9 @@ ddsi_serdata *Serdata::from_ser_op(const ddsi_sertype *type, ddsi_serdata_kind k
         size_t filled = 0;
         // Fragments come in order and may overlap.
         for (const nn_rdata *f = fragments; f != nullptr; f = f->nextfrag) {
-            if (f->maxp1 <= filled || f->maxp1 > size) continue;
+            if (f->maxp1 <= filled || f->maxp1 > size) {
+                continue;
+            }
             const unsigned char *const payload =
                 NN_RMSG_PAYLOADOFF(f->rmsg, NN_RDATA_PAYLOAD_OFF(f));
             std::memcpy(bytes + filled, payload + (filled - f->min), f->maxp1 - filled);
@@ -238,7 +252,9 @@ ddsi_serdata *Serdata::from_keyhash_op(const ddsi_sertype *type, const ddsi_keyh
     if (!sertype.is_keyed()) {
         return make_or_null([&] { return from_key(&sertype, nullptr, 0); });
     }
-    if (KOLT_Cdr_key_max_size(sertype.programs()) > sizeof(keyhash->value)) return nullptr;
+    if (KOLT_Cdr_key_max_size(sertype.programs()) > sizeof(keyhash->value)) {
+        return nullptr;
+    }
     return from_wire(type, SDK_KEY, kHeaderSize + sizeof(keyhash->value), [&](DDS_Octet *bytes) {
         std::memcpy(bytes, kCanonicalKeyHeader, kHeaderSize);
         std::memcpy(bytes + kHeaderSize, keyhash->value, sizeof(keyhash->value));
@@ -250,9 +266,15 @@ ddsi_serdata *Serdata::from_keyhash_op(const ddsi_sertype *type, const ddsi_keyh
 ddsi_serdata *Serdata::from_sample_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
                                       const void *sample) {
     const Serdata *const source = static_cast<const SerdataView *>(sample)->get();
-    if (source == nullptr) return nullptr;
-    if (source->kind == kind && source->type == type) return source->ref();
-    if (kind != SDK_KEY) return nullptr;
+    if (source == nullptr) {
+        return nullptr;
+    }
+    if (source->kind == kind && source->type == type) {
+        return source->ref();
+    }
+    if (kind != SDK_KEY) {
+        return nullptr;
+    }
     return make_or_null(
         [&] { return from_key(&Sertype::of(type), source->key_.data(), source->key_.size()); });
 }
@@ -320,7 +342,9 @@ size_t Serdata::print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *
 void SerdataView::reset(const ddsi_serdata *serdata) {
     const Serdata *const old = serdata_;
     serdata_ = serdata != nullptr ? Serdata::of(serdata).ref() : nullptr;
-    if (old != nullptr) old->unref();
+    if (old != nullptr) {
+        old->unref();
+    }
 }
 
 }  // namespace kolt::engine

@@ -25,16 +25,24 @@ void realloc_samples_op(void **pointers, const ddsi_sertype *, void *old, size_t
         std::memset(static_cast<void *>(views + old_count), 0,
                     (count - old_count) * sizeof(SerdataView));
     }
-    for (size_t i = 0; i < count; ++i) pointers[i] = views + i;
+    for (size_t i = 0; i < count; ++i) {
+        pointers[i] = views + i;
+    }
 }
 
 void free_samples_op(const ddsi_sertype *, void **pointers, size_t count, dds_free_op_t op) {
-    if (count == 0) return;
+    if (count == 0) {
+        return;
+    }
     if ((op & DDS_FREE_CONTENTS_BIT) != 0) {
         auto *const views = static_cast<SerdataView *>(pointers[0]);
-        for (size_t i = 0; i < count; ++i) views[i].reset(nullptr);
+        for (size_t i = 0; i < count; ++i) {
+            views[i].reset(nullptr);
+        }
     }
-    if ((op & DDS_FREE_ALL_BIT) != 0) ddsrt_free(pointers[0]);
+    if ((op & DDS_FREE_ALL_BIT) != 0) {
+        ddsrt_free(pointers[0]);
+    }
 }
 
 }  // namespace
@@ -96,7 +104,9 @@ uint32_t Sertype::hash_op(const ddsi_sertype *base) {
 
 ddsi_typeid_t *Sertype::type_id_op(const ddsi_sertype *base, ddsi_typeid_kind_t kind) {
     ddsi_typeinfo_t *const info = type_info_op(base);
-    if (info == nullptr) return nullptr;
+    if (info == nullptr) {
+        return nullptr;
+    }
     ddsi_typeid_t *const id = ddsi_typeinfo_typeid(info, kind);
     ddsi_typeinfo_fini(info);
     ddsrt_free(info);

@@ -83,7 +83,9 @@ struct StatusKind<kStatusBit, kEngineGet, kListenerMember> {
     static DDS_ReturnCode_t take(dds_entity_t entity, Status *status) {
         EngineStatus engine_status{};
         const dds_return_t result = kEngineGet(entity, &engine_status);
-        if (result < 0) return to_return_code(result);
+        if (result < 0) {
+            return to_return_code(result);
+        }
         *status = status_detail::convert(engine_status);
         return DDS_RETCODE_OK;
     }

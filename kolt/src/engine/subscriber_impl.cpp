@@ -14,7 +14,9 @@ bool Subscriber::dispatch_data_on_readers() {
         dds_take_status(engine(), &taken, engine_api::kDataOnReadersStatus);
         l.on_data_on_readers(l.reader_listener.listener_data, &handle_);
     };
-    if (listener_.handle(DDS_DATA_ON_READERS_STATUS, has, call)) return true;
+    if (listener_.handle(DDS_DATA_ON_READERS_STATUS, has, call)) {
+        return true;
+    }
     return participant_.listener().handle(
         DDS_DATA_ON_READERS_STATUS,
         [&](const DDS_DomainParticipantListener &l) { return has(l.subscriber_listener); },
@@ -23,7 +25,9 @@ bool Subscriber::dispatch_data_on_readers() {
 
 void Subscriber::notify_readers() {
     for (DataReader *const reader : endpoints()) {
-        if (reader->has_data_available()) reader->dispatch_data_available();
+        if (reader->has_data_available()) {
+            reader->dispatch_data_available();
+        }
     }
 }
 

@@ -32,7 +32,9 @@ DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self, DDS_Topic
 }
 
 DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self, DDS_DataReader *reader) {
-    if (reader == nullptr) return bad_parameter(__func__, "reader");
+    if (reader == nullptr) {
+        return bad_parameter(__func__, "reader");
+    }
     return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
         return subscriber.remove(DataReader::of(reader), method);
     });
@@ -54,13 +56,17 @@ DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self, const cha
 }
 
 DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Subscriber>(self, __func__,
                             [&](Subscriber &subscriber) { return subscriber.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_Subscriber_set_qos(DDS_Subscriber *self, const DDS_SubscriberQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
         return subscriber.set_qos(*qos, method);
     });
@@ -77,7 +83,9 @@ DDS_ReturnCode_t DDS_Subscriber_set_listener(DDS_Subscriber *self,
 
 DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
                                                            DDS_DataReaderQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
         return subscriber.get_default_qos(qos, nullptr);
     });
@@ -85,7 +93,9 @@ DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
 
 DDS_ReturnCode_t DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self,
                                                            const DDS_DataReaderQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
         return subscriber.set_default_qos(*qos, method);
     });
@@ -94,8 +104,12 @@ DDS_ReturnCode_t DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self,
 DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
                                                     DDS_DataReaderQos *reader_qos,
                                                     const DDS_TopicQos *topic_qos) {
-    if (reader_qos == nullptr) return bad_parameter(__func__, "reader_qos");
-    if (topic_qos == nullptr) return bad_parameter(__func__, "topic_qos");
+    if (reader_qos == nullptr) {
+        return bad_parameter(__func__, "reader_qos");
+    }
+    if (topic_qos == nullptr) {
+        return bad_parameter(__func__, "topic_qos");
+    }
     return with<Subscriber>(self, __func__, [&](Subscriber &) {
         return copy_from_topic_qos(reader_qos, *topic_qos) ? DDS_RETCODE_OK
                                                            : DDS_RETCODE_OUT_OF_RESOURCES;
@@ -104,7 +118,9 @@ DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
 
 DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self) {
     return with<Subscriber>(self, __func__, [method = __func__](Subscriber &subscriber) {
-        if (!subscriber.is_enabled()) return not_enabled(method);
+        if (!subscriber.is_enabled()) {
+            return not_enabled(method);
+        }
         subscriber.notify_readers();
         return DDS_RETCODE_OK;
     });
@@ -118,13 +134,17 @@ DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self) {
 // ---- Data reader --------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_DataReaderQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<DataReader>(self, __func__,
                             [&](DataReader &reader) { return reader.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self, const DDS_DataReaderQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
         return reader.set_qos(*qos, method);
     });
@@ -133,7 +153,9 @@ DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self, const DDS_DataRead
 DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
                                              const DDS_DataReaderListener *listener,
                                              DDS_StatusMask mask) {
-    if (self == nullptr) return DDS_RETCODE_OK;
+    if (self == nullptr) {
+        return DDS_RETCODE_OK;
+    }
     return with<DataReader>(self, __func__, [&](DataReader &reader) {
         reader.set_listener(listener, mask);
         return DDS_RETCODE_OK;
@@ -172,11 +194,17 @@ DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
         return bad_parameter(__func__, "max_wait");
     }
     return with<DataReader>(self, __func__, [method = __func__](DataReader &reader) {
-        if (!reader.is_enabled()) return not_enabled(method);
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
         kolt::qos::OwnedQos<DDS_DataReaderQos> qos;
         const DDS_ReturnCode_t result = reader.get_qos(qos.get());
-        if (result != DDS_RETCODE_OK) return result;
-        if ((*qos).durability.kind == DDS_VOLATILE_DURABILITY_QOS) return DDS_RETCODE_OK;
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
+        if ((*qos).durability.kind == DDS_VOLATILE_DURABILITY_QOS) {
+            return DDS_RETCODE_OK;
+        }
         return fail(DDS_RETCODE_UNSUPPORTED, method,
                     "the engine does not tell when the history has arrived");
     });
@@ -201,9 +229,13 @@ KOLT_DEFINE_GET_STATUS(sample_lost, SampleLost)
 
 DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader *self,
                                                          DDS_InstanceHandleSeq *handles) {
-    if (handles == nullptr) return bad_parameter(__func__, "handles");
+    if (handles == nullptr) {
+        return bad_parameter(__func__, "handles");
+    }
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        if (!reader.is_enabled()) return not_enabled(method);
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
         return get_matched(reader.engine(), dds_get_matched_publications, handles, method);
     });
 }
@@ -248,7 +280,9 @@ DDS_QueryCondition *DDS_DataReader_create_querycondition(DDS_DataReader *self,
 
 DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader *self,
                                                      DDS_ReadCondition *condition) {
-    if (condition == nullptr) return bad_parameter(__func__, "condition");
+    if (condition == nullptr) {
+        return bad_parameter(__func__, "condition");
+    }
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
         return reader.delete_read_condition(ReadCondition::of(condition), method);
     });
@@ -301,26 +335,40 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
     DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
     DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
     size_t element_size, void ***loan, DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq) {
-    if (selection == nullptr) return bad_parameter(__func__, "selection");
-    if (loan == nullptr || count == nullptr) return bad_parameter(__func__, "received_data");
-    if (info_seq == nullptr) return bad_parameter(__func__, "info_seq");
+    if (selection == nullptr) {
+        return bad_parameter(__func__, "selection");
+    }
+    if (loan == nullptr || count == nullptr) {
+        return bad_parameter(__func__, "received_data");
+    }
+    if (info_seq == nullptr) {
+        return bad_parameter(__func__, "info_seq");
+    }
     *loan = nullptr;
     *count = 0;
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        if (!reader.is_enabled()) return not_enabled(method);
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
         DDS_ReturnCode_t result = check_selection(reader, *selection, method);
         if (result == DDS_RETCODE_OK) {
             result = check_sequences(info_seq, data_length, data_maximum, data_owned,
                                      selection->max_samples, method);
         }
-        if (result != DDS_RETCODE_OK) return result;
-        if (data_maximum == 0) return reader.read_loaned(*selection, loan, count, info_seq, method);
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
+        if (data_maximum == 0) {
+            return reader.read_loaned(*selection, loan, count, info_seq, method);
+        }
         if (data_contiguous_buffer == nullptr || element_size == 0) {
             return bad_parameter(method, "received_data");
         }
         result = reader.read_copied(*selection, data_maximum, data_contiguous_buffer, element_size,
                                     count, info_seq, method);
-        if (result != DDS_RETCODE_OK) DDS_SampleInfoSeq_set_length(info_seq, 0);
+        if (result != DDS_RETCODE_OK) {
+            DDS_SampleInfoSeq_set_length(info_seq, 0);
+        }
         return result;
     });
 }
@@ -328,7 +376,9 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
 DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
                                                      DDS_UnsignedLong count,
                                                      DDS_SampleInfoSeq *info_seq) {
-    if (info_seq == nullptr) return bad_parameter(__func__, "info_seq");
+    if (info_seq == nullptr) {
+        return bad_parameter(__func__, "info_seq");
+    }
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
         return reader.return_loan(loan, count, info_seq, method);
     });
@@ -337,17 +387,25 @@ DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void 
 DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DDS_DataReader *self,
                                                                   DDS_Boolean take, void *sample,
                                                                   DDS_SampleInfo *info) {
-    if (sample == nullptr) return bad_parameter(__func__, "received_data");
-    if (info == nullptr) return bad_parameter(__func__, "info");
+    if (sample == nullptr) {
+        return bad_parameter(__func__, "received_data");
+    }
+    if (info == nullptr) {
+        return bad_parameter(__func__, "info");
+    }
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        if (!reader.is_enabled()) return not_enabled(method);
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
         return reader.read_next_sample(take != DDS_BOOLEAN_FALSE, sample, info, method);
     });
 }
 
 DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
                                               DDS_InstanceHandle_t handle) {
-    if (key_holder == nullptr) return bad_parameter(__func__, "key_holder");
+    if (key_holder == nullptr) {
+        return bad_parameter(__func__, "key_holder");
+    }
     return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
         return reader.get_key_value(key_holder, handle, method);
     });
@@ -365,9 +423,15 @@ DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self, const 
 DDS_ReturnCode_t DDS_DataReader_is_data_consistent(DDS_DataReader *self,
                                                    DDS_Boolean *is_data_consistent,
                                                    const void *sample, const DDS_SampleInfo *info) {
-    if (is_data_consistent == nullptr) return bad_parameter(__func__, "is_data_consistent");
-    if (sample == nullptr) return bad_parameter(__func__, "sample");
-    if (info == nullptr) return bad_parameter(__func__, "info");
+    if (is_data_consistent == nullptr) {
+        return bad_parameter(__func__, "is_data_consistent");
+    }
+    if (sample == nullptr) {
+        return bad_parameter(__func__, "sample");
+    }
+    if (info == nullptr) {
+        return bad_parameter(__func__, "info");
+    }
     return with<DataReader>(self, __func__, [&](DataReader &) {
         *is_data_consistent = DDS_BOOLEAN_TRUE;
         return DDS_RETCODE_OK;

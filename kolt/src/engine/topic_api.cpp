@@ -28,17 +28,23 @@ DDS_TopicDescription *DDS_Topic_as_topicdescription(DDS_Topic *self) {
 
 DDS_Topic *DDS_Topic_narrow(DDS_TopicDescription *self) {
     TopicDescription *const topic = TopicDescription::of(self);
-    if (topic == nullptr || topic->kind() != EntityKind::kTopic) return nullptr;
+    if (topic == nullptr || topic->kind() != EntityKind::kTopic) {
+        return nullptr;
+    }
     return static_cast<Topic *>(topic)->handle();
 }
 
 DDS_ReturnCode_t DDS_Topic_get_qos(DDS_Topic *self, DDS_TopicQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Topic>(self, __func__, [&](Topic &topic) { return topic.get_qos(qos); });
 }
 
 DDS_ReturnCode_t DDS_Topic_set_qos(DDS_Topic *self, const DDS_TopicQos *qos) {
-    if (qos == nullptr) return bad_parameter(__func__, "qos");
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
     return with<Topic>(self, __func__, [&, method = __func__](Topic &topic) {
         return topic.set_qos(*qos, method);
     });
@@ -54,7 +60,9 @@ DDS_ReturnCode_t DDS_Topic_set_listener(DDS_Topic *self, const DDS_TopicListener
 
 DDS_ReturnCode_t DDS_Topic_get_inconsistent_topic_status(DDS_Topic *self,
                                                          DDS_InconsistentTopicStatus *status) {
-    if (status == nullptr) return bad_parameter(__func__, "status");
+    if (status == nullptr) {
+        return bad_parameter(__func__, "status");
+    }
     return with<Topic>(self, __func__, [&](Topic &topic) {
         *status = {};
         return topic.is_enabled() ? InconsistentTopic::take(topic.engine(), status)
@@ -68,7 +76,9 @@ DDS_TopicDescription *DDS_ContentFilteredTopic_as_topicdescription(DDS_ContentFi
 
 DDS_ContentFilteredTopic *DDS_ContentFilteredTopic_narrow(DDS_TopicDescription *self) {
     TopicDescription *const topic = TopicDescription::of(self);
-    if (topic == nullptr || topic->kind() != EntityKind::kContentFilteredTopic) return nullptr;
+    if (topic == nullptr || topic->kind() != EntityKind::kContentFilteredTopic) {
+        return nullptr;
+    }
     return static_cast<ContentFilteredTopic *>(topic)->handle();
 }
 
@@ -84,7 +94,9 @@ const char *DDS_ContentFilteredTopic_get_filter_expression(DDS_ContentFilteredTo
 
 DDS_ReturnCode_t DDS_ContentFilteredTopic_get_expression_parameters(DDS_ContentFilteredTopic *self,
                                                                     DDS_StringSeq *parameters) {
-    if (parameters == nullptr) return bad_parameter(__func__, "parameters");
+    if (parameters == nullptr) {
+        return bad_parameter(__func__, "parameters");
+    }
     return with<ContentFilteredTopic>(self, __func__, [&](ContentFilteredTopic &topic) {
         return topic.filter().get_parameters(parameters);
     });
@@ -92,7 +104,9 @@ DDS_ReturnCode_t DDS_ContentFilteredTopic_get_expression_parameters(DDS_ContentF
 
 DDS_ReturnCode_t DDS_ContentFilteredTopic_set_expression_parameters(
     DDS_ContentFilteredTopic *self, const DDS_StringSeq *parameters) {
-    if (parameters == nullptr) return bad_parameter(__func__, "parameters");
+    if (parameters == nullptr) {
+        return bad_parameter(__func__, "parameters");
+    }
     return with<ContentFilteredTopic>(self, __func__,
                                       [&, method = __func__](ContentFilteredTopic &topic) {
                                           return topic.filter().set_parameters(*parameters, method);

@@ -19,7 +19,9 @@ dds_entity_t create_engine_topic(Participant &participant, const Topic &topic, c
     *sertype = Sertype::create(*topic.registered_type());
     const dds_entity_t entity = dds_create_topic_sertype(participant.engine(), topic.name().c_str(),
                                                          sertype, qos, listener, nullptr);
-    if (entity < 0) ddsi_sertype_unref(*sertype);
+    if (entity < 0) {
+        ddsi_sertype_unref(*sertype);
+    }
     return entity;
 }
 
@@ -79,7 +81,9 @@ void Topic::on_inconsistent_topic() {
             l.on_inconsistent_topic(l.listener_data, &handle_, &status);
         }
     };
-    if (!is_enabled()) return;
+    if (!is_enabled()) {
+        return;
+    }
     if (listener_.handle(
             DDS_INCONSISTENT_TOPIC_STATUS,
             [](const DDS_TopicListener &l) { return l.on_inconsistent_topic != nullptr; }, call)) {
@@ -112,9 +116,13 @@ DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
     }
     // The engine wants topics of one name to have one QoS: what it made of the related topic's.
     const EngineQos qos(dds_create_qos());
-    if (qos == nullptr) throw std::bad_alloc();
+    if (qos == nullptr) {
+        throw std::bad_alloc();
+    }
     dds_return_t result = dds_get_qos(related_.engine(), qos.get());
-    if (result < 0) return fail(to_return_code(result), method, "the related topic has no QoS");
+    if (result < 0) {
+        return fail(to_return_code(result), method, "the related topic has no QoS");
+    }
     ddsi_sertype *sertype = nullptr;
     const dds_entity_t entity =
         create_engine_topic(participant(), related_, qos.get(), nullptr, &sertype);

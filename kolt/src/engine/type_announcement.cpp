@@ -17,14 +17,22 @@ namespace {
 // which knows none either, describe the bytes as a structure, which never matches a union, while
 // the types' names do.
 bool holds_mutable_union(const DDS_TypeCode &type, std::set<const DDS_TypeCode *> &seen) {
-    if (!seen.insert(&type).second) return false;
-    if (type.kind == DDS_TK_UNION && type.extensibility == DDS_MUTABLE_EXTENSIBILITY) return true;
+    if (!seen.insert(&type).second) {
+        return false;
+    }
+    if (type.kind == DDS_TK_UNION && type.extensibility == DDS_MUTABLE_EXTENSIBILITY) {
+        return true;
+    }
     if (type.kind == DDS_TK_SEQUENCE || type.kind == DDS_TK_ARRAY) {
         return holds_mutable_union(*type.content_type, seen);
     }
-    if (type.kind != DDS_TK_STRUCT && type.kind != DDS_TK_UNION) return false;
+    if (type.kind != DDS_TK_STRUCT && type.kind != DDS_TK_UNION) {
+        return false;
+    }
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (holds_mutable_union(*type.members[i].type, seen)) return true;
+        if (holds_mutable_union(*type.members[i].type, seen)) {
+            return true;
+        }
     }
     return false;
 }
@@ -46,7 +54,9 @@ std::shared_ptr<const TypeAnnouncement> TypeAnnouncement::create(const DDS_TypeC
         if (description) {
             std::shared_ptr<const TypeAnnouncement> result(
                 new TypeAnnouncement(std::move(*description)));
-            if (result->is_accepted()) return result;
+            if (result->is_accepted()) {
+                return result;
+            }
             problem = "the engine refuses the description";
         }
     }
@@ -72,8 +82,12 @@ bool TypeAnnouncement::is_accepted() const {
     const std::unique_ptr<ddsi_typeinfo_t, void (*)(void *)> info(type_info(), ddsrt_free);
     const std::unique_ptr<ddsi_typemap_t, void (*)(void *)> map(type_map(), ddsrt_free);
     const bool accepted = info != nullptr && map != nullptr && ddsi_typeinfo_valid(info.get());
-    if (info != nullptr) ddsi_typeinfo_fini(info.get());
-    if (map != nullptr) ddsi_typemap_fini(map.get());
+    if (info != nullptr) {
+        ddsi_typeinfo_fini(info.get());
+    }
+    if (map != nullptr) {
+        ddsi_typemap_fini(map.get());
+    }
     return accepted;
 }
 

@@ -102,7 +102,9 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
 DDS_ReturnCode_t DataWriter::set_qos(const DDS_DataWriterQos &qos, const char *method) {
     const DDS_ReturnCode_t result =
         qos_.set(qos, *this, method, [&](const auto &q) { return to_engine(q, *type_); });
-    if (result != DDS_RETCODE_OK) return result;
+    if (result != DDS_RETCODE_OK) {
+        return result;
+    }
     note_qos();
     // Before it is enabled the representation may still change.
     return is_enabled() ? DDS_RETCODE_OK : attach_type(method);
@@ -120,8 +122,12 @@ void DataWriter::dispatch() {
         }
     };
     const auto has = [](const DDS_DataWriterListener &l) { return l.*Kind::kCallback != nullptr; };
-    if (listener_.handle(Kind::kBit, has, call)) return;
-    if (publisher_.listener().handle(Kind::kBit, has, call)) return;
+    if (listener_.handle(Kind::kBit, has, call)) {
+        return;
+    }
+    if (publisher_.listener().handle(Kind::kBit, has, call)) {
+        return;
+    }
     publisher_.participant().listener().handle(
         Kind::kBit,
         [&](const DDS_DomainParticipantListener &l) { return has(l.publisher_listener); },
@@ -130,16 +136,22 @@ void DataWriter::dispatch() {
 
 void DataWriter::dispatch_pending(DDS_StatusMask mask) {
     uint32_t engine_mask = 0;
-    if (dds_get_status_changes(engine(), &engine_mask) < 0) return;
+    if (dds_get_status_changes(engine(), &engine_mask) < 0) {
+        return;
+    }
     const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
     for_each_writer_status([&]<typename Kind>() {
-        if ((changed & Kind::kBit) != 0) dispatch<Kind>();
+        if ((changed & Kind::kBit) != 0) {
+            dispatch<Kind>();
+        }
     });
 }
 
 void DataWriter::set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask) {
     listener_.set(listener, mask);
-    if (listener != nullptr && is_enabled()) dispatch_pending(mask);
+    if (listener != nullptr && is_enabled()) {
+        dispatch_pending(mask);
+    }
 }
 
 // ---- Serialisation ------------------------------------------------------------------------------
@@ -219,7 +231,9 @@ SerdataRef DataWriter::key_payload_of_instance(const KeyBytes &key, const char *
     void *pool_handle = nullptr;
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
     void *const holder = plugin.get_key(endpoint_->data(), &pool_handle);
-    if (holder == nullptr) throw std::bad_alloc();
+    if (holder == nullptr) {
+        throw std::bad_alloc();
+    }
     SerdataRef payload;
     if (KOLT_Cdr_deserialize_key(type_->programs(), canonical->bytes(), canonical->size(),
                                  holder) != DDS_BOOLEAN_FALSE) {
@@ -240,12 +254,16 @@ SerdataRef DataWriter::key_payload_of_instance(const KeyBytes &key, const char *
 
 DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
     const DDS_InstanceHandle_t known = instances_.handle_of(serdata.key().view());
-    if (known != DDS_HANDLE_NIL) return known;
+    if (known != DDS_HANDLE_NIL) {
+        return known;
+    }
     const SerdataView view(&serdata);
     dds_instance_handle_t handle = DDS_HANDLE_NIL;
     // The engine keeps an instance that was registered until the domain goes, and its handle with
     // it; one that was only written may be forgotten between writes.
-    if (dds_register_instance(engine(), &handle, &view) < 0) return DDS_HANDLE_NIL;
+    if (dds_register_instance(engine(), &handle, &view) < 0) {
+        return DDS_HANDLE_NIL;
+    }
     instances_.add(serdata.key().view());
     instances_.set_handle(serdata.key().view(), handle);
     return handle;
@@ -253,20 +271,28 @@ DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
 
 // Instances that were only written have no handle yet; a reader in this process may have told it.
 bool DataWriter::find_instance(DDS_InstanceHandle_t handle, KeyBytes *key) {
-    if (instances_.find(handle, key)) return true;
+    if (instances_.find(handle, key)) {
+        return true;
+    }
     KeyBytes candidate;
     while (instances_.find_without_handle(&candidate)) {
         const SerdataRef serdata(Serdata::from_key(&sertype(), candidate.data(), candidate.size()));
-        if (pin_instance(*serdata) == DDS_HANDLE_NIL) return false;
+        if (pin_instance(*serdata) == DDS_HANDLE_NIL) {
+            return false;
+        }
     }
     return instances_.find(handle, key);
 }
 
 DDS_ReturnCode_t DataWriter::check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
                                           const char *method) {
-    if (handle == DDS_HANDLE_NIL || !type_->is_keyed()) return DDS_RETCODE_OK;
+    if (handle == DDS_HANDLE_NIL || !type_->is_keyed()) {
+        return DDS_RETCODE_OK;
+    }
     KeyBytes key;
-    if (find_instance(handle, &key) && key.view() == serdata.key().view()) return DDS_RETCODE_OK;
+    if (find_instance(handle, &key) && key.view() == serdata.key().view()) {
+        return DDS_RETCODE_OK;
+    }
     return fail(DDS_RETCODE_BAD_PARAMETER, method,
                 "the handle is not that of the sample's instance");
 }
@@ -277,7 +303,9 @@ DDS_InstanceHandle_t DataWriter::register_instance(const void *sample, const DDS
         not_enabled(method);
         return DDS_HANDLE_NIL;
     }
-    if (!type_->is_keyed()) return DDS_HANDLE_NIL;
+    if (!type_->is_keyed()) {
+        return DDS_HANDLE_NIL;
+    }
     const SerdataRef key = key_of(sample);
     if (key == nullptr) {
         fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
@@ -291,15 +319,21 @@ DDS_InstanceHandle_t DataWriter::register_instance(const void *sample, const DDS
 }
 
 DDS_InstanceHandle_t DataWriter::lookup_instance(const void *key_holder) {
-    if (!is_enabled() || !type_->is_keyed()) return DDS_HANDLE_NIL;
+    if (!is_enabled() || !type_->is_keyed()) {
+        return DDS_HANDLE_NIL;
+    }
     const SerdataRef key = key_of(key_holder);
-    if (key == nullptr || !instances_.contains(key->key().view())) return DDS_HANDLE_NIL;
+    if (key == nullptr || !instances_.contains(key->key().view())) {
+        return DDS_HANDLE_NIL;
+    }
     return pin_instance(*key);
 }
 
 DDS_ReturnCode_t DataWriter::get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
                                            const char *method) {
-    if (!is_enabled()) return not_enabled(method);
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
     KeyBytes key;
     if (handle == DDS_HANDLE_NIL || !find_instance(handle, &key)) {
         return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is no instance of this writer");
@@ -323,7 +357,9 @@ DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, uint32_t status_info,
     serdata->timestamp.v = stamped ? to_engine(source_timestamp) : dds_time();
     const dds_return_t result = dds_forwardcdr(engine(), serdata.release());
     const DDS_ReturnCode_t code = to_return_code(result);
-    if (code == DDS_RETCODE_OK) return code;
+    if (code == DDS_RETCODE_OK) {
+        return code;
+    }
     if (code == DDS_RETCODE_TIMEOUT) {  // readers that are slow: no fault of the caller's
         KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
                          method, "no reader made room for the sample within max_blocking_time");
@@ -336,10 +372,14 @@ DDS_ReturnCode_t DataWriter::write_now(const void *sample, const DDS_WriteParams
                                        const char *method) {
     DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
     SerdataRef serdata = serialize(sample, method, &result);
-    if (serdata == nullptr) return result;
+    if (serdata == nullptr) {
+        return result;
+    }
     if (type_->is_keyed()) {
         result = check_handle(*serdata, params.handle, method);
-        if (result != DDS_RETCODE_OK) return result;
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
         instances_.add(serdata->key().view());
     }
     return send(std::move(serdata), 0, params.source_timestamp, method);
@@ -365,15 +405,23 @@ DDS_ReturnCode_t DataWriter::write_deferred(const DDS_WriteParams_t &params, con
 
 DDS_ReturnCode_t DataWriter::write(const void *sample, const DDS_WriteParams_t &params,
                                    const char *method) {
-    if (!is_enabled()) return not_enabled(method);
-    if (deferred_write_ && params.cookie.length != 0) return write_deferred(params, method);
-    if (sample == nullptr) return bad_parameter(method, "sample");
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
+    if (deferred_write_ && params.cookie.length != 0) {
+        return write_deferred(params, method);
+    }
+    if (sample == nullptr) {
+        return bad_parameter(method, "sample");
+    }
     return write_now(sample, params, method);
 }
 
 DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *sample,
                                              const DDS_WriteParams_t &params, const char *method) {
-    if (!is_enabled()) return not_enabled(method);
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
     if (!type_->is_keyed()) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the type has no key");
     }
@@ -381,18 +429,26 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
     SerdataRef payload;
     if (sample != nullptr) {
         payload = key_payload(sample, method, &result);
-        if (payload == nullptr) return result;
+        if (payload == nullptr) {
+            return result;
+        }
         result = check_handle(*payload, params.handle, method);
-        if (result != DDS_RETCODE_OK) return result;
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
     } else {
-        if (params.handle == DDS_HANDLE_NIL) return bad_parameter(method, "sample and handle");
+        if (params.handle == DDS_HANDLE_NIL) {
+            return bad_parameter(method, "sample and handle");
+        }
         KeyBytes key;
         if (!find_instance(params.handle, &key)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                         "the handle is no registered instance");
         }
         payload = key_payload_of_instance(key, method, &result);
-        if (payload == nullptr) return result;
+        if (payload == nullptr) {
+            return result;
+        }
     }
     const std::string key(payload->key().view());
     if (change == InstanceChange::kDispose) {
@@ -405,12 +461,16 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
     const uint32_t status_info =
         NN_STATUSINFO_UNREGISTER | (autodispose_.load() ? NN_STATUSINFO_DISPOSE : 0U);
     result = send(std::move(payload), status_info, params.source_timestamp, method);
-    if (result == DDS_RETCODE_OK) instances_.remove(key);
+    if (result == DDS_RETCODE_OK) {
+        instances_.remove(key);
+    }
     return result;
 }
 
 DDS_ReturnCode_t DataWriter::wait_for_acknowledgments(const DDS_Duration_t &max_wait) {
-    if (!is_enabled()) return not_enabled("DDS_DataWriter_wait_for_acknowledgments");
+    if (!is_enabled()) {
+        return not_enabled("DDS_DataWriter_wait_for_acknowledgments");
+    }
     return to_return_code(dds_wait_for_acks(engine(), to_engine(max_wait)));
 }
 

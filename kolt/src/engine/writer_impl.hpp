@@ -47,7 +47,9 @@ class DataWriter final : public Entity {
     // The engine has an event of this kind. Called on its threads.
     template <typename Kind>
     void on_event() {
-        if (is_enabled()) dispatch<Kind>();
+        if (is_enabled()) {
+            dispatch<Kind>();
+        }
     }
 
     DDS_ReturnCode_t write(const void *sample, const DDS_WriteParams_t &params, const char *method);

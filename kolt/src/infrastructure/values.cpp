@@ -53,7 +53,9 @@ DDS_Boolean DDS_InstanceHandle_is_valid(DDS_InstanceHandle_t handle) {
 }
 
 void DDS_Cookie_t_initialize(DDS_Cookie_t *self) {
-    if (self != nullptr) *self = DDS_Cookie_t{};
+    if (self != nullptr) {
+        *self = DDS_Cookie_t{};
+    }
 }
 
 void DDS_Cookie_t_finalize(DDS_Cookie_t *self) {
@@ -61,20 +63,26 @@ void DDS_Cookie_t_finalize(DDS_Cookie_t *self) {
 }
 
 DDS_Boolean DDS_Cookie_t_copy(DDS_Cookie_t *self, const DDS_Cookie_t *source) {
-    if (self == nullptr || source == nullptr) return DDS_BOOLEAN_FALSE;
+    if (self == nullptr || source == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     *self = *source;
     return DDS_BOOLEAN_TRUE;
 }
 
 DDS_Boolean DDS_Cookie_equals(const DDS_Cookie_t *left, const DDS_Cookie_t *right) {
-    if (left == nullptr || right == nullptr) return DDS_BOOLEAN_FALSE;
+    if (left == nullptr || right == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     return left->length == right->length &&
            std::memcmp(left->value, right->value, CookieSize(*left)) == 0;
 }
 
 DDS_Boolean DDS_Cookie_from_pointer(DDS_Cookie_t *self, const void *pointer) {
     static_assert(sizeof(pointer) <= sizeof(self->value));
-    if (self == nullptr) return DDS_BOOLEAN_FALSE;
+    if (self == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     DDS_Cookie_t_initialize(self);
     std::memcpy(self->value, &pointer, sizeof(pointer));
     self->length = sizeof(pointer);

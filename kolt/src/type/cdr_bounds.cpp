@@ -22,7 +22,9 @@ class Bounds {
         const Op *const end = program_.end(range);
         for (const Op *op = program_.begin(range); op != end; ++op) {
             position = step(*op, position);
-            if (position > kLimit) return kSaturated;
+            if (position > kLimit) {
+                return kSaturated;
+            }
         }
         return position;
     }
@@ -41,17 +43,25 @@ class Bounds {
             case OpCode::kRun:
                 return align(position, op.alignment) + uint64_t{op.count} * op.width;
             case OpCode::kString:
-                if (kMaximum && op.count == kUnbounded) return kSaturated;
+                if (kMaximum && op.count == kUnbounded) {
+                    return kSaturated;
+                }
                 return align(position, 4) + 4 + (kMaximum ? uint64_t{op.count} + 1 : 1);
             case OpCode::kPrimitiveSequence:
                 position = align(position, 4) + 4;
-                if (!kMaximum || op.count == 0) return position;
-                if (op.count == kUnbounded) return kSaturated;
+                if (!kMaximum || op.count == 0) {
+                    return position;
+                }
+                if (op.count == kUnbounded) {
+                    return kSaturated;
+                }
                 return align(position, alignment_of(program_.version, op.width)) +
                        uint64_t{op.count} * op.width;
             case OpCode::kSequence:
                 position = align(position, 4) + 4;
-                if (!kMaximum) return position;
+                if (!kMaximum) {
+                    return position;
+                }
                 return op.count == kUnbounded ? kSaturated : repeat(op.index, op.count, position);
             case OpCode::kElements:
                 return repeat(op.index, op.count, position);
@@ -78,12 +88,18 @@ class Bounds {
 
     uint64_t parameter(const Op &op, uint64_t position) const {
         const bool may_be_absent = (op.flags & (kOpOptional | kOpOptionalOmitted)) != 0;
-        if (!kMaximum && (op.flags & kOpOptionalOmitted) != 0) return position;
+        if (!kMaximum && (op.flags & kOpOptionalOmitted) != 0) {
+            return position;
+        }
         const bool extended = op.constant > kLargestShortId;
         const uint64_t start = align(position, 4) + (extended ? 12 : 4);
-        if (!kMaximum && may_be_absent) return start;
+        if (!kMaximum && may_be_absent) {
+            return start;
+        }
         const uint64_t length = element(op.index, 0);
-        if (length > kLimit) return kSaturated;
+        if (length > kLimit) {
+            return kSaturated;
+        }
         return start + length + (!extended && length > kLargestShortLength ? 8 : 0);
     }
 
@@ -98,16 +114,22 @@ class Bounds {
                 const uint64_t period = i - seen_at[residue];
                 const uint64_t growth = position - seen_position[residue];
                 const uint64_t rounds = (count - i) / period;
-                if (growth > 0 && rounds > kLimit / growth) return kSaturated;
+                if (growth > 0 && rounds > kLimit / growth) {
+                    return kSaturated;
+                }
                 position += rounds * growth;
                 i += rounds * period;
-                for (; i < count; ++i) position = element(index, position);
+                for (; i < count; ++i) {
+                    position = element(index, position);
+                }
                 return position;
             }
             seen_at[residue] = i;
             seen_position[residue] = position;
             position = element(index, position);
-            if (position > kLimit) return kSaturated;
+            if (position > kLimit) {
+                return kSaturated;
+            }
         }
         return position;
     }

@@ -20,7 +20,9 @@ size_t version_index(const Encapsulation &encapsulation) {
 // plain key, under the identifier of the type: that is what the engine's own types send and accept.
 const WriteProgram &writer_of(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
                               Part part) {
-    if (part == Part::kSample) return programs.write[version_index(encapsulation)];
+    if (part == Part::kSample) {
+        return programs.write[version_index(encapsulation)];
+    }
     return encapsulation.version == XcdrVersion::k1 ? programs.write_key1
                                                     : programs.write_plain_key;
 }
@@ -29,7 +31,9 @@ template <bool kSwap>
 bool encode_to(const WriteProgram &program, const void *record, DDS_Octet *buffer, size_t capacity,
                size_t *length) {
     BufferSink<kSwap> sink(buffer, capacity);
-    if (!Writer(program, &sink).write(record)) return false;
+    if (!Writer(program, &sink).write(record)) {
+        return false;
+    }
     *length = sink.position();
     return true;
 }
@@ -42,7 +46,9 @@ bool encode(const WriteProgram &program, bool big_endian, const void *record, DD
 
 bool measure(const WriteProgram &program, const void *record, size_t start, size_t *length) {
     CountSink sink(start);
-    if (!Writer(program, &sink).write(record)) return false;
+    if (!Writer(program, &sink).write(record)) {
+        return false;
+    }
     *length = sink.position() - start;
     return *length < KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED;
 }
@@ -51,7 +57,9 @@ template <bool kSwap>
 bool decode_from(const ReadProgram &program, ReadMode mode, const DDS_Octet *bytes, size_t length,
                  void *record, size_t *left) {
     Reader<kSwap> reader(program, bytes, length, mode);
-    if (!reader.read(record)) return false;
+    if (!reader.read(record)) {
+        return false;
+    }
     *left = reader.left();
     return true;
 }
@@ -71,7 +79,9 @@ bool decode(const ReadProgram &program, ReadMode mode, bool big_endian, const DD
 
 bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
                            Part part, Encapsulation *encapsulation) {
-    if (identifier == KOLT_ENCAPSULATION_INVALID) return false;
+    if (identifier == KOLT_ENCAPSULATION_INVALID) {
+        return false;
+    }
     const auto big = static_cast<uint16_t>(identifier & ~1U);
     encapsulation->big_endian = (identifier & 1U) == 0;
     encapsulation->plain_key = false;
@@ -80,7 +90,9 @@ bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort 
         return true;
     }
     encapsulation->version = XcdrVersion::k2;
-    if (big == programs.encapsulation[1]) return true;
+    if (big == programs.encapsulation[1]) {
+        return true;
+    }
     encapsulation->plain_key = part == Part::kKey && big == KOLT_ENCAPSULATION_CDR2_BE;
     return encapsulation->plain_key;
 }
@@ -129,7 +141,9 @@ bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation
 // that a plain key doesn't pass for a framed one; the reverse could happen.
 bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
                 const DDS_Octet *bytes, size_t length, void *record) {
-    if (!is_keyed(*programs.type)) return true;
+    if (!is_keyed(*programs.type)) {
+        return true;
+    }
     size_t left = 0;
     if (!encapsulation.plain_key &&
         decode(programs.read_key[version_index(encapsulation)], ReadMode::kStrictKeys,
@@ -144,13 +158,17 @@ bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsul
 
 bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
                  size_t *body_length) {
-    if (length < KOLT_ENCAPSULATION_HEADER_SIZE) return false;
+    if (length < KOLT_ENCAPSULATION_HEADER_SIZE) {
+        return false;
+    }
     *identifier = static_cast<DDS_UnsignedShort>((bytes[0] << 8) | bytes[1]);
     *body_length = length - KOLT_ENCAPSULATION_HEADER_SIZE;
     // Bytes that are no multiple of 4 have not got their padding yet, or have lost it already.
     if (*body_length % 4 == 0) {
         const size_t padding = bytes[3] & 3U;
-        if (padding > *body_length) return false;
+        if (padding > *body_length) {
+            return false;
+        }
         *body_length -= padding;
     }
     return true;
@@ -166,8 +184,12 @@ void write_header(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *h
 bool canonical_key(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
                    size_t *length) {
     const size_t capacity = *length;
-    if (encode(programs.write_plain_key, true, record, key, capacity, length)) return true;
-    if (!measure(programs.write_plain_key, record, 0, length)) *length = 0;
+    if (encode(programs.write_plain_key, true, record, key, capacity, length)) {
+        return true;
+    }
+    if (!measure(programs.write_plain_key, record, 0, length)) {
+        *length = 0;
+    }
     return false;
 }
 

@@ -27,7 +27,9 @@ bool validate_array(const DDS_TypeCode &type, int depth) {
     uint64_t count = 1;
     for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
         count *= type.dimensions[i];
-        if (count == 0 || count > INT32_MAX) return malformed(type, "array size out of range");
+        if (count == 0 || count > INT32_MAX) {
+            return malformed(type, "array size out of range");
+        }
     }
     return validate(*type.content_type, depth + 1);
 }
@@ -55,14 +57,18 @@ bool validate_member(const DDS_TypeCode &type, DDS_UnsignedLong index, int depth
     if (member.name == nullptr || member.type == nullptr) {
         return malformed(type, "member without name or type");
     }
-    if (member.id > kMemberIdMask) return malformed(type, "member id out of range");
+    if (member.id > kMemberIdMask) {
+        return malformed(type, "member id out of range");
+    }
     const bool is_union = type.kind == DDS_TK_UNION;
     const bool mutable_union = is_union && type.extensibility == DDS_MUTABLE_EXTENSIBILITY;
     if (mutable_union && member.id == kDiscriminatorId) {
         return malformed(type, "member id 0 belongs to the discriminator");
     }
     for (DDS_UnsignedLong i = 0; i < index; ++i) {
-        if (type.members[i].id == member.id) return malformed(type, "two members with one id");
+        if (type.members[i].id == member.id) {
+            return malformed(type, "two members with one id");
+        }
     }
     if (member.is_optional && (member.is_key || is_union)) {
         return malformed(type, "optional key member or union branch");
@@ -70,7 +76,9 @@ bool validate_member(const DDS_TypeCode &type, DDS_UnsignedLong index, int depth
     if (is_union && member.label_count > 0 && member.labels == nullptr) {
         return malformed(type, "union branch without labels");
     }
-    if (!validate(*member.type, depth + 1)) return false;
+    if (!validate(*member.type, depth + 1)) {
+        return false;
+    }
     const size_t size = member.is_optional ? sizeof(void *) : value_size(*member.type);
     const size_t offset = type.access->member_offsets[index];
     if (offset > type.access->record_size || type.access->record_size - offset < size) {
@@ -85,16 +93,24 @@ bool validate_aggregate(const DDS_TypeCode &type, int depth) {
         (type.member_count > 0 && type.access->member_offsets == nullptr)) {
         return malformed(type, "no sample access information that fits");
     }
-    if (type.member_count > 0 && type.members == nullptr) return malformed(type, "no members");
-    if (type.kind == DDS_TK_UNION && !validate_union(type)) return false;
+    if (type.member_count > 0 && type.members == nullptr) {
+        return malformed(type, "no members");
+    }
+    if (type.kind == DDS_TK_UNION && !validate_union(type)) {
+        return false;
+    }
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (!validate_member(type, i, depth)) return false;
+        if (!validate_member(type, i, depth)) {
+            return false;
+        }
     }
     return true;
 }
 
 bool validate(const DDS_TypeCode &type, int depth) {
-    if (depth > kMaximumDepth) return malformed(type, "nested too deeply");
+    if (depth > kMaximumDepth) {
+        return malformed(type, "nested too deeply");
+    }
     switch (type.kind) {
         case DDS_TK_STRUCT:
         case DDS_TK_UNION:
@@ -123,7 +139,9 @@ bool validate_type_code(const DDS_TypeCode &type) {
 }
 
 Framing framing_of(const DDS_TypeCode &type, const CompileOptions &options) {
-    if (options.force_final) return Framing::kPlain;
+    if (options.force_final) {
+        return Framing::kPlain;
+    }
     const bool second = options.version == XcdrVersion::k2;
     switch (type.extensibility) {
         case DDS_MUTABLE_EXTENSIBILITY:
@@ -144,7 +162,9 @@ uint8_t alignment_of(XcdrVersion version, size_t width) {
 std::vector<DDS_UnsignedLong> select_members(const DDS_TypeCode &type, bool key_only) {
     std::vector<DDS_UnsignedLong> selected;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (!key_only || type.members[i].is_key) selected.push_back(i);
+        if (!key_only || type.members[i].is_key) {
+            selected.push_back(i);
+        }
     }
     if (key_only) {
         std::sort(selected.begin(), selected.end(), [&](DDS_UnsignedLong a, DDS_UnsignedLong b) {

@@ -142,7 +142,9 @@ uint32_t ReadCompiler::add_aggregate(const DDS_TypeCode &type, const Options &op
     }
     std::sort(aggregate.by_id.begin(), aggregate.by_id.end());
     if (!aggregate.is_union && aggregate.framing <= Framing::kDelimited) {
-        for (const ReadMember &member : aggregate.members) flatten(member.op, 0, &aggregate.body);
+        for (const ReadMember &member : aggregate.members) {
+            flatten(member.op, 0, &aggregate.body);
+        }
         aggregate.fixed_size = fixed_size(aggregate.body);
     }
     program_->aggregates.push_back(std::move(aggregate));
@@ -180,7 +182,9 @@ void ReadCompiler::flatten(Op op, size_t offset, std::vector<Op> *body) const {
     if (op.code == OpCode::kAggregate) {
         const Aggregate &nested = program_->aggregates[op.index];
         if (nested.framing == Framing::kPlain && !nested.is_union) {
-            for (const Op &inner : nested.body) flatten(inner, offset + op.offset, body);
+            for (const Op &inner : nested.body) {
+                flatten(inner, offset + op.offset, body);
+            }
             return;
         }
     }
@@ -191,7 +195,9 @@ void ReadCompiler::flatten(Op op, size_t offset, std::vector<Op> *body) const {
 uint32_t ReadCompiler::fixed_size(const std::vector<Op> &body) const {
     uint64_t size = 0;
     for (const Op &op : body) {
-        if (op.code != OpCode::kRun || op.flags != 0) return 0;
+        if (op.code != OpCode::kRun || op.flags != 0) {
+            return 0;
+        }
         const uint64_t mask = op.alignment - 1U;
         size = ((size + mask) & ~mask) + uint64_t{op.count} * op.width;
     }
@@ -208,10 +214,16 @@ size_t ReadCompiler::minimum_size(const Op &op) const {
                        : size_t{op.count} * program_->elements[op.index].minimum_size;
         case OpCode::kAggregate: {
             const Aggregate &aggregate = program_->aggregates[op.index];
-            if (aggregate.framing >= Framing::kDelimited) return 4;
-            if (aggregate.is_union) return aggregate.discriminator.width;
+            if (aggregate.framing >= Framing::kDelimited) {
+                return 4;
+            }
+            if (aggregate.is_union) {
+                return aggregate.discriminator.width;
+            }
             size_t size = 0;
-            for (const ReadMember &member : aggregate.members) size += minimum_size(member.op);
+            for (const ReadMember &member : aggregate.members) {
+                size += minimum_size(member.op);
+            }
             return aggregate.framing == Framing::kOpen ? 0 : size;
         }
         case OpCode::kOptional:

@@ -97,7 +97,9 @@ uint32_t constant_size(const std::vector<Op> &ops) {
 // of their kind.
 bool fits_stretch(const Op &op) {
     constexpr uint32_t kMostBytes = 64;
-    if (op.code == OpCode::kConstants) return true;
+    if (op.code == OpCode::kConstants) {
+        return true;
+    }
     return op.code == OpCode::kRun && op.alignment == 4 && op.count <= kMostBytes / op.width;
 }
 
@@ -200,7 +202,9 @@ void WriteCompiler::add_collection(const DDS_TypeCode &type, size_t offset, cons
     if (width > 0) {
         op.code = is_array ? OpCode::kRun : OpCode::kPrimitiveSequence;
         op.width = static_cast<uint8_t>(width);
-        if (is_array) op.alignment = alignment_of(version_, width);
+        if (is_array) {
+            op.alignment = alignment_of(version_, width);
+        }
     } else {
         Options whole = options;
         whole.key_only = false;
@@ -228,8 +232,12 @@ void WriteCompiler::add_aggregate(const DDS_TypeCode &type, size_t offset, const
     } else {
         add_members(type, offset, options, framing, target);
     }
-    if (framing == Framing::kParameterList1) target->push_back(make_op(OpCode::kSentinel, 0, 4));
-    if (delimited) add_delimited(content, ops);
+    if (framing == Framing::kParameterList1) {
+        target->push_back(make_op(OpCode::kSentinel, 0, 4));
+    }
+    if (delimited) {
+        add_delimited(content, ops);
+    }
 }
 
 void WriteCompiler::add_members(const DDS_TypeCode &type, size_t offset, const Options &options,
@@ -282,7 +290,9 @@ void WriteCompiler::add_union(const DDS_TypeCode &type, size_t offset, const Opt
         for (DDS_UnsignedLong j = 0; j < member.label_count; ++j) {
             selection.cases.emplace_back(member.labels[j], element);
         }
-        if (member.is_default_label) selection.default_element = element;
+        if (member.is_default_label) {
+            selection.default_element = element;
+        }
     }
     program_->selections.push_back(std::move(selection));
     Op op = make_op(OpCode::kSelect, 0, 1);
@@ -302,7 +312,9 @@ LengthCode length_code_of(const DDS_TypeCode &type) {
         case DDS_TK_ARRAY:
             return is_primitive(type.content_type->kind) ? kLengthNext : kLengthShared;
         case DDS_TK_SEQUENCE:
-            if (!is_primitive(type.content_type->kind)) return kLengthShared;
+            if (!is_primitive(type.content_type->kind)) {
+                return kLengthShared;
+            }
             switch (primitive_size(type.content_type->kind)) {
                 case 1:
                     return kLengthShared;
@@ -365,7 +377,9 @@ WriteProgram compile_write(const DDS_TypeCode &type, const CompileOptions &optio
     WriteCompiler compiler(options, &program);
     std::vector<Op> ops;
     // An unkeyed type has an empty key.
-    if (!options.key_only || is_keyed(type)) compiler.add_value(type, 0, options, &ops);
+    if (!options.key_only || is_keyed(type)) {
+        compiler.add_value(type, 0, options, &ops);
+    }
     program.root = compiler.store(ops);
     return program;
 }

@@ -26,7 +26,9 @@ class Cursor {
     }
     bool align(size_t alignment) {
         const size_t gap = padding(alignment);
-        if (gap > left()) return false;
+        if (gap > left()) {
+            return false;
+        }
         at_ += gap;
         return true;
     }
@@ -34,19 +36,25 @@ class Cursor {
     bool at_end(size_t alignment) const { return padding(alignment) >= left(); }
 
     bool skip(size_t size) {
-        if (size > left()) return false;
+        if (size > left()) {
+            return false;
+        }
         at_ += size;
         return true;
     }
     bool words(void *to, size_t count, size_t width) {
         // A division, since the product may not be representable.
-        if (count > left() / width) return false;
+        if (count > left() / width) {
+            return false;
+        }
         copy_words<kSwap>(to, at_, count, width);
         at_ += count * width;
         return true;
     }
     bool skip_words(size_t count, size_t width) {
-        if (count > left() / width) return false;
+        if (count > left() / width) {
+            return false;
+        }
         at_ += count * width;
         return true;
     }
@@ -58,7 +66,9 @@ class Cursor {
         return word32(&size) && open_frame(size, outer);
     }
     bool open_frame(size_t size, const uint8_t **outer) {
-        if (size > left()) return false;
+        if (size > left()) {
+            return false;
+        }
         *outer = end_;
         end_ = at_ + size;
         return true;
@@ -88,17 +98,23 @@ struct MemberHeader {
 template <bool kSwap>
 bool read_parameter_header(Cursor<kSwap> *cursor, MemberHeader *header) {
     uint16_t words[2];
-    if (!cursor->align(4) || !cursor->words(words, 2, 2)) return false;
+    if (!cursor->align(4) || !cursor->words(words, 2, 2)) {
+        return false;
+    }
     const uint16_t pid = words[0] & kPidMask;
     header->must_understand = (words[0] & kPidMustUnderstand) != 0;
     header->sentinel = pid == kPidSentinel;
     header->ignored = pid == kPidIgnore;
     header->id = pid;
-    if (header->sentinel) return true;  // its length says nothing (RTPS 2.3, 9.4.2.11)
+    if (header->sentinel) {
+        return true;  // its length says nothing (RTPS 2.3, 9.4.2.11)
+    }
     header->size = words[1];
     if (pid == kPidExtended) {
         uint32_t extended[2];
-        if (words[1] != sizeof(extended) || !cursor->words(extended, 2, 4)) return false;
+        if (words[1] != sizeof(extended) || !cursor->words(extended, 2, 4)) {
+            return false;
+        }
         header->must_understand =
             header->must_understand || (extended[0] & kExtendedMustUnderstand) != 0;
         header->id = extended[0] & kMemberIdMask;
@@ -114,7 +130,9 @@ bool read_parameter_header(Cursor<kSwap> *cursor, MemberHeader *header) {
 template <bool kSwap>
 bool read_member_header(Cursor<kSwap> *cursor, MemberHeader *header) {
     uint32_t word = 0;
-    if (!cursor->word32(&word)) return false;
+    if (!cursor->word32(&word)) {
+        return false;
+    }
     header->must_understand = (word & kEmheaderMustUnderstand) != 0;
     header->id = word & kMemberIdMask;
     const auto code = (word >> kEmheaderLengthShift) & 7U;
@@ -122,7 +140,9 @@ bool read_member_header(Cursor<kSwap> *cursor, MemberHeader *header) {
         header->size = size_t{1} << code;
     } else {
         uint32_t next = 0;
-        if (!cursor->words(&next, 1, 4)) return false;
+        if (!cursor->words(&next, 1, 4)) {
+            return false;
+        }
         static constexpr unsigned kShifts[] = {0, 0, 2, 3};
         uint64_t size = uint64_t{next} << kShifts[code - kLengthNext];
         if (code >= kLengthShared) {

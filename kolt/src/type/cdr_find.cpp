@@ -17,19 +17,29 @@ bool default_value(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
     for (size_t i = 0; i < path_length; ++i) {
         const bool is_collection = type->kind == DDS_TK_ARRAY || type->kind == DDS_TK_SEQUENCE;
         if (path[i].is_element != 0) {
-            if (!is_collection) return false;
+            if (!is_collection) {
+                return false;
+            }
             // A sequence that is absent is empty.
-            if (type->kind == DDS_TK_SEQUENCE || path[i].index >= element_count(*type)) return true;
+            if (type->kind == DDS_TK_SEQUENCE || path[i].index >= element_count(*type)) {
+                return true;
+            }
             type = type->content_type;
         } else {
-            if (type->kind != DDS_TK_STRUCT && type->kind != DDS_TK_UNION) return false;
-            if (path[i].index >= type->member_count) return false;
+            if (type->kind != DDS_TK_STRUCT && type->kind != DDS_TK_UNION) {
+                return false;
+            }
+            if (path[i].index >= type->member_count) {
+                return false;
+            }
             member = &type->members[path[i].index];
             if (type->kind == DDS_TK_UNION &&
                 selected_member(*type, type->default_discriminator) != path[i].index) {
                 return true;
             }
-            if (member->is_optional) return true;
+            if (member->is_optional) {
+                return true;
+            }
             type = member->type;
         }
     }
@@ -101,7 +111,9 @@ class Finder {
     }
 
     const KOLT_CdrPathStep *take_step(bool element) {
-        if (left_ == 0 || (path_->is_element != 0) != element) return nullptr;
+        if (left_ == 0 || (path_->is_element != 0) != element) {
+            return nullptr;
+        }
         --left_;
         return path_++;
     }
@@ -117,14 +129,20 @@ class Finder {
 
     bool at_aggregate(const Aggregate &aggregate) {
         const KOLT_CdrPathStep *const step = take_step(false);
-        if (step == nullptr || step->index >= type_->member_count) return false;
+        if (step == nullptr || step->index >= type_->member_count) {
+            return false;
+        }
         const uint8_t *outer = nullptr;
         const bool counted = aggregate.framing == Framing::kDelimited ||
                              aggregate.framing == Framing::kParameterList2;
-        if (counted && !cursor_.open_count(&outer)) return false;
+        if (counted && !cursor_.open_count(&outer)) {
+            return false;
+        }
         const bool parameters = aggregate.framing == Framing::kParameterList1 ||
                                 aggregate.framing == Framing::kParameterList2;
-        if (aggregate.is_union) return in_union(aggregate, step->index, parameters);
+        if (aggregate.is_union) {
+            return in_union(aggregate, step->index, parameters);
+        }
         return parameters ? in_parameters(aggregate, step->index)
                           : in_members(aggregate, step->index);
     }
@@ -142,7 +160,9 @@ class Finder {
                 enter(aggregate, index);
                 return absent ? take_absent() : at(member.op);
             }
-            if (!skipper_.skip(member.op)) return false;
+            if (!skipper_.skip(member.op)) {
+                return false;
+            }
         }
         return false;
     }
@@ -165,10 +185,14 @@ class Finder {
                 return take_absent();
             }
             if (header.ignored || header.id != id) {
-                if (!cursor_.skip(header.size)) return false;
+                if (!cursor_.skip(header.size)) {
+                    return false;
+                }
                 continue;
             }
-            if (!frame(header.size)) return false;
+            if (!frame(header.size)) {
+                return false;
+            }
             enter(aggregate, index);
             return at(aggregate.members[index].op);
         }
@@ -177,8 +201,12 @@ class Finder {
     // Narrows the cursor for good: the field is inside.
     bool frame(size_t size) {
         const uint8_t *outer = nullptr;
-        if (!cursor_.open_frame(size, &outer)) return false;
-        if (program_.version == XcdrVersion::k1) cursor_.set_origin(cursor_.at());
+        if (!cursor_.open_frame(size, &outer)) {
+            return false;
+        }
+        if (program_.version == XcdrVersion::k1) {
+            cursor_.set_origin(cursor_.at());
+        }
         return true;
     }
 
@@ -186,17 +214,27 @@ class Finder {
         const Op &op = aggregate.discriminator;
         if (parameters) {
             MemberHeader header;
-            if (!find_discriminator(aggregate, &header) || header.size < op.width) return false;
+            if (!find_discriminator(aggregate, &header) || header.size < op.width) {
+                return false;
+            }
             const uint8_t *const next = cursor_.at() + header.size;
             uint64_t storage = 0;
-            if (!cursor_.words(&storage, 1, op.width)) return false;
+            if (!cursor_.words(&storage, 1, op.width)) {
+                return false;
+            }
             cursor_.set_at(next);
-            if (!selects(aggregate, &storage, index)) return true;
+            if (!selects(aggregate, &storage, index)) {
+                return true;
+            }
             return in_parameters(aggregate, index);
         }
         uint64_t storage = 0;
-        if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) return false;
-        if (!selects(aggregate, &storage, index)) return true;
+        if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) {
+            return false;
+        }
+        if (!selects(aggregate, &storage, index)) {
+            return true;
+        }
         enter(aggregate, index);
         const ReadMember &member = aggregate.members[index];
         const bool open = aggregate.framing != Framing::kPlain;
@@ -213,8 +251,12 @@ class Finder {
                 header->sentinel) {
                 return false;
             }
-            if (!header->ignored && header->id == aggregate.discriminator_id) return true;
-            if (!cursor_.skip(header->size)) return false;
+            if (!header->ignored && header->id == aggregate.discriminator_id) {
+                return true;
+            }
+            if (!cursor_.skip(header->size)) {
+                return false;
+            }
         }
     }
 
@@ -231,19 +273,27 @@ class Finder {
                 header.id != op.constant) {
                 return false;
             }
-            if (header.size == 0) return take_absent();
+            if (header.size == 0) {
+                return take_absent();
+            }
             return frame(header.size) && at(program_.elements[op.index].op);
         }
         uint8_t present = 0;
-        if (!cursor_.words(&present, 1, 1)) return false;
+        if (!cursor_.words(&present, 1, 1)) {
+            return false;
+        }
         return present == 0 ? take_absent() : at(program_.elements[op.index].op);
     }
 
     // An array of primitives.
     bool at_words(const Op &op) {
         const KOLT_CdrPathStep *const step = take_step(true);
-        if (step == nullptr || !open_dheader(op)) return false;
-        if (step->index >= op.count) return true;
+        if (step == nullptr || !open_dheader(op)) {
+            return false;
+        }
+        if (step->index >= op.count) {
+            return true;
+        }
         type_ = type_->content_type;
         return cursor_.align(op.alignment) && cursor_.skip_words(step->index, op.width) && leaf(op);
     }
@@ -255,10 +305,16 @@ class Finder {
 
     bool at_elements(const Op &op) {
         const KOLT_CdrPathStep *const step = take_step(true);
-        if (step == nullptr || !open_dheader(op)) return false;
+        if (step == nullptr || !open_dheader(op)) {
+            return false;
+        }
         uint32_t count = op.count;
-        if (op.code != OpCode::kElements && !cursor_.word32(&count)) return false;
-        if (step->index >= count) return true;
+        if (op.code != OpCode::kElements && !cursor_.word32(&count)) {
+            return false;
+        }
+        if (step->index >= count) {
+            return true;
+        }
         type_ = type_->content_type;
         const Op &element = program_.elements[op.index].op;
         if (op.code == OpCode::kPrimitiveSequence) {
@@ -269,8 +325,12 @@ class Finder {
     }
 
     bool leaf(const Op &op) {
-        if (left_ > 0) return false;
-        if (type_->kind == DDS_TK_STRING) return string_leaf();
+        if (left_ > 0) {
+            return false;
+        }
+        if (type_->kind == DDS_TK_STRING) {
+            return string_leaf();
+        }
         uint64_t storage = 0;
         if (!cursor_.align(alignment_of(program_.version, op.width)) ||
             !cursor_.words(&storage, 1, op.width)) {
@@ -291,10 +351,16 @@ class Finder {
 
     bool string_leaf() {
         uint32_t size = 0;
-        if (!cursor_.word32(&size) || size > cursor_.left()) return false;
+        if (!cursor_.word32(&size) || size > cursor_.left()) {
+            return false;
+        }
         const auto *const text = reinterpret_cast<const char *>(cursor_.at());
-        if (size > 0 && text[size - 1] != '\0') return false;
-        if (type_->bound > 0 && size > size_t{type_->bound} + 1) return false;
+        if (size > 0 && text[size - 1] != '\0') {
+            return false;
+        }
+        if (type_->bound > 0 && size > size_t{type_->bound} + 1) {
+            return false;
+        }
         value_->kind = DDS_TK_STRING;
         value_->value.string.characters = text;
         // A string ends at its first NUL, wherever its length ends.

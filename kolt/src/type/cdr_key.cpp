@@ -58,15 +58,21 @@ DDS_UnsignedLong KOLT_Cdr_key_max_size(const KOLT_TypePrograms *self) {
 
 DDS_Boolean KOLT_Cdr_key_of_record(const KOLT_TypePrograms *self, const void *record,
                                    DDS_Octet *key, size_t *length) {
-    if (self == nullptr || record == nullptr || length == nullptr) return DDS_BOOLEAN_FALSE;
-    if (key == nullptr) *length = 0;
+    if (self == nullptr || record == nullptr || length == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
+    if (key == nullptr) {
+        *length = 0;
+    }
     return kolt::type::canonical_key(*self, record, key, length);
 }
 
 DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
                                        size_t length, DDS_Boolean is_key_only, DDS_Octet *key,
                                        size_t *key_length) {
-    if (self == nullptr || bytes == nullptr || key_length == nullptr) return DDS_BOOLEAN_FALSE;
+    if (self == nullptr || bytes == nullptr || key_length == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     const Part part = is_key_only ? Part::kKey : Part::kSample;
     DDS_UnsignedShort identifier = 0;
     size_t body = 0;
@@ -76,7 +82,9 @@ DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_
         return DDS_BOOLEAN_FALSE;
     }
     ScratchRecord scratch(*self);
-    if (scratch.record() == nullptr) return DDS_BOOLEAN_FALSE;
+    if (scratch.record() == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     const auto decode = is_key_only ? kolt::type::decode_key : kolt::type::decode_key_of_sample;
     if (!decode(*self, encapsulation, bytes + KOLT_ENCAPSULATION_HEADER_SIZE, body,
                 scratch.record())) {
@@ -87,15 +95,23 @@ DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_
 
 void KOLT_Cdr_keyhash(const KOLT_TypePrograms *self, const DDS_Octet *key, size_t key_length,
                       DDS_Boolean force_md5, DDS_Octet hash[16]) {
-    if (hash == nullptr) return;
+    if (hash == nullptr) {
+        return;
+    }
     std::memset(hash, 0, kKeyHashSize);
-    if (self == nullptr || (key == nullptr && key_length > 0)) return;
+    if (self == nullptr || (key == nullptr && key_length > 0)) {
+        return;
+    }
     if (!force_md5 && self->key_max_size <= kKeyHashSize && key_length <= kKeyHashSize) {
-        if (key_length > 0) std::memcpy(hash, key, key_length);
+        if (key_length > 0) {
+            std::memcpy(hash, key, key_length);
+        }
         return;
     }
     MD5_CTX context;
     MD5Init(&context);
-    if (key_length > 0) MD5Update(&context, key, key_length);
+    if (key_length > 0) {
+        MD5Update(&context, key, key_length);
+    }
     MD5Final(hash, &context);
 }

@@ -35,7 +35,9 @@ bool owns_memory(const DDS_TypeCode &type) {
         case DDS_TK_STRUCT:
         case DDS_TK_UNION:
             for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-                if (type.members[i].is_optional || owns_memory(*type.members[i].type)) return true;
+                if (type.members[i].is_optional || owns_memory(*type.members[i].type)) {
+                    return true;
+                }
             }
             return false;
         default:
@@ -46,7 +48,9 @@ bool owns_memory(const DDS_TypeCode &type) {
 // Who reads the key members gets all of their values, also what is no key in them.
 bool key_owns_memory(const DDS_TypeCode &type) {
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (type.members[i].is_key && owns_memory(*type.members[i].type)) return true;
+        if (type.members[i].is_key && owns_memory(*type.members[i].type)) {
+            return true;
+        }
     }
     return false;
 }
@@ -59,7 +63,9 @@ std::unique_ptr<KOLT_TypePrograms> compile(const DDS_TypeCode &type) {
     for (size_t i = 0; i < 2; ++i) {
         const DDS_UnsignedShort native =
             DDS_TypeCode_get_native_encapsulation(&type, kRepresentations[i]);
-        if (native == KOLT_ENCAPSULATION_INVALID) continue;
+        if (native == KOLT_ENCAPSULATION_INVALID) {
+            continue;
+        }
         programs->encapsulation[i] = static_cast<DDS_UnsignedShort>(native & ~1U);
         CompileOptions options;
         options.version = i == 0 ? XcdrVersion::k1 : XcdrVersion::k2;
@@ -67,7 +73,9 @@ std::unique_ptr<KOLT_TypePrograms> compile(const DDS_TypeCode &type) {
         programs->read[i] = compile_read(type, options);
         options.key_only = true;
         programs->read_key[i] = compile_read(type, options);
-        if (i == 0) programs->write_key1 = compile_write(type, options);
+        if (i == 0) {
+            programs->write_key1 = compile_write(type, options);
+        }
     }
     CompileOptions canonical;
     canonical.version = XcdrVersion::k2;
@@ -84,7 +92,9 @@ std::unique_ptr<KOLT_TypePrograms> compile(const DDS_TypeCode &type) {
 }  // namespace
 
 const KOLT_TypePrograms *KOLT_TypePrograms_acquire(const DDS_TypeCode *type) {
-    if (type == nullptr) return nullptr;
+    if (type == nullptr) {
+        return nullptr;
+    }
     try {
         ProgramList &list = process_list();
         const std::lock_guard lock(list.mutex);
@@ -94,7 +104,9 @@ const KOLT_TypePrograms *KOLT_TypePrograms_acquire(const DDS_TypeCode *type) {
                 return programs.get();
             }
         }
-        if (!kolt::type::validate_type_code(*type)) return nullptr;
+        if (!kolt::type::validate_type_code(*type)) {
+            return nullptr;
+        }
         list.programs.push_front(compile(*type));
         list.programs.front()->references = 1;
         return list.programs.front().get();
@@ -104,12 +116,16 @@ const KOLT_TypePrograms *KOLT_TypePrograms_acquire(const DDS_TypeCode *type) {
 }
 
 void KOLT_TypePrograms_release(const KOLT_TypePrograms *self) {
-    if (self == nullptr) return;
+    if (self == nullptr) {
+        return;
+    }
     std::unique_ptr<KOLT_TypePrograms> last;
     ProgramList &list = process_list();
     const std::lock_guard lock(list.mutex);
     for (auto entry = list.programs.begin(); entry != list.programs.end(); ++entry) {
-        if (entry->get() != self) continue;
+        if (entry->get() != self) {
+            continue;
+        }
         if (--(*entry)->references == 0) {
             last = std::move(*entry);
             list.programs.erase(entry);

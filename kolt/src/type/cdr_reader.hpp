@@ -15,7 +15,9 @@ namespace kolt::type {
 class SeenMembers {
   public:
     explicit SeenMembers(size_t count) {
-        if (count > small_.size() * 64) large_.resize((count + 63) / 64);
+        if (count > small_.size() * 64) {
+            large_.resize((count + 63) / 64);
+        }
     }
     void set(size_t i) { words()[i / 64] |= uint64_t{1} << (i % 64); }
     bool has(size_t i) const { return (words()[i / 64] >> (i % 64) & 1) != 0; }
@@ -81,7 +83,9 @@ class Reader {
                    cursor_.words(base + op.offset, op.count, op.width);
         }
         const uint8_t *outer = nullptr;
-        if (!cursor_.open_count(&outer)) return false;
+        if (!cursor_.open_count(&outer)) {
+            return false;
+        }
         const bool read = cursor_.words(base + op.offset, op.count, op.width);
         cursor_.close_frame(outer);
         return read;
@@ -89,22 +93,30 @@ class Reader {
 
     bool string(const Op &op, char *base) {
         uint32_t size = 0;
-        if (!cursor_.word32(&size) || size > cursor_.left()) return false;
+        if (!cursor_.word32(&size) || size > cursor_.left()) {
+            return false;
+        }
         const auto *text = reinterpret_cast<const char *>(cursor_.at());
         if (size == 0) {  // not by the standard, yet sent by some for ""
             text = "";
             size = 1;
         } else {
-            if (text[size - 1] != '\0') return false;
+            if (text[size - 1] != '\0') {
+                return false;
+            }
             cursor_.skip(size);
         }
-        if (size - 1 > op.count) return false;
+        if (size - 1 > op.count) {
+            return false;
+        }
         char *const place = base + op.offset;
         auto *buffer = static_cast<char *>(load_pointer(place));
         const bool exact = (op.flags & kOpExactString) != 0;
         if (exact || buffer == nullptr) {
             char *const fresh = DDS_String_alloc(exact ? size - 1 : op.count);
-            if (fresh == nullptr) return false;
+            if (fresh == nullptr) {
+                return false;
+            }
             DDS_String_free(buffer);
             buffer = fresh;
             store_pointer(place, buffer);
@@ -116,24 +128,36 @@ class Reader {
     bool elements(const Op &op, char *first) {
         const uint8_t *outer = nullptr;
         const bool framed = (op.flags & kOpHasDheader) != 0;
-        if (framed && !cursor_.open_count(&outer)) return false;
+        if (framed && !cursor_.open_count(&outer)) {
+            return false;
+        }
         const ReadElement &element = program_.elements[op.index];
         for (size_t i = 0; i < op.count; ++i) {
-            if (!value(element.op, first + i * element.stride, false)) return false;
+            if (!value(element.op, first + i * element.stride, false)) {
+                return false;
+            }
         }
-        if (framed) cursor_.close_frame(outer);
+        if (framed) {
+            cursor_.close_frame(outer);
+        }
         return true;
     }
 
     bool sequence(const Op &op, char *base) {
         const uint8_t *outer = nullptr;
         const bool framed = (op.flags & kOpHasDheader) != 0;
-        if (framed && !cursor_.open_count(&outer)) return false;
+        if (framed && !cursor_.open_count(&outer)) {
+            return false;
+        }
         auto *const sequence = reinterpret_cast<KOLT_Sequence *>(base + op.offset);
         const bool read = op.code == OpCode::kSequence ? sequence_elements(op, sequence)
                                                        : sequence_words(op, sequence);
-        if (!read) return false;
-        if (framed) cursor_.close_frame(outer);
+        if (!read) {
+            return false;
+        }
+        if (framed) {
+            cursor_.close_frame(outer);
+        }
         return true;
     }
 
@@ -147,7 +171,9 @@ class Reader {
         sequence_ensure_initialized(sequence);
         if (count > sequence->_maximum) {
             // What is there need not be copied into the new buffer.
-            if (!sequence_set_length(sequence, ops, 0)) return false;
+            if (!sequence_set_length(sequence, ops, 0)) {
+                return false;
+            }
         }
         return sequence_set_length(sequence, ops, static_cast<DDS_Long>(count));
     }
@@ -161,16 +187,26 @@ class Reader {
 
     bool sequence_words(const Op &op, KOLT_Sequence *sequence) {
         uint32_t count = 0;
-        if (!cursor_.word32(&count)) return false;
-        if (count > 0 && !cursor_.align(alignment_of(program_.version, op.width))) return false;
-        if (!resize(op, sequence, count, op.width)) return false;
-        if (count == 0) return true;
+        if (!cursor_.word32(&count)) {
+            return false;
+        }
+        if (count > 0 && !cursor_.align(alignment_of(program_.version, op.width))) {
+            return false;
+        }
+        if (!resize(op, sequence, count, op.width)) {
+            return false;
+        }
+        if (count == 0) {
+            return true;
+        }
         if (sequence->_contiguous_buffer != nullptr) {
             return cursor_.words(sequence->_contiguous_buffer, count, op.width);
         }
         for (size_t i = 0; i < count; ++i) {
             char *const element = sequence_element_at(sequence, i, op.width);
-            if (element == nullptr || !cursor_.words(element, 1, op.width)) return false;
+            if (element == nullptr || !cursor_.words(element, 1, op.width)) {
+                return false;
+            }
         }
         return true;
     }
@@ -183,7 +219,9 @@ class Reader {
         }
         for (size_t i = 0; i < count; ++i) {
             char *const place = sequence_element_at(sequence, i, element.stride);
-            if (place == nullptr || !value(element.op, place, false)) return false;
+            if (place == nullptr || !value(element.op, place, false)) {
+                return false;
+            }
         }
         return true;
     }
@@ -191,7 +229,9 @@ class Reader {
     bool optional(const Op &op, char *base) {
         if (program_.version == XcdrVersion::k2) {
             uint8_t present = 0;
-            if (!cursor_.words(&present, 1, 1)) return false;
+            if (!cursor_.words(&present, 1, 1)) {
+                return false;
+            }
             return present != 0 ? present_optional(op, base) : absent_optional(op, base);
         }
         MemberHeader header;
@@ -199,7 +239,9 @@ class Reader {
             header.id != op.constant) {
             return false;
         }
-        if (header.size == 0) return absent_optional(op, base);
+        if (header.size == 0) {
+            return absent_optional(op, base);
+        }
         return in_frame(header.size, [&] { return present_optional(op, base); });
     }
 
@@ -216,7 +258,9 @@ class Reader {
         void *target = load_pointer(place);
         if (target == nullptr) {
             target = new_optional(*element.type, kDefaultAllocation);
-            if (target == nullptr) return false;
+            if (target == nullptr) {
+                return false;
+            }
             store_pointer(place, target);
         }
         return value(element.op, static_cast<char *>(target), false);
@@ -226,10 +270,16 @@ class Reader {
     template <typename Function>
     bool in_frame(size_t size, Function &&read) {
         const uint8_t *outer = nullptr;
-        if (!cursor_.open_frame(size, &outer)) return false;
+        if (!cursor_.open_frame(size, &outer)) {
+            return false;
+        }
         const uint8_t *const origin = cursor_.origin();
-        if (program_.version == XcdrVersion::k1) cursor_.set_origin(cursor_.at());
-        if (!read()) return false;
+        if (program_.version == XcdrVersion::k1) {
+            cursor_.set_origin(cursor_.at());
+        }
+        if (!read()) {
+            return false;
+        }
         cursor_.close_frame(outer);
         cursor_.set_origin(origin);
         return true;
@@ -242,9 +292,15 @@ class Reader {
                 return members(aggregate, record, keys_only);
             case Framing::kDelimited: {
                 const uint8_t *outer = nullptr;
-                if (!cursor_.open_count(&outer)) return false;
-                if (!members(aggregate, record, keys_only)) return false;
-                if (mode_ == ReadMode::kStrictKeys && cursor_.left() > 0) return false;
+                if (!cursor_.open_count(&outer)) {
+                    return false;
+                }
+                if (!members(aggregate, record, keys_only)) {
+                    return false;
+                }
+                if (mode_ == ReadMode::kStrictKeys && cursor_.left() > 0) {
+                    return false;
+                }
                 cursor_.close_frame(outer);
                 return true;
             }
@@ -252,8 +308,12 @@ class Reader {
                 return parameters(aggregate, record, keys_only);
             case Framing::kParameterList2: {
                 const uint8_t *outer = nullptr;
-                if (!cursor_.open_count(&outer)) return false;
-                if (!parameters(aggregate, record, keys_only)) return false;
+                if (!cursor_.open_count(&outer)) {
+                    return false;
+                }
+                if (!parameters(aggregate, record, keys_only)) {
+                    return false;
+                }
                 cursor_.close_frame(outer);
                 return true;
             }
@@ -263,7 +323,9 @@ class Reader {
 
     // Members one after the other.
     bool members(const Aggregate &aggregate, char *record, bool keys_only) {
-        if (aggregate.is_union) return plain_union(aggregate, record);
+        if (aggregate.is_union) {
+            return plain_union(aggregate, record);
+        }
         const bool complete = aggregate.framing == Framing::kPlain ||
                               (aggregate.fixed_size > 0 && cursor_.padding(8) == 0 &&
                                aggregate.fixed_size <= cursor_.left()) ||
@@ -271,7 +333,9 @@ class Reader {
                                aggregate.fixed_size <= cursor_.left());
         if (complete && !keys_only) {
             for (const Op &op : aggregate.body) {
-                if (!value(op, record, false)) return false;
+                if (!value(op, record, false)) {
+                    return false;
+                }
             }
             return true;
         }
@@ -290,16 +354,24 @@ class Reader {
 
     bool reset_from(const Aggregate &aggregate, char *record, DDS_UnsignedLong first,
                     bool keys_only) {
-        if (mode_ == ReadMode::kStrictKeys) return false;
+        if (mode_ == ReadMode::kStrictKeys) {
+            return false;
+        }
         for (DDS_UnsignedLong i = first; i < aggregate.type->member_count; ++i) {
-            if (keys_only && !aggregate.type->members[i].is_key) continue;
-            if (!reset_member(*aggregate.type, record, i)) return false;
+            if (keys_only && !aggregate.type->members[i].is_key) {
+                continue;
+            }
+            if (!reset_member(*aggregate.type, record, i)) {
+                return false;
+            }
         }
         return true;
     }
 
     bool discriminator(const Aggregate &aggregate, char *record, DDS_UnsignedLong *selected) {
-        if (!run(aggregate.discriminator, record)) return false;
+        if (!run(aggregate.discriminator, record)) {
+            return false;
+        }
         *selected = selected_member(*aggregate.type, load_discriminator(*aggregate.type, record));
         return true;
     }
@@ -307,8 +379,12 @@ class Reader {
     // A discriminator that selects no branch stays as it came, and no branch follows.
     bool plain_union(const Aggregate &aggregate, char *record) {
         DDS_UnsignedLong selected = 0;
-        if (!discriminator(aggregate, record, &selected)) return false;
-        if (selected == aggregate.type->member_count) return true;
+        if (!discriminator(aggregate, record, &selected)) {
+            return false;
+        }
+        if (selected == aggregate.type->member_count) {
+            return true;
+        }
         const ReadMember &member = aggregate.members[selected];
         if (aggregate.framing != Framing::kPlain && cursor_.at_end(member.op.alignment)) {
             return mode_ != ReadMode::kStrictKeys &&
@@ -321,7 +397,9 @@ class Reader {
     // end.
     bool next_header(const Aggregate &aggregate, MemberHeader *header, bool *done) {
         if (aggregate.framing == Framing::kParameterList1) {
-            if (!read_parameter_header(&cursor_, header)) return false;
+            if (!read_parameter_header(&cursor_, header)) {
+                return false;
+            }
             *done = header->sentinel;
             return true;
         }
@@ -332,29 +410,43 @@ class Reader {
     // Members under headers of their own, in any order. Writers keep the order of declaration, so
     // the member after the last one is tried first.
     bool parameters(const Aggregate &aggregate, char *record, bool keys_only) {
-        if (aggregate.is_union) return parameter_union(aggregate, record);
+        if (aggregate.is_union) {
+            return parameter_union(aggregate, record);
+        }
         SeenMembers seen(aggregate.members.size());
         size_t expected = 0;
         size_t found = 0;
         for (;;) {
             MemberHeader header;
             bool done = false;
-            if (!next_header(aggregate, &header, &done)) return false;
-            if (done) break;
+            if (!next_header(aggregate, &header, &done)) {
+                return false;
+            }
+            if (done) {
+                break;
+            }
             const size_t place = header.ignored ? kNone : find(aggregate, header.id, expected);
             if (place == kNone) {
-                if (header.must_understand && !header.ignored) return false;
-                if (!cursor_.skip(header.size)) return false;
+                if (header.must_understand && !header.ignored) {
+                    return false;
+                }
+                if (!cursor_.skip(header.size)) {
+                    return false;
+                }
                 continue;
             }
             const ReadMember &member = aggregate.members[place];
             expected = place + 1;
             const bool repeated = seen.has(place);
-            if (!repeated) ++found;
+            if (!repeated) {
+                ++found;
+            }
             seen.set(place);
             // The first of several values counts, as it does for who looks for one field.
             if (repeated || (keys_only && !member.is_key)) {
-                if (!cursor_.skip(header.size)) return false;
+                if (!cursor_.skip(header.size)) {
+                    return false;
+                }
                 continue;
             }
             if (!in_frame(header.size, [&] { return value(member.op, record, keys_only); })) {
@@ -378,10 +470,16 @@ class Reader {
                       bool keys_only) {
         for (size_t i = 0; i < aggregate.members.size(); ++i) {
             const ReadMember &member = aggregate.members[i];
-            if (seen.has(i) || (keys_only && !member.is_key)) continue;
+            if (seen.has(i) || (keys_only && !member.is_key)) {
+                continue;
+            }
             const bool optional = aggregate.type->members[member.index].is_optional != 0;
-            if (mode_ == ReadMode::kStrictKeys && !optional) return false;
-            if (!reset_member(*aggregate.type, record, member.index)) return false;
+            if (mode_ == ReadMode::kStrictKeys && !optional) {
+                return false;
+            }
+            if (!reset_member(*aggregate.type, record, member.index)) {
+                return false;
+            }
         }
         return true;
     }
@@ -396,17 +494,25 @@ class Reader {
         for (;;) {
             MemberHeader header;
             bool done = false;
-            if (!next_header(aggregate, &header, &done)) return false;
-            if (done) break;
+            if (!next_header(aggregate, &header, &done)) {
+                return false;
+            }
+            if (done) {
+                break;
+            }
             if (!header.ignored && header.id == aggregate.discriminator_id && !has_discriminator) {
                 has_discriminator = in_frame(
                     header.size, [&] { return discriminator(aggregate, record, &selected); });
-                if (!has_discriminator) return false;
+                if (!has_discriminator) {
+                    return false;
+                }
                 continue;
             }
             const size_t place = header.ignored ? kNone : find(aggregate, header.id, kNone);
             if (place == kNone) {
-                if (header.must_understand && !header.ignored) return false;
+                if (header.must_understand && !header.ignored) {
+                    return false;
+                }
             } else if (!has_discriminator) {
                 return false;
             } else if (aggregate.members[place].index == selected && !has_branch) {
@@ -417,9 +523,13 @@ class Reader {
                 }
                 continue;
             }
-            if (!cursor_.skip(header.size)) return false;
+            if (!cursor_.skip(header.size)) {
+                return false;
+            }
         }
-        if (!has_discriminator) return false;
+        if (!has_discriminator) {
+            return false;
+        }
         return has_branch || selected == no_branch ||
                reset_member(*aggregate.type, record, selected);
     }

@@ -78,15 +78,21 @@ class BufferSink {
 
     bool align(size_t alignment) {
         const size_t padding = (origin_ - position_) & (alignment - 1);
-        if (padding > capacity_ - position_) return false;
-        for (size_t i = 0; i < padding; ++i) buffer_[position_ + i] = 0;
+        if (padding > capacity_ - position_) {
+            return false;
+        }
+        for (size_t i = 0; i < padding; ++i) {
+            buffer_[position_ + i] = 0;
+        }
         position_ += padding;
         return true;
     }
 
     bool words(const void *from, size_t count, size_t width) {
         const size_t size = count * width;
-        if (size > capacity_ - position_) return false;
+        if (size > capacity_ - position_) {
+            return false;
+        }
         copy_words<kSwap>(buffer_ + position_, from, count, width);
         position_ += size;
         return true;
@@ -98,7 +104,9 @@ class BufferSink {
     bool patched(const uint32_t *pattern, size_t count, const StretchField *field,
                  const StretchField *last, const char *record) {
         uint8_t *const start = buffer_ + position_;
-        if (!words(pattern, count, 4)) return false;
+        if (!words(pattern, count, 4)) {
+            return false;
+        }
         for (; field != last; ++field) {
             copy_words<kSwap>(start + field->position, record + field->offset, field->count,
                               field->width);
@@ -114,25 +122,33 @@ class BufferSink {
     // Room for a byte count that CloseCount fills in.
     bool open_count(size_t *mark) {
         *mark = position_;
-        if (4 > capacity_ - position_) return false;
+        if (4 > capacity_ - position_) {
+            return false;
+        }
         position_ += 4;
         return true;
     }
     bool close_count(size_t mark) {
         const size_t size = position_ - mark - 4;
-        if (size > UINT32_MAX) return false;
+        if (size > UINT32_MAX) {
+            return false;
+        }
         store32(mark, static_cast<uint32_t>(size));
         return true;
     }
 
     // The alignment of the value starts anew behind the header of a parameter.
     bool open_parameter(const Op &op, ParameterMark *mark) {
-        if (!align(4)) return false;
+        if (!align(4)) {
+            return false;
+        }
         mark->header = position_;
         mark->origin = origin_;
         mark->extended = op.constant > kLargestShortId;
         const size_t size = mark->extended ? 12 : 4;
-        if (size > capacity_ - position_) return false;
+        if (size > capacity_ - position_) {
+            return false;
+        }
         position_ += size;
         origin_ = position_;
         return true;
@@ -145,9 +161,13 @@ class BufferSink {
         const bool extended = mark.extended || move;
         const size_t start = mark.header + (mark.extended ? 12 : 4);
         const size_t length = position_ - start;
-        if (length > UINT32_MAX) return false;
+        if (length > UINT32_MAX) {
+            return false;
+        }
         if (move) {
-            if (8 > capacity_ - position_) return false;
+            if (8 > capacity_ - position_) {
+                return false;
+            }
             std::memmove(buffer_ + start + 8, buffer_ + start, length);
             position_ += 8;
         }
@@ -167,7 +187,9 @@ class BufferSink {
     }
 
     bool sentinel() {
-        if (!align(4) || 4 > capacity_ - position_) return false;
+        if (!align(4) || 4 > capacity_ - position_) {
+            return false;
+        }
         store16(position_, kPidSentinel);
         store16(position_ + 2, 0);
         position_ += 4;
@@ -223,7 +245,9 @@ class CountSink {
         return true;
     }
     bool close_parameter(const Op &, const ParameterMark &mark) {
-        if (!mark.extended && position_ - origin_ > kLargestShortLength) position_ += 8;
+        if (!mark.extended && position_ - origin_ > kLargestShortLength) {
+            position_ += 8;
+        }
         origin_ = mark.origin;
         return true;
     }

@@ -16,27 +16,39 @@ class Skipper {
     bool skip(const Op &op) {
         switch (op.code) {
             case OpCode::kRun:
-                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
+                if ((op.flags & kOpHasDheader) != 0) {
+                    return skip_delimited();
+                }
                 return cursor_.align(op.alignment) && cursor_.skip_words(op.count, op.width);
             case OpCode::kString: {
                 uint32_t size = 0;
                 return cursor_.word32(&size) && cursor_.skip(size);
             }
             case OpCode::kPrimitiveSequence: {
-                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
+                if ((op.flags & kOpHasDheader) != 0) {
+                    return skip_delimited();
+                }
                 uint32_t count = 0;
-                if (!cursor_.word32(&count)) return false;
-                if (count == 0) return true;
+                if (!cursor_.word32(&count)) {
+                    return false;
+                }
+                if (count == 0) {
+                    return true;
+                }
                 return cursor_.align(alignment_of(program_.version, op.width)) &&
                        cursor_.skip_words(count, op.width);
             }
             case OpCode::kSequence: {
-                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
+                if ((op.flags & kOpHasDheader) != 0) {
+                    return skip_delimited();
+                }
                 uint32_t count = 0;
                 return cursor_.word32(&count) && skip_elements(op.index, count);
             }
             case OpCode::kElements:
-                if ((op.flags & kOpHasDheader) != 0) return skip_delimited();
+                if ((op.flags & kOpHasDheader) != 0) {
+                    return skip_delimited();
+                }
                 return skip_elements(op.index, op.count);
             case OpCode::kAggregate:
                 return skip_aggregate(program_.aggregates[op.index]);
@@ -52,9 +64,13 @@ class Skipper {
     // `count` elements, each of which takes at least a byte.
     bool skip_elements(uint32_t index, uint32_t count) {
         const ReadElement &element = program_.elements[index];
-        if (count > cursor_.left() / element.minimum_size) return false;
+        if (count > cursor_.left() / element.minimum_size) {
+            return false;
+        }
         for (uint32_t i = 0; i < count; ++i) {
-            if (!skip(element.op)) return false;
+            if (!skip(element.op)) {
+                return false;
+            }
         }
         return true;
     }
@@ -71,16 +87,24 @@ class Skipper {
             return read_parameter_header(&cursor_, &header) && cursor_.skip(header.size);
         }
         uint8_t present = 0;
-        if (!cursor_.words(&present, 1, 1)) return false;
+        if (!cursor_.words(&present, 1, 1)) {
+            return false;
+        }
         return present == 0 || skip(program_.elements[op.index].op);
     }
 
     bool skip_parameters() {
         for (;;) {
             MemberHeader header;
-            if (!read_parameter_header(&cursor_, &header)) return false;
-            if (header.sentinel) return true;
-            if (!cursor_.skip(header.size)) return false;
+            if (!read_parameter_header(&cursor_, &header)) {
+                return false;
+            }
+            if (header.sentinel) {
+                return true;
+            }
+            if (!cursor_.skip(header.size)) {
+                return false;
+            }
         }
     }
 
@@ -94,10 +118,16 @@ class Skipper {
             default:
                 break;
         }
-        if (aggregate.is_union) return skip_union(aggregate);
+        if (aggregate.is_union) {
+            return skip_union(aggregate);
+        }
         for (const ReadMember &member : aggregate.members) {
-            if (aggregate.framing == Framing::kOpen && cursor_.at_end(member.op.alignment)) break;
-            if (!skip(member.op)) return false;
+            if (aggregate.framing == Framing::kOpen && cursor_.at_end(member.op.alignment)) {
+                break;
+            }
+            if (!skip(member.op)) {
+                return false;
+            }
         }
         return true;
     }
@@ -105,7 +135,9 @@ class Skipper {
     bool skip_union(const Aggregate &aggregate) {
         const Op &op = aggregate.discriminator;
         uint64_t storage = 0;
-        if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) return false;
+        if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) {
+            return false;
+        }
         const int64_t value = load_integer(aggregate.type->discriminator_type->kind, &storage);
         const DDS_UnsignedLong selected = selected_member(*aggregate.type, value);
         return selected == aggregate.type->member_count || skip(aggregate.members[selected].op);

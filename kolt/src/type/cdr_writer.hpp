@@ -36,7 +36,9 @@ class Writer {
             } else {
                 written = step(*op, base);
             }
-            if (!written) return false;
+            if (!written) {
+                return false;
+            }
         }
         return true;
     }
@@ -79,10 +81,14 @@ class Writer {
 
     bool string(const Op &op, const char *base) {
         const auto *const text = static_cast<const char *>(load_pointer(base + op.offset));
-        if (text == nullptr) return false;
+        if (text == nullptr) {
+            return false;
+        }
         const size_t length =
             op.count == kUnbounded ? std::strlen(text) : strnlen(text, size_t{op.count} + 1);
-        if (length >= UINT32_MAX || length > op.count) return false;
+        if (length >= UINT32_MAX || length > op.count) {
+            return false;
+        }
         return sink_.string(text, static_cast<uint32_t>(length + 1));
     }
 
@@ -97,11 +103,14 @@ class Writer {
         const char *value = base + op.offset;
         if ((op.flags & (kOpOptional | kOpOptionalOmitted)) != 0) {
             value = static_cast<const char *>(load_pointer(value));
-            if (value == nullptr && (op.flags & kOpOptionalOmitted) != 0) return true;
+            if (value == nullptr && (op.flags & kOpOptionalOmitted) != 0) {
+                return true;
+            }
         }
         ParameterMark mark;
         return sink_.open_parameter(op, &mark) &&
-               (value == nullptr || run_element(op.index, value)) && sink_.close_parameter(op, mark);
+               (value == nullptr || run_element(op.index, value)) &&
+               sink_.close_parameter(op, mark);
     }
 
     // The sequence that a record holds: NULL when it does not hold to its rules or bound. One that
@@ -109,10 +118,14 @@ class Writer {
     static const KOLT_Sequence *checked_sequence(const Op &op, const char *base) {
         static constexpr KOLT_Sequence kEmpty = DDS_SEQUENCE_INITIALIZER;
         const auto *const sequence = reinterpret_cast<const KOLT_Sequence *>(base + op.offset);
-        if (sequence->_sequence_init != KOLT_SEQUENCE_MAGIC) return &kEmpty;
+        if (sequence->_sequence_init != KOLT_SEQUENCE_MAGIC) {
+            return &kEmpty;
+        }
         const bool has_buffer =
             sequence->_contiguous_buffer != nullptr || sequence->_discontiguous_buffer != nullptr;
-        if (sequence->_length > op.count || (sequence->_length > 0 && !has_buffer)) return nullptr;
+        if (sequence->_length > op.count || (sequence->_length > 0 && !has_buffer)) {
+            return nullptr;
+        }
         return sequence;
     }
 
@@ -129,14 +142,20 @@ class Writer {
         if (sequence == nullptr || !sink_.align(4) || !sink_.word32(sequence->_length)) {
             return false;
         }
-        if (sequence->_length == 0) return true;
-        if (!sink_.align(alignment_of(program_.version, op.width))) return false;
+        if (sequence->_length == 0) {
+            return true;
+        }
+        if (!sink_.align(alignment_of(program_.version, op.width))) {
+            return false;
+        }
         if (sequence->_contiguous_buffer != nullptr) {
             return sink_.words(sequence->_contiguous_buffer, sequence->_length, op.width);
         }
         for (size_t i = 0; i < sequence->_length; ++i) {
             const char *const element = sequence_element_at(sequence, i, op.width);
-            if (element == nullptr || !sink_.words(element, 1, op.width)) return false;
+            if (element == nullptr || !sink_.words(element, 1, op.width)) {
+                return false;
+            }
         }
         return true;
     }
@@ -149,7 +168,9 @@ class Writer {
         const size_t stride = program_.elements[op.index].stride;
         for (size_t i = 0; i < sequence->_length; ++i) {
             const char *const element = sequence_element_at(sequence, i, stride);
-            if (element == nullptr || !run_element(op.index, element)) return false;
+            if (element == nullptr || !run_element(op.index, element)) {
+                return false;
+            }
         }
         return true;
     }
@@ -157,7 +178,9 @@ class Writer {
     bool elements(const Op &op, const char *first) {
         const WriteElement &element = program_.elements[op.index];
         for (size_t i = 0; i < op.count; ++i) {
-            if (!run(element.ops, first + i * element.stride)) return false;
+            if (!run(element.ops, first + i * element.stride)) {
+                return false;
+            }
         }
         return true;
     }
@@ -167,7 +190,9 @@ class Writer {
         const int64_t discriminator =
             load_integer(selection.discriminator_kind, base + selection.discriminator_offset);
         for (const auto &[label, element] : selection.cases) {
-            if (label == discriminator) return run_element(element, base);
+            if (label == discriminator) {
+                return run_element(element, base);
+            }
         }
         return selection.default_element == kNone || run_element(selection.default_element, base);
     }

@@ -46,7 +46,9 @@ inline bool is_signed(DDS_TCKind kind) {
 
 inline size_t element_count(const DDS_TypeCode &array) {
     size_t count = 1;
-    for (DDS_UnsignedLong i = 0; i < array.dimension_count; ++i) count *= array.dimensions[i];
+    for (DDS_UnsignedLong i = 0; i < array.dimension_count; ++i) {
+        count *= array.dimensions[i];
+    }
     return count;
 }
 
@@ -70,9 +72,13 @@ inline size_t value_size(const DDS_TypeCode &type) {
 }
 
 inline bool is_keyed(const DDS_TypeCode &type) {
-    if (type.kind != DDS_TK_STRUCT) return false;
+    if (type.kind != DDS_TK_STRUCT) {
+        return false;
+    }
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (type.members[i].is_key) return true;
+        if (type.members[i].is_key) {
+            return true;
+        }
     }
     return false;
 }
@@ -96,7 +102,9 @@ inline int64_t load_integer(DDS_TCKind kind, const void *value) {
         return is_signed(kind) ? static_cast<int32_t>(word) : static_cast<int64_t>(word);
     }
     int64_t wide = 0;
-    if (size == 8) std::memcpy(&wide, value, 8);
+    if (size == 8) {
+        std::memcpy(&wide, value, 8);
+    }
     return wide;
 }
 
@@ -130,9 +138,13 @@ inline DDS_UnsignedLong selected_member(const DDS_TypeCode &type, int64_t discri
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         const DDS_TypeCodeMember &member = type.members[i];
         for (DDS_UnsignedLong j = 0; j < member.label_count; ++j) {
-            if (member.labels[j] == discriminator) return i;
+            if (member.labels[j] == discriminator) {
+                return i;
+            }
         }
-        if (member.is_default_label) fallback = i;
+        if (member.is_default_label) {
+            fallback = i;
+        }
     }
     return fallback;
 }

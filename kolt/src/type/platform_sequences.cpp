@@ -23,14 +23,18 @@ KOLT_PLAIN_ELEMENT(DDS_InstanceHandleSeq, DDS_InstanceHandle_t);
 DDS_Boolean initialize_string(void *element, const DDS_TypeAllocationParams_t *params) {
     auto *const string = static_cast<DDS_Char **>(element);
     *string = nullptr;
-    if (!params->allocate_pointers) return DDS_BOOLEAN_TRUE;
+    if (!params->allocate_pointers) {
+        return DDS_BOOLEAN_TRUE;
+    }
     *string = DDS_String_alloc(0);
     return *string != nullptr;
 }
 
 void finalize_string(void *element, const DDS_TypeDeallocationParams_t *params) {
     auto *const string = static_cast<DDS_Char **>(element);
-    if (params->delete_pointers) DDS_String_free(*string);
+    if (params->delete_pointers) {
+        DDS_String_free(*string);
+    }
     *string = nullptr;
 }
 

@@ -38,14 +38,18 @@ KOLT_TypePluginParticipantData *KOLT_TypePlugin_ParticipantData_new(
 }
 
 void KOLT_TypePlugin_ParticipantData_delete(KOLT_TypePluginParticipantData *self) {
-    if (self == nullptr) return;
+    if (self == nullptr) {
+        return;
+    }
     KOLT_TypePrograms_release(self->programs);
     delete self;
 }
 
 void KOLT_TypePlugin_ParticipantData_set_programs(KOLT_TypePluginParticipantData *self,
                                                   const KOLT_TypePrograms *programs) {
-    if (self == nullptr) return;
+    if (self == nullptr) {
+        return;
+    }
     KOLT_TypePrograms_release(self->programs);
     self->programs = programs;
 }
@@ -92,7 +96,9 @@ const KOLT_TypePrograms *KOLT_TypePlugin_EndpointData_programs(
 DDS_Boolean KOLT_TypePlugin_EndpointData_create_md5_stream(KOLT_TypePluginEndpointData *self,
                                                            DDS_UnsignedLong key_max_size,
                                                            DDS_UnsignedLong keyhash_key_max_size) {
-    if (self == nullptr) return DDS_BOOLEAN_FALSE;
+    if (self == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     return no_throw([&] {
         auto stream = std::make_unique<KeyHashStream>();
         stream->key_max_size = key_max_size;
@@ -105,7 +111,9 @@ DDS_Boolean KOLT_TypePlugin_EndpointData_create_md5_stream(KOLT_TypePluginEndpoi
 
 void KOLT_TypePlugin_EndpointData_set_max_size(KOLT_TypePluginEndpointData *self,
                                                DDS_UnsignedLong max_size) {
-    if (self != nullptr) self->max_size = max_size;
+    if (self != nullptr) {
+        self->max_size = max_size;
+    }
 }
 
 DDS_UnsignedLong KOLT_TypePlugin_EndpointData_max_size(const KOLT_TypePluginEndpointData *self) {

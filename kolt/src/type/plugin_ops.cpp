@@ -33,7 +33,9 @@ DDS_Boolean write(KOLT_TypePluginEndpointData *endpoint_data, const void *sample
     }
     const size_t start = stream->position;
     if (with_header) {
-        if (kHeaderSize > stream->length - stream->position) return DDS_BOOLEAN_FALSE;
+        if (kHeaderSize > stream->length - stream->position) {
+            return DDS_BOOLEAN_FALSE;
+        }
         stream->position += kHeaderSize;
     }
     size_t body = 0;
@@ -59,8 +61,12 @@ DDS_Boolean read(KOLT_TypePluginEndpointData *endpoint_data, void **sample,
                  DDS_Boolean *drop_sample, KOLT_CdrStream *stream, bool with_header, bool with_body,
                  Part part, Decoder decode) {
     const KOLT_TypePrograms *const programs = programs_of(endpoint_data);
-    if (drop_sample != nullptr) *drop_sample = DDS_BOOLEAN_FALSE;
-    if (programs == nullptr || !is_usable(stream)) return DDS_BOOLEAN_FALSE;
+    if (drop_sample != nullptr) {
+        *drop_sample = DDS_BOOLEAN_FALSE;
+    }
+    if (programs == nullptr || !is_usable(stream)) {
+        return DDS_BOOLEAN_FALSE;
+    }
     size_t body = stream->length - stream->position;
     if (with_header) {
         if (!kolt::type::read_header(stream->buffer + stream->position, body,
@@ -69,7 +75,9 @@ DDS_Boolean read(KOLT_TypePluginEndpointData *endpoint_data, void **sample,
         }
         stream->position += kHeaderSize;
     }
-    if (!with_body) return DDS_BOOLEAN_TRUE;
+    if (!with_body) {
+        return DDS_BOOLEAN_TRUE;
+    }
     Encapsulation encapsulation;
     if (sample == nullptr || *sample == nullptr ||
         !kolt::type::resolve_encapsulation(*programs, stream->encapsulation, part,
@@ -87,8 +95,12 @@ DDS_Boolean read(KOLT_TypePluginEndpointData *endpoint_data, void **sample,
 bool resolve_for_size(const KOLT_TypePluginEndpointData *endpoint_data,
                       const KOLT_TypePrograms *programs, DDS_UnsignedShort identifier, Part part,
                       Encapsulation *encapsulation) {
-    if (programs == nullptr) return false;
-    if (kolt::type::resolve_encapsulation(*programs, identifier, part, encapsulation)) return true;
+    if (programs == nullptr) {
+        return false;
+    }
+    if (kolt::type::resolve_encapsulation(*programs, identifier, part, encapsulation)) {
+        return true;
+    }
     const DDS_UnsignedShort own =
         DDS_TypeCode_get_native_encapsulation(programs->type, endpoint_data->info.representation);
     const DDS_UnsignedShort any =
@@ -102,14 +114,20 @@ using Bound = uint64_t (*)(const KOLT_TypePrograms &, const Encapsulation &, Par
 DDS_UnsignedLong bound_size(const KOLT_TypePluginEndpointData *endpoint_data, DDS_Boolean *overflow,
                             DDS_Boolean include_encapsulation, DDS_UnsignedShort identifier,
                             DDS_UnsignedLong current_alignment, Part part, Bound bound) {
-    if (overflow != nullptr) *overflow = DDS_BOOLEAN_FALSE;
+    if (overflow != nullptr) {
+        *overflow = DDS_BOOLEAN_FALSE;
+    }
     const KOLT_TypePrograms *const programs = programs_of(endpoint_data);
     Encapsulation encapsulation;
-    if (!resolve_for_size(endpoint_data, programs, identifier, part, &encapsulation)) return 0;
+    if (!resolve_for_size(endpoint_data, programs, identifier, part, &encapsulation)) {
+        return 0;
+    }
     // Alignment is counted from behind the header.
     const size_t start = include_encapsulation ? 0 : current_alignment;
     uint64_t size = bound(*programs, encapsulation, part, start);
-    if (size != UINT64_MAX && include_encapsulation) size += kHeaderSize;
+    if (size != UINT64_MAX && include_encapsulation) {
+        size += kHeaderSize;
+    }
     const DDS_UnsignedLong result = kolt::type::saturate_size(size);
     if (overflow != nullptr && result == KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED) {
         *overflow = DDS_BOOLEAN_TRUE;
@@ -120,7 +138,9 @@ DDS_UnsignedLong bound_size(const KOLT_TypePluginEndpointData *endpoint_data, DD
 }  // namespace
 
 void KOLT_CdrStream_set(KOLT_CdrStream *self, DDS_Octet *buffer, size_t length) {
-    if (self == nullptr) return;
+    if (self == nullptr) {
+        return;
+    }
     *self = {buffer, buffer == nullptr ? 0 : length, 0, KOLT_ENCAPSULATION_INVALID};
 }
 
@@ -129,22 +149,32 @@ void *KOLT_TypePlugin_create_sample(KOLT_TypePluginEndpointData *endpoint_data) 
 }
 
 void KOLT_TypePlugin_destroy_sample(KOLT_TypePluginEndpointData *endpoint_data, void *sample) {
-    if (endpoint_data != nullptr && sample != nullptr) endpoint_data->destroy_data(sample);
+    if (endpoint_data != nullptr && sample != nullptr) {
+        endpoint_data->destroy_data(sample);
+    }
 }
 
 void *KOLT_TypePlugin_get_sample(KOLT_TypePluginEndpointData *endpoint_data, void **handle) {
-    if (handle != nullptr) *handle = nullptr;
+    if (handle != nullptr) {
+        *handle = nullptr;
+    }
     return endpoint_data == nullptr ? nullptr : endpoint_data->samples->get();
 }
 
 void KOLT_TypePlugin_return_sample(KOLT_TypePluginEndpointData *endpoint_data, void *sample,
                                    void *) {
-    if (endpoint_data != nullptr) endpoint_data->samples->give_back(sample);
+    if (endpoint_data != nullptr) {
+        endpoint_data->samples->give_back(sample);
+    }
 }
 
 void *KOLT_TypePlugin_get_key(KOLT_TypePluginEndpointData *endpoint_data, void **handle) {
-    if (handle != nullptr) *handle = nullptr;
-    if (endpoint_data == nullptr || endpoint_data->keys == nullptr) return nullptr;
+    if (handle != nullptr) {
+        *handle = nullptr;
+    }
+    if (endpoint_data == nullptr || endpoint_data->keys == nullptr) {
+        return nullptr;
+    }
     return endpoint_data->keys->get();
 }
 
@@ -161,13 +191,17 @@ DDS_Boolean KOLT_TypePlugin_get_buffer(KOLT_TypePluginEndpointData *endpoint_dat
     }
     size_t capacity = 0;
     DDS_Octet *const bytes = endpoint_data->buffers->get(size, &capacity);
-    if (bytes == nullptr) return DDS_BOOLEAN_FALSE;
+    if (bytes == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     KOLT_CdrStream_set(buffer, bytes, capacity);
     return DDS_BOOLEAN_TRUE;
 }
 
 void KOLT_TypePlugin_return_buffer(KOLT_TypePluginEndpointData *, KOLT_CdrStream *buffer) {
-    if (buffer == nullptr) return;
+    if (buffer == nullptr) {
+        return;
+    }
     BufferPool::give_back(buffer->buffer);
     KOLT_CdrStream_set(buffer, nullptr, 0);
 }
@@ -190,7 +224,9 @@ DDS_Boolean KOLT_TypePlugin_instance_to_keyhash(KOLT_TypePluginEndpointData *end
         kolt::type::KeyHashStream &stream = *endpoint_data->key_hash_stream;
         try {
             const std::lock_guard lock(stream.mutex);
-            if (stream.buffer.size() < length) stream.buffer.resize(length);
+            if (stream.buffer.size() < length) {
+                stream.buffer.resize(length);
+            }
             length = stream.buffer.size();
             if (!KOLT_Cdr_key_of_record(programs, instance, stream.buffer.data(), &length)) {
                 return DDS_BOOLEAN_FALSE;

@@ -13,13 +13,17 @@ RecordPool::RecordPool(Create create, Destroy destroy, size_t idle_limit)
 }
 
 RecordPool::~RecordPool() {
-    for (void *const record : idle_) destroy_(record);
+    for (void *const record : idle_) {
+        destroy_(record);
+    }
 }
 
 bool RecordPool::fill(size_t count) {
     for (size_t i = 0; i < count; ++i) {
         void *const record = create_();
-        if (record == nullptr) return false;
+        if (record == nullptr) {
+            return false;
+        }
         give_back(record);
     }
     return true;
@@ -38,7 +42,9 @@ void *RecordPool::get() {
 }
 
 void RecordPool::give_back(void *record) {
-    if (record == nullptr) return;
+    if (record == nullptr) {
+        return;
+    }
     {
         const std::lock_guard lock(mutex_);
         if (idle_.size() < idle_.capacity()) {
@@ -82,17 +88,23 @@ void BufferPool::release() {
         released_ = true;
         last = outstanding_ == 0;
     }
-    if (last) delete this;
+    if (last) {
+        delete this;
+    }
 }
 
 BufferPool::Block *BufferPool::new_block(size_t size_class, size_t capacity) {
     void *const memory = std::malloc(sizeof(Block) + capacity);
-    if (memory == nullptr) return nullptr;
+    if (memory == nullptr) {
+        return nullptr;
+    }
     return new (memory) Block{this, size_class, nullptr, capacity};
 }
 
 DDS_Octet *BufferPool::get(size_t size, size_t *capacity) {
-    if (largest_ != 0 && size > largest_) return nullptr;
+    if (largest_ != 0 && size > largest_) {
+        return nullptr;
+    }
     size_t size_class = 0;
     size_t rounded = kSmallest;
     while (size_class < kClassCount && rounded < size) {
@@ -111,7 +123,9 @@ DDS_Octet *BufferPool::get(size_t size, size_t *capacity) {
     }
     if (block == nullptr) {
         size_t wanted = size_class < kClassCount ? rounded : size;
-        if (largest_ != 0) wanted = std::min(wanted, largest_);
+        if (largest_ != 0) {
+            wanted = std::min(wanted, largest_);
+        }
         block = new_block(size_class, wanted);
         if (block == nullptr) {
             const std::lock_guard lock(mutex_);
@@ -124,7 +138,9 @@ DDS_Octet *BufferPool::get(size_t size, size_t *capacity) {
 }
 
 void BufferPool::give_back(DDS_Octet *buffer) {
-    if (buffer == nullptr) return;
+    if (buffer == nullptr) {
+        return;
+    }
     Block *const block = Block::of(buffer);
     block->pool->take_back(block);
 }
@@ -144,8 +160,12 @@ void BufferPool::take_back(Block *block) {
         --outstanding_;
         last = released_ && outstanding_ == 0;
     }
-    if (!keep) std::free(block);
-    if (last) delete this;
+    if (!keep) {
+        std::free(block);
+    }
+    if (last) {
+        delete this;
+    }
 }
 
 }  // namespace kolt::type

@@ -47,27 +47,37 @@ void fill_bounded(DDS_Char *buffer, const DDS_Char *text, size_t bound) {
 // An unbounded string fits its buffer exactly: another value takes another buffer.
 bool initialize_unbounded(const DDS_Char *initial, void *value, bool allocate) {
     auto *const old = allocate ? nullptr : static_cast<DDS_Char *>(load_pointer(value));
-    if (!allocate && old == nullptr) return true;
+    if (!allocate && old == nullptr) {
+        return true;
+    }
     if (old != nullptr && initial[0] == '\0') {
         old[0] = '\0';
         return true;
     }
     DDS_Char *const fresh = DDS_String_dup(initial);
-    if (fresh != nullptr || allocate) store_pointer(value, fresh);
-    if (fresh != nullptr) DDS_String_free(old);
+    if (fresh != nullptr || allocate) {
+        store_pointer(value, fresh);
+    }
+    if (fresh != nullptr) {
+        DDS_String_free(old);
+    }
     return fresh != nullptr;
 }
 
 bool initialize_string(const DDS_TypeCode &type, const DDS_TypeCodeMember *member, void *value,
                        bool allocate) {
     const DDS_Char *const initial = default_string(member);
-    if (type.bound == 0) return initialize_unbounded(initial, value, allocate);
+    if (type.bound == 0) {
+        return initialize_unbounded(initial, value, allocate);
+    }
     auto *buffer = static_cast<DDS_Char *>(load_pointer(value));
     if (allocate) {
         buffer = DDS_String_alloc(type.bound);
         store_pointer(value, buffer);
     }
-    if (buffer == nullptr) return !allocate;
+    if (buffer == nullptr) {
+        return !allocate;
+    }
     fill_bounded(buffer, initial, type.bound);
     return true;
 }
@@ -83,7 +93,9 @@ bool initialize_sequence(const DDS_TypeCode &type, void *value,
     sequence_reset(sequence);
     sequence->_elementAllocParams = {params.allocate_pointers, params.allocate_optional_members,
                                      params.allocate_memory};
-    if (type.bound == 0 || type.bound > KOLT_SEQUENCE_ABSOLUTE_MAXIMUM) return true;
+    if (type.bound == 0 || type.bound > KOLT_SEQUENCE_ABSOLUTE_MAXIMUM) {
+        return true;
+    }
     const auto bound = static_cast<DDS_Long>(type.bound);
     return sequence_set_absolute_maximum(sequence, ops, bound) &&
            sequence_set_maximum(sequence, ops, bound);
@@ -93,10 +105,16 @@ bool initialize_member(const DDS_TypeCode &type, void *record, DDS_UnsignedLong 
                        const DDS_TypeAllocationParams_t &params) {
     const DDS_TypeCodeMember &member = type.members[index];
     char *const place = member_address(type, record, index);
-    if (!member.is_optional) return initialize_value(*member.type, &member, place, params);
-    if (!params.allocate_memory) delete_optional(*member.type, load_pointer(place));
+    if (!member.is_optional) {
+        return initialize_value(*member.type, &member, place, params);
+    }
+    if (!params.allocate_memory) {
+        delete_optional(*member.type, load_pointer(place));
+    }
     store_pointer(place, nullptr);
-    if (!params.allocate_optional_members) return true;
+    if (!params.allocate_optional_members) {
+        return true;
+    }
     void *const optional = new_optional(*member.type, params);
     store_pointer(place, optional);
     return optional != nullptr;
@@ -105,7 +123,9 @@ bool initialize_member(const DDS_TypeCode &type, void *record, DDS_UnsignedLong 
 bool initialize_members(const DDS_TypeCode &type, void *record,
                         const DDS_TypeAllocationParams_t &params) {
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-        if (!initialize_member(type, record, i, params)) return false;
+        if (!initialize_member(type, record, i, params)) {
+            return false;
+        }
     }
     return true;
 }
@@ -136,12 +156,16 @@ bool make_missing_strings(const DDS_TypeCode &type, const DDS_TypeCodeMember *me
         case DDS_TK_STRING:
             return load_pointer(value) != nullptr || initialize_string(type, member, value, true);
         case DDS_TK_ARRAY: {
-            if (is_primitive(type.content_type->kind)) return true;
+            if (is_primitive(type.content_type->kind)) {
+                return true;
+            }
             const size_t size = value_size(*type.content_type);
             const size_t count = element_count(type);
             for (size_t i = 0; i < count; ++i) {
                 char *const element = static_cast<char *>(value) + i * size;
-                if (!make_missing_strings(*type.content_type, member, element)) return false;
+                if (!make_missing_strings(*type.content_type, member, element)) {
+                    return false;
+                }
             }
             return true;
         }
@@ -149,9 +173,13 @@ bool make_missing_strings(const DDS_TypeCode &type, const DDS_TypeCodeMember *me
         case DDS_TK_UNION:
             for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
                 const DDS_TypeCodeMember &inner = type.members[i];
-                if (inner.is_optional) continue;
+                if (inner.is_optional) {
+                    continue;
+                }
                 char *const place = member_address(type, value, i);
-                if (!make_missing_strings(*inner.type, &inner, place)) return false;
+                if (!make_missing_strings(*inner.type, &inner, place)) {
+                    return false;
+                }
             }
             return true;
         default:
@@ -189,9 +217,13 @@ TypeCodeElementOps::TypeCodeElementOps(const DDS_TypeCode &type)
     : ElementOps("Sequence", value_size(type), is_primitive(type.kind)), type_(type) {}
 
 bool TypeCodeElementOps::initialize(void *element, const DDS_TypeAllocationParams_t &params) const {
-    if (type_.kind != DDS_TK_STRING) return initialize_value(type_, nullptr, element, params);
+    if (type_.kind != DDS_TK_STRING) {
+        return initialize_value(type_, nullptr, element, params);
+    }
     store_pointer(element, nullptr);
-    if (!params.allocate_pointers) return true;
+    if (!params.allocate_pointers) {
+        return true;
+    }
     DDS_Char *const empty = DDS_String_alloc(0);
     store_pointer(element, empty);
     return empty != nullptr;
@@ -202,12 +234,20 @@ void TypeCodeElementOps::finalize(void *element, const DDS_TypeDeallocationParam
 }
 
 bool TypeCodeElementOps::copy(void *destination, const void *source) const {
-    if (type_.kind != DDS_TK_STRING) return copy_value(type_, destination, source);
+    if (type_.kind != DDS_TK_STRING) {
+        return copy_value(type_, destination, source);
+    }
     const auto *const text = static_cast<const DDS_Char *>(load_pointer(source));
-    if (text == nullptr) return false;
-    if (type_.bound > 0 && strnlen(text, size_t{type_.bound} + 1) > type_.bound) return false;
+    if (text == nullptr) {
+        return false;
+    }
+    if (type_.bound > 0 && strnlen(text, size_t{type_.bound} + 1) > type_.bound) {
+        return false;
+    }
     DDS_Char *const copy = DDS_String_dup(text);
-    if (copy == nullptr) return false;
+    if (copy == nullptr) {
+        return false;
+    }
     DDS_String_free(static_cast<DDS_Char *>(load_pointer(destination)));
     store_pointer(destination, copy);
     return true;
@@ -254,7 +294,9 @@ void finalize_value(const DDS_TypeCode &type, void *value,
             finalize_sequence(type, value, params);
             break;
         case DDS_TK_ARRAY: {
-            if (is_primitive(type.content_type->kind)) break;
+            if (is_primitive(type.content_type->kind)) {
+                break;
+            }
             const size_t size = value_size(*type.content_type);
             const size_t count = element_count(type);
             for (size_t i = 0; i < count; ++i) {
@@ -296,7 +338,9 @@ void *new_optional(const DDS_TypeCode &type, const DDS_TypeAllocationParams_t &p
 }
 
 void delete_optional(const DDS_TypeCode &type, void *value) {
-    if (value == nullptr) return;
+    if (value == nullptr) {
+        return;
+    }
     finalize_value(type, value, kDefaultDeallocation);
     std::free(value);
 }
@@ -305,13 +349,19 @@ void delete_optional(const DDS_TypeCode &type, void *value) {
 
 DDS_Boolean KOLT_Record_initialize_w_params(const DDS_TypeCode *type, void *record,
                                             const DDS_TypeAllocationParams_t *params) {
-    if (type == nullptr || record == nullptr || params == nullptr) return DDS_BOOLEAN_FALSE;
+    if (type == nullptr || record == nullptr || params == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     return kolt::type::initialize_record(*type, record, *params);
 }
 
 void KOLT_Record_finalize_w_params(const DDS_TypeCode *type, void *record,
                                    const DDS_TypeDeallocationParams_t *params) {
-    if (type == nullptr || record == nullptr || params == nullptr) return;
-    if (type->kind != DDS_TK_STRUCT && type->kind != DDS_TK_UNION) return;
+    if (type == nullptr || record == nullptr || params == nullptr) {
+        return;
+    }
+    if (type->kind != DDS_TK_STRUCT && type->kind != DDS_TK_UNION) {
+        return;
+    }
     kolt::type::finalize_members(*type, record, *params);
 }

@@ -9,19 +9,29 @@ namespace {
 bool copy_string(const DDS_TypeCode &type, void *destination, const void *source) {
     const auto *const text = static_cast<const DDS_Char *>(load_pointer(source));
     auto *const buffer = static_cast<DDS_Char *>(load_pointer(destination));
-    if (text == nullptr) return false;
+    if (text == nullptr) {
+        return false;
+    }
     if (type.bound == 0) {
         DDS_Char *const copy = DDS_String_dup(text);
-        if (copy == nullptr) return false;
+        if (copy == nullptr) {
+            return false;
+        }
         DDS_String_free(buffer);
         store_pointer(destination, copy);
         return true;
     }
     // A bounded string has a buffer for its bound, made when the record was initialised.
-    if (buffer == nullptr) return false;
+    if (buffer == nullptr) {
+        return false;
+    }
     const size_t length = strnlen(text, size_t{type.bound} + 1);
-    if (length > type.bound) return false;
-    if (buffer != text) std::memcpy(buffer, text, length + 1);
+    if (length > type.bound) {
+        return false;
+    }
+    if (buffer != text) {
+        std::memcpy(buffer, text, length + 1);
+    }
     return true;
 }
 
@@ -30,7 +40,9 @@ bool copy_member(const DDS_TypeCode &type, void *destination, const void *source
     const DDS_TypeCodeMember &member = type.members[index];
     char *const to = member_address(type, destination, index);
     const char *const from = member_address(type, source, index);
-    if (!member.is_optional) return copy_value(*member.type, to, from);
+    if (!member.is_optional) {
+        return copy_value(*member.type, to, from);
+    }
     const void *const source_value = load_pointer(from);
     void *value = load_pointer(to);
     if (source_value == nullptr) {
@@ -41,7 +53,9 @@ bool copy_member(const DDS_TypeCode &type, void *destination, const void *source
     if (value == nullptr) {
         value = new_optional(*member.type, kDefaultAllocation);
         store_pointer(to, value);
-        if (value == nullptr) return false;
+        if (value == nullptr) {
+            return false;
+        }
     }
     return copy_value(*member.type, value, source_value);
 }
@@ -61,7 +75,9 @@ bool copy_record(const DDS_TypeCode &type, void *destination, const void *source
             return copy_union(type, destination, source);
         case DDS_TK_STRUCT:
             for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-                if (!copy_member(type, destination, source, i)) return false;
+                if (!copy_member(type, destination, source, i)) {
+                    return false;
+                }
             }
             return true;
         case DDS_TK_ENUM:
@@ -75,14 +91,18 @@ bool copy_record(const DDS_TypeCode &type, void *destination, const void *source
 bool copy_key_record(const DDS_TypeCode &type, void *destination, const void *source) {
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         const DDS_TypeCodeMember &member = type.members[i];
-        if (!member.is_key) continue;
+        if (!member.is_key) {
+            continue;
+        }
         // A structure that names no keys of its own is a key as a whole.
         const bool part = !member.is_optional && is_keyed(*member.type);
         const bool copied =
             part ? copy_key_record(*member.type, member_address(type, destination, i),
                                    member_address(type, source, i))
                  : copy_member(type, destination, source, i);
-        if (!copied) return false;
+        if (!copied) {
+            return false;
+        }
     }
     return true;
 }
@@ -97,7 +117,9 @@ bool equal_members(const DDS_TypeCode &type, const void *left, const void *right
     if (member.is_optional) {
         left_value = load_pointer(left_value);
         right_value = load_pointer(right_value);
-        if (left_value == nullptr || right_value == nullptr) return left_value == right_value;
+        if (left_value == nullptr || right_value == nullptr) {
+            return left_value == right_value;
+        }
     }
     return equal_values(*member.type, left_value, right_value);
 }
@@ -105,7 +127,9 @@ bool equal_members(const DDS_TypeCode &type, const void *left, const void *right
 bool equal_strings(const void *left, const void *right) {
     const auto *const left_text = static_cast<const DDS_Char *>(load_pointer(left));
     const auto *const right_text = static_cast<const DDS_Char *>(load_pointer(right));
-    if (left_text == nullptr || right_text == nullptr) return left_text == right_text;
+    if (left_text == nullptr || right_text == nullptr) {
+        return left_text == right_text;
+    }
     return std::strcmp(left_text, right_text) == 0;
 }
 
@@ -114,20 +138,28 @@ bool equal_sequences(const DDS_TypeCode &type, const void *left, const void *rig
     const auto *const right_sequence = static_cast<const KOLT_Sequence *>(right);
     sequence_ensure_initialized(left_sequence);
     sequence_ensure_initialized(right_sequence);
-    if (left_sequence->_length != right_sequence->_length) return false;
+    if (left_sequence->_length != right_sequence->_length) {
+        return false;
+    }
     const TypeCodeElementOps ops(*type.content_type);
     for (size_t i = 0; i < left_sequence->_length; ++i) {
         const void *const left_element = sequence_element(left_sequence, ops, i);
         const void *const right_element = sequence_element(right_sequence, ops, i);
-        if (left_element == nullptr || right_element == nullptr) return false;
-        if (!equal_values(*type.content_type, left_element, right_element)) return false;
+        if (left_element == nullptr || right_element == nullptr) {
+            return false;
+        }
+        if (!equal_values(*type.content_type, left_element, right_element)) {
+            return false;
+        }
     }
     return true;
 }
 
 bool equal_unions(const DDS_TypeCode &type, const void *left, const void *right) {
     const int64_t discriminator = load_discriminator(type, left);
-    if (discriminator != load_discriminator(type, right)) return false;
+    if (discriminator != load_discriminator(type, right)) {
+        return false;
+    }
     const DDS_UnsignedLong selected = selected_member(type, discriminator);
     return selected == type.member_count || equal_members(type, left, right, selected);
 }
@@ -142,7 +174,9 @@ bool equal_values(const DDS_TypeCode &type, const void *left, const void *right)
             return equal_unions(type, left, right);
         case DDS_TK_STRUCT:
             for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
-                if (!equal_members(type, left, right, i)) return false;
+                if (!equal_members(type, left, right, i)) {
+                    return false;
+                }
             }
             return true;
         case DDS_TK_ARRAY: {
@@ -200,17 +234,25 @@ bool copy_value(const DDS_TypeCode &type, void *destination, const void *source)
 }  // namespace kolt::type
 
 DDS_Boolean KOLT_Record_copy(const DDS_TypeCode *type, void *destination, const void *source) {
-    if (type == nullptr || destination == nullptr || source == nullptr) return DDS_BOOLEAN_FALSE;
+    if (type == nullptr || destination == nullptr || source == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     return destination == source || kolt::type::copy_record(*type, destination, source);
 }
 
 DDS_Boolean KOLT_Record_copy_key(const DDS_TypeCode *type, void *destination, const void *source) {
-    if (type == nullptr || destination == nullptr || source == nullptr) return DDS_BOOLEAN_FALSE;
-    if (destination == source) return DDS_BOOLEAN_TRUE;
+    if (type == nullptr || destination == nullptr || source == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
+    if (destination == source) {
+        return DDS_BOOLEAN_TRUE;
+    }
     return type->kind == DDS_TK_STRUCT && kolt::type::copy_key_record(*type, destination, source);
 }
 
 DDS_Boolean KOLT_Record_equals(const DDS_TypeCode *type, const void *left, const void *right) {
-    if (type == nullptr || left == nullptr || right == nullptr) return DDS_BOOLEAN_FALSE;
+    if (type == nullptr || left == nullptr || right == nullptr) {
+        return DDS_BOOLEAN_FALSE;
+    }
     return kolt::type::equal_values(*type, left, right);
 }

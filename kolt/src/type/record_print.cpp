@@ -11,13 +11,17 @@ namespace {
 constexpr int kSpacesPerLevel = 3;
 
 void print_indent(DDS_UnsignedLong indent) {
-    for (DDS_UnsignedLong i = 0; i < indent; ++i) std::printf("%*s", kSpacesPerLevel, "");
+    for (DDS_UnsignedLong i = 0; i < indent; ++i) {
+        std::printf("%*s", kSpacesPerLevel, "");
+    }
 }
 
 // "VUR::DL::X" is the record VUR_DL_X.
 void print_record_name(const char *type_name) {
     for (const char *p = type_name == nullptr ? "" : type_name; *p != '\0'; ++p) {
-        if (p[0] == ':' && p[1] == ':') ++p;
+        if (p[0] == ':' && p[1] == ':') {
+            ++p;
+        }
         std::putchar(*p == ':' ? '_' : *p);
     }
 }
@@ -104,7 +108,9 @@ void print_value(const DDS_TypeCode &type, const void *value, const std::string 
             return;
         case DDS_TK_ARRAY:
         case DDS_TK_SEQUENCE:
-            if (value == nullptr) break;
+            if (value == nullptr) {
+                break;
+            }
             print_elements(type, value, name, indent);
             return;
         default:
@@ -130,14 +136,18 @@ void print_member(const DDS_TypeCode &type, const void *record, DDS_UnsignedLong
                   const char *prefix, DDS_UnsignedLong indent) {
     const DDS_TypeCodeMember &member = type.members[index];
     const void *value = member_address(type, record, index);
-    if (member.is_optional) value = load_pointer(value);
+    if (member.is_optional) {
+        value = load_pointer(value);
+    }
     print_value(*member.type, value, std::string(prefix) + member.name, indent);
 }
 
 void print_record(const DDS_TypeCode &type, const void *record, const char *description,
                   DDS_UnsignedLong indent) {
     print_indent(indent);
-    if (description != nullptr) std::printf("%s:", description);
+    if (description != nullptr) {
+        std::printf("%s:", description);
+    }
     std::putchar('\n');
     if (record == nullptr) {
         std::puts("NULL");
@@ -154,7 +164,9 @@ void print_record(const DDS_TypeCode &type, const void *record, const char *desc
                     static_cast<const char *>(record) + type.access->discriminator_offset, "_d",
                     indent + 1);
         const DDS_UnsignedLong selected = selected_member(type, load_discriminator(type, record));
-        if (selected < type.member_count) print_member(type, record, selected, "_u.", indent + 1);
+        if (selected < type.member_count) {
+            print_member(type, record, selected, "_u.", indent + 1);
+        }
         return;
     }
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
@@ -167,7 +179,9 @@ void print_record(const DDS_TypeCode &type, const void *record, const char *desc
 
 void KOLT_Record_print(const DDS_TypeCode *type, const void *record, const char *description,
                        DDS_UnsignedLong indent) {
-    if (type == nullptr) return;
+    if (type == nullptr) {
+        return;
+    }
     try {
         // One record stays together when several threads print.
         flockfile(stdout);

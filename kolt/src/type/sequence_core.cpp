@@ -28,7 +28,9 @@ class MethodName {
 
 void log_insufficient_space(const ElementOps &ops, const char *operation,
                             DDS_UnsignedLong available, DDS_Long requested) {
-    if (!KOLT_Log_is_enabled(kCategory, kLevel)) return;
+    if (!KOLT_Log_is_enabled(kCategory, kLevel)) {
+        return;
+    }
     KOLT_Log_message(kCategory, kLevel, MethodName(ops, operation).text(),
                      "insufficient space: %u available, %d requested", available, requested);
 }
@@ -45,13 +47,21 @@ bool check_invariants(const KOLT_Sequence *self, const ElementOps &ops, const ch
 
 // What _set_maximum refuses before it touches anything.
 const char *maximum_problem(const KOLT_Sequence *self, DDS_Long new_maximum) {
-    if (!self->_elementAllocParams.allocate_memory) return "allocate_memory must be true";
-    if (new_maximum < 0) return "max size must be positive";
+    if (!self->_elementAllocParams.allocate_memory) {
+        return "allocate_memory must be true";
+    }
+    if (new_maximum < 0) {
+        return "max size must be positive";
+    }
     if (static_cast<DDS_UnsignedLong>(new_maximum) > self->_absolute_maximum) {
         return "new max cannot be larger than absolute maximum";
     }
-    if (!self->_owned) return "buffer must not be loaned";
-    if (self->_discontiguous_buffer != nullptr) return "discontiguous buffer is not NULL!";
+    if (!self->_owned) {
+        return "buffer must not be loaned";
+    }
+    if (self->_discontiguous_buffer != nullptr) {
+        return "discontiguous buffer is not NULL!";
+    }
     return nullptr;
 }
 
@@ -65,7 +75,9 @@ char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count)
         }
         return nullptr;
     }
-    if (ops.plain()) return buffer;
+    if (ops.plain()) {
+        return buffer;
+    }
     const DDS_TypeAllocationParams_t params = allocation_params(self);
     for (size_t i = 0; i < count; ++i) {
         if (!ops.initialize(buffer + i * ops.size(), params)) {
@@ -79,7 +91,9 @@ char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count)
 }
 
 bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, size_t kept) {
-    if (kept == 0) return true;
+    if (kept == 0) {
+        return true;
+    }
     if (self->_contiguous_buffer == nullptr) {
         log_sequence_error(ops, "set_maximum", "inconsistent buffer state");
         return false;
@@ -97,7 +111,9 @@ bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, s
 }  // namespace
 
 void log_sequence_error(const ElementOps &ops, const char *operation, const char *text) {
-    if (!KOLT_Log_is_enabled(kCategory, kLevel)) return;
+    if (!KOLT_Log_is_enabled(kCategory, kLevel)) {
+        return;
+    }
     KOLT_Log_message(kCategory, kLevel, MethodName(ops, operation).text(), "%s", text);
 }
 
@@ -109,8 +125,9 @@ void sequence_reset(KOLT_Sequence *self) {
 void sequence_ensure_initialized(const KOLT_Sequence *self) {
     // Getters take the record as const, yet use may begin with any of them. No record that is
     // itself constant can be uninitialised and of use.
-    if (self->_sequence_init != KOLT_SEQUENCE_MAGIC)
+    if (self->_sequence_init != KOLT_SEQUENCE_MAGIC) {
         sequence_reset(const_cast<KOLT_Sequence *>(self));
+    }
 }
 
 bool sequence_check_invariants(const KOLT_Sequence *self, const char *function_name) {
@@ -130,24 +147,32 @@ bool sequence_check_invariants(const KOLT_Sequence *self, const char *function_n
     } else if (self->_maximum > self->_absolute_maximum) {
         problem = "invariant: maximum > absolute_maximum";
     }
-    if (problem == nullptr) return true;
+    if (problem == nullptr) {
+        return true;
+    }
     KOLT_Log_message(kCategory, kLevel, function_name, "%s", problem);
     return false;
 }
 
 bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum) {
-    if (!check_invariants(self, ops, "set_maximum")) return false;
+    if (!check_invariants(self, ops, "set_maximum")) {
+        return false;
+    }
     if (const char *const problem = maximum_problem(self, new_maximum)) {
         log_sequence_error(ops, "set_maximum", problem);
         return false;
     }
     const auto maximum = static_cast<DDS_UnsignedLong>(new_maximum);
-    if (maximum == self->_maximum) return true;
+    if (maximum == self->_maximum) {
+        return true;
+    }
 
     char *buffer = nullptr;
     if (maximum > 0) {
         buffer = new_buffer(self, ops, maximum);
-        if (buffer == nullptr) return false;
+        if (buffer == nullptr) {
+            return false;
+        }
     }
     const DDS_UnsignedLong kept = std::min(self->_length, maximum);
     if (!copy_kept(self, ops, buffer, kept)) {
@@ -220,7 +245,9 @@ void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, size_t 
 
 bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
                             const KOLT_Sequence *source) {
-    if (self == source) return true;
+    if (self == source) {
+        return true;
+    }
     if (source->_length > KOLT_SEQUENCE_ABSOLUTE_MAXIMUM ||
         !sequence_set_length(self, ops, static_cast<DDS_Long>(source->_length))) {
         return false;
@@ -276,7 +303,9 @@ bool check_loan(const KOLT_Sequence *self, const ElementOps &ops, const char *op
     } else if (static_cast<DDS_UnsignedLong>(new_maximum) > self->_absolute_maximum) {
         problem = "new max cannot be larger than absolute maximum";
     }
-    if (problem == nullptr) return true;
+    if (problem == nullptr) {
+        return true;
+    }
     log_sequence_error(ops, operation, problem);
     return false;
 }
@@ -324,7 +353,9 @@ bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops) {
 
 void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
                             size_t count) {
-    if (buffer == nullptr) return;
+    if (buffer == nullptr) {
+        return;
+    }
     if (!ops.plain()) {
         const DDS_TypeDeallocationParams_t params = {
             self->_elementDeallocParams.delete_pointers,

@@ -24,10 +24,14 @@ class DescribedElementOps final : public ElementOps {
                type_->initialize_w_params(element, &params) != DDS_BOOLEAN_FALSE;
     }
     void finalize(void *element, const DDS_TypeDeallocationParams_t &params) const override {
-        if (type_->finalize_w_params != nullptr) type_->finalize_w_params(element, &params);
+        if (type_->finalize_w_params != nullptr) {
+            type_->finalize_w_params(element, &params);
+        }
     }
     bool copy(void *destination, const void *source) const override {
-        if (type_->copy != nullptr) return type_->copy(destination, source) != DDS_BOOLEAN_FALSE;
+        if (type_->copy != nullptr) {
+            return type_->copy(destination, source) != DDS_BOOLEAN_FALSE;
+        }
         std::memcpy(destination, source, type_->size);
         return true;
     }
@@ -38,7 +42,9 @@ class DescribedElementOps final : public ElementOps {
 
 // False, reported, for a NULL argument called `name`.
 bool require(const void *argument, const ElementOps &ops, const char *operation, const char *name) {
-    if (argument != nullptr) return true;
+    if (argument != nullptr) {
+        return true;
+    }
     static constexpr char kPrefix[] = "bad parameter: ";
     char text[64] = {};
     std::strncpy(text, kPrefix, sizeof(text) - 1);
@@ -49,21 +55,27 @@ bool require(const void *argument, const ElementOps &ops, const char *operation,
 
 // The start of every public operation: `self` is there, and initialised.
 bool open(const KOLT_Sequence *self, const ElementOps &ops, const char *operation) {
-    if (!require(self, ops, operation, "self")) return false;
+    if (!require(self, ops, operation, "self")) {
+        return false;
+    }
     kolt::type::sequence_ensure_initialized(self);
     return true;
 }
 
 bool index_in_range(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
                     DDS_Long index) {
-    if (index >= 0 && static_cast<DDS_UnsignedLong>(index) < self->_length) return true;
+    if (index >= 0 && static_cast<DDS_UnsignedLong>(index) < self->_length) {
+        return true;
+    }
     log_sequence_error(ops, operation, "index out of bounds");
     return false;
 }
 
 bool params_settable(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
                      const char *problem) {
-    if (self->_maximum == 0) return true;
+    if (self->_maximum == 0) {
+        return true;
+    }
     log_sequence_error(ops, operation, problem);
     return false;
 }
@@ -72,7 +84,9 @@ bool params_settable(const KOLT_Sequence *self, const ElementOps &ops, const cha
 
 DDS_Boolean KOLT_Sequence_initialize(KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
     const DescribedElementOps ops(type);
-    if (!require(self, ops, "initialize", "self")) return DDS_BOOLEAN_FALSE;
+    if (!require(self, ops, "initialize", "self")) {
+        return DDS_BOOLEAN_FALSE;
+    }
     kolt::type::sequence_reset(self);
     return DDS_BOOLEAN_TRUE;
 }
@@ -125,28 +139,40 @@ DDS_Boolean KOLT_Sequence_set_absolute_maximum(KOLT_Sequence *self,
 void *KOLT_Sequence_get(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                         DDS_Long index) {
     const DescribedElementOps ops(type);
-    if (!open(self, ops, "get")) return nullptr;
+    if (!open(self, ops, "get")) {
+        return nullptr;
+    }
     if (index_in_range(self, ops, "get", index)) {
         return kolt::type::sequence_element(self, ops, static_cast<size_t>(index));
     }
     // Element 0, valid or not; the pointers of a loan are good for valid elements only.
-    if (self->_contiguous_buffer == nullptr && self->_length == 0) return nullptr;
-    if (self->_maximum == 0) return nullptr;
+    if (self->_contiguous_buffer == nullptr && self->_length == 0) {
+        return nullptr;
+    }
+    if (self->_maximum == 0) {
+        return nullptr;
+    }
     return kolt::type::sequence_element(self, ops, 0);
 }
 
 void *KOLT_Sequence_get_reference(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                   DDS_Long index) {
     const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_reference")) return nullptr;
-    if (!index_in_range(self, ops, "get_reference", index)) return nullptr;
+    if (!open(self, ops, "get_reference")) {
+        return nullptr;
+    }
+    if (!index_in_range(self, ops, "get_reference", index)) {
+        return nullptr;
+    }
     return kolt::type::sequence_element(self, ops, static_cast<size_t>(index));
 }
 
 KOLT_Sequence *KOLT_Sequence_copy(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                   const KOLT_Sequence *source) {
     const DescribedElementOps ops(type);
-    if (!open(self, ops, "copy") || !require(source, ops, "copy", "src")) return nullptr;
+    if (!open(self, ops, "copy") || !require(source, ops, "copy", "src")) {
+        return nullptr;
+    }
     kolt::type::sequence_ensure_initialized(source);
     return kolt::type::sequence_copy(self, ops, source) ? self : nullptr;
 }
@@ -173,7 +199,9 @@ DDS_Boolean KOLT_Sequence_from_array(KOLT_Sequence *self, const KOLT_SequenceEle
                                      const void *array, DDS_Long length) {
     constexpr const char *kOperation = "from_array";
     const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation)) return DDS_BOOLEAN_FALSE;
+    if (!open(self, ops, kOperation)) {
+        return DDS_BOOLEAN_FALSE;
+    }
     KOLT_Sequence loan = DDS_SEQUENCE_INITIALIZER;
     // The loan is only read.
     if (!kolt::type::sequence_loan_contiguous(&loan, ops, const_cast<void *>(array), length,
@@ -182,9 +210,13 @@ DDS_Boolean KOLT_Sequence_from_array(KOLT_Sequence *self, const KOLT_SequenceEle
         return DDS_BOOLEAN_FALSE;
     }
     const bool copied = kolt::type::sequence_copy(self, ops, &loan);
-    if (!copied) log_sequence_error(ops, kOperation, "copy array sequence");
+    if (!copied) {
+        log_sequence_error(ops, kOperation, "copy array sequence");
+    }
     const bool returned = kolt::type::sequence_unloan(&loan, ops);
-    if (!returned) log_sequence_error(ops, kOperation, "unloan contiguous array");
+    if (!returned) {
+        log_sequence_error(ops, kOperation, "unloan contiguous array");
+    }
     return copied && returned;
 }
 
@@ -192,16 +224,22 @@ DDS_Boolean KOLT_Sequence_to_array(const KOLT_Sequence *self, const KOLT_Sequenc
                                    void *array, DDS_Long length) {
     constexpr const char *kOperation = "to_array";
     const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation)) return DDS_BOOLEAN_FALSE;
+    if (!open(self, ops, kOperation)) {
+        return DDS_BOOLEAN_FALSE;
+    }
     KOLT_Sequence loan = DDS_SEQUENCE_INITIALIZER;
     if (!kolt::type::sequence_loan_contiguous(&loan, ops, array, length, length)) {
         log_sequence_error(ops, kOperation, "loan contiguous array");
         return DDS_BOOLEAN_FALSE;
     }
     const bool copied = kolt::type::sequence_copy_no_alloc(&loan, ops, self);
-    if (!copied) log_sequence_error(ops, kOperation, "copying array sequence");
+    if (!copied) {
+        log_sequence_error(ops, kOperation, "copying array sequence");
+    }
     const bool returned = kolt::type::sequence_unloan(&loan, ops);
-    if (!returned) log_sequence_error(ops, kOperation, "unloan contiguous array");
+    if (!returned) {
+        log_sequence_error(ops, kOperation, "unloan contiguous array");
+    }
     return copied && returned;
 }
 
@@ -240,14 +278,18 @@ void **KOLT_Sequence_get_discontiguous_buffer(const KOLT_Sequence *self,
 void *KOLT_Sequence_get_contiguous_bufferI(const KOLT_Sequence *self,
                                            const KOLT_SequenceElementType *type) {
     const DescribedElementOps ops(type);
-    if (!require(self, ops, "get_contiguous_bufferI", "self")) return nullptr;
+    if (!require(self, ops, "get_contiguous_bufferI", "self")) {
+        return nullptr;
+    }
     return self->_contiguous_buffer;
 }
 
 void **KOLT_Sequence_get_discontiguous_bufferI(const KOLT_Sequence *self,
                                                const KOLT_SequenceElementType *type) {
     const DescribedElementOps ops(type);
-    if (!require(self, ops, "get_discontiguous_bufferI", "self")) return nullptr;
+    if (!require(self, ops, "get_discontiguous_bufferI", "self")) {
+        return nullptr;
+    }
     return self->_discontiguous_buffer;
 }
 
@@ -275,7 +317,9 @@ DDS_Boolean KOLT_Sequence_set_element_pointers_allocation(KOLT_Sequence *self,
 DDS_Boolean KOLT_Sequence_get_element_pointers_allocation(const KOLT_Sequence *self,
                                                           const KOLT_SequenceElementType *type) {
     const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_element_pointers_allocation")) return DDS_BOOLEAN_FALSE;
+    if (!open(self, ops, "get_element_pointers_allocation")) {
+        return DDS_BOOLEAN_FALSE;
+    }
     return self->_elementAllocParams.allocate_pointers;
 }
 
@@ -298,7 +342,9 @@ DDS_Boolean KOLT_Sequence_set_element_allocation_params(
 const DDS_SeqElementTypeAllocationParams_t *KOLT_Sequence_get_element_allocation_params(
     const KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
     const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_element_allocation_params")) return nullptr;
+    if (!open(self, ops, "get_element_allocation_params")) {
+        return nullptr;
+    }
     return &self->_elementAllocParams;
 }
 
@@ -317,7 +363,9 @@ DDS_Boolean KOLT_Sequence_set_element_deallocation_params(
 const DDS_SeqElementTypeDeallocationParams_t *KOLT_Sequence_get_element_deallocation_params(
     const KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
     const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_element_deallocation_params")) return nullptr;
+    if (!open(self, ops, "get_element_deallocation_params")) {
+        return nullptr;
+    }
     return &self->_elementDeallocParams;
 }
 
@@ -326,7 +374,9 @@ DDS_Boolean KOLT_Sequence_get_read_tokenI(const KOLT_Sequence *self,
                                           void **token2) {
     constexpr const char *kOperation = "get_read_tokenI";
     const DescribedElementOps ops(type);
-    if (!require(self, ops, kOperation, "self")) return DDS_BOOLEAN_FALSE;
+    if (!require(self, ops, kOperation, "self")) {
+        return DDS_BOOLEAN_FALSE;
+    }
     if (token1 == nullptr || token2 == nullptr) {
         log_sequence_error(ops, kOperation, "token (NULL)");
         return DDS_BOOLEAN_FALSE;
@@ -339,7 +389,9 @@ DDS_Boolean KOLT_Sequence_get_read_tokenI(const KOLT_Sequence *self,
 DDS_Boolean KOLT_Sequence_set_read_tokenI(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                           void *token1, void *token2) {
     const DescribedElementOps ops(type);
-    if (!require(self, ops, "set_read_tokenI", "self")) return DDS_BOOLEAN_FALSE;
+    if (!require(self, ops, "set_read_tokenI", "self")) {
+        return DDS_BOOLEAN_FALSE;
+    }
     self->_read_token1 = token1;
     self->_read_token2 = token2;
     return DDS_BOOLEAN_TRUE;
@@ -348,7 +400,9 @@ DDS_Boolean KOLT_Sequence_set_read_tokenI(KOLT_Sequence *self, const KOLT_Sequen
 void KOLT_Sequence_delete_bufferI(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                   void *buffer, DDS_UnsignedLong count) {
     const DescribedElementOps ops(type);
-    if (!require(self, ops, "delete_bufferI", "self")) return;
+    if (!require(self, ops, "delete_bufferI", "self")) {
+        return;
+    }
     kolt::type::sequence_delete_buffer(self, ops, buffer, count);
 }
 

@@ -20,7 +20,9 @@ std::vector<std::string_view> split(std::string_view name) {
 }
 
 void append(std::string *name, std::string_view part) {
-    if (!name->empty()) *name += kSeparator;
+    if (!name->empty()) {
+        *name += kSeparator;
+    }
     *name += part;
 }
 
@@ -37,17 +39,29 @@ ModuleMove::ModuleMove(std::string_view own_name, std::string_view registered_na
 }
 
 std::string ModuleMove::announced(std::string_view name) const {
-    if (name == own_name_) return std::string(registered_name_);
-    if (!moves_) return std::string(name);
+    if (name == own_name_) {
+        return std::string(registered_name_);
+    }
+    if (!moves_) {
+        return std::string(name);
+    }
     const Modules parts = split(name);
     const size_t limit = std::min(own_.size(), parts.size() - 1);
     size_t common = 0;
-    while (common < limit && own_[common] == parts[common]) ++common;
-    if (common == 0 && !own_.empty()) return std::string(name);  // lies elsewhere
-    const size_t innermost = own_.size() - common;               // that the type does not lie in
+    while (common < limit && own_[common] == parts[common]) {
+        ++common;
+    }
+    if (common == 0 && !own_.empty()) {
+        return std::string(name);  // lies elsewhere
+    }
+    const size_t innermost = own_.size() - common;  // that the type does not lie in
     std::string result;
-    for (size_t i = 0; i + innermost < registered_.size(); ++i) append(&result, registered_[i]);
-    for (size_t i = common; i < parts.size(); ++i) append(&result, parts[i]);
+    for (size_t i = 0; i + innermost < registered_.size(); ++i) {
+        append(&result, registered_[i]);
+    }
+    for (size_t i = common; i < parts.size(); ++i) {
+        append(&result, parts[i]);
+    }
     return result;
 }
 

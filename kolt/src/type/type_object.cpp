@@ -95,7 +95,9 @@ std::optional<TypeDescription> describe_type(const DDS_TypeCode &type, const cha
                                              std::string *problem) {
     const ModuleMove names(type.name == nullptr ? "" : type.name, name);
     *problem = find_objection(type, names);
-    if (!problem->empty()) return std::nullopt;
+    if (!problem->empty()) {
+        return std::nullopt;
+    }
     const TypeTable table(type, names);
     TypeDescription description{write_information(table), write_mapping(table)};
     if (description.information.size() > kMaximumInformationSize) {

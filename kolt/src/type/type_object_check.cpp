@@ -19,11 +19,15 @@ class Inspector {
 
     // Looks at the type and all that it consists of, until the first objection.
     void inspect(const DDS_TypeCode &type) {
-        if (!objection_.empty() || !inspected_.insert(&type).second) return;
+        if (!objection_.empty() || !inspected_.insert(&type).second) {
+            return;
+        }
         if (is_hashed(type)) {
             inspect_named(type);
         } else if (is_collection(type)) {
-            if (type.kind == DDS_TK_ARRAY) inspect_array(type);
+            if (type.kind == DDS_TK_ARRAY) {
+                inspect_array(type);
+            }
             inspect(*type.content_type);
         }
     }
@@ -31,7 +35,9 @@ class Inspector {
 
   private:
     void object(const DDS_TypeCode &type, const std::string &what) {
-        if (!objection_.empty()) return;
+        if (!objection_.empty()) {
+            return;
+        }
         objection_ = type.name == nullptr ? "an unnamed type" : type.name;
         objection_ += ": " + what;
     }
@@ -40,14 +46,18 @@ class Inspector {
         if (type.name == nullptr || !is_name(names_.announced(type.name))) {
             return object(type, "no name of 1 to 256 characters");
         }
-        if (type.member_count == 0 || type.members == nullptr) return object(type, "no members");
+        if (type.member_count == 0 || type.members == nullptr) {
+            return object(type, "no members");
+        }
         const std::span members(type.members, type.member_count);
         for (const DDS_TypeCodeMember &member : members) {
             if (member.name == nullptr || !is_name(member.name)) {
                 return object(type, "a member without a name of 1 to 256 characters");
             }
         }
-        if (type.kind == DDS_TK_ENUM) return inspect_enumeration(type);
+        if (type.kind == DDS_TK_ENUM) {
+            return inspect_enumeration(type);
+        }
         if (type.kind == DDS_TK_UNION) {
             if (std::count_if(members.begin(), members.end(), [](const DDS_TypeCodeMember &branch) {
                     return branch.is_default_label != DDS_BOOLEAN_FALSE;
@@ -56,7 +66,9 @@ class Inspector {
             }
             inspect(*type.discriminator_type);
         }
-        for (const DDS_TypeCodeMember &member : members) inspect(*member.type);
+        for (const DDS_TypeCodeMember &member : members) {
+            inspect(*member.type);
+        }
     }
 
     void inspect_enumeration(const DDS_TypeCode &type) {
@@ -77,7 +89,9 @@ class Inspector {
         for (const DDS_TypeCode *array = &type; array->kind == DDS_TK_ARRAY;
              array = array->content_type) {
             count *= element_count(*array);  // each is below 2^31
-            if (count > UINT32_MAX) return object(type, "too many elements");
+            if (count > UINT32_MAX) {
+                return object(type, "too many elements");
+            }
         }
     }
 

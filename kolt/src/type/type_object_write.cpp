@@ -63,10 +63,16 @@ class ObjectWriter {
         });
         output_.write_sequence(members(type), [&](const DDS_TypeCodeMember &member) {
             uint16_t flags = kTryConstructDiscard;
-            if (member.is_optional) flags |= kIsOptional;
-            if (member.is_key) flags |= kIsKey;
+            if (member.is_optional) {
+                flags |= kIsOptional;
+            }
+            if (member.is_key) {
+                flags |= kIsKey;
+            }
             // Keys are understood by all (7.2.2.4.4.4.8).
-            if (member.is_key || member.is_must_understand) flags |= kIsMustUnderstand;
+            if (member.is_key || member.is_must_understand) {
+                flags |= kIsMustUnderstand;
+            }
             output_.write_delimited([&] {
                 write_member(member, flags);
                 write_member_detail(member.name);
@@ -85,7 +91,9 @@ class ObjectWriter {
         });
         output_.write_sequence(members(type), [&](const DDS_TypeCodeMember &member) {
             uint16_t flags = kTryConstructDiscard;
-            if (member.is_default_label) flags |= kIsDefault;
+            if (member.is_default_label) {
+                flags |= kIsDefault;
+            }
             output_.write_delimited([&] {
                 write_member(member, flags);
                 output_.write32(member.label_count);
@@ -129,7 +137,9 @@ class ObjectWriter {
     }
 
     void write_type_detail(const DDS_TypeCode &type) {
-        if (kind_ == Equivalence::kMinimal) return;
+        if (kind_ == Equivalence::kMinimal) {
+            return;
+        }
         write_no_annotations();
         output_.write_string(names_.announced(type.name));
     }
@@ -146,7 +156,9 @@ class ObjectWriter {
 
     // Two optional members, built-in and custom annotations, that are absent.
     void write_no_annotations() {
-        if (kind_ == Equivalence::kMinimal) return;
+        if (kind_ == Equivalence::kMinimal) {
+            return;
+        }
         output_.write8(0);
         output_.write8(0);
     }

@@ -48,7 +48,9 @@ uint8_t primitive_kind(DDS_TCKind kind) {
 // The innermost element type of a collection, or the type itself.
 const DDS_TypeCode &innermost(const DDS_TypeCode &type) {
     const DDS_TypeCode *element = &type;
-    while (is_collection(*element)) element = element->content_type;
+    while (is_collection(*element)) {
+        element = element->content_type;
+    }
     return *element;
 }
 
@@ -86,16 +88,22 @@ TypeTable::TypeTable(const DDS_TypeCode &type, const ModuleMove &names) : names_
 // A type takes its place before its parts do, but its objects hold their identifiers.
 void TypeTable::add(const DDS_TypeCode &type) {
     const DDS_TypeCode &element = innermost(type);
-    if (!is_hashed(element)) return;
+    if (!is_hashed(element)) {
+        return;
+    }
     if (std::any_of(types_.begin(), types_.end(),
                     [&](const HashedType &known) { return known.type == &element; })) {
         return;
     }
     const size_t place = types_.size();
     types_.push_back({&element});
-    if (element.kind == DDS_TK_UNION) add(*element.discriminator_type);
+    if (element.kind == DDS_TK_UNION) {
+        add(*element.discriminator_type);
+    }
     if (element.kind != DDS_TK_ENUM) {
-        for (DDS_UnsignedLong i = 0; i < element.member_count; ++i) add(*element.members[i].type);
+        for (DDS_UnsignedLong i = 0; i < element.member_count; ++i) {
+            add(*element.members[i].type);
+        }
     }
     TypeObject minimal =
         make_object(write_type_object(element, Equivalence::kMinimal, *this, names_));
@@ -154,8 +162,12 @@ void TypeTable::write_collection(const DDS_TypeCode &type, Equivalence kind,
     const Equivalence elements = is_hashed(innermost(type)) ? kind : Equivalence::kBoth;
     output->write8(static_cast<uint8_t>(elements));
     output->write16(kTryConstructDiscard);
-    if (is_array) output->write32(count);
-    for (DDS_UnsignedLong i = 0; i < count; ++i) write_bound(bounds[i], small, output);
+    if (is_array) {
+        output->write32(count);
+    }
+    for (DDS_UnsignedLong i = 0; i < count; ++i) {
+        write_bound(bounds[i], small, output);
+    }
     write_identifier(*type.content_type, kind, output);
 }
 

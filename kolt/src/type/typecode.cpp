@@ -77,15 +77,21 @@ DDS_UnsignedLong DDS_TypeCode_member_count(const DDS_TypeCode *self) {
 }
 
 const DDS_TypeCodeMember *DDS_TypeCode_member(const DDS_TypeCode *self, DDS_UnsignedLong index) {
-    if (!has_members(self) || index >= self->member_count) return nullptr;
+    if (!has_members(self) || index >= self->member_count) {
+        return nullptr;
+    }
     return &self->members[index];
 }
 
 const DDS_TypeCodeMember *DDS_TypeCode_find_member_by_name(const DDS_TypeCode *self,
                                                            const char *name) {
-    if (name == nullptr) return nullptr;
+    if (name == nullptr) {
+        return nullptr;
+    }
     for (DDS_UnsignedLong i = 0; i < DDS_TypeCode_member_count(self); ++i) {
-        if (std::strcmp(self->members[i].name, name) == 0) return &self->members[i];
+        if (std::strcmp(self->members[i].name, name) == 0) {
+            return &self->members[i];
+        }
     }
     return nullptr;
 }
@@ -93,7 +99,9 @@ const DDS_TypeCodeMember *DDS_TypeCode_find_member_by_name(const DDS_TypeCode *s
 const DDS_TypeCodeMember *DDS_TypeCode_find_member_by_id(const DDS_TypeCode *self,
                                                          DDS_UnsignedLong id) {
     for (DDS_UnsignedLong i = 0; i < DDS_TypeCode_member_count(self); ++i) {
-        if (self->members[i].id == id) return &self->members[i];
+        if (self->members[i].id == id) {
+            return &self->members[i];
+        }
     }
     return nullptr;
 }
@@ -104,7 +112,9 @@ DDS_Boolean DDS_TypeCode_is_keyed(const DDS_TypeCode *self) {
 
 DDS_UnsignedShort DDS_TypeCode_get_native_encapsulation(const DDS_TypeCode *self,
                                                         DDS_DataRepresentationId_t representation) {
-    if (self == nullptr) return KOLT_ENCAPSULATION_INVALID;
+    if (self == nullptr) {
+        return KOLT_ENCAPSULATION_INVALID;
+    }
     const bool xcdr1 = (self->representations & DDS_DATA_REPRESENTATION_MASK_XCDR) != 0;
     const bool xcdr2 = (self->representations & DDS_DATA_REPRESENTATION_MASK_XCDR2) != 0;
     bool second = false;
@@ -115,7 +125,9 @@ DDS_UnsignedShort DDS_TypeCode_get_native_encapsulation(const DDS_TypeCode *self
     } else if (representation != DDS_XCDR_DATA_REPRESENTATION) {
         return KOLT_ENCAPSULATION_INVALID;
     }
-    if (second ? !xcdr2 : !xcdr1) return KOLT_ENCAPSULATION_INVALID;
+    if (second ? !xcdr2 : !xcdr1) {
+        return KOLT_ENCAPSULATION_INVALID;
+    }
     constexpr DDS_UnsignedShort kNativeBit = std::endian::native == std::endian::little ? 1 : 0;
     return static_cast<DDS_UnsignedShort>(big_endian_encapsulation(*self, second) | kNativeBit);
 }

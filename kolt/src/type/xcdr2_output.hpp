@@ -29,7 +29,9 @@ class Xcdr2Output {
         bytes_.insert(bytes_.end(), std::begin(range), std::end(range));
     }
     void align(size_t alignment) {
-        while (bytes_.size() % alignment != 0) bytes_.push_back(0);
+        while (bytes_.size() % alignment != 0) {
+            bytes_.push_back(0);
+        }
     }
     // What `body` writes, behind a 32-bit length: an appendable type, a sequence whose elements are
     // not primitive, the value of a member of a mutable type.
@@ -48,7 +50,9 @@ class Xcdr2Output {
     void write_sequence(const Elements &elements, Write &&write) {
         write_delimited([&] {
             write32(static_cast<uint32_t>(elements.size()));
-            for (const auto &element : elements) write(element);
+            for (const auto &element : elements) {
+                write(element);
+            }
         });
     }
 
