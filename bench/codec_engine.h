@@ -1,8 +1,7 @@
 // The engine's codec of a type that idlc compiled: its stream functions, as its own writers and
 // readers run them, on buffers and a record that are used again. In a file of its own, because the
 // engine's headers below dds/ddsi and the C API's define some of the same names.
-#ifndef BENCH_CODEC_ENGINE_H
-#define BENCH_CODEC_ENGINE_H
+#pragma once
 
 #include <cstddef>
 #include <memory>
@@ -39,5 +38,3 @@ class EngineCodec {
 };
 
 }  // namespace bench
-
-#endif  // BENCH_CODEC_ENGINE_H

@@ -1,8 +1,7 @@
 // Ours beside a peer in one run, since figures from different runs of a shared machine say nothing
 // about each other: short rounds of the two take turns, each round gives a ratio, and the median of
 // the ratios is the result.
-#ifndef BENCH_PAIRED_H
-#define BENCH_PAIRED_H
+#pragma once
 
 #include <benchmark/benchmark.h>
 
@@ -150,5 +149,3 @@ void take_paced_turns(benchmark::State &state, int calls, std::chrono::microseco
 }
 
 }  // namespace bench
-
-#endif  // BENCH_PAIRED_H

@@ -3,8 +3,7 @@
  * Made when the logger is created, unchanged until it is finalised. The accessors read a field and
  * take no lock; the record must not be NULL.
  */
-#ifndef VUR_DL_DDSENTITIES_H
-#define VUR_DL_DDSENTITIES_H
+#pragma once
 
 #include "kolt/domain.h"
 #include "vur_dl/DistLogger.h"
@@ -98,5 +97,3 @@ VUR_DL_EXPORT void VUR_DL_DDSEntities_stateWriterOnDataReturn(void *distLogger,
                                                               const DDS_Cookie_t *cookie);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_DDSENTITIES_H */

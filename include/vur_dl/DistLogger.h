@@ -10,8 +10,7 @@
  *  3. Failures print one line on standard output, "<level name>: <function>: <text>".
  *  4. Do not log from a signal handler.
  */
-#ifndef VUR_DL_DISTLOGGER_H
-#define VUR_DL_DISTLOGGER_H
+#pragma once
 
 #include "kolt/config_logger.h"
 #include "kolt/domain.h"
@@ -166,5 +165,3 @@ VUR_DL_EXPORT VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *se
 VUR_DL_EXPORT void VUR_DL_DistLogger_disable(void);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_DISTLOGGER_H */

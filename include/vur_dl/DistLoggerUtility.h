@@ -1,6 +1,5 @@
 /* A small helper that the library offers to applications. */
-#ifndef VUR_DL_DISTLOGGERUTILITY_H
-#define VUR_DL_DISTLOGGERUTILITY_H
+#pragma once
 
 #include "vur_dl/export.h"
 
@@ -11,5 +10,3 @@ VUR_DL_EXTERN_C_BEGIN
 VUR_DL_EXPORT void VUR_DL_Utility_sleep(int milliseconds);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_DISTLOGGERUTILITY_H */

@@ -1,6 +1,5 @@
 /* Translations between the middleware logger's scales and the ones on the wire. Pure functions. */
-#ifndef VUR_DL_ENUMTRANSLATORS_H
-#define VUR_DL_ENUMTRANSLATORS_H
+#pragma once
 
 #include "kolt/config_logger.h"
 #include "vur_dl/distlog.h"
@@ -33,5 +32,3 @@ VUR_DL_EXPORT int VUR_DL_translateFromVURLoggerLogLevelToDLLevel(KOLT_Config_Log
 VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_translateFromDLLogLevelToString(int level, char *label);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_ENUMTRANSLATORS_H */

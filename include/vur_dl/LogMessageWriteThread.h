@@ -1,6 +1,5 @@
 /* The one thread of the logger: it publishes what the queue holds. */
-#ifndef VUR_DL_LOGMESSAGEWRITETHREAD_H
-#define VUR_DL_LOGMESSAGEWRITETHREAD_H
+#pragma once
 
 #include "kolt/config_logger.h"
 #include "kolt/os.h"
@@ -36,5 +35,3 @@ VUR_DL_EXPORT void LogMessageWriteThread_setCommunicationsLogVerbosity(
     VUR_DL_LogMessageWriteThread *self, KOLT_Config_LogVerbosity verbosity);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_LOGMESSAGEWRITETHREAD_H */

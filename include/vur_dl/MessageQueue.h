@@ -5,8 +5,7 @@
  * message number. Elements come from one block that is made with the queue; texts of at most 127
  * characters and categories of at most 31 lie in the element, longer ones on the heap.
  */
-#ifndef VUR_DL_MESSAGEQUEUE_H
-#define VUR_DL_MESSAGEQUEUE_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 #include "vur_dl/distlog.h"
@@ -50,5 +49,3 @@ VUR_DL_EXPORT int VUR_DL_MessageQueue_getMessageQueueProperty(const VUR_DL_Messa
 VUR_DL_EXPORT DDS_LongLong VUR_DL_MessageQueue_getMessageId(const VUR_DL_MessageQueue *self);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_MESSAGEQUEUE_H */

@@ -9,8 +9,7 @@
  *   DDS_RETCODE_ERROR          memory ran out; a string field is then absent
  * Getters given NULL print one line and return the sentinel named at each.
  */
-#ifndef VUR_DL_OPTIONS_H
-#define VUR_DL_OPTIONS_H
+#pragma once
 
 #include "kolt/domain.h"
 #include "kolt/thread_settings.h"
@@ -123,5 +122,3 @@ VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_Options_setLogInfrastructureMessages(VUR_D
                                                                            int log);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_OPTIONS_H */

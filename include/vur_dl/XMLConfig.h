@@ -29,8 +29,7 @@
  * Objects belong to the thread that runs the parser. The functions that start the logger may be
  * called from any thread.
  */
-#ifndef VUR_DL_XMLCONFIG_H
-#define VUR_DL_XMLCONFIG_H
+#pragma once
 
 #include "kolt/thread_settings.h"
 #include "kolt/xml.h"
@@ -199,5 +198,3 @@ VUR_DL_EXPORT void VUR_DL_XMLConfig_saveThreadSettings(const char *tagName,
                                                        DDS_XMLSaveContext *context);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_XMLCONFIG_H */

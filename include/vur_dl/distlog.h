@@ -13,8 +13,7 @@
  *     constant, live as long as the process and may be used by all threads at once.
  *  3. Members that are key members say so: they identify the instance (DDS 1.4, 2.2.2.2.2).
  */
-#ifndef VUR_DL_DISTLOG_H
-#define VUR_DL_DISTLOG_H
+#pragma once
 
 #include "kolt/sequence.h"
 #include "kolt/typecode.h"
@@ -234,5 +233,3 @@ VUR_DL_TYPE_DECLARE(VUR_DL_ADMIN_CommandResponse);
 KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_CommandResponseSeq, VUR_DL_ADMIN_CommandResponse, VUR_DL_EXPORT);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_DISTLOG_H */

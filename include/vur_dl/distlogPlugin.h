@@ -11,8 +11,7 @@
  *     The size functions accept NULL for the endpoint data and then use the type's own programs.
  *  3. All functions may be called from any thread; a sample belongs to one thread at a time.
  */
-#ifndef VUR_DL_DISTLOG_PLUGIN_H
-#define VUR_DL_DISTLOG_PLUGIN_H
+#pragma once
 
 #include "kolt/print_format.h"
 #include "kolt/type_plugin.h"
@@ -206,5 +205,3 @@ VUR_DL_PLUGIN_DECLARE_KEYED(VUR_DL_ADMIN_CommandResponse);
 VUR_DL_PLUGIN_DECLARE_TOPIC(VUR_DL_ADMIN_CommandResponse);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_DISTLOG_PLUGIN_H */

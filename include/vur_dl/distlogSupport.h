@@ -11,8 +11,7 @@
  *  3. A NULL where a pointer is required gives DDS_RETCODE_BAD_PARAMETER, NULL or DDS_HANDLE_NIL. A
  *     wrong call that is found here is logged (category API) under the function's own name.
  */
-#ifndef VUR_DL_DISTLOG_SUPPORT_H
-#define VUR_DL_DISTLOG_SUPPORT_H
+#pragma once
 
 #include "kolt/domain.h"
 #include "kolt/publication.h"
@@ -266,5 +265,3 @@ VUR_DL_DATA_WRITER_DECLARE(VUR_DL_ADMIN_CommandResponse);
 VUR_DL_DATA_READER_DECLARE(VUR_DL_ADMIN_CommandResponse);
 
 VUR_DL_EXTERN_C_END
-
-#endif /* VUR_DL_DISTLOG_SUPPORT_H */

@@ -1,6 +1,5 @@
 /* The one macro that makes a logger symbol part of the library's interface. */
-#ifndef VUR_DL_EXPORT_H
-#define VUR_DL_EXPORT_H
+#pragma once
 
 #if defined(__GNUC__)
 #define VUR_DL_EXPORT __attribute__((visibility("default")))
@@ -15,5 +14,3 @@
 #define VUR_DL_EXTERN_C_BEGIN
 #define VUR_DL_EXTERN_C_END
 #endif
-
-#endif /* VUR_DL_EXPORT_H */

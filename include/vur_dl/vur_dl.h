@@ -1,6 +1,5 @@
 /* Everything that the distributed logger offers. */
-#ifndef VUR_DL_VUR_DL_H
-#define VUR_DL_VUR_DL_H
+#pragma once
 
 #include "kolt/dds_c.h"
 #include "vur_dl/DDSEntities.h"
@@ -14,5 +13,3 @@
 #include "vur_dl/distlog.h"
 #include "vur_dl/distlogPlugin.h"
 #include "vur_dl/distlogSupport.h"
-
-#endif /* VUR_DL_VUR_DL_H */

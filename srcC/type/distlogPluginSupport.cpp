@@ -76,7 +76,7 @@ DDS_Boolean serialize(const KOLT_TypePrograms *programs, DDS_Char *buffer, DDS_U
         *length = KOLT_Cdr_serialized_size(programs, encapsulation, sample);
         return *length != 0;
     }
-    size_t written = 0;
+    std::size_t written = 0;
     if (!KOLT_Cdr_serialize(programs, encapsulation, sample, reinterpret_cast<DDS_Octet *>(buffer),
                             *length, &written)) {
         return DDS_BOOLEAN_FALSE;

@@ -34,10 +34,10 @@ constexpr DDS_Long kDefaultDiscriminator = VUR_DL_SET_LOG_LEVEL;
 template <typename T>
 struct Offsets;
 
-#define VUR_DL_DEFINE_OFFSETS(T, ...)                      \
-    template <>                                            \
-    struct Offsets<T> {                                    \
-        static constexpr size_t kValues[] = {__VA_ARGS__}; \
+#define VUR_DL_DEFINE_OFFSETS(T, ...)                           \
+    template <>                                                 \
+    struct Offsets<T> {                                         \
+        static constexpr std::size_t kValues[] = {__VA_ARGS__}; \
     }
 
 VUR_DL_DEFINE_OFFSETS(VUR_DL_HostAndAppId, offsetof(VUR_DL_HostAndAppId, rtps_host_id),
@@ -151,13 +151,13 @@ void annotate(DDS_TypeCodeMember &member) noexcept {
 // ---- Type codes -------------------------------------------------------------------------------
 
 // A type code together with the members that it points to.
-template <size_t kMemberCount>
+template <std::size_t kMemberCount>
 struct Table {
     DDS_TypeCode code;
     DDS_TypeCodeMember members[kMemberCount];
 };
 
-template <typename T, size_t kCount>
+template <typename T, std::size_t kCount>
 void describe(Table<kCount> &table, DDS_TCKind kind, DDS_ExtensibilityKind extensibility) noexcept {
     DDS_TypeCode &code = table.code;
     code.kind = kind;
@@ -170,10 +170,10 @@ void describe(Table<kCount> &table, DDS_TCKind kind, DDS_ExtensibilityKind exten
     code.plugin = &kPluginInfo<T>;
 }
 
-template <typename T, size_t kCount>
+template <typename T, std::size_t kCount>
 void make_enumeration(Table<kCount> &table, const Enumerator (&enumerators)[kCount]) noexcept {
     describe<T>(table, DDS_TK_ENUM, DDS_APPENDABLE_EXTENSIBILITY);
-    for (size_t i = 0; i < kCount; ++i) {
+    for (std::size_t i = 0; i < kCount; ++i) {
         table.members[i].name = enumerators[i].name;
         table.members[i].id = static_cast<DDS_UnsignedLong>(i);
         table.members[i].ordinal = enumerators[i].value;
@@ -181,10 +181,10 @@ void make_enumeration(Table<kCount> &table, const Enumerator (&enumerators)[kCou
 }
 
 // Fills in members whose ids run from `first_id` in declaration order.
-template <size_t kCount>
+template <std::size_t kCount>
 void fill_members(Table<kCount> &table, const Member (&members)[kCount],
                   DDS_UnsignedLong first_id) noexcept {
-    for (size_t i = 0; i < kCount; ++i) {
+    for (std::size_t i = 0; i < kCount; ++i) {
         DDS_TypeCodeMember &member = table.members[i];
         member.name = members[i].name;
         member.id = first_id + static_cast<DDS_UnsignedLong>(i);
@@ -198,7 +198,7 @@ void fill_members(Table<kCount> &table, const Member (&members)[kCount],
     }
 }
 
-template <typename T, size_t kCount>
+template <typename T, std::size_t kCount>
 void make_structure(Table<kCount> &table, DDS_ExtensibilityKind extensibility,
                     const Member (&members)[kCount]) noexcept {
     static_assert(kCount == std::size(Offsets<T>::kValues));
@@ -358,7 +358,7 @@ void Tables::make_command() noexcept {
                   {"categoryAndVerbosity", &verbosities_sequence},
                   {"printFormat", &print_format.code}},
                  1);
-    for (size_t i = 0; i < std::size(kCommandLabels); ++i) {
+    for (std::size_t i = 0; i < std::size(kCommandLabels); ++i) {
         command.members[i].labels = &kCommandLabels[i];
         command.members[i].label_count = 1;
     }

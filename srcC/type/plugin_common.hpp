@@ -1,6 +1,5 @@
 // What the plugin and the plugin-support families have in common: a type's programs.
-#ifndef VUR_DL_SRCC_TYPE_PLUGIN_COMMON_HPP
-#define VUR_DL_SRCC_TYPE_PLUGIN_COMMON_HPP
+#pragma once
 
 #include <atomic>
 
@@ -32,5 +31,3 @@ const KOLT_TypePrograms *programs_of() noexcept {
 }
 
 }  // namespace vur_dl
-
-#endif  // VUR_DL_SRCC_TYPE_PLUGIN_COMMON_HPP

@@ -1,6 +1,5 @@
 // The table of the logger's types: every family of every type is stamped from these lists.
-#ifndef VUR_DL_SRCC_TYPE_TYPE_TABLE_HPP
-#define VUR_DL_SRCC_TYPE_TYPE_TABLE_HPP
+#pragma once
 
 #include "vur_dl/distlog.h"
 
@@ -91,5 +90,3 @@ inline DDS_TypeDeallocationParams_t deallocation_params(DDS_Boolean delete_point
 }
 
 }  // namespace vur_dl
-
-#endif  // VUR_DL_SRCC_TYPE_TYPE_TABLE_HPP

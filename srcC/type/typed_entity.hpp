@@ -1,6 +1,5 @@
 // How the typed writers and readers report what is wrong with a call.
-#ifndef VUR_DL_SRCC_TYPE_TYPED_ENTITY_HPP
-#define VUR_DL_SRCC_TYPE_TYPED_ENTITY_HPP
+#pragma once
 
 #include <cstring>
 
@@ -27,5 +26,3 @@ inline bool is_type(const char *endpoint_type_name, const char *wanted) noexcept
 }
 
 }  // namespace vur_dl
-
-#endif  // VUR_DL_SRCC_TYPE_TYPED_ENTITY_HPP

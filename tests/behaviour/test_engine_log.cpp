@@ -115,7 +115,7 @@ constexpr Mapping kMappings[] = {
 };
 
 TEST_F(EngineLogTest, EachCategoryHasItsLevelAndCategory) {
-    size_t expected = 0;
+    std::size_t expected = 0;
     for (const auto &mapping : kMappings) {
         const auto this_level = static_cast<KOLT_Config_LogVerbosity>(1 << mapping.level);
         const auto other_levels = static_cast<KOLT_Config_LogVerbosity>(0x3F & ~this_level);

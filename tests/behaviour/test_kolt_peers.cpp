@@ -30,14 +30,14 @@ TEST(KoltPeers, ThroughTheNetworkAndBack) {
         ASSERT_TRUE(is_matched(writer));
         ASSERT_TRUE(is_matched(reader));
         for (int i = 0; i < 50; ++i) {
-            ASSERT_EQ(write(writer, 1, i % 3, i, std::string(static_cast<size_t>(i), 'y')),
+            ASSERT_EQ(write(writer, 1, i % 3, i, std::string(static_cast<std::size_t>(i), 'y')),
                       DDS_RETCODE_OK);
         }
         const auto got = take_at_least(reader, 50);
         ASSERT_EQ(got.size(), 50U);
         for (const Text &text : got) {
             EXPECT_TRUE(text.info.valid_data);
-            EXPECT_EQ(text.text.size(), static_cast<size_t>(text.number));
+            EXPECT_EQ(text.text.size(), static_cast<std::size_t>(text.number));
         }
         Record<Message> key(message_type());
         key->id = {1, 1};
@@ -103,8 +103,8 @@ TEST(KoltPeers, ManyThreadsWriteWhileOneTakes) {
     for (std::thread &thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(remote.size(), static_cast<size_t>(kThreads * kEach));
-    EXPECT_EQ(here_too.size(), static_cast<size_t>(kThreads * kEach));
+    EXPECT_EQ(remote.size(), static_cast<std::size_t>(kThreads * kEach));
+    EXPECT_EQ(here_too.size(), static_cast<std::size_t>(kThreads * kEach));
     // Of each thread and instance, in order.
     std::map<std::pair<int, int>, long long> last;
     for (const Text &text : remote) {
@@ -128,7 +128,7 @@ TEST(KoltPeers, SamplesOutliveTheirWriter) {
             ASSERT_EQ(write(writer, 1, 1, i, "kept"), DDS_RETCODE_OK);
         }
         ASSERT_EQ(DDS_Publisher_delete_datawriter(node.publisher, writer), DDS_RETCODE_OK);
-        size_t valid = 0;
+        std::size_t valid = 0;
         ASSERT_TRUE(is_matched(reader, 0));
         for (const Text &text : take(reader)) {
             if (!text.info.valid_data) {

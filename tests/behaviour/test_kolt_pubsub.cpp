@@ -47,14 +47,14 @@ TEST(KoltPubSub, BetweenParticipants) {
     DDS_DataReader *const reader = there.reader();
     ASSERT_TRUE(is_matched(writer));
     for (int i = 0; i < 100; ++i) {
-        ASSERT_EQ(write(writer, 1, 1, i, std::string(static_cast<size_t>(i % 60), 'x')),
+        ASSERT_EQ(write(writer, 1, 1, i, std::string(static_cast<std::size_t>(i % 60), 'x')),
                   DDS_RETCODE_OK);
     }
     const auto got = take_at_least(reader, 100);
     ASSERT_EQ(got.size(), 100U);
     for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(got[static_cast<size_t>(i)].number, i);
-        EXPECT_EQ(got[static_cast<size_t>(i)].text.size(), static_cast<size_t>(i % 60));
+        EXPECT_EQ(got[static_cast<std::size_t>(i)].number, i);
+        EXPECT_EQ(got[static_cast<std::size_t>(i)].text.size(), static_cast<std::size_t>(i % 60));
     }
 }
 

@@ -115,7 +115,7 @@ void expect_every_form(bool lent) {
 
         Received<T> left(ends.reader);
         const DDS_ReturnCode_t result = left.read();
-        const size_t remaining = form.take ? 3 - expected.size() : 3;
+        const std::size_t remaining = form.take ? 3 - expected.size() : 3;
         EXPECT_EQ(result, remaining != 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA);
         EXPECT_EQ(left.size(), remaining);
     }

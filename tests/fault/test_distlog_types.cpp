@@ -37,8 +37,8 @@ bool blows(const char *function) {
         return real arguments;                                                            \
     }
 
-REPLACE(void *, KOLT_Heap_allocate, (size_t size), (size), nullptr)
-REPLACE(void *, KOLT_Heap_allocate_zeroed, (size_t size), (size), nullptr)
+REPLACE(void *, KOLT_Heap_allocate, (std::size_t size), (size), nullptr)
+REPLACE(void *, KOLT_Heap_allocate_zeroed, (std::size_t size), (size), nullptr)
 REPLACE(const KOLT_TypePrograms *, KOLT_TypePrograms_acquire, (const DDS_TypeCode *type), (type),
         nullptr)
 // What was initialised before the failure is there to be freed.

@@ -1,6 +1,5 @@
 // The types that the fuzzers of the codec know beforehand.
-#ifndef TESTS_FUZZ_FIXED_TYPES_H
-#define TESTS_FUZZ_FIXED_TYPES_H
+#pragma once
 
 #include <vur_dl/distlog.h>
 
@@ -49,8 +48,6 @@ inline const std::vector<const DDS_TypeCode *> &fixed_types() {
     return types;
 }
 // The first byte of an input chooses one of these; those past the end are types made up on the way.
-constexpr uint8_t kTypeSelections = 32;
+constexpr std::uint8_t kTypeSelections = 32;
 
 }  // namespace fuzz
-
-#endif  // TESTS_FUZZ_FIXED_TYPES_H

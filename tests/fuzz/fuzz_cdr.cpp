@@ -34,9 +34,9 @@ void keep_programs() {
 }
 
 // Bytes of a good sample with a few of them changed.
-void check_edited(const DDS_TypeCode *type, std::vector<uint8_t> bytes, Decisions decisions) {
+void check_edited(const DDS_TypeCode *type, std::vector<std::uint8_t> bytes, Decisions decisions) {
     for (int edits = 0; edits < 4 && !decisions.empty(); ++edits) {
-        const size_t at = decisions.Word() % bytes.size();
+        const std::size_t at = decisions.Word() % bytes.size();
         bytes[at] = decisions.Byte();
         if (decisions.OneIn(8)) {
             bytes.resize(at + 1);
@@ -46,24 +46,24 @@ void check_edited(const DDS_TypeCode *type, std::vector<uint8_t> bytes, Decision
     check_key(type, bytes.data(), bytes.size());
 }
 
-void run_made_up(const uint8_t *data, size_t size) {
+void run_made_up(const std::uint8_t *data, std::size_t size) {
     if (size == 0) {
         return;
     }
-    const size_t description = data[0] < size ? data[0] : size - 1;
+    const std::size_t description = data[0] < size ? data[0] : size - 1;
     Decisions decisions(data + 1, description);
     const RandomType made(&decisions);
     const DDS_TypeCode *const type = made.type();
     const KOLT_TypePrograms *const programs = KOLT_TypePrograms_acquire(type);
-    const uint8_t *const payload = data + 1 + description;
-    const size_t length = size - 1 - description;
+    const std::uint8_t *const payload = data + 1 + description;
+    const std::size_t length = size - 1 - description;
     check_sample(type, payload, length);
     check_key(type, payload, length);
     DDS_DynamicData *const value = DDS_DynamicData_new(type, nullptr);
     Decisions content(payload, length);
     checked_fill(value, &content);
     for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
-        const std::vector<uint8_t> bytes = checked_bytes(value, encapsulation);
+        const std::vector<std::uint8_t> bytes = checked_bytes(value, encapsulation);
         if (!check_sample(type, bytes.data(), bytes.size())) {
             std::abort();
         }
@@ -78,12 +78,12 @@ void run_made_up(const uint8_t *data, size_t size) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     if (size == 0) {
         return 0;
     }
     keep_programs();
-    const uint8_t selection = data[0] % kTypeSelections;
+    const std::uint8_t selection = data[0] % kTypeSelections;
     const std::vector<const DDS_TypeCode *> &types = fixed_types();
     if (selection >= types.size()) {
         run_made_up(data + 1, size - 1);

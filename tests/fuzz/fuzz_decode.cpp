@@ -34,7 +34,7 @@ class Subject {
     Subject &operator=(const Subject &) = delete;
 
     // What is accepted is written in its own encapsulation, and reads and writes the same again.
-    void Check(const uint8_t *bytes, size_t size) {
+    void Check(const std::uint8_t *bytes, std::size_t size) {
         if (!KOLT_Cdr_deserialize(programs_, bytes, size, first_)) {
             return;
         }
@@ -49,7 +49,7 @@ class Subject {
         }
     }
 
-    void CheckKey(const uint8_t *bytes, size_t size) {
+    void CheckKey(const std::uint8_t *bytes, std::size_t size) {
         KOLT_Cdr_deserialize_key(programs_, bytes, size, first_);
     }
 
@@ -63,10 +63,11 @@ class Subject {
         return record;
     }
 
-    void Write(const void *record, DDS_UnsignedShort encapsulation, std::vector<uint8_t> *bytes) {
-        const size_t size = KOLT_Cdr_serialized_size(programs_, encapsulation, record);
+    void Write(const void *record, DDS_UnsignedShort encapsulation,
+               std::vector<std::uint8_t> *bytes) {
+        const std::size_t size = KOLT_Cdr_serialized_size(programs_, encapsulation, record);
         bytes->resize(size);
-        size_t length = 0;
+        std::size_t length = 0;
         if (!KOLT_Cdr_serialize(programs_, encapsulation, record, bytes->data(), size, &length) ||
             length != size) {
             std::abort();
@@ -77,8 +78,8 @@ class Subject {
     const KOLT_TypePrograms *programs_;
     void *first_;
     void *second_;
-    std::vector<uint8_t> once_;
-    std::vector<uint8_t> twice_;
+    std::vector<std::uint8_t> once_;
+    std::vector<std::uint8_t> twice_;
 };
 
 std::deque<Subject> &subjects() {
@@ -88,7 +89,7 @@ std::deque<Subject> &subjects() {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     if (size == 0) {
         return 0;
     }

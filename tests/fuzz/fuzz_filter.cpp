@@ -17,7 +17,7 @@
 namespace {
 
 std::string take_line(std::string_view &input) {
-    const size_t end = input.find('\n');
+    const std::size_t end = input.find('\n');
     std::string line(input.substr(0, end));
     input.remove_prefix(end == std::string_view::npos ? input.size() : end + 1);
     return line;

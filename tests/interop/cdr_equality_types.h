@@ -1,6 +1,5 @@
 // The logger's topic types and what idlc makes of them, side by side, with random samples.
-#ifndef TESTS_INTEROP_CDR_EQUALITY_TYPES_H
-#define TESTS_INTEROP_CDR_EQUALITY_TYPES_H
+#pragma once
 
 #include <gtest/gtest.h>
 // Before the engine's headers, which define some of the C API's names as macros.
@@ -9,6 +8,7 @@
 #include <dds/dds.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -135,7 +135,7 @@ struct State {
         to.state = static_cast<com_vur_dl_admin_StateKind>(from.state);
         std::strcpy(to.applicationKind, from.applicationKind);
         to.filterLevel = from.filterLevel;
-        for (size_t i = 0; i < std::size(to.vurLoggerVerbosities); ++i) {
+        for (std::size_t i = 0; i < std::size(to.vurLoggerVerbosities); ++i) {
             equality::convert(to.vurLoggerVerbosities[i], from.vurLoggerVerbosities[i]);
         }
         to.vurLoggerPrintFormat =
@@ -193,7 +193,7 @@ struct CommandRequest {
   private:
     void convert_sequence(const VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq &from) {
         sequence_ = {};
-        sequence_._maximum = static_cast<uint32_t>(elements_.size());
+        sequence_._maximum = static_cast<std::uint32_t>(elements_.size());
         sequence_._length = from._length;
         sequence_._buffer = elements_.data();
         for (DDS_UnsignedLong i = 0; i < from._length; ++i) {
@@ -203,7 +203,7 @@ struct CommandRequest {
 
     std::array<com_vur_dl_admin_VURLoggerCategoryAndVerbosity, 5> elements_ = {};
     dds_sequence_com_vur_dl_admin_VURLoggerCategoryAndVerbosity sequence_ = {};
-    int32_t filter_level_ = 0;
+    std::int32_t filter_level_ = 0;
     com_vur_dl_admin_VURLoggerPrintFormat print_format_ = {};
 };
 
@@ -238,5 +238,3 @@ struct CommandResponse {
 };
 
 }  // namespace equality
-
-#endif  // TESTS_INTEROP_CDR_EQUALITY_TYPES_H

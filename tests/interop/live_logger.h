@@ -1,7 +1,6 @@
 // What the tests with idlc's programs have in common: a logger whose writers speak XCDR2 and keep
 // everything, as a QoS profile says; lines with tabs between their fields.
-#ifndef TESTS_INTEROP_LIVE_LOGGER_H
-#define TESTS_INTEROP_LIVE_LOGGER_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/domain.h>
@@ -10,6 +9,7 @@
 
 #include <unistd.h>
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -161,5 +161,3 @@ inline void dismiss(support::ChildProcess &peer) {
 }
 
 }  // namespace interop
-
-#endif  // TESTS_INTEROP_LIVE_LOGGER_H

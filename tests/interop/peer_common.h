@@ -1,6 +1,5 @@
 // What the idlc programs have in common: endpoints that speak XCDR2, and standard input.
-#ifndef TESTS_INTEROP_PEER_COMMON_H
-#define TESTS_INTEROP_PEER_COMMON_H
+#pragma once
 
 #include <dds/dds.h>
 #include <poll.h>
@@ -89,5 +88,3 @@ static inline const char *peer_instance_state(dds_instance_state_t state) {
                ? "alive"
                : (state == DDS_IST_NOT_ALIVE_DISPOSED ? "disposed" : "no_writers");
 }
-
-#endif  // TESTS_INTEROP_PEER_COMMON_H

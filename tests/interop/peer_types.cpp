@@ -25,6 +25,7 @@
 #include <algorithm>
 #include <array>
 #include <cinttypes>
+#include <cstdint>
 #include <cstring>
 #include <set>
 #include <string>
@@ -48,7 +49,7 @@ struct Tool {
 template <typename Range>
 std::string hexadecimal(const Range &bytes) {
     std::string text;
-    for (const uint8_t byte : bytes) {
+    for (const std::uint8_t byte : bytes) {
         char digits[3];
         std::snprintf(digits, sizeof(digits), "%02x", byte);
         text += digits;
@@ -113,13 +114,13 @@ void follow(Tool &tool, const DDS_XTypes_TypeIdentifier &id) {
 void show_structure(Tool &tool, const std::string &id, const DDS_XTypes_CompleteStructType &type) {
     std::printf("type\t%s\t%s\tstructure\t%x\n", id.c_str(), type.header.detail.type_name,
                 unsigned{type.struct_flags});
-    for (uint32_t i = 0; i < type.member_seq._length; ++i) {
+    for (std::uint32_t i = 0; i < type.member_seq._length; ++i) {
         const DDS_XTypes_CompleteStructMember &member = type.member_seq._buffer[i];
         std::printf("member\t%s\t%" PRIu32 "\t%s\t%x\t%s\n", id.c_str(), member.common.member_id,
                     member.detail.name, unsigned{member.common.member_flags},
                     type_name(member.common.member_type_id).c_str());
     }
-    for (uint32_t i = 0; i < type.member_seq._length; ++i) {
+    for (std::uint32_t i = 0; i < type.member_seq._length; ++i) {
         follow(tool, type.member_seq._buffer[i].common.member_type_id);
     }
 }
@@ -128,12 +129,12 @@ void show_union(Tool &tool, const std::string &id, const DDS_XTypes_CompleteUnio
     std::printf("type\t%s\t%s\tunion\t%x\n", id.c_str(), type.header.detail.type_name,
                 unsigned{type.union_flags});
     follow(tool, type.discriminator.common.type_id);
-    for (uint32_t i = 0; i < type.member_seq._length; ++i) {
+    for (std::uint32_t i = 0; i < type.member_seq._length; ++i) {
         const DDS_XTypes_CommonUnionMember &member = type.member_seq._buffer[i].common;
         std::printf("member\t%s\t%" PRIu32 "\t%s\t%x\t%s\n", id.c_str(), member.member_id,
                     type.member_seq._buffer[i].detail.name, unsigned{member.member_flags},
                     type_name(member.type_id).c_str());
-        for (uint32_t j = 0; j < member.label_seq._length; ++j) {
+        for (std::uint32_t j = 0; j < member.label_seq._length; ++j) {
             std::printf("case\t%s\t%" PRIu32 "\t%" PRId32 "\n", id.c_str(), member.member_id,
                         member.label_seq._buffer[j]);
         }
@@ -144,7 +145,7 @@ void show_union(Tool &tool, const std::string &id, const DDS_XTypes_CompleteUnio
 void show_enumeration(const std::string &id, const DDS_XTypes_CompleteEnumeratedType &type) {
     std::printf("type\t%s\t%s\tenumeration\t%x\n", id.c_str(), type.header.detail.type_name,
                 unsigned{type.enum_flags});
-    for (uint32_t i = 0; i < type.literal_seq._length; ++i) {
+    for (std::uint32_t i = 0; i < type.literal_seq._length; ++i) {
         const DDS_XTypes_CompleteEnumeratedLiteral &literal = type.literal_seq._buffer[i];
         std::printf("enumerator\t%s\t%" PRId32 "\t%s\n", id.c_str(), literal.common.value,
                     literal.detail.name);

@@ -134,7 +134,7 @@ class CdrEquality : public testing::Test {
             DDS_TypeCode_get_native_encapsulation(Type::kCode(), DDS_XCDR2_DATA_REPRESENTATION) ^
             1U);
         Bytes bytes(KOLT_Cdr_serialized_size(programs, encapsulation, &ours_));
-        size_t length = 0;
+        std::size_t length = 0;
         EXPECT_TRUE(KOLT_Cdr_serialize(programs, encapsulation, &ours_, bytes.data(), bytes.size(),
                                        &length));
         KOLT_TypePrograms_release(programs);
@@ -239,7 +239,7 @@ TYPED_TEST(CdrKeyEquality, KeyHashesAreTheSame) {
             ddsi_serdata_get_keyhash(this->engine_->make(&this->theirs_).get(), &expected,
                                      force_md5);
             std::array<DDS_Octet, 64> key = {};
-            size_t length = key.size();
+            std::size_t length = key.size();
             ASSERT_TRUE(KOLT_Cdr_key_of_record(programs, &this->ours_, key.data(), &length));
             std::array<DDS_Octet, 16> hash = {};
             KOLT_Cdr_keyhash(programs, key.data(), length, force_md5, hash.data());
@@ -258,8 +258,8 @@ TYPED_TEST(CdrKeyEquality, ReadsTheKeysThatTheOtherWrites) {
         const Bytes bytes = EngineType::bytes_of(this->engine_->make_key(&this->theirs_));
         std::array<DDS_Octet, 64> key = {};
         std::array<DDS_Octet, 64> expected = {};
-        size_t length = key.size();
-        size_t expected_length = expected.size();
+        std::size_t length = key.size();
+        std::size_t expected_length = expected.size();
         ASSERT_TRUE(KOLT_Cdr_key_of_serialized(programs, bytes.data(), bytes.size(),
                                                DDS_BOOLEAN_TRUE, key.data(), &length))
             << "sample " << i;
@@ -278,7 +278,7 @@ TYPED_TEST(CdrKeyEquality, KeyPayloadsAreTheSame) {
     for (int i = 0; i < kSampleCount; ++i) {
         this->next();
         Bytes bytes(256);
-        size_t length = 0;
+        std::size_t length = 0;
         ASSERT_TRUE(KOLT_Cdr_serialize_key(programs, encapsulation, &this->ours_, bytes.data(),
                                            bytes.size(), &length));
         bytes.resize(length);

@@ -3,17 +3,19 @@
 
 #include "support/pubsub.h"
 
+#include <cstdint>
+
 // Of the engine's interface, declared here because its headers and KOLT's do not go together.
 extern "C" {
-typedef int32_t dds_entity_t;
+typedef std::int32_t dds_entity_t;
 struct dds_qos;
 struct dds_listener;
-dds_entity_t dds_create_participant(uint32_t domain, const dds_qos *qos,
+dds_entity_t dds_create_participant(std::uint32_t domain, const dds_qos *qos,
                                     const dds_listener *listener);
 dds_entity_t dds_create_publisher(dds_entity_t participant, const dds_qos *qos,
                                   const dds_listener *listener);
-int32_t dds_get_parent(dds_entity_t entity);
-int32_t dds_delete(dds_entity_t entity);
+std::int32_t dds_get_parent(dds_entity_t entity);
+std::int32_t dds_delete(dds_entity_t entity);
 }
 
 namespace {

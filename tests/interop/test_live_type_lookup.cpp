@@ -63,7 +63,7 @@ class Findings {
         }
     }
 
-    size_t count() const { return types_.size(); }
+    std::size_t count() const { return types_.size(); }
     int missing() const { return missing_; }
     int minimal() const { return minimal_; }
 
@@ -182,7 +182,7 @@ class Findings {
 
     std::map<std::string, Fields> types_;
     std::map<std::string, std::vector<Fields>> parts_;
-    std::map<std::string, size_t> next_;
+    std::map<std::string, std::size_t> next_;
     std::set<std::string> expected_;
     int missing_ = 0;
     int minimal_ = 0;
@@ -199,7 +199,7 @@ std::unique_ptr<ChildProcess> start_tool(int domain, const std::string &prefix,
 }
 
 // "writer topic" to the rest of the endpoint's line, once there are `count`.
-std::map<std::string, Fields> read_endpoints(ChildProcess &tool, size_t count) {
+std::map<std::string, Fields> read_endpoints(ChildProcess &tool, std::size_t count) {
     std::map<std::string, Fields> endpoints;
     while (endpoints.size() < count) {
         const Fields line = interop::read_until(tool, "endpoint");

@@ -67,7 +67,7 @@ TEST(TypeInformation, IdentifiersAndSizesOfTheWireFormat) {
         const DDS_TypeCode *type;
         const char *name;
         const char *minimal;
-        size_t size;
+        std::size_t size;
     } types[] = {{VUR_DL_LogMessage_get_typecode(), "com::vur::dl::LogMessage",
                   "8ac3e1b2e329472a38de0413d23c", 148},
                  {VUR_DL_ADMIN_State_get_typecode(), "com::vur::dl::admin::State",
@@ -82,7 +82,7 @@ TEST(TypeInformation, IdentifiersAndSizesOfTheWireFormat) {
         EXPECT_EQ(bytes.size(), size);
         // Behind five lengths and the kind of the identifier.
         std::string identifier;
-        for (size_t i = 21; i < 35; ++i) {
+        for (std::size_t i = 21; i < 35; ++i) {
             char digits[3];
             std::snprintf(digits, sizeof(digits), "%02x", bytes.at(i));
             identifier += digits;

@@ -1,6 +1,5 @@
 // The types of type_kinds_idlc.idl as type codes.
-#ifndef TESTS_INTEROP_TYPE_KINDS_H
-#define TESTS_INTEROP_TYPE_KINDS_H
+#pragma once
 
 #include "support/type_book.h"
 
@@ -107,5 +106,3 @@ class TypeKinds {
 };
 
 }  // namespace interop
-
-#endif  // TESTS_INTEROP_TYPE_KINDS_H

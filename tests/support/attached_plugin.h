@@ -1,6 +1,5 @@
 // A plugin record of one of the topic types, and what is attached through it.
-#ifndef TESTS_SUPPORT_ATTACHED_PLUGIN_H
-#define TESTS_SUPPORT_ATTACHED_PLUGIN_H
+#pragma once
 
 #include <array>
 #include <vector>
@@ -84,5 +83,3 @@ class Attached {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_ATTACHED_PLUGIN_H

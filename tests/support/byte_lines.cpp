@@ -24,8 +24,8 @@ Bytes bytes_of(const ByteLines &lines, bool big) {
 }
 
 // The rule that a byte follows from.
-const char *rule_of(const ByteLines &lines, bool big, size_t position) {
-    size_t end = 0;
+const char *rule_of(const ByteLines &lines, bool big, std::size_t position) {
+    std::size_t end = 0;
     for (const ByteLine &line : lines) {
         end += bytes_of(line, big).size();
         if (position < end) {
@@ -40,7 +40,7 @@ void expect_written(const Bytes &written, const ByteLines &lines, bool big) {
     if (written == expected) {
         return;
     }
-    size_t at = 0;
+    std::size_t at = 0;
     while (at < written.size() && at < expected.size() && written[at] == expected[at]) {
         ++at;
     }

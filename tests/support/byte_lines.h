@@ -1,7 +1,6 @@
 // Serialised samples written out by hand: a few bytes a line, in both byte orders, and the rule
 // that each line follows from.
-#ifndef TESTS_SUPPORT_BYTE_LINES_H
-#define TESTS_SUPPORT_BYTE_LINES_H
+#pragma once
 
 #include <kolt/cdr.h>
 
@@ -25,5 +24,3 @@ void expect_lines(const DDS_TypeCode *type, const void *record,
 ByteLines joined(std::initializer_list<ByteLines> parts);
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_BYTE_LINES_H

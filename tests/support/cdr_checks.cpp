@@ -4,6 +4,7 @@
 #include <kolt/cdr.h>
 #include <kolt/print_format.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,7 +15,7 @@ namespace {
 
 // Fields of one sample that are looked at one by one.
 constexpr unsigned kMaximumFields = 64;
-constexpr size_t kMaximumKey = 4096;
+constexpr std::size_t kMaximumKey = 4096;
 
 void require(bool condition, const char *what, int line) {
     if (condition) {
@@ -125,7 +126,7 @@ class FieldWalk {
 
   private:
     void Into(const DDS_TypeCode &type, const std::string &suffix, KOLT_CdrPathStep step) {
-        const size_t length = name_.size();
+        const std::size_t length = name_.size();
         name_ += suffix;
         path_.push_back(step);
         Walk(type);
@@ -169,7 +170,7 @@ class FieldWalk {
 // Compares what is found in the bytes with the value that was read from them.
 class FindFields : FieldWalk {
   public:
-    FindFields(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
+    FindFields(const KOLT_TypePrograms *programs, const std::uint8_t *bytes, std::size_t size,
                DDS_DynamicData *data)
         : FieldWalk(data), programs_(programs), bytes_(bytes), size_(size) {}
 
@@ -237,14 +238,14 @@ class FindFields : FieldWalk {
     }
 
     const KOLT_TypePrograms *programs_;
-    const uint8_t *bytes_;
-    size_t size_;
+    const std::uint8_t *bytes_;
+    std::size_t size_;
 };
 
 // Looks for every field in bytes that can't be read as a whole, to no harm.
 class SearchMalformed : FieldWalk {
   public:
-    SearchMalformed(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
+    SearchMalformed(const KOLT_TypePrograms *programs, const std::uint8_t *bytes, std::size_t size,
                     DDS_DynamicData *data)
         : FieldWalk(data), programs_(programs), bytes_(bytes), size_(size) {}
 
@@ -266,8 +267,8 @@ class SearchMalformed : FieldWalk {
     }
 
     const KOLT_TypePrograms *programs_;
-    const uint8_t *bytes_;
-    size_t size_;
+    const std::uint8_t *bytes_;
+    std::size_t size_;
 };
 
 // Sets every field that the decisions don't leave out.
@@ -351,17 +352,17 @@ class FillFields : FieldWalk {
             case DDS_TK_BOOLEAN:
                 return decisions_.Below(2);
             case DDS_TK_CHAR:
-                return static_cast<int8_t>(decisions_.Byte());
+                return static_cast<std::int8_t>(decisions_.Byte());
             case DDS_TK_OCTET:
                 return decisions_.Byte();
             case DDS_TK_SHORT:
-                return static_cast<int16_t>(decisions_.Word());
+                return static_cast<std::int16_t>(decisions_.Word());
             case DDS_TK_USHORT:
-                return static_cast<uint16_t>(decisions_.Word());
+                return static_cast<std::uint16_t>(decisions_.Word());
             case DDS_TK_LONG:
-                return static_cast<int32_t>(decisions_.Word());
+                return static_cast<std::int32_t>(decisions_.Word());
             case DDS_TK_ULONG:
-                return static_cast<uint32_t>(decisions_.Word());
+                return static_cast<std::uint32_t>(decisions_.Word());
             case DDS_TK_ENUM:
                 return type.members[decisions_.Below(type.member_count)].ordinal;
             default:
@@ -372,7 +373,7 @@ class FillFields : FieldWalk {
     void SetString(const DDS_TypeCode &type) {
         std::string text(decisions_.Below(type.bound == 0 ? 20 : type.bound % 256 + 1), '\0');
         for (char &character : text) {
-            const uint8_t byte = decisions_.Byte();
+            const std::uint8_t byte = decisions_.Byte();
             character = static_cast<char>(byte == 0 ? 'a' : byte);
         }
         REQUIRE(DDS_DynamicData_set_string(data_, name_.c_str(), DDS_MEMBER_ID_INVALID,
@@ -386,7 +387,7 @@ class FillFields : FieldWalk {
     Decisions &decisions_;
 };
 
-const DDS_Char *as_chars(const uint8_t *bytes) {
+const DDS_Char *as_chars(const std::uint8_t *bytes) {
     return reinterpret_cast<const DDS_Char *>(bytes);
 }
 
@@ -399,7 +400,7 @@ void check_round_trip(const KOLT_TypePrograms *programs, const void *record) {
         REQUIRE(size >= KOLT_Cdr_serialized_min_size(programs, encapsulation));
         REQUIRE(size <= KOLT_Cdr_serialized_max_size(programs, encapsulation));
         std::vector<DDS_Octet> bytes(size);
-        size_t length = 0;
+        std::size_t length = 0;
         REQUIRE(KOLT_Cdr_serialize(programs, encapsulation, record, bytes.data(), size, &length) !=
                 0);
         REQUIRE(length == size);
@@ -450,11 +451,11 @@ bool may_be_taken_for_framed(const DDS_TypeCode &type, DDS_UnsignedShort encapsu
 }
 
 // Every way to the key of a sample leads to the same key.
-void check_keys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
+void check_keys(const KOLT_TypePrograms *programs, const std::uint8_t *bytes, std::size_t size,
                 const void *record) {
     const DDS_TypeCode *const type = KOLT_TypePrograms_type(programs);
     std::vector<DDS_Octet> expected(kMaximumKey);
-    size_t length = expected.size();
+    std::size_t length = expected.size();
     if (!KOLT_Cdr_key_of_record(programs, record, expected.data(), &length)) {
         REQUIRE(length > kMaximumKey);
         return;
@@ -462,8 +463,8 @@ void check_keys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t 
     REQUIRE(length <= KOLT_Cdr_key_max_size(programs));
     expected.resize(length);
     std::vector<DDS_Octet> key(kMaximumKey);
-    const auto same = [&](const uint8_t *from, size_t from_size, DDS_Boolean key_only) {
-        size_t key_length = key.size();
+    const auto same = [&](const std::uint8_t *from, std::size_t from_size, DDS_Boolean key_only) {
+        std::size_t key_length = key.size();
         REQUIRE(KOLT_Cdr_key_of_serialized(programs, from, from_size, key_only, key.data(),
                                            &key_length));
         REQUIRE(key_length == length);
@@ -474,7 +475,7 @@ void check_keys(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t 
         const DDS_UnsignedLong key_size =
             KOLT_Cdr_serialized_key_size(programs, encapsulation, record);
         std::vector<DDS_Octet> payload(key_size);
-        size_t written = 0;
+        std::size_t written = 0;
         REQUIRE(KOLT_Cdr_serialize_key(programs, encapsulation, record, payload.data(), key_size,
                                        &written));
         REQUIRE(written == key_size);
@@ -508,7 +509,7 @@ void check_text(const DDS_DynamicData *data) {
 }
 
 // The bytes as a dynamic value: the same as the record that was read from them.
-void check_dynamic(const KOLT_TypePrograms *programs, const uint8_t *bytes, size_t size,
+void check_dynamic(const KOLT_TypePrograms *programs, const std::uint8_t *bytes, std::size_t size,
                    const void *record) {
     const DDS_TypeCode *const type = KOLT_TypePrograms_type(programs);
     const Value value(type);
@@ -519,8 +520,8 @@ void check_dynamic(const KOLT_TypePrograms *programs, const uint8_t *bytes, size
          {DDS_XCDR_DATA_REPRESENTATION, DDS_XCDR2_DATA_REPRESENTATION}) {
         const DDS_UnsignedShort encapsulation =
             DDS_TypeCode_get_native_encapsulation(type, representation);
-        const std::vector<uint8_t> expected = checked_bytes(value, encapsulation);
-        size_t length = 0;
+        const std::vector<std::uint8_t> expected = checked_bytes(value, encapsulation);
+        std::size_t length = 0;
         std::vector<DDS_Octet> written(expected.size());
         REQUIRE(KOLT_Cdr_serialize(programs, encapsulation, record, written.data(), written.size(),
                                    &length));
@@ -552,7 +553,7 @@ std::vector<DDS_UnsignedShort> encapsulations_of(const DDS_TypeCode *type) {
     return all;
 }
 
-bool check_sample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
+bool check_sample(const DDS_TypeCode *type, const std::uint8_t *bytes, std::size_t size) {
     const ProgramsOf programs(type);
     AnyRecord record(type);
     if (!KOLT_Cdr_deserialize(programs, bytes, size, record.get())) {
@@ -563,7 +564,7 @@ bool check_sample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
         REQUIRE(DDS_DynamicData_equals(value, fresh));
         SearchMalformed(programs, bytes, size, value).Run();
         DDS_Octet key[64];
-        size_t length = sizeof(key);
+        std::size_t length = sizeof(key);
         KOLT_Cdr_key_of_serialized(programs, bytes, size, DDS_BOOLEAN_FALSE, key, &length);
         return false;
     }
@@ -573,11 +574,11 @@ bool check_sample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
     return true;
 }
 
-bool check_key(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
+bool check_key(const DDS_TypeCode *type, const std::uint8_t *bytes, std::size_t size) {
     const ProgramsOf programs(type);
     AnyRecord record(type);
     std::vector<DDS_Octet> key(kMaximumKey);
-    size_t length = key.size();
+    std::size_t length = key.size();
     const bool has_key = KOLT_Cdr_key_of_serialized(programs, bytes, size, DDS_BOOLEAN_TRUE,
                                                     key.data(), &length) != 0;
     if (!KOLT_Cdr_deserialize_key(programs, bytes, size, record.get())) {
@@ -585,7 +586,7 @@ bool check_key(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
         return false;
     }
     std::vector<DDS_Octet> expected(kMaximumKey);
-    size_t expected_length = expected.size();
+    std::size_t expected_length = expected.size();
     if (!KOLT_Cdr_key_of_record(programs, record.get(), expected.data(), &expected_length)) {
         REQUIRE(!has_key && expected_length > kMaximumKey);
         return true;
@@ -597,7 +598,7 @@ bool check_key(const DDS_TypeCode *type, const uint8_t *bytes, size_t size) {
         const DDS_UnsignedLong key_size =
             KOLT_Cdr_serialized_key_size(programs, encapsulation, record.get());
         std::vector<DDS_Octet> payload(key_size);
-        size_t written = 0;
+        std::size_t written = 0;
         REQUIRE(KOLT_Cdr_serialize_key(programs, encapsulation, record.get(), payload.data(),
                                        key_size, &written));
         if (may_be_taken_for_framed(*type, encapsulation)) {
@@ -618,7 +619,8 @@ void checked_fill(DDS_DynamicData *data, Decisions *decisions) {
     FillFields(data, decisions).Run();
 }
 
-std::vector<uint8_t> checked_bytes(const DDS_DynamicData *data, DDS_UnsignedShort encapsulation) {
+std::vector<std::uint8_t> checked_bytes(const DDS_DynamicData *data,
+                                        DDS_UnsignedShort encapsulation) {
     const DDS_TypeCode *const type = DDS_DynamicData_get_type(data);
     const bool second = encapsulation >= KOLT_ENCAPSULATION_CDR2_BE;
     const DDS_DataRepresentationId_t representation =
@@ -626,7 +628,7 @@ std::vector<uint8_t> checked_bytes(const DDS_DynamicData *data, DDS_UnsignedShor
     DDS_UnsignedLong length = 0;
     REQUIRE(DDS_DynamicData_to_cdr_buffer_ex(data, nullptr, &length, representation) ==
             DDS_RETCODE_OK);
-    std::vector<uint8_t> bytes(length);
+    std::vector<std::uint8_t> bytes(length);
     REQUIRE(DDS_DynamicData_to_cdr_buffer_ex(data, reinterpret_cast<DDS_Char *>(bytes.data()),
                                              &length, representation) == DDS_RETCODE_OK);
     REQUIRE(length == bytes.size());
@@ -637,7 +639,7 @@ std::vector<uint8_t> checked_bytes(const DDS_DynamicData *data, DDS_UnsignedShor
     const ProgramsOf programs(type);
     AnyRecord record(type);
     REQUIRE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), record.get()));
-    size_t written = 0;
+    std::size_t written = 0;
     REQUIRE(KOLT_Cdr_serialize(programs, encapsulation, record.get(), bytes.data(), bytes.size(),
                                &written));
     REQUIRE(written == bytes.size());
@@ -651,7 +653,7 @@ void check_evolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
     const ProgramsOf programs(type);
     const ProgramsOf shorter_programs(shorter);
     for (const DDS_UnsignedShort encapsulation : encapsulations_of(type)) {
-        const std::vector<uint8_t> bytes = checked_bytes(data, encapsulation);
+        const std::vector<std::uint8_t> bytes = checked_bytes(data, encapsulation);
         AnyRecord full(type);
         AnyRecord record(shorter);
         REQUIRE(KOLT_Cdr_deserialize(programs, bytes.data(), bytes.size(), full.get()));
@@ -671,7 +673,7 @@ void check_evolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
         const DDS_UnsignedLong size =
             KOLT_Cdr_serialized_size(shorter_programs, encapsulation, record.get());
         std::vector<DDS_Octet> short_bytes(size);
-        size_t length = 0;
+        std::size_t length = 0;
         REQUIRE(KOLT_Cdr_serialize(shorter_programs, encapsulation, record.get(),
                                    short_bytes.data(), size, &length));
         REQUIRE(KOLT_Cdr_deserialize(programs, short_bytes.data(), size, full.get()));

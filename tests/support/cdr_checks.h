@@ -1,10 +1,10 @@
 // What must hold for the bytes of a sample, whatever its type: each way to read them says the same.
 // A check that fails says so on standard error and ends the process, for fuzzing as for tests.
-#ifndef TESTS_SUPPORT_CDR_CHECKS_H
-#define TESTS_SUPPORT_CDR_CHECKS_H
+#pragma once
 
 #include <kolt/dynamic_data.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -14,16 +14,17 @@ namespace support {
 
 // The sample read, found field by field, keyed, rendered and written again. True when the bytes are
 // a sample of the type.
-bool check_sample(const DDS_TypeCode *type, const uint8_t *bytes, size_t size);
+bool check_sample(const DDS_TypeCode *type, const std::uint8_t *bytes, std::size_t size);
 
 // The same for bytes that are a key-only payload. True when they are one.
-bool check_key(const DDS_TypeCode *type, const uint8_t *bytes, size_t size);
+bool check_key(const DDS_TypeCode *type, const std::uint8_t *bytes, std::size_t size);
 
 // A value of the type, set member by member; what is set must be there afterwards.
 void checked_fill(DDS_DynamicData *data, Decisions *decisions);
 
 // The bytes of a value in an encapsulation of its type.
-std::vector<uint8_t> checked_bytes(const DDS_DynamicData *data, DDS_UnsignedShort encapsulation);
+std::vector<std::uint8_t> checked_bytes(const DDS_DynamicData *data,
+                                        DDS_UnsignedShort encapsulation);
 
 // The four encapsulations in which a type is sent.
 std::vector<DDS_UnsignedShort> encapsulations_of(const DDS_TypeCode *type);
@@ -34,5 +35,3 @@ void check_evolution(const DDS_TypeCode *type, const DDS_TypeCode *shorter,
                      const DDS_DynamicData *data);
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_CDR_CHECKS_H

@@ -1,6 +1,5 @@
 // Samples whose bytes are known, for the tests of both representations.
-#ifndef TESTS_SUPPORT_CDR_VECTORS_H
-#define TESTS_SUPPORT_CDR_VECTORS_H
+#pragma once
 
 #include <gtest/gtest.h>
 
@@ -57,5 +56,3 @@ inline void fill(Choice *choice) {
 }
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_CDR_VECTORS_H

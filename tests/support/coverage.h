@@ -1,11 +1,11 @@
 // Which values the fields of some samples have held.
-#ifndef TESTS_SUPPORT_COVERAGE_H
-#define TESTS_SUPPORT_COVERAGE_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/sequence.h>
 #include <kolt/typecode.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -114,9 +114,7 @@ class Coverage {
     }
 
     std::map<std::string, std::set<DDS_LongLong>> integers_;
-    std::map<std::string, std::set<size_t>> lengths_;
+    std::map<std::string, std::set<std::size_t>> lengths_;
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_COVERAGE_H

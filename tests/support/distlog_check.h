@@ -1,6 +1,5 @@
 // distlog check as a test runs it, in a working directory of its own.
-#ifndef TESTS_SUPPORT_DISTLOG_CHECK_H
-#define TESTS_SUPPORT_DISTLOG_CHECK_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
@@ -124,5 +123,3 @@ class DistlogCheckTest : public testing::Test {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_DISTLOG_CHECK_H

@@ -1,6 +1,5 @@
 // Dynamic data that free themselves, and the values of their members.
-#ifndef TESTS_SUPPORT_DYNAMIC_DATA_H
-#define TESTS_SUPPORT_DYNAMIC_DATA_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/dynamic_data.h>
@@ -54,5 +53,3 @@ inline DDS_ReturnCode_t from_bytes(const Data &data, const std::vector<char> &by
 }
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_DYNAMIC_DATA_H

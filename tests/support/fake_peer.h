@@ -1,7 +1,6 @@
 // Peers that behave as a test wants: a sender of log messages with numbers of its choice, and an
 // administered logger with answers of its choice.
-#ifndef TESTS_SUPPORT_FAKE_PEER_H
-#define TESTS_SUPPORT_FAKE_PEER_H
+#pragma once
 
 #include <vur_dl/DDSEntities.h>
 #include <vur_dl/distlogSupport.h>
@@ -58,5 +57,3 @@ class FakeResponder {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_FAKE_PEER_H

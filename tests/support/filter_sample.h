@@ -1,6 +1,5 @@
 // A structure with a field of each kind that a filter can compare, and a sample of it.
-#ifndef TESTS_SUPPORT_FILTER_SAMPLE_H
-#define TESTS_SUPPORT_FILTER_SAMPLE_H
+#pragma once
 
 #include <kolt/cdr.h>
 #include <kolt/filter.h>
@@ -126,7 +125,7 @@ class Types {
         choice_.discriminator_type = primitive(DDS_TK_LONG);
         choices_ = {make_member("number", 1, primitive(DDS_TK_LONG)),
                     make_member("name", 2, &string_)};
-        for (size_t i = 0; i < 2; ++i) {
+        for (std::size_t i = 0; i < 2; ++i) {
             choices_[i].labels = &labels_[i];
             choices_[i].label_count = 1;
         }
@@ -191,9 +190,9 @@ class Types {
     DDS_SampleAccessInfo point_access_, choice_access_, access_;
     const DDS_UnsignedLong dimensions_[2] = {2, 3};
     const DDS_Long labels_[2] = {1, 2};
-    const size_t point_offsets_[2] = {offsetof(Point, x), offsetof(Point, y)};
-    const size_t choice_offsets_[2] = {offsetof(Choice, number), offsetof(Choice, name)};
-    const size_t offsets_[18] = {
+    const std::size_t point_offsets_[2] = {offsetof(Point, x), offsetof(Point, y)};
+    const std::size_t choice_offsets_[2] = {offsetof(Choice, number), offsetof(Choice, name)};
+    const std::size_t offsets_[18] = {
         offsetof(Record, flag),   offsetof(Record, letter),   offsetof(Record, octet),
         offsetof(Record, short_), offsetof(Record, ushort),   offsetof(Record, long_),
         offsetof(Record, ulong),  offsetof(Record, longlong), offsetof(Record, ulonglong),
@@ -206,7 +205,7 @@ class Types {
 inline std::vector<DDS_Octet> serialize(const Record &record, DDS_UnsignedShort encapsulation) {
     const auto *programs = KOLT_TypePrograms_acquire(&Types::record());
     std::vector<DDS_Octet> bytes(4096);
-    size_t length = 0;
+    std::size_t length = 0;
     if (!KOLT_Cdr_serialize(programs, encapsulation, &record, bytes.data(), bytes.size(),
                             &length)) {
         length = 0;
@@ -271,5 +270,3 @@ inline Filter compile(const std::string &expression,
 }
 
 }  // namespace filter_sample
-
-#endif  // TESTS_SUPPORT_FILTER_SAMPLE_H

@@ -1,7 +1,6 @@
 // For one source of a test program: an allocation that can't succeed is a NULL, under the
 // sanitizers as well, which would rather end the program.
-#ifndef TESTS_SUPPORT_HUGE_ALLOCATIONS_H
-#define TESTS_SUPPORT_HUGE_ALLOCATIONS_H
+#pragma once
 
 #define SUPPORT_SANITIZER_OPTIONS(function)                                         \
     extern "C" __attribute__((visibility("default"), used)) const char *function(); \
@@ -10,5 +9,3 @@
     }
 SUPPORT_SANITIZER_OPTIONS(__asan_default_options)
 SUPPORT_SANITIZER_OPTIONS(__tsan_default_options)
-
-#endif  // TESTS_SUPPORT_HUGE_ALLOCATIONS_H

@@ -1,6 +1,5 @@
 // The application of helper_log_app in a process of its own.
-#ifndef TESTS_SUPPORT_LOG_APP_H
-#define TESTS_SUPPORT_LOG_APP_H
+#pragma once
 
 #include <string>
 
@@ -40,5 +39,3 @@ class LogApp {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_LOG_APP_H

@@ -1,6 +1,5 @@
 // What the middleware's logger says while a test looks.
-#ifndef TESTS_SUPPORT_LOG_CAPTURE_H
-#define TESTS_SUPPORT_LOG_CAPTURE_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
@@ -47,5 +46,3 @@ class LogCapture {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_LOG_CAPTURE_H

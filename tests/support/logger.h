@@ -1,6 +1,5 @@
 // The process's logger for tests: created with given options, finalised with the scope.
-#ifndef TESTS_SUPPORT_LOGGER_H
-#define TESTS_SUPPORT_LOGGER_H
+#pragma once
 
 #include <vur_dl/DistLogger.h>
 #include <vur_dl/Options.h>
@@ -41,5 +40,3 @@ class Logger {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_LOGGER_H

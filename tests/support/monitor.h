@@ -1,11 +1,11 @@
 // An administration tool for tests: reads what loggers publish and sends them commands.
-#ifndef TESTS_SUPPORT_MONITOR_H
-#define TESTS_SUPPORT_MONITOR_H
+#pragma once
 
 #include <vur_dl/DDSEntities.h>
 #include <vur_dl/distlogSupport.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -103,5 +103,3 @@ class Monitor {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_MONITOR_H

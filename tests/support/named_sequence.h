@@ -1,6 +1,5 @@
 // A sequence of elements that own a string, are counted, and can be told to fail.
-#ifndef TESTS_SUPPORT_NAMED_SEQUENCE_H
-#define TESTS_SUPPORT_NAMED_SEQUENCE_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/sequence.h>
@@ -31,5 +30,3 @@ class SequenceTest : public ::testing::Test {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_NAMED_SEQUENCE_H

@@ -1,12 +1,12 @@
 // Real processes for tests: children with their output line by line, and this process's own
 // standard output.
-#ifndef TESTS_SUPPORT_PROCESS_H
-#define TESTS_SUPPORT_PROCESS_H
+#pragma once
 
 #include <sys/types.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -107,5 +107,3 @@ class StdoutCapture {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_PROCESS_H

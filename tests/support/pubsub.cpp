@@ -272,7 +272,7 @@ std::vector<Text> take(DDS_DataReader *reader) {
     return access(reader, selection(true));
 }
 
-std::vector<Text> take_at_least(DDS_DataReader *reader, size_t count) {
+std::vector<Text> take_at_least(DDS_DataReader *reader, std::size_t count) {
     std::vector<Text> all;
     eventually([&] {
         for (Text &text : take(reader)) {

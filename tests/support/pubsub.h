@@ -1,9 +1,9 @@
 // Participants, writers and readers of support::Message for tests of the entity API.
-#ifndef TESTS_SUPPORT_PUBSUB_H
-#define TESTS_SUPPORT_PUBSUB_H
+#pragma once
 
 #include <kolt/dds_c.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -77,7 +77,7 @@ std::vector<Text> access(DDS_DataReader *reader, const KOLT_ReadSelection &selec
                          DDS_ReturnCode_t *code = nullptr);
 std::vector<Text> take(DDS_DataReader *reader);
 // Takes until there are `count` messages or the deadline has passed.
-std::vector<Text> take_at_least(DDS_DataReader *reader, size_t count);
+std::vector<Text> take_at_least(DDS_DataReader *reader, std::size_t count);
 
 // Waits until the endpoints know of `count` peers.
 bool is_matched(DDS_DataWriter *writer, int count = 1);
@@ -125,5 +125,3 @@ using WriterQos = Qos<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataW
 using ReaderQos = Qos<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_PUBSUB_H

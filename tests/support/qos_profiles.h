@@ -1,7 +1,6 @@
 // A test that loads QoS profiles: in a working directory of its own, with the messages that are
 // logged.
-#ifndef TESTS_SUPPORT_QOS_PROFILES_H
-#define TESTS_SUPPORT_QOS_PROFILES_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
@@ -149,5 +148,3 @@ class QosProfilesTest : public testing::Test {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_QOS_PROFILES_H

@@ -4,15 +4,16 @@
 #include <kolt/sequence.h>
 
 #include <algorithm>
+#include <cstdint>
 
 namespace support {
 namespace {
 
 constexpr int kMaximumDepth = 4;
 // Bytes that one value may take in memory, with the buffers that it is born with.
-constexpr size_t kMaximumWeight = 16384;
+constexpr std::size_t kMaximumWeight = 16384;
 
-size_t size_of(const DDS_TypeCode &type) {
+std::size_t size_of(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_BOOLEAN:
         case DDS_TK_CHAR:
@@ -33,7 +34,7 @@ size_t size_of(const DDS_TypeCode &type) {
         case DDS_TK_UNION:
             return type.access->record_size;
         case DDS_TK_ARRAY: {
-            size_t count = 1;
+            std::size_t count = 1;
             for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
                 count *= type.dimensions[i];
             }
@@ -44,7 +45,7 @@ size_t size_of(const DDS_TypeCode &type) {
     }
 }
 
-size_t alignment_of(const DDS_TypeCode &type) {
+std::size_t alignment_of(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_SEQUENCE:
             return alignof(KOLT_Sequence);
@@ -58,7 +59,7 @@ size_t alignment_of(const DDS_TypeCode &type) {
     }
 }
 
-size_t weight_of(const DDS_TypeCode &type) {
+std::size_t weight_of(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_STRING:
             return 32 + type.bound;
@@ -68,7 +69,7 @@ size_t weight_of(const DDS_TypeCode &type) {
             return size_of(type) / size_of(*type.content_type) * weight_of(*type.content_type);
         case DDS_TK_STRUCT:
         case DDS_TK_UNION: {
-            size_t weight = type.access->record_size;
+            std::size_t weight = type.access->record_size;
             for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
                 weight += weight_of(*type.members[i].type);
             }
@@ -85,7 +86,7 @@ bool is_integral(DDS_TCKind kind) {
 
 }  // namespace
 
-uint8_t Decisions::Byte() {
+std::uint8_t Decisions::Byte() {
     if (left_ == 0) {
         return 0;
     }
@@ -93,8 +94,8 @@ uint8_t Decisions::Byte() {
     return *at_++;
 }
 
-uint64_t Decisions::Word() {
-    uint64_t word = 0;
+std::uint64_t Decisions::Word() {
+    std::uint64_t word = 0;
     for (int i = 0; i < 8; ++i) {
         word = word << 8 | Byte();
     }
@@ -237,7 +238,7 @@ std::vector<DDS_TypeCodeMember> RandomType::MakeMembers(unsigned count, int dept
         }
     }
     if (decisions_.OneIn(4)) {  // ids that fall
-        for (size_t i = 0; i < members.size() / 2; ++i) {
+        for (std::size_t i = 0; i < members.size() / 2; ++i) {
             std::swap(members[i].id, members[members.size() - 1 - i].id);
         }
     }
@@ -245,21 +246,22 @@ std::vector<DDS_TypeCodeMember> RandomType::MakeMembers(unsigned count, int dept
 }
 
 const DDS_TypeCode *RandomType::Finish(DDS_TypeCode aggregate,
-                                       std::vector<DDS_TypeCodeMember> members, size_t start) {
+                                       std::vector<DDS_TypeCodeMember> members, std::size_t start) {
     DDS_SampleAccessInfo access{};
     access.language_binding = KOLT_LANGUAGE_BINDING_PLAIN_RECORD;
     access.record_alignment = start == 0 ? 1 : alignment_of(*aggregate.discriminator_type);
-    std::vector<size_t> offsets;
-    size_t end = start;
+    std::vector<std::size_t> offsets;
+    std::size_t end = start;
     for (const DDS_TypeCodeMember &member : members) {
-        const size_t size = member.is_optional ? sizeof(void *) : size_of(*member.type);
-        const size_t alignment = member.is_optional ? alignof(void *) : alignment_of(*member.type);
+        const std::size_t size = member.is_optional ? sizeof(void *) : size_of(*member.type);
+        const std::size_t alignment =
+            member.is_optional ? alignof(void *) : alignment_of(*member.type);
         end = (end + alignment - 1) / alignment * alignment;
         offsets.push_back(end);
         end += size;
         access.record_alignment = std::max(access.record_alignment, alignment);
     }
-    const size_t alignment = access.record_alignment;
+    const std::size_t alignment = access.record_alignment;
     access.record_size = (end + alignment - 1) / alignment * alignment;
     access.member_count = static_cast<DDS_UnsignedLong>(members.size());
     offsets_.push_back(std::move(offsets));

@@ -1,6 +1,5 @@
 // Type codes that are made up from bytes, for tests that want any type.
-#ifndef TESTS_SUPPORT_RANDOM_TYPES_H
-#define TESTS_SUPPORT_RANDOM_TYPES_H
+#pragma once
 
 #include <kolt/typecode.h>
 
@@ -15,19 +14,19 @@ namespace support {
 // Decisions, one byte each; all of them 0 when the bytes have run out.
 class Decisions {
   public:
-    Decisions(const uint8_t *bytes, size_t size) : at_(bytes), left_(size) {}
+    Decisions(const std::uint8_t *bytes, std::size_t size) : at_(bytes), left_(size) {}
 
-    uint8_t Byte();
+    std::uint8_t Byte();
     unsigned Below(unsigned limit) { return Byte() % limit; }
     // True in one of `rarity` cases; false when the bytes have run out.
     bool OneIn(unsigned rarity) { return Byte() % rarity == rarity - 1; }
-    uint64_t Word();
+    std::uint64_t Word();
     bool empty() const { return left_ == 0; }
-    size_t left() const { return left_; }
+    std::size_t left() const { return left_; }
 
   private:
-    const uint8_t *at_;
-    size_t left_;
+    const std::uint8_t *at_;
+    std::size_t left_;
 };
 
 // A well-formed structure or union with all that it consists of, laid out as a C compiler would.
@@ -55,7 +54,7 @@ class RandomType {
     std::vector<DDS_TypeCodeMember> MakeMembers(unsigned count, int depth, bool is_union);
     // Places the members behind the first `start` bytes of a record.
     const DDS_TypeCode *Finish(DDS_TypeCode aggregate, std::vector<DDS_TypeCodeMember> members,
-                               size_t start);
+                               std::size_t start);
     void MakeShorter();
 
     DDS_TypeCode *Store(const DDS_TypeCode &type);
@@ -70,12 +69,10 @@ class RandomType {
     std::deque<DDS_TypeCode> types_;
     std::deque<std::vector<DDS_TypeCodeMember>> members_;
     std::deque<std::vector<DDS_Long>> labels_;
-    std::deque<std::vector<size_t>> offsets_;
+    std::deque<std::vector<std::size_t>> offsets_;
     std::deque<std::vector<DDS_UnsignedLong>> dimensions_;
     std::deque<DDS_SampleAccessInfo> access_;
     std::deque<std::string> texts_;
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_RANDOM_TYPES_H

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -42,7 +43,7 @@ DDS_TypeCodeMember with_default(DDS_TypeCodeMember m, const char *value) {
     m.default_value.value.string = value;
     return m;
 }
-template <size_t kCount>
+template <std::size_t kCount>
 DDS_TypeCodeMember labelled(DDS_TypeCodeMember m, const DDS_Long (&labels)[kCount]) {
     m.labels = labels;
     m.label_count = kCount;
@@ -66,7 +67,7 @@ DDS_TypeCode sequence(const DDS_TypeCode *content, DDS_UnsignedLong bound) {
     type.content_type = content;
     return type;
 }
-template <size_t kCount>
+template <std::size_t kCount>
 DDS_TypeCode array(const DDS_TypeCode *content, const DDS_UnsignedLong (&dimensions)[kCount]) {
     DDS_TypeCode type = string(0);
     type.kind = DDS_TK_ARRAY;
@@ -77,16 +78,16 @@ DDS_TypeCode array(const DDS_TypeCode *content, const DDS_UnsignedLong (&dimensi
 }
 
 // A structure with its tables. The tables live as long as the object, which is static.
-template <size_t kCount>
+template <std::size_t kCount>
 struct Aggregate {
     std::array<DDS_TypeCodeMember, kCount> members;
-    std::array<size_t, kCount> offsets;
+    std::array<std::size_t, kCount> offsets;
     DDS_SampleAccessInfo access{};
     DDS_TypeCode type{};
 
-    Aggregate(const char *name, DDS_ExtensibilityKind extensibility, size_t size, size_t alignment,
-              const std::array<DDS_TypeCodeMember, kCount> &all,
-              const std::array<size_t, kCount> &places)
+    Aggregate(const char *name, DDS_ExtensibilityKind extensibility, std::size_t size,
+              std::size_t alignment, const std::array<DDS_TypeCodeMember, kCount> &all,
+              const std::array<std::size_t, kCount> &places)
         : members(all), offsets(places) {
         access.language_binding = KOLT_LANGUAGE_BINDING_PLAIN_RECORD;
         access.record_size = size;
@@ -104,7 +105,7 @@ struct Aggregate {
     Aggregate(const Aggregate &) = delete;
     Aggregate &operator=(const Aggregate &) = delete;
 
-    void make_union(const DDS_TypeCode *discriminator, size_t offset, DDS_Long initial) {
+    void make_union(const DDS_TypeCode *discriminator, std::size_t offset, DDS_Long initial) {
         type.kind = DDS_TK_UNION;
         type.discriminator_type = discriminator;
         type.default_discriminator = initial;
@@ -112,10 +113,10 @@ struct Aggregate {
     }
 };
 
-template <typename T, size_t kCount>
+template <typename T, std::size_t kCount>
 Aggregate<kCount> aggregate(const char *name, DDS_ExtensibilityKind extensibility,
                             const std::array<DDS_TypeCodeMember, kCount> &members,
-                            const std::array<size_t, kCount> &offsets) {
+                            const std::array<std::size_t, kCount> &offsets) {
     return Aggregate<kCount>(name, extensibility, sizeof(T), alignof(T), members, offsets);
 }
 
@@ -124,7 +125,7 @@ std::array<DDS_TypeCodeMember, sizeof...(M)> members_of(const M &...all) {
     return {all...};
 }
 template <typename... O>
-std::array<size_t, sizeof...(O)> offsets_of(O... all) {
+std::array<std::size_t, sizeof...(O)> offsets_of(O... all) {
     return {all...};
 }
 
@@ -458,7 +459,7 @@ Bytes from_hex(const std::string &hex) {
         if (c == '\'') {
             quoted = !quoted;
         } else if (quoted) {
-            bytes.push_back(static_cast<uint8_t>(c));
+            bytes.push_back(static_cast<std::uint8_t>(c));
         } else if (std::isxdigit(static_cast<unsigned char>(c)) != 0) {
             const int digit = std::isdigit(static_cast<unsigned char>(c)) != 0
                                   ? c - '0'
@@ -466,7 +467,7 @@ Bytes from_hex(const std::string &hex) {
             if (high < 0) {
                 high = digit;
             } else {
-                bytes.push_back(static_cast<uint8_t>(high * 16 + digit));
+                bytes.push_back(static_cast<std::uint8_t>(high * 16 + digit));
                 high = -1;
             }
         }
@@ -476,7 +477,7 @@ Bytes from_hex(const std::string &hex) {
 
 std::string to_hex(const Bytes &bytes) {
     std::string text;
-    for (size_t i = 0; i < bytes.size(); ++i) {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
         char digits[4];
         std::snprintf(digits, sizeof(digits), "%02x", bytes[i]);
         if (i > 0 && i % 4 == 0) {
@@ -490,7 +491,7 @@ std::string to_hex(const Bytes &bytes) {
 Bytes serialize(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record) {
     const auto id = static_cast<DDS_UnsignedShort>(encapsulation);
     Bytes bytes(KOLT_Cdr_serialized_size(programs, id, record));
-    size_t length = 0;
+    std::size_t length = 0;
     if (bytes.empty() ||
         !KOLT_Cdr_serialize(programs, id, record, bytes.data(), bytes.size(), &length) ||
         length != bytes.size()) {
@@ -502,7 +503,7 @@ Bytes serialize(const KOLT_TypePrograms *programs, unsigned encapsulation, const
 Bytes serialize_key(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record) {
     const auto id = static_cast<DDS_UnsignedShort>(encapsulation);
     Bytes bytes(KOLT_Cdr_serialized_key_size(programs, id, record));
-    size_t length = 0;
+    std::size_t length = 0;
     if (bytes.empty() ||
         !KOLT_Cdr_serialize_key(programs, id, record, bytes.data(), bytes.size(), &length) ||
         length != bytes.size()) {

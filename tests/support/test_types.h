@@ -1,6 +1,5 @@
 // Small types with every feature that the type layer knows, as records and type codes.
-#ifndef TESTS_SUPPORT_TEST_TYPES_H
-#define TESTS_SUPPORT_TEST_TYPES_H
+#pragma once
 
 #include <kolt/cdr.h>
 #include <kolt/sequence.h>
@@ -208,7 +207,7 @@ class Programs {
     const KOLT_TypePrograms *programs_;
 };
 
-using Bytes = std::vector<uint8_t>;
+using Bytes = std::vector<std::uint8_t>;
 
 // "00 07 0000 'abc' 00": hexadecimal digits, white space ignored, text in single quotes.
 Bytes from_hex(const std::string &hex);
@@ -225,5 +224,3 @@ void set_text(DDS_Char *buffer, const char *text);
 void fill_everything(Everything *record);
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_TEST_TYPES_H

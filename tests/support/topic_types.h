@@ -1,7 +1,6 @@
 // The four topic types of the logger, each with its functions and a few values of its own, for
 // tests that do the same with all of them.
-#ifndef TESTS_SUPPORT_TOPIC_TYPES_H
-#define TESTS_SUPPORT_TOPIC_TYPES_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <vur_dl/distlogSupport.h>
@@ -253,5 +252,3 @@ bool equal(const T &left, const T &right) {
 }
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_TOPIC_TYPES_H

@@ -7,11 +7,11 @@
 namespace support {
 namespace {
 
-constexpr size_t kAlignment = alignof(std::max_align_t);
+constexpr std::size_t kAlignment = alignof(std::max_align_t);
 
 // The room for a value in a record, aligned for whatever comes next.
-size_t room_for(const DDS_TypeCode &type) {
-    size_t size = kAlignment;
+std::size_t room_for(const DDS_TypeCode &type) {
+    std::size_t size = kAlignment;
     if (type.kind == DDS_TK_SEQUENCE) {
         size = sizeof(KOLT_Sequence);
     }
@@ -85,7 +85,7 @@ const DDS_TypeCode *TypeBook::enumeration(const std::string &name,
 void TypeBook::add_members(DDS_TypeCode &type, const Members &members) {
     auto &kept = members_.emplace_back();
     auto &offsets = offsets_.emplace_back();
-    size_t end = kAlignment;  // behind a discriminator
+    std::size_t end = kAlignment;  // behind a discriminator
     for (const MemberOf &member : members) {
         DDS_TypeCodeMember &code = kept.emplace_back();
         code.name = keep(member.name);

@@ -1,9 +1,9 @@
 // Type codes made at run time, for tests that describe types and need no records of them.
-#ifndef TESTS_SUPPORT_TYPE_BOOK_H
-#define TESTS_SUPPORT_TYPE_BOOK_H
+#pragma once
 
 #include <kolt/typecode.h>
 
+#include <cstddef>
 #include <deque>
 #include <initializer_list>
 #include <string>
@@ -79,11 +79,9 @@ class TypeBook {
     std::deque<DDS_SampleAccessInfo> accesses_;
     std::deque<std::string> texts_;
     std::deque<std::vector<DDS_TypeCodeMember>> members_;
-    std::deque<std::vector<size_t>> offsets_;
+    std::deque<std::vector<std::size_t>> offsets_;
     std::deque<std::vector<DDS_UnsignedLong>> dimensions_;
     std::deque<std::vector<DDS_Long>> labels_;
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_TYPE_BOOK_H

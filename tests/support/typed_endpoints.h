@@ -1,6 +1,5 @@
 // A writer and a reader of one of the logger's topic types, and what they read.
-#ifndef TESTS_SUPPORT_TYPED_ENDPOINTS_H
-#define TESTS_SUPPORT_TYPED_ENDPOINTS_H
+#pragma once
 
 #include <algorithm>
 #include <functional>
@@ -188,5 +187,3 @@ std::vector<ReadForm<T>> read_forms(DDS_InstanceHandle_t handle, DDS_InstanceHan
 }
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_TYPED_ENDPOINTS_H

@@ -1,6 +1,5 @@
 // A parser that knows the element `distributed_logger`, and what was reported while it parsed.
-#ifndef TESTS_SUPPORT_XML_CONFIG_H
-#define TESTS_SUPPORT_XML_CONFIG_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/xml.h>
@@ -60,5 +59,3 @@ class XmlConfigDocument {
 };
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_XML_CONFIG_H

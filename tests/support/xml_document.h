@@ -1,6 +1,5 @@
 // Short forms for tests that parse and write XML.
-#ifndef TESTS_SUPPORT_XML_DOCUMENT_H
-#define TESTS_SUPPORT_XML_DOCUMENT_H
+#pragma once
 
 #include <gtest/gtest.h>
 #include <kolt/xml.h>
@@ -44,5 +43,3 @@ inline std::string save(const DDS_XMLObject *object, int *error = nullptr) {
 }
 
 }  // namespace support
-
-#endif  // TESTS_SUPPORT_XML_DOCUMENT_H

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,8 @@ bool read(const DDS_TypeCode *type, const std::string &hex, void *record) {
 
 // An XCDR2 body, little-endian, with the DHEADER before it.
 std::string list2(const std::string &members) {
-    return "000b0000" + to_hex({static_cast<uint8_t>(from_hex(members).size()), 0, 0, 0}) + members;
+    return "000b0000" + to_hex({static_cast<std::uint8_t>(from_hex(members).size()), 0, 0, 0}) +
+           members;
 }
 // An XCDR1 parameter list, little-endian, with an end behind it.
 std::string list1(const std::string &members, const std::string &end = "023f0000") {
@@ -67,7 +69,7 @@ std::string all(const std::array<std::string, 5> &members) {
     }
     return text;
 }
-std::string with(std::array<std::string, 5> members, size_t place, const std::string &form) {
+std::string with(std::array<std::string, 5> members, std::size_t place, const std::string &form) {
     members[place] = form;
     return all(members);
 }
@@ -75,11 +77,11 @@ std::string with(std::array<std::string, 5> members, size_t place, const std::st
 // ---- Both versions ------------------------------------------------------------------------------
 
 TEST_F(AcceptMessage, MembersInEveryOrder) {
-    std::array<size_t, 5> order = {0, 1, 2, 3, 4};
+    std::array<std::size_t, 5> order = {0, 1, 2, 3, 4};
     do {
         std::array<std::string, 5> members1;
         std::array<std::string, 5> members2;
-        for (size_t i = 0; i < order.size(); ++i) {
+        for (std::size_t i = 0; i < order.size(); ++i) {
             members1[i] = kMembers1[order[i]];
             members2[i] = kMembers2[order[i]];
         }
@@ -100,12 +102,12 @@ TEST_F(AcceptMessage, TheMustUnderstandFlagIsTheWriters) {
 }
 
 TEST_F(AcceptMessage, UnknownMembersArePassedOver) {
-    for (size_t place = 0; place <= kMembers1.size(); ++place) {
+    for (std::size_t place = 0; place <= kMembers1.size(); ++place) {
         for (const char *unknown :
              {"6300 0000", "6300 0400 ffffffff", "6300 0300 ffffff 00",
               "013f 0800 ffffff0f 04000000 ffffffff", "033f 0400 ffffffff", "6380 0400 ffffffff"}) {
             std::string text;
-            for (size_t i = 0; i < kMembers1.size(); ++i) {
+            for (std::size_t i = 0; i < kMembers1.size(); ++i) {
                 text += (i == place ? unknown : "") + kMembers1[i];
             }
             expect_read(list1(text + (place == kMembers1.size() ? unknown : "")));
@@ -116,7 +118,7 @@ TEST_F(AcceptMessage, UnknownMembersArePassedOver) {
               "63000050 02000000 ffff 0000", "63000060 01000000 ffffffff",
               "63000070 01000000 ffffffffffffffff", "feffff2f ffffffff"}) {
             std::string text;
-            for (size_t i = 0; i < kMembers2.size(); ++i) {
+            for (std::size_t i = 0; i < kMembers2.size(); ++i) {
                 text += (i == place ? unknown : "") + kMembers2[i];
             }
             expect_read(list2(text + (place == kMembers2.size() ? unknown : "")));
@@ -191,7 +193,7 @@ TEST_F(AcceptMessage, Xcdr1HeadersShortOrExtended) {
         "017f 0800 04000040 08000000 0700000000000000",
     };
     std::array<std::string, 5> members;
-    for (size_t i = 0; i < members.size(); ++i) {
+    for (std::size_t i = 0; i < members.size(); ++i) {
         expect_read(list1(with(kMembers1, i, extended[i])));
         members[i] = extended[i];
     }

@@ -11,7 +11,7 @@ using namespace support;  // NOLINT
 
 Bytes key_of_record(const KOLT_TypePrograms *programs, const void *record) {
     Bytes key(256);
-    size_t length = key.size();
+    std::size_t length = key.size();
     EXPECT_TRUE(KOLT_Cdr_key_of_record(programs, record, key.data(), &length));
     key.resize(length);
     return key;
@@ -19,7 +19,7 @@ Bytes key_of_record(const KOLT_TypePrograms *programs, const void *record) {
 
 Bytes key_of_bytes(const KOLT_TypePrograms *programs, const Bytes &bytes, bool key_only) {
     Bytes key(256);
-    size_t length = key.size();
+    std::size_t length = key.size();
     if (!KOLT_Cdr_key_of_serialized(programs, bytes.data(), bytes.size(), key_only, key.data(),
                                     &length)) {
         return from_hex("deadbeef");
@@ -59,7 +59,7 @@ TEST(Key, AKeyThatDoesNotFitTellsItsLength) {
     fill(holder.get());
     const Programs programs(mutable_holder_type());
     DDS_Octet key[14];
-    size_t length = sizeof(key);
+    std::size_t length = sizeof(key);
     EXPECT_FALSE(KOLT_Cdr_key_of_record(programs, holder.get(), key, &length));
     EXPECT_EQ(length, 15U);
     length = 0;
@@ -106,7 +106,7 @@ TEST(Key, OfSerializedSamplesAndKeys) {
         EXPECT_STREQ(back->name, "ab");
         EXPECT_EQ(back->id.app, 2);
         EXPECT_EQ(back->where.x, 0);
-        for (size_t cut = 0; cut + 4 < payload.size(); ++cut) {
+        for (std::size_t cut = 0; cut + 4 < payload.size(); ++cut) {
             EXPECT_FALSE(KOLT_Cdr_deserialize_key(programs, payload.data(), cut, back.get()));
         }
     }
@@ -206,7 +206,7 @@ TEST(Key, UnkeyedTypes) {
     EXPECT_EQ(KOLT_Cdr_key_max_size(programs), 0U);
     Record<Point> point(point_type());
     DDS_Octet key[4];
-    size_t length = sizeof(key);
+    std::size_t length = sizeof(key);
     EXPECT_TRUE(KOLT_Cdr_key_of_record(programs, point.get(), key, &length));
     EXPECT_EQ(length, 0U);
     const Bytes bytes = serialize(programs, KOLT_ENCAPSULATION_CDR_LE, point.get());

@@ -2,6 +2,7 @@
 // used.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -15,13 +16,13 @@ using namespace support;  // NOLINT
 // A copy of exactly the size of the input, so that the address sanitizer sees every byte too many.
 struct Exact {
     explicit Exact(const Bytes &bytes)
-        : size(bytes.size()), memory(std::make_unique<uint8_t[]>(bytes.size())) {
+        : size(bytes.size()), memory(std::make_unique<std::uint8_t[]>(bytes.size())) {
         if (size > 0) {
             std::memcpy(memory.get(), bytes.data(), size);
         }
     }
-    size_t size;
-    std::unique_ptr<uint8_t[]> memory;
+    std::size_t size;
+    std::unique_ptr<std::uint8_t[]> memory;
 };
 
 template <typename T>
@@ -56,7 +57,7 @@ void mutilate(const DDS_TypeCode *type, T *record, bool prefixes_fail) {
     for (const unsigned encapsulation : encapsulations_of(type)) {
         const Bytes valid = serialize(programs, encapsulation, record);
         ASSERT_FALSE(valid.empty());
-        for (size_t length = 0; length < valid.size(); ++length) {
+        for (std::size_t length = 0; length < valid.size(); ++length) {
             const bool read =
                 reads(type, Bytes(valid.begin(), valid.begin() + static_cast<long>(length)),
                       target.get());
@@ -64,13 +65,13 @@ void mutilate(const DDS_TypeCode *type, T *record, bool prefixes_fail) {
                 EXPECT_FALSE(read) << encapsulation << " prefix of " << length;
             }
         }
-        for (size_t at = 0; at < valid.size(); ++at) {
+        for (std::size_t at = 0; at < valid.size(); ++at) {
             for (const int value : {0x00, 0x01, 0x7f, 0x80, 0xff}) {
                 Bytes changed = valid;
-                changed[at] = static_cast<uint8_t>(value);
+                changed[at] = static_cast<std::uint8_t>(value);
                 reads(type, changed, target.get());
                 DDS_Octet key[512];
-                size_t key_length = sizeof(key);
+                std::size_t key_length = sizeof(key);
                 const Exact input(changed);
                 for (const DDS_Boolean key_only : {DDS_BOOLEAN_FALSE, DDS_BOOLEAN_TRUE}) {
                     key_length = sizeof(key);
@@ -81,7 +82,7 @@ void mutilate(const DDS_TypeCode *type, T *record, bool prefixes_fail) {
                      ++member) {
                     KOLT_CdrValue found{};
                     const KOLT_CdrPathStep path[] = {{0, member}, {1, 1}, {0, 0}};
-                    for (size_t steps = 1; steps <= 3; ++steps) {
+                    for (std::size_t steps = 1; steps <= 3; ++steps) {
                         KOLT_Cdr_find_field(programs, input.memory.get(), input.size, path, steps,
                                             &found);
                     }
@@ -142,11 +143,11 @@ TEST(Malformed, RandomBytes) {
     Record<Everything> everything(everything_type());
     for (int i = 0; i < 20000; ++i) {
         Bytes bytes(4 + random() % 96);
-        for (uint8_t &byte : bytes) {
-            byte = static_cast<uint8_t>(random() % 4 == 0 ? random() : 0);
+        for (std::uint8_t &byte : bytes) {
+            byte = static_cast<std::uint8_t>(random() % 4 == 0 ? random() : 0);
         }
         bytes[0] = 0;
-        bytes[1] = static_cast<uint8_t>(random() % 12);
+        bytes[1] = static_cast<std::uint8_t>(random() % 12);
         reads(mutable_request_type(), bytes, request.get());
         reads(everything_type(), bytes, everything.get());
     }
@@ -229,7 +230,7 @@ TEST(Malformed, Arguments) {
     const Programs programs(point_type());
     Point point{};
     DDS_Octet bytes[16] = {0, 1};
-    size_t length = 0;
+    std::size_t length = 0;
     EXPECT_FALSE(KOLT_Cdr_deserialize(nullptr, bytes, 8, &point));
     EXPECT_FALSE(KOLT_Cdr_deserialize(programs, nullptr, 8, &point));
     EXPECT_FALSE(KOLT_Cdr_deserialize(programs, bytes, 8, nullptr));

@@ -4,6 +4,8 @@
 
 #include "support/cdr_vectors.h"
 
+#include <cstdint>
+
 namespace {
 
 using namespace support;  // NOLINT
@@ -217,7 +219,7 @@ TEST(Xcdr1, ExtendedHeaders) {
             *DDS_OctetSeq_get_reference(&record->data, i) = static_cast<DDS_Octet>(i * 7);
         }
         const Bytes bytes = serialize(programs, KOLT_ENCAPSULATION_PL_CDR_LE, record.get());
-        const auto size = static_cast<uint32_t>(length) + 4;
+        const auto size = static_cast<std::uint32_t>(length) + 4;
         const bool extended = size > 65535;
         ASSERT_EQ(bytes.size(), 4 + (extended ? 12 : 4) + ((size + 3) & ~3U) + 16 + 16 + 4);
         const Bytes header(bytes.begin() + 4, bytes.begin() + 8);
@@ -291,7 +293,7 @@ TEST(Xcdr1, RefusesWhatIsBeyondABound) {
     DDS_String_replace(&message->category, "0123456789abcdefX");
     EXPECT_EQ(KOLT_Cdr_serialized_size(programs, KOLT_ENCAPSULATION_PL_CDR_LE, message.get()), 0U);
     DDS_Octet buffer[256];
-    size_t length = 0;
+    std::size_t length = 0;
     EXPECT_FALSE(KOLT_Cdr_serialize(programs, KOLT_ENCAPSULATION_PL_CDR_LE, message.get(), buffer,
                                     sizeof(buffer), &length));
     DDS_String_free(message->category);
@@ -311,9 +313,9 @@ TEST(Xcdr1, BufferOfEverySize) {
     Record<Everything> record(everything_type());
     fill_everything(record.get());
     const Bytes whole = serialize(programs, KOLT_ENCAPSULATION_CDR_LE, record.get());
-    for (size_t capacity = 0; capacity < whole.size(); ++capacity) {
+    for (std::size_t capacity = 0; capacity < whole.size(); ++capacity) {
         Bytes small(capacity);
-        size_t length = 0;
+        std::size_t length = 0;
         EXPECT_FALSE(KOLT_Cdr_serialize(programs, KOLT_ENCAPSULATION_CDR_LE, record.get(),
                                         small.data(), capacity, &length))
             << capacity;

@@ -4,6 +4,8 @@
 
 #include "support/cdr_vectors.h"
 
+#include <cstdint>
+
 namespace {
 
 using namespace support;  // NOLINT
@@ -164,7 +166,7 @@ TEST(Xcdr2, ReadsEveryLengthCode) {
         const std::string b = "02000010 0900 0000";  // code 1
         Bytes body = from_hex(a + name + b + more);
         Bytes bytes = from_hex("000b0000");
-        bytes.push_back(static_cast<uint8_t>(body.size()));
+        bytes.push_back(static_cast<std::uint8_t>(body.size()));
         bytes.insert(bytes.end(), 3, 0);
         bytes.insert(bytes.end(), body.begin(), body.end());
         Record<Version2> record(mutable_version2_type());

@@ -151,7 +151,7 @@ TEST_F(ConfigLogger, VerbosityIsAMaskOfLevels) {
             const auto level = static_cast<KOLT_Config_LogLevel>(i);
             const auto before = device.lines().size();
             KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_API, level, "f", "text");
-            const bool expected = row.levels[static_cast<size_t>(i)];
+            const bool expected = row.levels[static_cast<std::size_t>(i)];
             EXPECT_EQ(device.lines().size() - before, expected ? 1U : 0U);
             EXPECT_EQ(KOLT_Log_is_enabled(KOLT_CONFIG_LOG_CATEGORY_API, level), expected);
         }
@@ -280,7 +280,7 @@ TEST_F(ConfigLogger, LongTextsArriveWhole) {
     Device device;
     device.install();
     KOLT_Config_Logger_set_print_format(logger(), KOLT_CONFIG_LOG_PRINT_FORMAT_MAXIMAL);
-    for (const size_t length : {0U, 510U, 511U, 512U, 513U, 1023U, 1024U, 5000U, 100000U}) {
+    for (const std::size_t length : {0U, 510U, 511U, 512U, 513U, 1023U, 1024U, 5000U, 100000U}) {
         const std::string text(length, 'x');
         log_user(text.c_str());
         const auto last = device.last();

@@ -125,7 +125,7 @@ struct RecordName {
 TYPED_TEST_SUITE(DistlogBuffers, Structured, RecordName);
 
 TYPED_TEST(DistlogBuffers, TheSizeThatIsAskedForIsTheSizeThatIsWritten) {
-    for (size_t i = 0; i < 2; ++i) {
+    for (std::size_t i = 0; i < 2; ++i) {
         EXPECT_EQ(this->bytes_of(this->fresh_.get(), kRepresentations[i]).size(),
                   TypeParam::kInitialSize[i]);
         const std::vector<char> bytes = this->bytes_of(this->full_.get(), kRepresentations[i]);
@@ -143,7 +143,7 @@ TYPED_TEST(DistlogBuffers, TheSizeThatIsAskedForIsTheSizeThatIsWritten) {
 TYPED_TEST(DistlogBuffers, NoSmallerBufferWillDo) {
     for (const DDS_DataRepresentationId_t representation : kRepresentations) {
         const std::vector<char> bytes = this->bytes_of(this->full_.get(), representation);
-        for (size_t size = 0; size < bytes.size(); ++size) {
+        for (std::size_t size = 0; size < bytes.size(); ++size) {
             std::vector<char> small(size + 1, '#');
             auto length = static_cast<DDS_UnsignedLong>(size);
             ASSERT_FALSE(

@@ -182,7 +182,7 @@ TYPED_TEST(DistlogOperations, TablesAreTheSameAtEveryCall) {
     EXPECT_EQ(TypeParam::kAccess()->record_alignment, alignof(typename TypeParam::Record));
     EXPECT_EQ(TypeParam::kPlugin(), code->plugin);
     std::string record_name = DDS_TypeCode_name(code);
-    for (size_t at = 0; (at = record_name.find("::", at)) != std::string::npos;) {
+    for (std::size_t at = 0; (at = record_name.find("::", at)) != std::string::npos;) {
         record_name.replace(at, 2, "_");
     }
     EXPECT_EQ(record_name, TypeParam::kRecordName);

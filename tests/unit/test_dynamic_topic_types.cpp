@@ -73,7 +73,7 @@ TYPED_TEST(DynamicTopicTypes, BrokenBytesLeaveInitialValues) {
     for (const DDS_DataRepresentationId_t representation : kRepresentations) {
         const std::vector<char> whole = bytes_of(*sample, representation);
         const std::vector<char> header(whole.begin(), whole.begin() + 4);
-        for (size_t length = 0; length < whole.size(); ++length) {
+        for (std::size_t length = 0; length < whole.size(); ++length) {
             ASSERT_EQ(from_bytes(this->data_, whole), DDS_RETCODE_OK);
             const std::vector<char> cut(whole.begin(),
                                         whole.begin() + static_cast<std::ptrdiff_t>(length));

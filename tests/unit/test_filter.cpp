@@ -172,7 +172,7 @@ TEST(Filter, MalformedSamplesDoNotMatch) {
     const auto bytes = Sample().bytes();
     ASSERT_TRUE(matches(filter, bytes));
     // Cut before the text: the field cannot be read, so neither can the condition be told.
-    for (size_t length = 0; length < 60; ++length) {
+    for (std::size_t length = 0; length < 60; ++length) {
         EXPECT_FALSE(KOLT_Filter_matches(filter.get(), bytes.data(), length)) << length;
     }
     EXPECT_FALSE(KOLT_Filter_matches(filter.get(), nullptr, 10));
@@ -184,8 +184,8 @@ TEST(Filter, MalformedSamplesDoNotMatch) {
 TEST(Filter, RefusesExcessiveNesting) {
     KOLT_FilterError error{};
     const auto nested = [](int depth) {
-        return std::string(static_cast<size_t>(depth), '(') + "long_ = -5" +
-               std::string(static_cast<size_t>(depth), ')');
+        return std::string(static_cast<std::size_t>(depth), '(') + "long_ = -5" +
+               std::string(static_cast<std::size_t>(depth), ')');
     };
     EXPECT_TRUE(matches(nested(90)));
     EXPECT_FALSE(compile(nested(200), {}, &error));

@@ -17,17 +17,17 @@ struct Delete {
 };
 using Pool = std::unique_ptr<KOLT_BufferPool, Delete>;
 
-Pool make(size_t size, size_t alignment, DDS_Long initial, DDS_Long maximum, bool zero) {
+Pool make(std::size_t size, std::size_t alignment, DDS_Long initial, DDS_Long maximum, bool zero) {
     return Pool(KOLT_BufferPool_new(size, alignment, initial, maximum, zero));
 }
 
-bool all_bytes_are(const void *buffer, size_t size, unsigned char value) {
+bool all_bytes_are(const void *buffer, std::size_t size, unsigned char value) {
     const auto *bytes = static_cast<const unsigned char *>(buffer);
     return std::all_of(bytes, bytes + size, [&](unsigned char byte) { return byte == value; });
 }
 
 TEST(OsBufferPool, HandsOutEachBufferOnceAndStopsAtTheMaximum) {
-    constexpr size_t kSize = 100;
+    constexpr std::size_t kSize = 100;
     auto pool = make(kSize, 8, 5, 5, false);
     ASSERT_TRUE(pool);
     std::set<void *> buffers;
@@ -76,7 +76,7 @@ TEST(OsBufferPool, GrowsWithoutLimit) {
 }
 
 TEST(OsBufferPool, AlignsAsAsked) {
-    for (const size_t alignment : {1U, 2U, 8U, 64U, 4096U}) {
+    for (const std::size_t alignment : {1U, 2U, 8U, 64U, 4096U}) {
         auto pool = make(24, alignment, 3, 6, true);
         ASSERT_TRUE(pool);
         for (int i = 0; i < 6; ++i) {
@@ -117,7 +117,7 @@ std::vector<int> values_of(const KOLT_List &list) {
         before = node;
     }
     EXPECT_EQ(list.last, before);
-    EXPECT_EQ(static_cast<size_t>(KOLT_List_get_count(&list)), values.size());
+    EXPECT_EQ(static_cast<std::size_t>(KOLT_List_get_count(&list)), values.size());
     return values;
 }
 

@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -26,7 +27,7 @@ struct Self {
     int policy = -1;
     int priority = -1;
     int nice_value = 100;
-    size_t stack_size = 0;
+    std::size_t stack_size = 0;
     bool takes_sigterm = true;
     bool takes_sigsegv = false;
 };
@@ -133,7 +134,7 @@ TEST(OsThread, StackSizeIsRoundedUp) {
     Self self;
     KOLT_Thread_delete(KOLT_Thread_new("s", kDefaultPriority, 0, 1'000'001, look_at_self, &self));
     EXPECT_GE(self.stack_size, 1'000'001U);
-    EXPECT_EQ(self.stack_size % static_cast<size_t>(sysconf(_SC_PAGESIZE)), 0U);
+    EXPECT_EQ(self.stack_size % static_cast<std::size_t>(sysconf(_SC_PAGESIZE)), 0U);
 }
 
 TEST(OsThread, RefusedStackSizeFallsBackWithWarning) {

@@ -6,6 +6,7 @@
 #include <kolt/type_object.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,29 +28,30 @@ class Input {
   public:
     explicit Input(const Bytes &bytes) : bytes_(bytes) {}
 
-    uint32_t number() {
+    std::uint32_t number() {
         position_ = (position_ + 3) / 4 * 4;
         const Bytes four = raw(4);
-        return four[0] | uint32_t{four[1]} << 8 | uint32_t{four[2]} << 16 | uint32_t{four[3]} << 24;
+        return four[0] | std::uint32_t{four[1]} << 8 | std::uint32_t{four[2]} << 16 |
+               std::uint32_t{four[3]} << 24;
     }
-    Bytes raw(size_t count) {
+    Bytes raw(std::size_t count) {
         if (bytes_.size() - position_ < count) {
             ADD_FAILURE() << "the description ends at " << bytes_.size();
             return Bytes(count);
         }
         position_ += count;
-        return Bytes(bytes_.begin() + static_cast<ptrdiff_t>(position_ - count),
-                     bytes_.begin() + static_cast<ptrdiff_t>(position_));
+        return Bytes(bytes_.begin() + static_cast<std::ptrdiff_t>(position_ - count),
+                     bytes_.begin() + static_cast<std::ptrdiff_t>(position_));
     }
-    size_t position() const { return position_; }
+    std::size_t position() const { return position_; }
     bool is_at_end() const { return position_ == bytes_.size(); }
 
   private:
     const Bytes &bytes_;
-    size_t position_ = 0;
+    std::size_t position_ = 0;
 };
 
-constexpr size_t kIdentifierSize = 15;  // the kind and 14 bytes of a hash
+constexpr std::size_t kIdentifierSize = 15;  // the kind and 14 bytes of a hash
 
 struct Identified {
     Bytes identifier;
@@ -62,16 +64,16 @@ struct Description {
     std::vector<Identified> minimal, complete;
     std::vector<std::pair<Bytes, Bytes>> pairs;
     // Of the TypeInformation: the type, then its dependencies, each with its object's size.
-    std::vector<std::pair<Bytes, uint32_t>> minimal_ids, complete_ids;
+    std::vector<std::pair<Bytes, std::uint32_t>> minimal_ids, complete_ids;
 };
 
 std::vector<Identified> read_objects(Input &input) {
     std::vector<Identified> objects;
-    const uint32_t size = input.number();
-    const size_t end = input.position() + size;
-    for (uint32_t count = input.number(); count > 0; --count) {
+    const std::uint32_t size = input.number();
+    const std::size_t end = input.position() + size;
+    for (std::uint32_t count = input.number(); count > 0; --count) {
         Identified next{input.raw(kIdentifierSize), {}};
-        const uint32_t length = input.number();
+        const std::uint32_t length = input.number();
         next.object = input.raw(length);
         objects.push_back(std::move(next));
     }
@@ -79,23 +81,23 @@ std::vector<Identified> read_objects(Input &input) {
     return objects;
 }
 
-std::pair<Bytes, uint32_t> read_id_with_size(Input &input) {
+std::pair<Bytes, std::uint32_t> read_id_with_size(Input &input) {
     EXPECT_EQ(input.number(), kIdentifierSize + 1 + 4);
     Bytes id = input.raw(kIdentifierSize);
-    const uint32_t size = input.number();
+    const std::uint32_t size = input.number();
     return {std::move(id), size};
 }
 
-std::vector<std::pair<Bytes, uint32_t>> read_ids(Input &input, uint32_t member) {
-    std::vector<std::pair<Bytes, uint32_t>> ids;
+std::vector<std::pair<Bytes, std::uint32_t>> read_ids(Input &input, std::uint32_t member) {
+    std::vector<std::pair<Bytes, std::uint32_t>> ids;
     EXPECT_EQ(input.number(), 0x40000000U | member);
     EXPECT_GT(input.number(), 0U);  // length of the member
     EXPECT_GT(input.number(), 0U);  // of the appendable structure in it
     ids.push_back(read_id_with_size(input));
-    const uint32_t count = input.number();
+    const std::uint32_t count = input.number();
     EXPECT_GT(input.number(), 0U);  // of the sequence
     EXPECT_EQ(input.number(), count);
-    for (uint32_t i = 0; i < count; ++i) {
+    for (std::uint32_t i = 0; i < count; ++i) {
         ids.push_back(read_id_with_size(input));
     }
     return ids;
@@ -122,8 +124,8 @@ Description describe(const DDS_TypeCode *type, const char *name) {
     Input objects(mapping_bytes);
     result.minimal = read_objects(objects);
     result.complete = read_objects(objects);
-    const uint32_t size = objects.number();
-    for (uint32_t count = objects.number(); count > 0; --count) {
+    const std::uint32_t size = objects.number();
+    for (std::uint32_t count = objects.number(); count > 0; --count) {
         Bytes complete = objects.raw(kIdentifierSize);
         result.pairs.emplace_back(std::move(complete), objects.raw(kIdentifierSize));
     }
@@ -266,12 +268,12 @@ TEST(TypeIdentifier, CollectionsOfNamedTypes) {
 
 // ---- Flags --------------------------------------------------------------------------------------
 
-uint16_t flags_of(const MemberOf &member) {
+std::uint16_t flags_of(const MemberOf &member) {
     TypeBook book;
     const Description description =
         describe(book.structure("Flags", DDS_MUTABLE_EXTENSIBILITY, {member}));
     const Bytes &object = description.minimal.at(0).object;
-    return static_cast<uint16_t>(object.at(28) | object.at(29) << 8);
+    return static_cast<std::uint16_t>(object.at(28) | object.at(29) << 8);
 }
 
 TEST(TypeFlags, Members) {
@@ -309,7 +311,7 @@ TEST(TypeObject, IdsAndOrderOfMembers) {
     input.raw(12);
     input.number();
     ASSERT_EQ(input.number(), 3U);
-    for (const uint32_t id : {0x0fffffffU, 7U, 70U}) {
+    for (const std::uint32_t id : {0x0fffffffU, 7U, 70U}) {
         input.number();
         EXPECT_EQ(input.number(), id);
         input.raw(3 + 4);  // flags, identifier, name hash
@@ -330,13 +332,13 @@ TEST(TypeObject, OrderOfEnumerators) {
     input.number();
     ASSERT_EQ(input.number(), 3U);
     for (const auto &[value, name] :
-         {std::pair<int32_t, const char *>{-2, "A"}, {5, "B"}, {70000, "C"}}) {
+         {std::pair<std::int32_t, const char *>{-2, "A"}, {5, "B"}, {70000, "C"}}) {
         EXPECT_GT(input.number(), 0U);
         EXPECT_EQ(input.number(), 6U);
-        EXPECT_EQ(static_cast<int32_t>(input.number()), value);
+        EXPECT_EQ(static_cast<std::int32_t>(input.number()), value);
         EXPECT_EQ(to_hex(input.raw(2)), "0000");
         EXPECT_EQ(input.number(), 2U);
-        EXPECT_EQ(input.raw(4)[0], static_cast<uint8_t>(name[0]));
+        EXPECT_EQ(input.raw(4)[0], static_cast<std::uint8_t>(name[0]));
     }
 }
 
@@ -368,8 +370,8 @@ TEST(TypeInformation, IdentifiersAndSizesAreThoseOfTheObjects) {
     ASSERT_EQ(description.minimal_ids.size(), 4U);
     ASSERT_EQ(description.complete_ids.size(), 4U);
     ASSERT_EQ(description.pairs.size(), 4U);
-    for (size_t i = 0; i < 4; ++i) {
-        const auto check = [](const auto &id, const Identified &object, uint8_t kind) {
+    for (std::size_t i = 0; i < 4; ++i) {
+        const auto check = [](const auto &id, const Identified &object, std::uint8_t kind) {
             EXPECT_EQ(id.first, object.identifier);
             EXPECT_EQ(id.second, object.object.size() + 4);  // with its DHEADER
             EXPECT_EQ(object.identifier[0], kind);
@@ -426,7 +428,7 @@ std::vector<std::string> names(const std::string &own, const std::string &regist
         // Behind kinds, flags, DHEADER, base type and annotations.
         Input input(type.object);
         input.raw(11);
-        const uint32_t length = input.number();
+        const std::uint32_t length = input.number();
         const Bytes text = input.raw(length);
         result.emplace_back(text.begin(), text.end() - 1);
     }

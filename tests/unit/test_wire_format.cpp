@@ -28,8 +28,8 @@ struct Page {
 
 // The bytes of a line: pairs of digits with a space or two between them. Three spaces end them.
 Bytes bytes_of_line(const std::string &line) {
-    const size_t begin = line.find_first_not_of(' ');
-    const size_t end = line.find("   ", begin);
+    const std::size_t begin = line.find_first_not_of(' ');
+    const std::size_t end = line.find("   ", begin);
     const std::string digits = line.substr(begin, end == std::string::npos ? end : end - begin);
     EXPECT_EQ(digits.find_first_not_of("0123456789abcdef "), std::string::npos) << line;
     return from_hex(digits);
@@ -151,7 +151,7 @@ class WireFormat : public testing::Test {
             to_hex(support::serialize_key(programs, KOLT_ENCAPSULATION_PL_CDR_LE, message_.get())),
             to_hex(block("Keys/Payload of a dispose in XCDR1")));
         Bytes key(64);
-        size_t length = key.size();
+        std::size_t length = key.size();
         ASSERT_TRUE(KOLT_Cdr_key_of_record(programs, message_.get(), key.data(), &length));
         Bytes hash(16);
         KOLT_Cdr_keyhash(programs, key.data(), length, DDS_BOOLEAN_FALSE, hash.data());

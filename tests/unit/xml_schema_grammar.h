@@ -1,6 +1,5 @@
 // The grammar of QoS libraries as a table, told by the schema and, in its messages, by the library.
-#ifndef TESTS_UNIT_XML_SCHEMA_GRAMMAR_H
-#define TESTS_UNIT_XML_SCHEMA_GRAMMAR_H
+#pragma once
 
 #include <functional>
 #include <map>
@@ -33,5 +32,3 @@ using Load = std::function<std::string(const std::string &document)>;
 Grammar grammar_of_library(const Load &load);
 
 }  // namespace schema
-
-#endif  // TESTS_UNIT_XML_SCHEMA_GRAMMAR_H

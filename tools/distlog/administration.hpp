@@ -1,7 +1,6 @@
 // What the three forms of distlog set have in common: finding the loggers that are meant, telling
 // them, and saying what came of it.
-#ifndef DISTLOG_ADMINISTRATION_HPP
-#define DISTLOG_ADMINISTRATION_HPP
+#pragma once
 
 #include <functional>
 #include <memory>
@@ -67,5 +66,3 @@ void add_set_verbosity(CLI::App &set, Action &action);
 void add_set_format(CLI::App &set, Action &action);
 
 }  // namespace distlog
-
-#endif  // DISTLOG_ADMINISTRATION_HPP

@@ -1,6 +1,5 @@
 // Options that several subcommands have, and the checks of their values.
-#ifndef DISTLOG_ARGUMENTS_HPP
-#define DISTLOG_ARGUMENTS_HPP
+#pragma once
 
 #include <CLI/CLI.hpp>
 #include <chrono>
@@ -24,5 +23,3 @@ std::optional<Seconds> parse_duration(std::string_view text);
 void add_domain(CLI::App &command, int &domain);
 
 }  // namespace distlog
-
-#endif  // DISTLOG_ARGUMENTS_HPP

@@ -1,6 +1,5 @@
 // The element `distributed_logger` of one configuration document, and what is wrong around it.
-#ifndef DISTLOG_CHECK_DOCUMENT_HPP
-#define DISTLOG_CHECK_DOCUMENT_HPP
+#pragma once
 
 #include <kolt/xml.h>
 #include <vur_dl/Options.h>
@@ -55,5 +54,3 @@ class Document {
 };
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_DOCUMENT_HPP

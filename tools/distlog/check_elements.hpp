@@ -1,7 +1,6 @@
 // The children of the element `distributed_logger`: their names, what they may hold, and the
 // options that they set.
-#ifndef DISTLOG_CHECK_ELEMENTS_HPP
-#define DISTLOG_CHECK_ELEMENTS_HPP
+#pragma once
 
 #include <vur_dl/Options.h>
 
@@ -37,5 +36,3 @@ std::string child_names(std::string_view parent);
 std::string path_of(const Element &element);
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_ELEMENTS_HPP

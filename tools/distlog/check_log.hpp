@@ -1,6 +1,5 @@
 // The middleware's own log while a document is checked: kept, instead of printed.
-#ifndef DISTLOG_CHECK_LOG_HPP
-#define DISTLOG_CHECK_LOG_HPP
+#pragma once
 
 #include <kolt/config_logger.h>
 
@@ -27,5 +26,3 @@ class MiddlewareLog {
 };
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_LOG_HPP

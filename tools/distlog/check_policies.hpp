@@ -1,6 +1,5 @@
 // The policies of a QoS record, one by one: their values, and who decided them.
-#ifndef DISTLOG_CHECK_POLICIES_HPP
-#define DISTLOG_CHECK_POLICIES_HPP
+#pragma once
 
 #include <kolt/qos.h>
 
@@ -75,5 +74,3 @@ std::vector<Policy> policies_of(const DDS_DataReaderQos &effective, const DDS_Da
 std::string policy_text(std::string_view name, const Json &value);
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_POLICIES_HPP

@@ -1,7 +1,7 @@
 // What distlog check finds wrong in a document, and the list that it keeps of it.
-#ifndef DISTLOG_CHECK_PROBLEM_HPP
-#define DISTLOG_CHECK_PROBLEM_HPP
+#pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -42,5 +42,3 @@ class Problems {
 };
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_PROBLEM_HPP

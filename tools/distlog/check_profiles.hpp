@@ -1,6 +1,5 @@
 // Where a process takes QoS profiles from, and which of them holds.
-#ifndef DISTLOG_CHECK_PROFILES_HPP
-#define DISTLOG_CHECK_PROFILES_HPP
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -35,5 +34,3 @@ struct Profiles {
 Profiles load_profiles(const Document &document, MiddlewareLog &log, Problems &problems);
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_PROFILES_HPP

@@ -1,6 +1,5 @@
 // The DDS entities that a logger would have, and the QoS that each would be created with.
-#ifndef DISTLOG_CHECK_QOS_HPP
-#define DISTLOG_CHECK_QOS_HPP
+#pragma once
 
 #include <vur_dl/Options.h>
 
@@ -30,5 +29,3 @@ std::vector<Entity> entities_of(VUR_DL_Options &options, MiddlewareLog &log);
 std::string name_of(const Entity &entity);
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_QOS_HPP

@@ -1,6 +1,5 @@
 // What distlog check found out about one document, and how it is printed.
-#ifndef DISTLOG_CHECK_REPORT_HPP
-#define DISTLOG_CHECK_REPORT_HPP
+#pragma once
 
 #include <string>
 #include <vector>
@@ -38,5 +37,3 @@ void print_text(const Report &report, bool all, Output &output);
 Json to_json(const Report &report);
 
 }  // namespace distlog::check
-
-#endif  // DISTLOG_CHECK_REPORT_HPP

@@ -1,6 +1,5 @@
 // What the subcommands of distlog share: exit codes, failures, and how they register themselves.
-#ifndef DISTLOG_COMMAND_HPP
-#define DISTLOG_COMMAND_HPP
+#pragma once
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -28,5 +27,3 @@ void add_set(CLI::App &app, Action &action);
 void add_check(CLI::App &app, Action &action);
 
 }  // namespace distlog
-
-#endif  // DISTLOG_COMMAND_HPP

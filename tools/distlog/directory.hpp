@@ -1,6 +1,5 @@
 // The loggers of a domain, as they describe themselves.
-#ifndef DISTLOG_DIRECTORY_HPP
-#define DISTLOG_DIRECTORY_HPP
+#pragma once
 
 #include <array>
 #include <functional>
@@ -80,5 +79,3 @@ class Directory {
 };
 
 }  // namespace distlog
-
-#endif  // DISTLOG_DIRECTORY_HPP

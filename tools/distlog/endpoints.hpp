@@ -1,6 +1,5 @@
 // Typed readers and writers of the logger's topics, owned by scope.
-#ifndef DISTLOG_ENDPOINTS_HPP
-#define DISTLOG_ENDPOINTS_HPP
+#pragma once
 
 #include <fmt/format.h>
 #include <vur_dl/DDSEntities.h>
@@ -225,5 +224,3 @@ Sample<T> make_sample() {
 }
 
 }  // namespace distlog
-
-#endif  // DISTLOG_ENDPOINTS_HPP

@@ -1,7 +1,6 @@
 // Who a logger is on the network: its participant's RTPS host and app id, as its samples carry
 // them.
-#ifndef DISTLOG_IDENTITY_HPP
-#define DISTLOG_IDENTITY_HPP
+#pragma once
 
 #include <vur_dl/distlog.h>
 
@@ -30,5 +29,3 @@ std::string to_string(const Identity &identity);
 std::optional<Identity> parse_identity(std::string_view text);
 
 }  // namespace distlog
-
-#endif  // DISTLOG_IDENTITY_HPP

@@ -1,6 +1,5 @@
 // Keeps, for every sender, the account of message numbers: what came, what is missing.
-#ifndef DISTLOG_LOSS_LEDGER_HPP
-#define DISTLOG_LOSS_LEDGER_HPP
+#pragma once
 
 #include <cstdint>
 #include <map>
@@ -54,5 +53,3 @@ class LossLedger {
 };
 
 }  // namespace distlog
-
-#endif  // DISTLOG_LOSS_LEDGER_HPP

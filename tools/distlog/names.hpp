@@ -1,6 +1,5 @@
 // Names of levels and of the wire enumerations, as the command prints and accepts them.
-#ifndef DISTLOG_NAMES_HPP
-#define DISTLOG_NAMES_HPP
+#pragma once
 
 #include <vur_dl/distlog.h>
 
@@ -32,5 +31,3 @@ std::string verbosity_names();
 std::string print_format_names();
 
 }  // namespace distlog
-
-#endif  // DISTLOG_NAMES_HPP

@@ -1,6 +1,5 @@
 // Standard output of the command: lines, flushed in batches, with colour on a terminal.
-#ifndef DISTLOG_OUTPUT_HPP
-#define DISTLOG_OUTPUT_HPP
+#pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -32,5 +31,3 @@ class Output {
 std::string level_in_colour(int level, std::string_view text, bool colour, int width);
 
 }  // namespace distlog
-
-#endif  // DISTLOG_OUTPUT_HPP

@@ -1,7 +1,7 @@
 // Remote commands: sends one command to several loggers and gathers what they answer.
-#ifndef DISTLOG_REQUESTS_HPP
-#define DISTLOG_REQUESTS_HPP
+#pragma once
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -63,5 +63,3 @@ class Requester {
 };
 
 }  // namespace distlog
-
-#endif  // DISTLOG_REQUESTS_HPP

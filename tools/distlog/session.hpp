@@ -1,6 +1,5 @@
 // The command's presence in a domain: a participant, and the logger's four topics.
-#ifndef DISTLOG_SESSION_HPP
-#define DISTLOG_SESSION_HPP
+#pragma once
 
 #include <kolt/domain.h>
 
@@ -38,5 +37,3 @@ class Session {
 };
 
 }  // namespace distlog
-
-#endif  // DISTLOG_SESSION_HPP

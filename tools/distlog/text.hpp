@@ -1,6 +1,5 @@
 // Texts from the network made fit for a terminal, and times as text.
-#ifndef DISTLOG_TEXT_HPP
-#define DISTLOG_TEXT_HPP
+#pragma once
 
 #include <kolt/infrastructure.h>
 
@@ -23,5 +22,3 @@ std::string local_time(const DDS_Time_t &time);
 std::string local_clock();
 
 }  // namespace distlog
-
-#endif  // DISTLOG_TEXT_HPP

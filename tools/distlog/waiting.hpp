@@ -1,6 +1,5 @@
 // Waiting without polling: for samples, for a point in time, and for the user's wish to stop.
-#ifndef DISTLOG_WAITING_HPP
-#define DISTLOG_WAITING_HPP
+#pragma once
 
 #include <kolt/condition.h>
 
@@ -61,5 +60,3 @@ class Waiter {
 };
 
 }  // namespace distlog
-
-#endif  // DISTLOG_WAITING_HPP

@@ -32,8 +32,7 @@
  *  - An appendable type may end before its last members wherever something else tells its end: in
  *    XCDR2 always, in XCDR1 as the whole sample or as the value of a parameter.
  */
-#ifndef KOLT_CDR_H
-#define KOLT_CDR_H
+#pragma once
 
 #include "kolt/typecode.h"
 
@@ -163,5 +162,3 @@ KOLT_EXPORT DDS_Boolean KOLT_Cdr_find_field(const KOLT_TypePrograms *self, const
                                             size_t path_length, KOLT_CdrValue *value);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_CDR_H */

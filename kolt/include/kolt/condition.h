@@ -5,8 +5,7 @@
  *  2. A NULL `self` gives DDS_RETCODE_BAD_PARAMETER, NULL, 0 or false.
  *  3. Nothing here polls: a thread that waits sleeps until a condition triggers.
  */
-#ifndef KOLT_CONDITION_H
-#define KOLT_CONDITION_H
+#pragma once
 
 #include "kolt/entity.h"
 
@@ -96,5 +95,3 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_WaitSet_wait(DDS_WaitSet *self, DDS_ConditionSe
                                               const DDS_Duration_t *timeout);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_CONDITION_H */

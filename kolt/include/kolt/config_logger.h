@@ -4,8 +4,7 @@
  * one table (kolt/src/log). A message passes when the verbosity of its category includes its level;
  * what does not pass costs next to nothing. There is one logger a process.
  */
-#ifndef KOLT_CONFIG_LOGGER_H
-#define KOLT_CONFIG_LOGGER_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 
@@ -167,5 +166,3 @@ KOLT_EXPORT DDS_Boolean KOLT_Log_is_enabled(KOLT_Config_LogCategory category,
                                             KOLT_Config_LogLevel level);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_CONFIG_LOGGER_H */

@@ -1,6 +1,5 @@
 /* Everything that KOLT offers: the OMG DDS C API and the platform's own facilities. */
-#ifndef KOLT_DDS_C_H
-#define KOLT_DDS_C_H
+#pragma once
 
 #include "kolt/cdr.h"
 #include "kolt/condition.h"
@@ -22,5 +21,3 @@
 #include "kolt/type_plugin.h"
 #include "kolt/typecode.h"
 #include "kolt/xml.h"
-
-#endif /* KOLT_DDS_C_H */

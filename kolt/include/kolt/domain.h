@@ -1,7 +1,6 @@
 /* The participant factory and participants (DDS 1.4, 2.2.2.2). The conventions of publication.h
  * about QoS and listeners hold here, too. Every function may be called from any thread. */
-#ifndef KOLT_DOMAIN_H
-#define KOLT_DOMAIN_H
+#pragma once
 
 #include "kolt/publication.h"
 #include "kolt/qos.h"
@@ -234,5 +233,3 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_get_default_datareader_qos_w_
     DDS_DomainParticipant *self, DDS_DataReaderQos *qos, const char *topic_name);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_DOMAIN_H */

@@ -15,8 +15,7 @@
  *     with get_longlong, and with get_octet while it is 0 to 255; otherwise BAD_PARAMETER.
  *  5. A value belongs to one thread at a time.
  */
-#ifndef KOLT_DYNAMIC_DATA_H
-#define KOLT_DYNAMIC_DATA_H
+#pragma once
 
 #include "kolt/print_format.h"
 #include "kolt/typecode.h"
@@ -159,5 +158,3 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DynamicDataFormatter_to_string_w_format(
     const DDS_PrintFormat *format);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_DYNAMIC_DATA_H */

@@ -18,8 +18,7 @@
  *  5. When a function that replaces or removes a listener has returned, no callback of the old one
  *     runs on another thread. When an entity has been deleted, no callback about it runs.
  */
-#ifndef KOLT_ENTITY_H
-#define KOLT_ENTITY_H
+#pragma once
 
 #include "kolt/status.h"
 
@@ -84,5 +83,3 @@ KOLT_EXPORT DDS_Entity *DDS_DataReader_as_entity(DDS_DataReader *self);
 KOLT_EXPORT DDS_Entity *DDS_Topic_as_entity(DDS_Topic *self);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_ENTITY_H */

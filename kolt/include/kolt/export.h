@@ -1,6 +1,5 @@
 /* The one macro that makes a KOLT symbol part of the library's interface. */
-#ifndef KOLT_EXPORT_H
-#define KOLT_EXPORT_H
+#pragma once
 
 #if defined(__GNUC__)
 #define KOLT_EXPORT __attribute__((visibility("default")))
@@ -23,5 +22,3 @@
 #else
 #define KOLT_ENUM_BASE
 #endif
-
-#endif /* KOLT_EXPORT_H */

@@ -27,8 +27,7 @@
  * and enumerations the quotes may be left out, and the text is then taken as it stands, blanks
  * included.
  */
-#ifndef KOLT_FILTER_H
-#define KOLT_FILTER_H
+#pragma once
 
 #include "kolt/typecode.h"
 
@@ -72,5 +71,3 @@ KOLT_EXPORT DDS_UnsignedLong KOLT_Filter_parameter_count(const KOLT_Filter *self
 KOLT_EXPORT DDS_Char *KOLT_Filter_get_parameter(const KOLT_Filter *self, DDS_UnsignedLong index);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_FILTER_H */

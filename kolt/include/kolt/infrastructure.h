@@ -16,8 +16,7 @@
  *  6. Entity functions may be called from any thread. Values (sequences, QoS records, samples)
  *     belong to one thread at a time.
  */
-#ifndef KOLT_INFRASTRUCTURE_H
-#define KOLT_INFRASTRUCTURE_H
+#pragma once
 
 #include <stddef.h>
 #include <stdint.h>
@@ -182,5 +181,3 @@ typedef struct DDS_TypeDeallocationParams_t {
     { DDS_BOOLEAN_TRUE, DDS_BOOLEAN_TRUE }
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_INFRASTRUCTURE_H */

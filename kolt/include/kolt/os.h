@@ -10,8 +10,7 @@
  *
  * Linux only: the locks and the semaphore stand on futex(2).
  */
-#ifndef KOLT_OS_H
-#define KOLT_OS_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 
@@ -258,5 +257,3 @@ KOLT_EXPORT int KOLT_Clock_get_time(KOLT_Clock *self, DDS_LongLong *seconds,
 KOLT_EXPORT void KOLT_Utility_sleep(const DDS_Duration_t *duration);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_OS_H */

@@ -1,6 +1,5 @@
 /* Print formats: how data are rendered as text (kolt/dynamic_data.h). */
-#ifndef KOLT_PRINT_FORMAT_H
-#define KOLT_PRINT_FORMAT_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 
@@ -40,5 +39,3 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_PrintFormatProperty_to_print_format(
     const DDS_PrintFormatProperty *self, DDS_PrintFormat *format);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_PRINT_FORMAT_H */

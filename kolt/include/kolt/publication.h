@@ -8,8 +8,7 @@
  *  2. Getters of a status read it and reset its changes.
  *  3. Durations of 0 do not wait; the infinite one waits without limit.
  */
-#ifndef KOLT_PUBLICATION_H
-#define KOLT_PUBLICATION_H
+#pragma once
 
 #include "kolt/entity.h"
 #include "kolt/qos.h"
@@ -189,5 +188,3 @@ KOLT_EXPORT void *DDS_DataWriter_create_data(DDS_DataWriter *self);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_delete_data(DDS_DataWriter *self, void *sample);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_PUBLICATION_H */

@@ -4,8 +4,7 @@
  * `_finalize` frees, `_copy` is deep. A record that was finalised can be initialised again.
  * Defaults are those of DDS 1.4, table in 2.2.3; policies marked (K) are the platform's own.
  */
-#ifndef KOLT_QOS_H
-#define KOLT_QOS_H
+#pragma once
 
 #include "kolt/sequence.h"
 #include "kolt/typecode.h"
@@ -319,5 +318,3 @@ KOLT_EXPORT DDS_ReturnCode_t
 DDS_PropertyQosPolicyHelper_remove_property(DDS_PropertyQosPolicy *policy, const char *name);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_QOS_H */

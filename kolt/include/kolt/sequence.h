@@ -8,8 +8,7 @@
  * A sequence that is all zero bytes, or that was never touched, initialises itself on first use.
  * None of the operations locks anything: a sequence belongs to one thread at a time.
  */
-#ifndef KOLT_SEQUENCE_H
-#define KOLT_SEQUENCE_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 
@@ -147,5 +146,3 @@ typedef DDS_Char *DDS_StringPtr;
 KOLT_SEQUENCE_DECLARE(DDS_StringSeq, DDS_StringPtr, KOLT_EXPORT);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_SEQUENCE_H */

@@ -8,8 +8,7 @@
  * defines it, `element_type` being an expression of type `const KOLT_SequenceElementType *` that is
  * evaluated at each call (the address of a constant, or a function that returns one).
  */
-#ifndef KOLT_SEQUENCE_DEFINE_H
-#define KOLT_SEQUENCE_DEFINE_H
+#pragma once
 
 #ifdef __cplusplus
 
@@ -148,5 +147,3 @@
     static_assert(sizeof(Seq) == sizeof(KOLT_Sequence), #Seq " is no sequence record")
 
 #endif /* __cplusplus */
-
-#endif /* KOLT_SEQUENCE_DEFINE_H */

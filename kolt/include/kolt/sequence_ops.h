@@ -16,8 +16,7 @@
  *  4. An owning sequence keeps all of its `_maximum` elements initialised, not `_length` only.
  *  5. Indexes, lengths and maximums count elements and go from 0 to 2147483647.
  */
-#ifndef KOLT_SEQUENCE_OPS_H
-#define KOLT_SEQUENCE_OPS_H
+#pragma once
 
 #include "kolt/sequence.h"
 
@@ -179,5 +178,3 @@ KOLT_EXPORT DDS_Boolean KOLT_Sequence_check_invariantsI(const KOLT_Sequence *sel
                                                         const char *function_name);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_SEQUENCE_OPS_H */

@@ -1,6 +1,5 @@
 /* Statuses (DDS 1.4, 2.2.4.1) and the state masks of samples (2.2.2.5). */
-#ifndef KOLT_STATUS_H
-#define KOLT_STATUS_H
+#pragma once
 
 #include "kolt/sequence.h"
 
@@ -128,5 +127,3 @@ typedef struct DDS_SampleInfo {
 KOLT_SEQUENCE_DECLARE(DDS_SampleInfoSeq, DDS_SampleInfo, KOLT_EXPORT);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_STATUS_H */

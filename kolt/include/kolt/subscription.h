@@ -3,8 +3,7 @@
  * Samples lie serialised in the reader's cache; reading makes records of them. A sample that cannot
  * be deserialised is dropped with a log message, and the others are delivered.
  */
-#ifndef KOLT_SUBSCRIPTION_H
-#define KOLT_SUBSCRIPTION_H
+#pragma once
 
 #include "kolt/condition.h"
 #include "kolt/entity.h"
@@ -214,5 +213,3 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_add_unregister_to_remote_writer_queu
     DDS_DataReader *self, const void *sample, const DDS_WriteParams_t *params);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_SUBSCRIPTION_H */

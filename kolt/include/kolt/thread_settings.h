@@ -1,6 +1,5 @@
 /* The settings of a thread: what a configuration may say about a thread that the library starts. */
-#ifndef KOLT_THREAD_SETTINGS_H
-#define KOLT_THREAD_SETTINGS_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 #include "kolt/sequence.h"
@@ -63,5 +62,3 @@ KOLT_EXPORT DDS_Boolean DDS_ThreadSettings_is_equal(const DDS_ThreadSettings_t *
                                                     const DDS_ThreadSettings_t *right);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_THREAD_SETTINGS_H */

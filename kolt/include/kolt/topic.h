@@ -5,8 +5,7 @@
  * Samples without data (an instance is disposed or has lost its writers) always pass. A NULL `self`
  * gives DDS_RETCODE_BAD_PARAMETER or NULL.
  */
-#ifndef KOLT_TOPIC_H
-#define KOLT_TOPIC_H
+#pragma once
 
 #include "kolt/entity.h"
 #include "kolt/qos.h"
@@ -60,5 +59,3 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_ContentFilteredTopic_set_expression_parameters(
     DDS_ContentFilteredTopic *self, const DDS_StringSeq *parameters);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_TOPIC_H */

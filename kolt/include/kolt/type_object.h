@@ -13,8 +13,7 @@
  * "dds.participant.announce_types" set to "false" announces all its types so, which is for
  * peers whose descriptions are not what the engine expects.
  */
-#ifndef KOLT_TYPE_OBJECT_H
-#define KOLT_TYPE_OBJECT_H
+#pragma once
 
 #include "kolt/sequence.h"
 #include "kolt/typecode.h"
@@ -41,5 +40,3 @@ KOLT_EXPORT DDS_ReturnCode_t KOLT_TypeObject_describe(const DDS_TypeCode *type, 
                                                       DDS_OctetSeq *mapping);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_TYPE_OBJECT_H */

@@ -6,8 +6,7 @@
  * the wire. Operations that the type does not need to decide itself are KOLT's generic ones,
  * declared below, which interpret the plugin's type code.
  */
-#ifndef KOLT_TYPE_PLUGIN_H
-#define KOLT_TYPE_PLUGIN_H
+#pragma once
 
 #include "kolt/cdr.h"
 
@@ -278,5 +277,3 @@ KOLT_EXPORT DDS_UnsignedLong KOLT_TypePlugin_get_serialized_sample_size(
     DDS_UnsignedShort encapsulation, DDS_UnsignedLong current_alignment, const void *sample);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_TYPE_PLUGIN_H */

@@ -7,8 +7,7 @@
  * Type codes are written as static tables (see kolt/typecode.h users) and are never freed. They
  * are read-only once a program was made from them.
  */
-#ifndef KOLT_TYPECODE_H
-#define KOLT_TYPECODE_H
+#pragma once
 
 #include "kolt/infrastructure.h"
 
@@ -193,5 +192,3 @@ KOLT_EXPORT void KOLT_Record_print(const DDS_TypeCode *type, const void *record,
                                    const char *description, DDS_UnsignedLong indent);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_TYPECODE_H */

@@ -16,8 +16,7 @@
  *     parser does by itself (line ends become line feeds, character references are replaced) is
  *     done.
  */
-#ifndef KOLT_XML_H
-#define KOLT_XML_H
+#pragma once
 
 #include <stdio.h>
 
@@ -273,5 +272,3 @@ KOLT_EXPORT void DDS_XMLHelper_save_long_seq(const char *tag_name, const DDS_Lon
                                              DDS_XMLSaveContext *context);
 
 KOLT_EXTERN_C_END
-
-#endif /* KOLT_XML_H */

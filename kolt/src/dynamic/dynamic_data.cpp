@@ -2,6 +2,8 @@
 
 #include "kolt/dynamic_data.h"
 
+#include <cstddef>
+
 #include "dynamic/dynamic_value.hpp"
 #include "kolt/os.h"
 #include "kolt/type_plugin.h"
@@ -131,7 +133,7 @@ DDS_ReturnCode_t DDS_DynamicData_to_cdr_buffer_ex(const DDS_DynamicData *self, D
     if (capacity < *length) {
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
-    size_t written = 0;
+    std::size_t written = 0;
     return KOLT_Cdr_serialize(self->programs, encapsulation, self->record,
                               reinterpret_cast<DDS_Octet *>(buffer), capacity, &written)
                ? DDS_RETCODE_OK

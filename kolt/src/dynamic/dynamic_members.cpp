@@ -67,9 +67,9 @@ DDS_ReturnCode_t load(const Place &place, DDS_TCKind kind, T *value) {
         if (!is_integral(source)) {
             return DDS_RETCODE_BAD_PARAMETER;
         }
-        const int64_t integer = type::load_integer(source, place.value);
+        const std::int64_t integer = type::load_integer(source, place.value);
         const bool fitting = source == DDS_TK_ULONGLONG
-                                 ? fits<T>(kind, static_cast<uint64_t>(integer))
+                                 ? fits<T>(kind, static_cast<std::uint64_t>(integer))
                                  : fits<T>(kind, integer);
         if (!fitting) {
             return DDS_RETCODE_BAD_PARAMETER;
@@ -107,7 +107,7 @@ void store(const Place &place, T value) {
             std::memcpy(place.value, &real, sizeof(real));
         }
     } else {
-        type::store_integer(place.type->kind, place.value, static_cast<int64_t>(value));
+        type::store_integer(place.type->kind, place.value, static_cast<std::int64_t>(value));
     }
 }
 
@@ -362,7 +362,7 @@ DDS_ReturnCode_t DDS_DynamicData_get_string(const DDS_DynamicData *self, DDS_Cha
         return DDS_RETCODE_BAD_PARAMETER;
     }
     const DDS_Char *const text = text_of(place);
-    const size_t needed = std::strlen(text) + 1;
+    const std::size_t needed = std::strlen(text) + 1;
     if (*value == nullptr) {
         *value = DDS_String_dup(text);
     } else if (*size < needed) {

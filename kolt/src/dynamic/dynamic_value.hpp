@@ -1,6 +1,5 @@
 // The record behind a dynamic value, and the way to a member of it.
-#ifndef KOLT_SRC_DYNAMIC_DYNAMIC_VALUE_HPP
-#define KOLT_SRC_DYNAMIC_DYNAMIC_VALUE_HPP
+#pragma once
 
 #include "kolt/cdr.h"
 #include "kolt/dynamic_data.h"
@@ -44,5 +43,3 @@ bool set_discriminator(const DDS_TypeCode &type, void *record, DDS_LongLong valu
 bool holds_integer(const DDS_TypeCode &type, DDS_LongLong value);
 
 }  // namespace kolt::dynamic
-
-#endif  // KOLT_SRC_DYNAMIC_DYNAMIC_VALUE_HPP

@@ -20,7 +20,7 @@ namespace {
 // "VUR::DL::LogMessage" is called LogMessage.
 std::string_view unqualified(const char *type_name) {
     const std::string_view name = type_name == nullptr ? "value" : type_name;
-    const size_t colon = name.rfind(':');
+    const std::size_t colon = name.rfind(':');
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
@@ -110,7 +110,7 @@ void Formatter::sequence(const DDS_TypeCode &code, const void *value, const Labe
     const type::TypeCodeElementOps ops(content);
     const std::string name = full_name(label);
     writer_.open(label, Group::kElements);
-    for (size_t i = 0; i < sequence->_length; ++i) {
+    for (std::size_t i = 0; i < sequence->_length; ++i) {
         this->value(content, type::sequence_element(sequence, ops, i), {name, true, i});
     }
     writer_.close(label, Group::kElements);
@@ -121,13 +121,13 @@ void Formatter::array(const DDS_TypeCode &code, DDS_UnsignedLong dimension, cons
                       const Label &label) {
     const DDS_TypeCode &content = *code.content_type;
     const bool last = dimension + 1 == code.dimension_count;
-    size_t stride = type::value_size(content);
+    std::size_t stride = type::value_size(content);
     for (DDS_UnsignedLong i = dimension + 1; i < code.dimension_count; ++i) {
         stride *= code.dimensions[i];
     }
     const std::string name = full_name(label);
     writer_.open(label, Group::kElements);
-    for (size_t i = 0; i < code.dimensions[dimension]; ++i) {
+    for (std::size_t i = 0; i < code.dimensions[dimension]; ++i) {
         const Label element = {name, true, i};
         if (last) {
             this->value(content, value + i * stride, element);
@@ -162,7 +162,7 @@ void Formatter::scalar(const DDS_TypeCode &code, const void *value, const Label 
             real<DDS_Double>(value, label);
             break;
         case DDS_TK_ULONGLONG:
-            number(static_cast<uint64_t>(type::load_integer(code.kind, value)), label);
+            number(static_cast<std::uint64_t>(type::load_integer(code.kind, value)), label);
             break;
         default:
             number(type::load_integer(code.kind, value), label);
@@ -172,7 +172,7 @@ void Formatter::scalar(const DDS_TypeCode &code, const void *value, const Label 
 
 // A value that is no enumerator is a number.
 void Formatter::enumeration(const DDS_TypeCode &code, const void *value, const Label &label) {
-    const int64_t ordinal = type::load_integer(DDS_TK_ENUM, value);
+    const std::int64_t ordinal = type::load_integer(DDS_TK_ENUM, value);
     for (DDS_UnsignedLong i = 0; !enum_as_int_ && i < code.member_count; ++i) {
         if (code.members[i].ordinal == ordinal) {
             writer_.value(label, Scalar::kEnumerator, code.members[i].name);
@@ -187,7 +187,7 @@ template <typename Number>
 void Formatter::number(Number value, const Label &label) {
     char digits[32];
     const std::to_chars_result end = std::to_chars(digits, digits + sizeof(digits), value);
-    writer_.value(label, Scalar::kLiteral, {digits, static_cast<size_t>(end.ptr - digits)});
+    writer_.value(label, Scalar::kLiteral, {digits, static_cast<std::size_t>(end.ptr - digits)});
 }
 
 template <typename Real>

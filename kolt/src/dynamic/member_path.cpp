@@ -105,7 +105,7 @@ DDS_ReturnCode_t enter_member(DDS_UnsignedLong index, Access access, Place *plac
         return DDS_RETCODE_OK;
     }
     if (code.kind == DDS_TK_UNION) {
-        const int64_t discriminator = type::load_discriminator(code, place->value);
+        const std::int64_t discriminator = type::load_discriminator(code, place->value);
         if (access == Access::kRead && type::selected_member(code, discriminator) != index) {
             return DDS_RETCODE_PRECONDITION_NOT_MET;
         }
@@ -138,8 +138,8 @@ DDS_ReturnCode_t enter_named(std::string_view name, Access access, Place *place)
 }
 
 // Reads "[<digits>]" off the front of `path`. False when there is no such thing.
-bool take_index(std::string_view *path, size_t *index) {
-    const size_t end = path->find(']');
+bool take_index(std::string_view *path, std::size_t *index) {
+    const std::size_t end = path->find(']');
     if (path->empty() || path->front() != '[' || end == std::string_view::npos || end == 1) {
         return false;
     }
@@ -148,7 +148,7 @@ bool take_index(std::string_view *path, size_t *index) {
         if (digit < '0' || digit > '9' || *index > UINT32_MAX) {
             return false;
         }
-        *index = *index * 10 + static_cast<size_t>(digit - '0');
+        *index = *index * 10 + static_cast<std::size_t>(digit - '0');
     }
     path->remove_prefix(end + 1);
     return true;
@@ -157,9 +157,9 @@ bool take_index(std::string_view *path, size_t *index) {
 // Steps into an array; every dimension takes an index of its own, the last one counts fastest.
 DDS_ReturnCode_t enter_array(std::string_view *indexes, Place *place) {
     const DDS_TypeCode &code = *place->type;
-    size_t element = 0;
+    std::size_t element = 0;
     for (DDS_UnsignedLong i = 0; i < code.dimension_count; ++i) {
-        size_t index = 0;
+        std::size_t index = 0;
         if (!take_index(indexes, &index) || index >= code.dimensions[i]) {
             return DDS_RETCODE_BAD_PARAMETER;
         }
@@ -177,7 +177,7 @@ DDS_ReturnCode_t enter_array(std::string_view *indexes, Place *place) {
 DDS_ReturnCode_t enter_sequence(std::string_view *indexes, Place *place) {
     const DDS_TypeCode &content = *place->type->content_type;
     const auto *const sequence = static_cast<const KOLT_Sequence *>(place->value);
-    size_t index = 0;
+    std::size_t index = 0;
     if (!take_index(indexes, &index) || sequence == nullptr || index >= sequence->_length) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
@@ -188,7 +188,7 @@ DDS_ReturnCode_t enter_sequence(std::string_view *indexes, Place *place) {
 
 // One segment of a path: a name with its indexes.
 DDS_ReturnCode_t walk_segment(std::string_view segment, Access access, Place *place) {
-    const size_t name_length = segment.find('[');
+    const std::size_t name_length = segment.find('[');
     DDS_ReturnCode_t result = enter_named(segment.substr(0, name_length), access, place);
     segment.remove_prefix(name_length == std::string_view::npos ? segment.size() : name_length);
     while (result == DDS_RETCODE_OK && !segment.empty()) {
@@ -209,7 +209,7 @@ DDS_ReturnCode_t walk_segment(std::string_view segment, Access access, Place *pl
 
 DDS_ReturnCode_t walk(std::string_view path, Access access, Place *place) {
     for (;;) {
-        const size_t dot = path.find('.');
+        const std::size_t dot = path.find('.');
         const DDS_ReturnCode_t result = walk_segment(path.substr(0, dot), access, place);
         if (result != DDS_RETCODE_OK || dot == std::string_view::npos) {
             return result;

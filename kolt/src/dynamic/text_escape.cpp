@@ -15,7 +15,7 @@ bool is_continuation(unsigned char byte) {
 }
 
 // Bytes of a character that begins with `lead`; 0 for a byte that begins none.
-size_t character_length(unsigned char lead) {
+std::size_t character_length(unsigned char lead) {
     if (lead < 0x80) {
         return 1;
     }
@@ -34,7 +34,7 @@ constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
 // Takes the next character off `rest`; one byte when they make no character.
 char32_t take_character(std::string_view &rest) {
     const auto lead = static_cast<unsigned char>(rest.front());
-    const size_t length = character_length(lead);
+    const std::size_t length = character_length(lead);
     if (length == 1) {
         rest.remove_prefix(1);
         return lead;
@@ -44,7 +44,7 @@ char32_t take_character(std::string_view &rest) {
         return kReplacement;
     }
     char32_t character = lead & (0xffU >> (length + 1));
-    for (size_t i = 1; i < length; ++i) {
+    for (std::size_t i = 1; i < length; ++i) {
         const auto byte = static_cast<unsigned char>(rest[i]);
         if (!is_continuation(byte)) {
             rest.remove_prefix(1);

@@ -1,6 +1,5 @@
 // Strings from records, which may hold any bytes, as parts of well-formed UTF-8 texts.
-#ifndef KOLT_SRC_DYNAMIC_TEXT_ESCAPE_HPP
-#define KOLT_SRC_DYNAMIC_TEXT_ESCAPE_HPP
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -17,5 +16,3 @@ void append_json_string(std::string &text, std::string_view characters);
 void append_xml_text(std::string &text, std::string_view characters);
 
 }  // namespace kolt::dynamic
-
-#endif  // KOLT_SRC_DYNAMIC_TEXT_ESCAPE_HPP

@@ -1,6 +1,5 @@
 // Text formats: what the formatter tells a writer.
-#ifndef KOLT_SRC_DYNAMIC_TEXT_WRITER_HPP
-#define KOLT_SRC_DYNAMIC_TEXT_WRITER_HPP
+#pragma once
 
 #include <cstddef>
 #include <memory>
@@ -16,7 +15,7 @@ namespace kolt::dynamic {
 struct Label {
     std::string_view name;
     bool is_element = false;
-    size_t index = 0;
+    std::size_t index = 0;
 };
 
 enum class Group { kMembers, kElements };
@@ -55,7 +54,7 @@ class TextWriter {
     void new_line() { text_ += format_.new_line; }
 
     std::string text_;
-    size_t depth_ = 0;
+    std::size_t depth_ = 0;
 
   private:
     const DDS_PrintFormat &format_;
@@ -65,5 +64,3 @@ class TextWriter {
 std::unique_ptr<TextWriter> make_text_writer(const DDS_PrintFormat &format);
 
 }  // namespace kolt::dynamic
-
-#endif  // KOLT_SRC_DYNAMIC_TEXT_WRITER_HPP

@@ -211,7 +211,7 @@ DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
         if (result < 0) {
             return to_return_code(result);
         }
-        triggered.resize(std::min(static_cast<size_t>(result), triggered.size()));
+        triggered.resize(std::min(static_cast<std::size_t>(result), triggered.size()));
         collect(triggered, active);
         // What triggered may have been detached in the meantime.
         if (!active->empty()) {
@@ -242,7 +242,7 @@ DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_C
                     "the sequence has no room for %d conditions", static_cast<int>(count));
     }
     for (DDS_Long i = 0; i < count; ++i) {
-        *DDS_ConditionSeq_get_reference(seq, i) = conditions[static_cast<size_t>(i)]->self();
+        *DDS_ConditionSeq_get_reference(seq, i) = conditions[static_cast<std::size_t>(i)]->self();
     }
     return DDS_RETCODE_OK;
 }

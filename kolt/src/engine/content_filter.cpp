@@ -67,7 +67,8 @@ DDS_ReturnCode_t ContentFilter::get_parameters(DDS_StringSeq *parameters) const 
     }
     for (DDS_Long i = 0; i < count; ++i) {
         DDS_Char **const element = DDS_StringSeq_get_reference(parameters, i);
-        if (DDS_String_replace(element, (*current)[static_cast<size_t>(i)].c_str()) == nullptr) {
+        if (DDS_String_replace(element, (*current)[static_cast<std::size_t>(i)].c_str()) ==
+            nullptr) {
             return DDS_RETCODE_OUT_OF_RESOURCES;
         }
     }

@@ -10,7 +10,7 @@ namespace {
 
 namespace api = engine_api;
 
-constexpr int64_t kNanosecondsPerSecond = 1000000000;
+constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
 
 constexpr std::array<std::pair<dds_return_t, DDS_ReturnCode_t>, 14> kReturnCodes = {{
     {api::kOk, DDS_RETCODE_OK},
@@ -29,7 +29,7 @@ constexpr std::array<std::pair<dds_return_t, DDS_ReturnCode_t>, 14> kReturnCodes
     {api::kNotAllowedBySecurity, DDS_RETCODE_PRECONDITION_NOT_MET},
 }};
 
-constexpr std::array<std::pair<DDS_StatusMask, uint32_t>, 13> kStatuses = {{
+constexpr std::array<std::pair<DDS_StatusMask, std::uint32_t>, 13> kStatuses = {{
     {DDS_INCONSISTENT_TOPIC_STATUS, api::kInconsistentTopicStatus},
     {DDS_OFFERED_DEADLINE_MISSED_STATUS, api::kOfferedDeadlineMissedStatus},
     {DDS_REQUESTED_DEADLINE_MISSED_STATUS, api::kRequestedDeadlineMissedStatus},
@@ -46,8 +46,8 @@ constexpr std::array<std::pair<DDS_StatusMask, uint32_t>, 13> kStatuses = {{
 }};
 
 struct StateBit {
-    uint32_t standard;
-    uint32_t engine;
+    std::uint32_t standard;
+    std::uint32_t engine;
 };
 constexpr std::array<StateBit, 2> kSampleStates = {{
     {DDS_READ_SAMPLE_STATE, api::kReadState},
@@ -63,9 +63,9 @@ constexpr std::array<StateBit, 3> kInstanceStates = {{
     {DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE, api::kNotAliveNoWriters},
 }};
 
-template <size_t N>
-uint32_t translate_states(const std::array<StateBit, N> &table, uint32_t mask) {
-    uint32_t result = 0;
+template <std::size_t N>
+std::uint32_t translate_states(const std::array<StateBit, N> &table, std::uint32_t mask) {
+    std::uint32_t result = 0;
     for (const StateBit &bit : table) {
         if ((mask & bit.standard) != 0) {
             result |= bit.engine;
@@ -74,8 +74,8 @@ uint32_t translate_states(const std::array<StateBit, N> &table, uint32_t mask) {
     return result;
 }
 
-template <size_t N>
-uint32_t state_from_engine(const std::array<StateBit, N> &table, uint32_t state) {
+template <std::size_t N>
+std::uint32_t state_from_engine(const std::array<StateBit, N> &table, std::uint32_t state) {
     for (const StateBit &bit : table) {
         if (bit.engine == state) {
             return bit.standard;
@@ -102,11 +102,11 @@ dds_duration_t to_engine(const DDS_Duration_t &duration) {
     if (DDS_Duration_is_infinite(&duration)) {
         return api::kInfinity;
     }
-    return static_cast<int64_t>(duration.sec) * kNanosecondsPerSecond + duration.nanosec;
+    return static_cast<std::int64_t>(duration.sec) * kNanosecondsPerSecond + duration.nanosec;
 }
 
 DDS_Duration_t from_engine_duration(dds_duration_t duration) {
-    constexpr int64_t kLongest = std::numeric_limits<DDS_Long>::max();
+    constexpr std::int64_t kLongest = std::numeric_limits<DDS_Long>::max();
     if (duration == api::kInfinity || duration / kNanosecondsPerSecond > kLongest) {
         return DDS_DURATION_INFINITE;
     }
@@ -115,7 +115,8 @@ DDS_Duration_t from_engine_duration(dds_duration_t duration) {
 }
 
 bool is_valid_time(const DDS_Time_t &time) {
-    constexpr int64_t kLatest = std::numeric_limits<int64_t>::max() / kNanosecondsPerSecond - 1;
+    constexpr std::int64_t kLatest =
+        std::numeric_limits<std::int64_t>::max() / kNanosecondsPerSecond - 1;
     return time.sec >= 0 && time.sec <= kLatest && time.nanosec < kNanosecondsPerSecond;
 }
 
@@ -131,8 +132,8 @@ DDS_Time_t from_engine_time(dds_time_t time) {
             static_cast<DDS_UnsignedLong>(time % kNanosecondsPerSecond)};
 }
 
-uint32_t status_to_engine(DDS_StatusMask mask) {
-    uint32_t result = 0;
+std::uint32_t status_to_engine(DDS_StatusMask mask) {
+    std::uint32_t result = 0;
     for (const auto &[standard, engine] : kStatuses) {
         if ((mask & standard) != 0) {
             result |= engine;
@@ -141,7 +142,7 @@ uint32_t status_to_engine(DDS_StatusMask mask) {
     return result;
 }
 
-DDS_StatusMask status_from_engine(uint32_t mask) {
+DDS_StatusMask status_from_engine(std::uint32_t mask) {
     DDS_StatusMask result = 0;
     for (const auto &[standard, engine] : kStatuses) {
         if ((mask & engine) != 0) {
@@ -152,10 +153,10 @@ DDS_StatusMask status_from_engine(uint32_t mask) {
 }
 
 bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
-                      DDS_InstanceStateMask instance_states, uint32_t *mask) {
-    const uint32_t sample = translate_states(kSampleStates, sample_states);
-    const uint32_t view = translate_states(kViewStates, view_states);
-    const uint32_t instance = translate_states(kInstanceStates, instance_states);
+                      DDS_InstanceStateMask instance_states, std::uint32_t *mask) {
+    const std::uint32_t sample = translate_states(kSampleStates, sample_states);
+    const std::uint32_t view = translate_states(kViewStates, view_states);
+    const std::uint32_t instance = translate_states(kInstanceStates, instance_states);
     *mask = sample | view | instance;
     return sample != 0 && view != 0 && instance != 0;
 }

@@ -1,6 +1,8 @@
 // Values of the standard, from KOLT's types to the engine's and back.
 #pragma once
 
+#include <cstdint>
+
 #include "engine/engine_api.hpp"
 #include "kolt/status.h"
 
@@ -18,12 +20,12 @@ bool is_valid_time(const DDS_Time_t &time);
 dds_time_t to_engine(const DDS_Time_t &time);
 DDS_Time_t from_engine_time(dds_time_t time);
 
-uint32_t status_to_engine(DDS_StatusMask mask);
-DDS_StatusMask status_from_engine(uint32_t mask);
+std::uint32_t status_to_engine(DDS_StatusMask mask);
+DDS_StatusMask status_from_engine(std::uint32_t mask);
 
 // One engine mask of the three state masks. False when one of them selects nothing.
 bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
-                      DDS_InstanceStateMask instance_states, uint32_t *mask);
+                      DDS_InstanceStateMask instance_states, std::uint32_t *mask);
 
 DDS_SampleInfo to_sample_info(const dds_sample_info_t &info);
 

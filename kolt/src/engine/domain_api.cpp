@@ -86,7 +86,7 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_set_qos(DDS_DomainParticipantFacto
     return with<Factory>(self, __func__, [&](Factory &factory) { return factory.set_qos(*qos); });
 }
 
-DDS_DomainParticipant *KOLT_DomainParticipant_wrap(int32_t engine_participant) {
+DDS_DomainParticipant *KOLT_DomainParticipant_wrap(std::int32_t engine_participant) {
     return guarded(__func__, [&, method = __func__] {
         return Factory::instance().wrap(engine_participant, method);
     });
@@ -98,7 +98,7 @@ DDS_ReturnCode_t KOLT_DomainParticipant_unwrap(DDS_DomainParticipant *self) {
     });
 }
 
-int32_t KOLT_DomainParticipant_engine_handle(DDS_DomainParticipant *self) {
+std::int32_t KOLT_DomainParticipant_engine_handle(DDS_DomainParticipant *self) {
     return self != nullptr ? Participant::of(self)->engine() : 0;
 }
 

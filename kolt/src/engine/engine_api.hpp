@@ -6,6 +6,8 @@
 // preprocessor gets back what it had before. Nothing outside this folder includes this header.
 #pragma once
 
+#include <cstdint>
+
 #pragma push_macro("DDS_RETCODE_OK")
 #pragma push_macro("DDS_RETCODE_ERROR")
 #pragma push_macro("DDS_RETCODE_UNSUPPORTED")
@@ -123,32 +125,34 @@ inline constexpr dds_return_t kIllegalOperation = DDS_RETCODE_ILLEGAL_OPERATION;
 inline constexpr dds_return_t kNotAllowedBySecurity = DDS_RETCODE_NOT_ALLOWED_BY_SECURITY;
 
 // Statuses.
-inline constexpr uint32_t kInconsistentTopicStatus = DDS_INCONSISTENT_TOPIC_STATUS;
-inline constexpr uint32_t kOfferedDeadlineMissedStatus = DDS_OFFERED_DEADLINE_MISSED_STATUS;
-inline constexpr uint32_t kRequestedDeadlineMissedStatus = DDS_REQUESTED_DEADLINE_MISSED_STATUS;
-inline constexpr uint32_t kOfferedIncompatibleQosStatus = DDS_OFFERED_INCOMPATIBLE_QOS_STATUS;
-inline constexpr uint32_t kRequestedIncompatibleQosStatus = DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS;
-inline constexpr uint32_t kSampleLostStatus = DDS_SAMPLE_LOST_STATUS;
-inline constexpr uint32_t kSampleRejectedStatus = DDS_SAMPLE_REJECTED_STATUS;
-inline constexpr uint32_t kDataOnReadersStatus = DDS_DATA_ON_READERS_STATUS;
-inline constexpr uint32_t kDataAvailableStatus = DDS_DATA_AVAILABLE_STATUS;
-inline constexpr uint32_t kLivelinessLostStatus = DDS_LIVELINESS_LOST_STATUS;
-inline constexpr uint32_t kLivelinessChangedStatus = DDS_LIVELINESS_CHANGED_STATUS;
-inline constexpr uint32_t kPublicationMatchedStatus = DDS_PUBLICATION_MATCHED_STATUS;
-inline constexpr uint32_t kSubscriptionMatchedStatus = DDS_SUBSCRIPTION_MATCHED_STATUS;
+inline constexpr std::uint32_t kInconsistentTopicStatus = DDS_INCONSISTENT_TOPIC_STATUS;
+inline constexpr std::uint32_t kOfferedDeadlineMissedStatus = DDS_OFFERED_DEADLINE_MISSED_STATUS;
+inline constexpr std::uint32_t kRequestedDeadlineMissedStatus =
+    DDS_REQUESTED_DEADLINE_MISSED_STATUS;
+inline constexpr std::uint32_t kOfferedIncompatibleQosStatus = DDS_OFFERED_INCOMPATIBLE_QOS_STATUS;
+inline constexpr std::uint32_t kRequestedIncompatibleQosStatus =
+    DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS;
+inline constexpr std::uint32_t kSampleLostStatus = DDS_SAMPLE_LOST_STATUS;
+inline constexpr std::uint32_t kSampleRejectedStatus = DDS_SAMPLE_REJECTED_STATUS;
+inline constexpr std::uint32_t kDataOnReadersStatus = DDS_DATA_ON_READERS_STATUS;
+inline constexpr std::uint32_t kDataAvailableStatus = DDS_DATA_AVAILABLE_STATUS;
+inline constexpr std::uint32_t kLivelinessLostStatus = DDS_LIVELINESS_LOST_STATUS;
+inline constexpr std::uint32_t kLivelinessChangedStatus = DDS_LIVELINESS_CHANGED_STATUS;
+inline constexpr std::uint32_t kPublicationMatchedStatus = DDS_PUBLICATION_MATCHED_STATUS;
+inline constexpr std::uint32_t kSubscriptionMatchedStatus = DDS_SUBSCRIPTION_MATCHED_STATUS;
 
 // Sample, view and instance states, which the engine keeps in one mask.
-inline constexpr uint32_t kReadState = DDS_READ_SAMPLE_STATE;
-inline constexpr uint32_t kNotReadState = DDS_NOT_READ_SAMPLE_STATE;
-inline constexpr uint32_t kNewView = DDS_NEW_VIEW_STATE;
-inline constexpr uint32_t kNotNewView = DDS_NOT_NEW_VIEW_STATE;
-inline constexpr uint32_t kAlive = DDS_ALIVE_INSTANCE_STATE;
-inline constexpr uint32_t kNotAliveDisposed = DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE;
-inline constexpr uint32_t kNotAliveNoWriters = DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE;
+inline constexpr std::uint32_t kReadState = DDS_READ_SAMPLE_STATE;
+inline constexpr std::uint32_t kNotReadState = DDS_NOT_READ_SAMPLE_STATE;
+inline constexpr std::uint32_t kNewView = DDS_NEW_VIEW_STATE;
+inline constexpr std::uint32_t kNotNewView = DDS_NOT_NEW_VIEW_STATE;
+inline constexpr std::uint32_t kAlive = DDS_ALIVE_INSTANCE_STATE;
+inline constexpr std::uint32_t kNotAliveDisposed = DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE;
+inline constexpr std::uint32_t kNotAliveNoWriters = DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE;
 // "No mask given": a read through a condition then uses the condition's own.
-inline constexpr uint32_t kNoStateMask = DDS_ANY_STATE + 1U;
+inline constexpr std::uint32_t kNoStateMask = DDS_ANY_STATE + 1U;
 // Number of samples that stands for "as many as the buffer holds, the cache being locked already".
-inline constexpr uint32_t kReadLocked = DDS_READ_WITHOUT_LOCK;
+inline constexpr std::uint32_t kReadLocked = DDS_READ_WITHOUT_LOCK;
 
 // Parent of what belongs to no participant.
 inline constexpr dds_entity_t kLibrary = DDS_CYCLONEDDS_HANDLE;

@@ -1,6 +1,5 @@
 // The way of the engine's log into the middleware's.
-#ifndef KOLT_SRC_ENGINE_ENGINE_LOG_SINK_HPP
-#define KOLT_SRC_ENGINE_ENGINE_LOG_SINK_HPP
+#pragma once
 
 namespace kolt::engine {
 
@@ -14,5 +13,3 @@ void install_log_sink();
 void refresh_log_mask();
 
 }  // namespace kolt::engine
-
-#endif  // KOLT_SRC_ENGINE_ENGINE_LOG_SINK_HPP

@@ -93,7 +93,7 @@ DDS_Boolean DDS_Entity_is_enabled(DDS_Entity *self) {
 
 DDS_StatusMask DDS_Entity_get_status_changes(DDS_Entity *self) {
     const KOLT_EntityImpl *const impl = impl_of(self);
-    uint32_t mask = 0;
+    std::uint32_t mask = 0;
     if (impl == nullptr || !impl->is_enabled() || impl->valid_statuses() == 0) {
         return 0;
     }

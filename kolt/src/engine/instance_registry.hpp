@@ -1,6 +1,7 @@
 // The instances that a writer has registered, by itself or by writing them.
 #pragma once
 
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -73,7 +74,9 @@ class InstanceRegistry {
     // Lets a string_view be looked up without making a string of it.
     struct Hash {
         using is_transparent = void;
-        size_t operator()(std::string_view key) const { return std::hash<std::string_view>()(key); }
+        std::size_t operator()(std::string_view key) const {
+            return std::hash<std::string_view>()(key);
+        }
     };
 
     static void assign(const std::string &bytes, KeyBytes *key) {

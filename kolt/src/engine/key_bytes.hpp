@@ -1,6 +1,7 @@
 // A canonical key: short ones, which are the rule, without memory of their own.
 #pragma once
 
+#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -18,7 +19,7 @@ class KeyBytes {
     // fails for another reason.
     template <typename Extract>
     bool fill(Extract &&extract) {
-        size_t length = kInlineSize;
+        std::size_t length = kInlineSize;
         if (extract(inline_, &length)) {
             heap_.reset();
             size_ = length;
@@ -36,7 +37,7 @@ class KeyBytes {
         return true;
     }
 
-    void assign(const DDS_Octet *bytes, size_t size) {
+    void assign(const DDS_Octet *bytes, std::size_t size) {
         if (size > kInlineSize) {
             heap_ = std::make_unique<DDS_Octet[]>(size);
         } else {
@@ -49,12 +50,12 @@ class KeyBytes {
     }
 
     const DDS_Octet *data() const { return heap_ ? heap_.get() : inline_; }
-    size_t size() const { return size_; }
+    std::size_t size() const { return size_; }
     std::string_view view() const { return {reinterpret_cast<const char *>(data()), size_}; }
 
   private:
-    static constexpr size_t kInlineSize = 32;
-    size_t size_ = 0;
+    static constexpr std::size_t kInlineSize = 32;
+    std::size_t size_ = 0;
     std::unique_ptr<DDS_Octet[]> heap_;
     DDS_Octet inline_[kInlineSize];
 };

@@ -11,7 +11,7 @@ namespace kolt::engine {
 
 namespace {
 
-DDS_UnsignedLong big_endian(const uint8_t *bytes) {
+DDS_UnsignedLong big_endian(const std::uint8_t *bytes) {
     return static_cast<DDS_UnsignedLong>(bytes[0]) << 24 |
            static_cast<DDS_UnsignedLong>(bytes[1]) << 16 |
            static_cast<DDS_UnsignedLong>(bytes[2]) << 8 | bytes[3];
@@ -120,7 +120,7 @@ EngineQos to_engine_change(const DDS_DomainParticipantQos &qos) {
         throw std::bad_alloc();
     }
     const DDS_OctetSeq &data = qos.user_data.value;
-    const size_t size = DDS_OctetSeq_get_length(&data);
+    const std::size_t size = DDS_OctetSeq_get_length(&data);
     dds_qset_userdata(result.get(), size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&data) : nullptr,
                       size);
     return result;

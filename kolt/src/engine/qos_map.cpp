@@ -25,7 +25,7 @@ static_assert(int{DDS_TYPE_CONSISTENCY_ALLOW_TYPE_COERCION} == int{DDS_ALLOW_TYP
 
 constexpr std::string_view kOwnPropertyPrefix = "dds.";
 
-const void *octets(const DDS_OctetSeq &value, size_t *size) {
+const void *octets(const DDS_OctetSeq &value, std::size_t *size) {
     *size = DDS_OctetSeq_get_length(&value);
     return *size != 0 ? DDS_OctetSeq_get_contiguous_buffer(&value) : nullptr;
 }
@@ -33,17 +33,17 @@ const void *octets(const DDS_OctetSeq &value, size_t *size) {
 // ---- One policy each ----------------------------------------------------------------------------
 
 void set(dds_qos_t *q, const DDS_UserDataQosPolicy &p) {
-    size_t size = 0;
+    std::size_t size = 0;
     const void *const bytes = octets(p.value, &size);
     dds_qset_userdata(q, bytes, size);
 }
 void set(dds_qos_t *q, const DDS_TopicDataQosPolicy &p) {
-    size_t size = 0;
+    std::size_t size = 0;
     const void *const bytes = octets(p.value, &size);
     dds_qset_topicdata(q, bytes, size);
 }
 void set(dds_qos_t *q, const DDS_GroupDataQosPolicy &p) {
-    size_t size = 0;
+    std::size_t size = 0;
     const void *const bytes = octets(p.value, &size);
     dds_qset_groupdata(q, bytes, size);
 }
@@ -79,13 +79,13 @@ void set(dds_qos_t *q, const DDS_TimeBasedFilterQosPolicy &p) {
 }
 void set(dds_qos_t *q, const DDS_PartitionQosPolicy &p) {
     std::vector<const char *> names(DDS_StringSeq_get_length(&p.name));
-    for (size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
         names[i] = *DDS_StringSeq_get_reference(&p.name, static_cast<DDS_Long>(i));
         if (names[i] == nullptr) {
             names[i] = "";
         }
     }
-    dds_qset_partition(q, static_cast<uint32_t>(names.size()), names.data());
+    dds_qset_partition(q, static_cast<std::uint32_t>(names.size()), names.data());
 }
 void set(dds_qos_t *q, const DDS_ReliabilityQosPolicy &p) {
     dds_qset_reliability(q, static_cast<dds_reliability_kind_t>(p.kind),
@@ -162,7 +162,7 @@ EngineQos set_all(const Qos &qos) {
 std::vector<dds_data_representation_id_t> representations(
     const DDS_DataRepresentationQosPolicy &policy, const RegisteredType *type) {
     std::vector<dds_data_representation_id_t> result(DDS_ShortSeq_get_length(&policy.value));
-    for (size_t i = 0; i < result.size(); ++i) {
+    for (std::size_t i = 0; i < result.size(); ++i) {
         result[i] = *DDS_ShortSeq_get_reference(&policy.value, static_cast<DDS_Long>(i));
         if (type != nullptr) {
             type->resolve_representation(&result[i]);
@@ -174,7 +174,7 @@ std::vector<dds_data_representation_id_t> representations(
 }
 
 void set_representations(dds_qos_t *q, const std::vector<dds_data_representation_id_t> &ids) {
-    dds_qset_data_representation(q, static_cast<uint32_t>(ids.size()), ids.data());
+    dds_qset_data_representation(q, static_cast<std::uint32_t>(ids.size()), ids.data());
 }
 
 }  // namespace
@@ -251,7 +251,7 @@ EngineQos to_engine(const DDS_DataReaderQos &qos, const RegisteredType &type) {
 bool from_engine(const dds_qos_t *engine_qos, DDS_DomainParticipantQos *qos) {
     bool complete = true;
     void *user_data = nullptr;
-    size_t size = 0;
+    std::size_t size = 0;
     if (dds_qget_userdata(engine_qos, &user_data, &size) && size != 0) {
         complete = DDS_OctetSeq_from_array(&qos->user_data.value,
                                            static_cast<const DDS_Octet *>(user_data),
@@ -263,12 +263,12 @@ bool from_engine(const dds_qos_t *engine_qos, DDS_DomainParticipantQos *qos) {
         complete = DDS_String_replace(&qos->participant_name.name, name) != nullptr && complete;
         dds_free(name);
     }
-    uint32_t count = 0;
+    std::uint32_t count = 0;
     char **names = nullptr;
     if (!dds_qget_propnames(engine_qos, &count, &names)) {
         return complete;
     }
-    for (uint32_t i = 0; i < count; ++i) {
+    for (std::uint32_t i = 0; i < count; ++i) {
         char *value = nullptr;
         if (dds_qget_prop(engine_qos, names[i], &value)) {
             complete = DDS_PropertyQosPolicyHelper_assert_property(

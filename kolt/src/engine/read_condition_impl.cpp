@@ -12,20 +12,20 @@ namespace {
 
 // ---- Functions that know their condition --------------------------------------------------------
 
-constexpr size_t kSlots = 256;
+constexpr std::size_t kSlots = 256;
 
 // The filter of each function. Set before the engine knows the function, reset after it has
 // forgotten it.
 std::array<std::atomic<const ContentFilter *>, kSlots> g_filters;
 
-template <size_t kSlot>
+template <std::size_t kSlot>
 bool filter_function(const void *view) {
     const ContentFilter *const filter = g_filters[kSlot].load(std::memory_order_acquire);
     const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
     return filter != nullptr && serdata != nullptr && filter->accepts(*serdata);
 }
 
-template <size_t... kIndexes>
+template <std::size_t... kIndexes>
 constexpr std::array<dds_querycondition_filter_fn, kSlots> make_functions(
     std::index_sequence<kIndexes...>) {
     return {&filter_function<kIndexes>...};
@@ -33,8 +33,8 @@ constexpr std::array<dds_querycondition_filter_fn, kSlots> make_functions(
 constexpr auto kFunctions = make_functions(std::make_index_sequence<kSlots>());
 
 // kSlots when all are taken.
-size_t claim_slot(const ContentFilter *filter) {
-    for (size_t slot = 0; slot < kSlots; ++slot) {
+std::size_t claim_slot(const ContentFilter *filter) {
+    for (std::size_t slot = 0; slot < kSlots; ++slot) {
         const ContentFilter *free = nullptr;
         if (g_filters[slot].compare_exchange_strong(free, filter)) {
             return slot;
@@ -47,14 +47,15 @@ size_t claim_slot(const ContentFilter *filter) {
 
 // ---- Read condition -----------------------------------------------------------------------------
 
-ReadCondition::ReadCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states,
-                             Deferred)
+ReadCondition::ReadCondition(DataReader &reader, std::uint32_t engine_mask,
+                             const ReadStates &states, Deferred)
     : Condition(&handle_._read_condition._condition),
       reader_(reader),
       engine_mask_(engine_mask),
       states_(states) {}
 
-ReadCondition::ReadCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states)
+ReadCondition::ReadCondition(DataReader &reader, std::uint32_t engine_mask,
+                             const ReadStates &states)
     : ReadCondition(reader, engine_mask, states, Deferred{}) {
     const dds_entity_t engine = dds_create_readcondition(reader.engine(), engine_mask);
     if (engine < 0) {
@@ -77,11 +78,12 @@ void ReadCondition::delete_engine() {
 
 // ---- Query condition ----------------------------------------------------------------------------
 
-std::unique_ptr<QueryCondition> QueryCondition::create(DataReader &reader, uint32_t engine_mask,
+std::unique_ptr<QueryCondition> QueryCondition::create(DataReader &reader,
+                                                       std::uint32_t engine_mask,
                                                        const ReadStates &states,
                                                        std::unique_ptr<ContentFilter> filter,
                                                        const char *method) {
-    const size_t slot = claim_slot(filter.get());
+    const std::size_t slot = claim_slot(filter.get());
     if (slot == kSlots) {
         fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
              "a process has room for %zu query conditions only", kSlots);

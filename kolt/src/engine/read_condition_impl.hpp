@@ -4,6 +4,8 @@
 // it is about is told by which function it is. There is a fixed number of them.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -25,7 +27,7 @@ struct ReadStates {
 class ReadCondition : public Condition {
   public:
     // Throws std::bad_alloc when the engine has no room for it.
-    ReadCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states);
+    ReadCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states);
     ~ReadCondition() override;
     static ReadCondition *of(DDS_ReadCondition *self) {
         return self != nullptr ? static_cast<ReadCondition *>(self->_condition._impl) : nullptr;
@@ -43,16 +45,17 @@ class ReadCondition : public Condition {
   protected:
     // For a query condition, which makes the engine's condition itself.
     struct Deferred {};
-    ReadCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states, Deferred);
+    ReadCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states,
+                  Deferred);
     void set_engine(dds_entity_t engine) { engine_.store(engine, std::memory_order_release); }
     void delete_engine();
-    uint32_t engine_mask() const { return engine_mask_; }
+    std::uint32_t engine_mask() const { return engine_mask_; }
     DDS_QueryCondition *query_handle() { return &handle_; }
 
   private:
     DDS_QueryCondition handle_{{{this}}};  // its first member is the read condition
     DataReader &reader_;
-    const uint32_t engine_mask_;
+    const std::uint32_t engine_mask_;
     const ReadStates states_;
     std::atomic<dds_entity_t> engine_{0};
 };
@@ -60,7 +63,7 @@ class ReadCondition : public Condition {
 class QueryCondition final : public ReadCondition {
   public:
     // nullptr, and a log message, when the filter is wrong or there are too many conditions.
-    static std::unique_ptr<QueryCondition> create(DataReader &reader, uint32_t engine_mask,
+    static std::unique_ptr<QueryCondition> create(DataReader &reader, std::uint32_t engine_mask,
                                                   const ReadStates &states,
                                                   std::unique_ptr<ContentFilter> filter,
                                                   const char *method);
@@ -79,20 +82,20 @@ class QueryCondition final : public ReadCondition {
     DDS_ReturnCode_t set_parameters(const DDS_StringSeq &parameters, const char *method);
 
   private:
-    QueryCondition(DataReader &reader, uint32_t engine_mask, const ReadStates &states,
-                   std::unique_ptr<ContentFilter> filter, size_t slot)
+    QueryCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states,
+                   std::unique_ptr<ContentFilter> filter, std::size_t slot)
         : ReadCondition(reader, engine_mask, states, Deferred{}),
           filter_(std::move(filter)),
           slot_(slot) {}
     DDS_ReturnCode_t make_engine(const char *method);
 
     std::unique_ptr<ContentFilter> filter_;
-    const size_t slot_;
+    const std::size_t slot_;
     std::mutex use_;
 };
 
 // The engine gives a reader this many query conditions, and does not survive one more; one is kept
 // for KOLT's own use.
-inline constexpr size_t kMaxQueryConditions = 31;
+inline constexpr std::size_t kMaxQueryConditions = 31;
 
 }  // namespace kolt::engine

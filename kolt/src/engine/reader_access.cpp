@@ -17,9 +17,9 @@ namespace {
 namespace api = engine_api;
 
 // Room for a read before it is known how much there is.
-constexpr size_t kFirstGuess = 32;
+constexpr std::size_t kFirstGuess = 32;
 // The engine's limit of one read.
-constexpr size_t kMaxSamples = std::numeric_limits<int32_t>::max();
+constexpr std::size_t kMaxSamples = std::numeric_limits<std::int32_t>::max();
 
 // What the function below has seen, with a reference on each.
 struct SeenKeys {
@@ -65,7 +65,7 @@ DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
 
 }  // namespace
 
-void Batch::resize(size_t capacity) {
+void Batch::resize(std::size_t capacity) {
     if (capacity <= infos.size()) {
         return;
     }
@@ -73,18 +73,18 @@ void Batch::resize(size_t capacity) {
     infos.resize(capacity);
     pointers.resize(capacity);
     views.swap(larger);
-    for (size_t i = 0; i < capacity; ++i) {
+    for (std::size_t i = 0; i < capacity; ++i) {
         pointers[i] = &views[i];
     }
 }
 
 // ---- From the engine ----------------------------------------------------------------------------
 
-dds_return_t DataReader::engine_read(const KOLT_ReadSelection &selection, uint32_t mask,
-                                     size_t room, bool locked, Batch *batch) {
+dds_return_t DataReader::engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
+                                     std::size_t room, bool locked, Batch *batch) {
     ReadCondition *const condition = ReadCondition::of(selection.condition);
     const dds_entity_t source = condition != nullptr ? condition->watched() : engine();
-    const uint32_t limit = locked ? api::kReadLocked : static_cast<uint32_t>(room);
+    const std::uint32_t limit = locked ? api::kReadLocked : static_cast<std::uint32_t>(room);
     void **const views = batch->pointers.data();
     dds_sample_info_t *const infos = batch->infos.data();
     if (selection.scope == KOLT_READ_ALL) {
@@ -96,14 +96,14 @@ dds_return_t DataReader::engine_read(const KOLT_ReadSelection &selection, uint32
     return read(source, views, infos, room, limit, selection.handle, mask);
 }
 
-DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, size_t limit, Batch *batch,
-                                   size_t *count) {
+DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::size_t limit,
+                                   Batch *batch, std::size_t *count) {
     *count = 0;
     if (selection.scope == KOLT_READ_NEXT_INSTANCE) {
         return fetch_next_instance(selection, limit, batch, count);
     }
     ReadCondition *const condition = ReadCondition::of(selection.condition);
-    uint32_t mask = api::kNoStateMask;
+    std::uint32_t mask = api::kNoStateMask;
     if (condition == nullptr && !states_to_engine(selection.sample_states, selection.view_states,
                                                   selection.instance_states, &mask)) {
         return DDS_RETCODE_NO_DATA;
@@ -111,14 +111,14 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, size_t l
     const auto held = condition != nullptr ? condition->hold() : std::unique_lock<std::mutex>();
 
     batch->resize(std::min(limit, kFirstGuess));
-    size_t room = std::min(limit, batch->capacity());
-    uint32_t available = 0;
+    std::size_t room = std::min(limit, batch->capacity());
+    std::uint32_t available = 0;
     if (room < limit) {
         // Locks the cache, unless it is empty. Only a read unlocks it: without memory that read
         // brings as many samples as there is room for.
         available = dds_reader_lock_samples(engine());
         try {
-            batch->resize(std::min<size_t>(limit, available));
+            batch->resize(std::min<std::size_t>(limit, available));
         } catch (const std::bad_alloc &) {
             *count = 0;
         }
@@ -126,7 +126,7 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, size_t l
     }
     const dds_return_t result = engine_read(selection, mask, room, available != 0, batch);
     if (result > 0) {
-        *count = static_cast<size_t>(result);
+        *count = static_cast<std::size_t>(result);
         return DDS_RETCODE_OK;
     }
     if (result == 0 || is_instance_known(selection)) {
@@ -166,8 +166,9 @@ std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
 }
 
 // The engine has no order of instances; here it is that of their handles.
-DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selection, size_t limit,
-                                                 Batch *batch, size_t *count) {
+DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selection,
+                                                 std::size_t limit, Batch *batch,
+                                                 std::size_t *count) {
     std::vector<DDS_InstanceHandle_t> handles;
     {
         const std::lock_guard lock(contents_);  // the engine's limit of query conditions
@@ -220,7 +221,7 @@ bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *reco
 
 void DataReader::free_loan(Loan &loan) {
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
-    for (size_t i = 0; i < loan.samples.size(); ++i) {
+    for (std::size_t i = 0; i < loan.samples.size(); ++i) {
         plugin.return_sample(endpoint_->data(), loan.samples[i], loan.pool_handles[i]);
     }
     loan.samples.clear();
@@ -230,10 +231,10 @@ DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, vo
                                          DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
                                          const char *method) {
     Batch batch;
-    size_t fetched = 0;
-    const size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
-                             ? kMaxSamples
-                             : static_cast<size_t>(selection.max_samples);
+    std::size_t fetched = 0;
+    const std::size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
+                                  ? kMaxSamples
+                                  : static_cast<std::size_t>(selection.max_samples);
     const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
     if (result != DDS_RETCODE_OK) {
         return report(result, method);
@@ -245,7 +246,7 @@ DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, vo
     loan->infos.reserve(fetched);
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
     bool starved = false;
-    for (size_t i = 0; i < fetched; ++i) {
+    for (std::size_t i = 0; i < fetched; ++i) {
         const dds_sample_info_t &info = batch.infos[i];
         void *pool_handle = nullptr;
         void *const record = plugin.get_sample(endpoint_->data(), &pool_handle);
@@ -292,13 +293,13 @@ DDS_ReturnCode_t DataReader::hand_out(std::unique_ptr<Loan> loan, void ***sample
 
 DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
                                          DDS_UnsignedLong maximum, void *buffer,
-                                         size_t element_size, DDS_UnsignedLong *count,
+                                         std::size_t element_size, DDS_UnsignedLong *count,
                                          DDS_SampleInfoSeq *info_seq, const char *method) {
-    const size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
-                             ? maximum
-                             : static_cast<size_t>(selection.max_samples);
+    const std::size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
+                                  ? maximum
+                                  : static_cast<std::size_t>(selection.max_samples);
     Batch batch;
-    size_t fetched = 0;
+    std::size_t fetched = 0;
     const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
     if (result != DDS_RETCODE_OK) {
         return report(result, method);
@@ -307,8 +308,8 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
         DDS_BOOLEAN_FALSE) {
         return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no %zu elements", fetched);
     }
-    size_t copied = 0;
-    for (size_t i = 0; i < fetched; ++i) {
+    std::size_t copied = 0;
+    for (std::size_t i = 0; i < fetched; ++i) {
         void *const record = static_cast<char *>(buffer) + copied * element_size;
         if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record)) {
             continue;
@@ -330,7 +331,7 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
     selection.view_states = DDS_ANY_VIEW_STATE;
     selection.instance_states = DDS_ANY_INSTANCE_STATE;
     Batch batch;
-    size_t fetched = 0;
+    std::size_t fetched = 0;
     // A malformed sample is passed over.
     while (true) {
         const DDS_ReturnCode_t result = fetch(selection, 1, &batch, &fetched);
@@ -395,7 +396,7 @@ DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {
         return DDS_HANDLE_NIL;
     }
     KeyBytes key;
-    if (!key.fill([&](DDS_Octet *buffer, size_t *length) {
+    if (!key.fill([&](DDS_Octet *buffer, std::size_t *length) {
             return KOLT_Cdr_key_of_record(type_->programs(), key_holder, buffer, length) != 0;
         })) {
         return DDS_HANDLE_NIL;

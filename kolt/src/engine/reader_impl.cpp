@@ -155,7 +155,7 @@ void DataReader::dispatch() {
 void DataReader::dispatch_data_available() {
     const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
     tell_listener(DDS_DATA_AVAILABLE_STATUS, has, [this](const DDS_DataReaderListener &l) {
-        uint32_t taken = 0;
+        std::uint32_t taken = 0;
         dds_take_status(engine(), &taken, api::kDataAvailableStatus);
         l.on_data_available(l.listener_data, &handle_);
     });
@@ -173,13 +173,13 @@ void DataReader::on_data_available() {
 }
 
 bool DataReader::has_data_available() const {
-    uint32_t status = 0;
+    std::uint32_t status = 0;
     return is_enabled() && dds_read_status(engine(), &status, api::kDataAvailableStatus) >= 0 &&
            status != 0;
 }
 
 void DataReader::dispatch_pending(DDS_StatusMask mask) {
-    uint32_t engine_mask = 0;
+    std::uint32_t engine_mask = 0;
     if (dds_get_status_changes(engine(), &engine_mask) < 0) {
         return;
     }
@@ -203,8 +203,8 @@ void DataReader::set_listener(const DDS_DataReaderListener *listener, DDS_Status
 
 // ---- Conditions ---------------------------------------------------------------------------------
 
-DDS_ReadCondition *DataReader::create_read_condition(uint32_t engine_mask, const ReadStates &states,
-                                                     const char *method) {
+DDS_ReadCondition *DataReader::create_read_condition(std::uint32_t engine_mask,
+                                                     const ReadStates &states, const char *method) {
     if (!is_enabled()) {
         not_enabled(method);
         return nullptr;
@@ -216,7 +216,7 @@ DDS_ReadCondition *DataReader::create_read_condition(uint32_t engine_mask, const
     return handle;
 }
 
-DDS_QueryCondition *DataReader::create_query_condition(uint32_t engine_mask,
+DDS_QueryCondition *DataReader::create_query_condition(std::uint32_t engine_mask,
                                                        const ReadStates &states,
                                                        const char *expression,
                                                        const DDS_StringSeq *parameters,
@@ -233,7 +233,7 @@ DDS_QueryCondition *DataReader::create_query_condition(uint32_t engine_mask,
     const std::lock_guard lock(contents_);
     const auto queries = std::count_if(conditions_.begin(), conditions_.end(),
                                        [](const auto &c) { return c->is_query(); });
-    if (static_cast<size_t>(queries) >= kMaxQueryConditions) {
+    if (static_cast<std::size_t>(queries) >= kMaxQueryConditions) {
         fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
              "a reader has room for %zu query conditions only", kMaxQueryConditions);
         return nullptr;

@@ -2,6 +2,8 @@
 // records.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -25,8 +27,8 @@ struct Batch {
     std::vector<void *> pointers;  // to the views, as the engine wants them
     std::vector<dds_sample_info_t> infos;
 
-    void resize(size_t capacity);
-    size_t capacity() const { return infos.size(); }
+    void resize(std::size_t capacity);
+    std::size_t capacity() const { return infos.size(); }
 };
 
 // Samples that an application holds.
@@ -68,9 +70,9 @@ class DataReader final : public Entity {
     void dispatch_data_available();
     bool has_data_available() const;
 
-    DDS_ReadCondition *create_read_condition(uint32_t engine_mask, const ReadStates &states,
+    DDS_ReadCondition *create_read_condition(std::uint32_t engine_mask, const ReadStates &states,
                                              const char *method);
-    DDS_QueryCondition *create_query_condition(uint32_t engine_mask, const ReadStates &states,
+    DDS_QueryCondition *create_query_condition(std::uint32_t engine_mask, const ReadStates &states,
                                                const char *expression,
                                                const DDS_StringSeq *parameters, const char *method);
     DDS_ReturnCode_t delete_read_condition(ReadCondition *condition, const char *method);
@@ -82,7 +84,7 @@ class DataReader final : public Entity {
                                  DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
                                  const char *method);
     DDS_ReturnCode_t read_copied(const KOLT_ReadSelection &selection, DDS_UnsignedLong maximum,
-                                 void *buffer, size_t element_size, DDS_UnsignedLong *count,
+                                 void *buffer, std::size_t element_size, DDS_UnsignedLong *count,
                                  DDS_SampleInfoSeq *info_seq, const char *method);
     DDS_ReturnCode_t read_next_sample(bool take, void *sample, DDS_SampleInfo *info,
                                       const char *method);
@@ -103,13 +105,13 @@ class DataReader final : public Entity {
     void dispatch_pending(DDS_StatusMask mask);
 
     // Fills `batch` with at most `limit` samples. OK with at least one, or NO_DATA.
-    DDS_ReturnCode_t fetch(const KOLT_ReadSelection &selection, size_t limit, Batch *batch,
-                           size_t *count);
-    DDS_ReturnCode_t fetch_next_instance(const KOLT_ReadSelection &selection, size_t limit,
-                                         Batch *batch, size_t *count);
+    DDS_ReturnCode_t fetch(const KOLT_ReadSelection &selection, std::size_t limit, Batch *batch,
+                           std::size_t *count);
+    DDS_ReturnCode_t fetch_next_instance(const KOLT_ReadSelection &selection, std::size_t limit,
+                                         Batch *batch, std::size_t *count);
     // `locked`: the calling thread has locked the cache, which this unlocks.
-    dds_return_t engine_read(const KOLT_ReadSelection &selection, uint32_t mask, size_t room,
-                             bool locked, Batch *batch);
+    dds_return_t engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
+                             std::size_t room, bool locked, Batch *batch);
     bool is_instance_known(const KOLT_ReadSelection &selection);
     // The handles of the instances in the cache, ascending.
     std::vector<DDS_InstanceHandle_t> cached_instances();

@@ -13,13 +13,13 @@ namespace kolt::engine {
 
 namespace {
 
-constexpr size_t kHeaderSize = KOLT_ENCAPSULATION_HEADER_SIZE;
+constexpr std::size_t kHeaderSize = KOLT_ENCAPSULATION_HEADER_SIZE;
 constexpr unsigned kPaddingMask = 3;
 // Plain big-endian XCDR2, the encoding of canonical keys.
 constexpr DDS_Octet kCanonicalKeyHeader[kHeaderSize] = {0, KOLT_ENCAPSULATION_CDR2_BE, 0, 0};
 
-constexpr size_t round_up(size_t size) {
-    return (size + 3) & ~size_t{3};
+constexpr std::size_t round_up(std::size_t size) {
+    return (size + 3) & ~std::size_t{3};
 }
 
 // Runs `make` and turns what it throws into the engine's failure.
@@ -59,7 +59,7 @@ const ddsi_serdata_ops Serdata::kOps = {
 // ---- Making and freeing -------------------------------------------------------------------------
 
 // The bytes, if they are its own, lie behind the object in the same block.
-Serdata *Serdata::create(const Sertype *type, ddsi_serdata_kind kind, size_t inline_size) {
+Serdata *Serdata::create(const Sertype *type, ddsi_serdata_kind kind, std::size_t inline_size) {
     void *const block = ::operator new(sizeof(Serdata) + round_up(inline_size));
     auto *const serdata = new (block) Serdata;
     // The engine's initialisation reads its operations from a type, which a key of no particular
@@ -79,7 +79,7 @@ Serdata *Serdata::create(const Sertype *type, ddsi_serdata_kind kind, size_t inl
     return serdata;
 }
 
-Serdata *Serdata::allocate(const Sertype &type, ddsi_serdata_kind kind, size_t size) {
+Serdata *Serdata::allocate(const Sertype &type, ddsi_serdata_kind kind, std::size_t size) {
     return create(&type, kind, size);
 }
 
@@ -92,7 +92,7 @@ Serdata *Serdata::adopt(const Sertype &type, std::shared_ptr<TypeEndpoint> endpo
     return serdata;
 }
 
-Serdata *Serdata::from_key(const Sertype *type, const DDS_Octet *key, size_t size) {
+Serdata *Serdata::from_key(const Sertype *type, const DDS_Octet *key, std::size_t size) {
     Serdata *const serdata = create(type, SDK_KEY, kHeaderSize + size);
     std::unique_ptr<Serdata, void (*)(Serdata *)> guard(serdata, [](Serdata *s) { free_op(s); });
     std::memcpy(serdata->bytes_, kCanonicalKeyHeader, kHeaderSize);
@@ -112,8 +112,8 @@ Serdata::~Serdata() {
 }
 
 // The engine's count, as what it is: an atomic.
-static std::atomic_ref<uint32_t> counter(const Serdata *serdata) {
-    return std::atomic_ref<uint32_t>(const_cast<Serdata *>(serdata)->refc.v);
+static std::atomic_ref<std::uint32_t> counter(const Serdata *serdata) {
+    return std::atomic_ref<std::uint32_t>(const_cast<Serdata *>(serdata)->refc.v);
 }
 
 Serdata *Serdata::ref() const {
@@ -137,9 +137,9 @@ void Serdata::free_op(ddsi_serdata *d) {
 
 // ---- Content ------------------------------------------------------------------------------------
 
-void Serdata::seal(size_t size) {
+void Serdata::seal(std::size_t size) {
     size_ = size;
-    const size_t padding = round_up(size) - size;
+    const std::size_t padding = round_up(size) - size;
     std::memset(bytes_ + size, 0, padding);
     bytes_[3] = static_cast<DDS_Octet>((bytes_[3] & ~kPaddingMask) | padding);
 }
@@ -148,7 +148,7 @@ bool Serdata::unseal() {
     if (size_ < kHeaderSize) {
         return false;
     }
-    const size_t padding = bytes_[3] & kPaddingMask;
+    const std::size_t padding = bytes_[3] & kPaddingMask;
     if (size_ - kHeaderSize < padding) {
         return false;
     }
@@ -162,7 +162,7 @@ void Serdata::set_hash() {
 }
 
 bool Serdata::set_key_from_record(const Sertype &sertype, const void *record) {
-    if (sertype.is_keyed() && !key_.fill([&](DDS_Octet *buffer, size_t *length) {
+    if (sertype.is_keyed() && !key_.fill([&](DDS_Octet *buffer, std::size_t *length) {
             return KOLT_Cdr_key_of_record(sertype.programs(), record, buffer, length) != 0;
         })) {
         return false;
@@ -173,7 +173,7 @@ bool Serdata::set_key_from_record(const Sertype &sertype, const void *record) {
 
 bool Serdata::set_key_from_bytes(const Sertype &sertype) {
     const DDS_Boolean is_key_only = kind == SDK_KEY ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
-    if (sertype.is_keyed() && !key_.fill([&](DDS_Octet *buffer, size_t *length) {
+    if (sertype.is_keyed() && !key_.fill([&](DDS_Octet *buffer, std::size_t *length) {
             return KOLT_Cdr_key_of_serialized(sertype.programs(), bytes_, size_, is_key_only,
                                               buffer, length) != 0;
         })) {
@@ -189,7 +189,7 @@ namespace {
 
 // A serdata of `size` bytes that `copy(bytes)` writes. nullptr when they are malformed.
 template <typename Copy>
-ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, size_t size,
+ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, std::size_t size,
                         Copy &&copy) {
     if (size < kHeaderSize || size > UINT32_MAX - sizeof(Serdata) - kHeaderSize) {
         return nullptr;
@@ -214,9 +214,9 @@ ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, size_t
 }  // namespace
 
 ddsi_serdata *Serdata::from_ser_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
-                                   const nn_rdata *fragments, size_t size) {
+                                   const nn_rdata *fragments, std::size_t size) {
     return from_wire(type, kind, size, [&](DDS_Octet *bytes) {
-        size_t filled = 0;
+        std::size_t filled = 0;
         // Fragments come in order and may overlap.
         for (const nn_rdata *f = fragments; f != nullptr; f = f->nextfrag) {
             if (f->maxp1 <= filled || f->maxp1 > size) {
@@ -233,11 +233,11 @@ ddsi_serdata *Serdata::from_ser_op(const ddsi_sertype *type, ddsi_serdata_kind k
 
 ddsi_serdata *Serdata::from_ser_iov_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
                                        ddsrt_msg_iovlen_t count, const ddsrt_iovec_t *pieces,
-                                       size_t size) {
+                                       std::size_t size) {
     return from_wire(type, kind, size, [&](DDS_Octet *bytes) {
-        size_t filled = 0;
+        std::size_t filled = 0;
         for (ddsrt_msg_iovlen_t i = 0; i < count && filled < size; ++i) {
-            const size_t length = std::min<size_t>(pieces[i].iov_len, size - filled);
+            const std::size_t length = std::min<std::size_t>(pieces[i].iov_len, size - filled);
             std::memcpy(bytes + filled, pieces[i].iov_base, length);
             filled += length;
         }
@@ -312,15 +312,15 @@ void Serdata::get_keyhash_op(const ddsi_serdata *d, ddsi_keyhash *keyhash, bool 
 
 // ---- To the wire --------------------------------------------------------------------------------
 
-uint32_t Serdata::get_size_op(const ddsi_serdata *d) {
-    return static_cast<uint32_t>(of(d).size_);
+std::uint32_t Serdata::get_size_op(const ddsi_serdata *d) {
+    return static_cast<std::uint32_t>(of(d).size_);
 }
 
-void Serdata::to_ser_op(const ddsi_serdata *d, size_t offset, size_t size, void *buffer) {
+void Serdata::to_ser_op(const ddsi_serdata *d, std::size_t offset, std::size_t size, void *buffer) {
     std::memcpy(buffer, of(d).bytes_ + offset, size);
 }
 
-ddsi_serdata *Serdata::to_ser_ref_op(const ddsi_serdata *d, size_t offset, size_t size,
+ddsi_serdata *Serdata::to_ser_ref_op(const ddsi_serdata *d, std::size_t offset, std::size_t size,
                                      ddsrt_iovec_t *piece) {
     piece->iov_base = of(d).bytes_ + offset;
     piece->iov_len = static_cast<ddsrt_iov_len_t>(size);
@@ -331,12 +331,12 @@ void Serdata::to_ser_unref_op(ddsi_serdata *d, const ddsrt_iovec_t *) {
     of(d).unref();
 }
 
-size_t Serdata::print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *buffer,
-                         size_t size) {
+std::size_t Serdata::print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *buffer,
+                              std::size_t size) {
     const int length =
         std::snprintf(buffer, size, "%s %s of %zu bytes", type != nullptr ? type->type_name : "?",
                       d->kind == SDK_DATA ? "sample" : "key", of(d).size_);
-    return length < 0 ? 0 : static_cast<size_t>(length);
+    return length < 0 ? 0 : static_cast<std::size_t>(length);
 }
 
 void SerdataView::reset(const ddsi_serdata *serdata) {

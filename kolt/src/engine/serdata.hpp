@@ -7,6 +7,8 @@
 // reads.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "engine/engine_api.hpp"
@@ -20,14 +22,14 @@ class Serdata final : public ddsi_serdata {
   public:
     // Memory of its own for `size` bytes, at least the header's; bytes() are to be written by the
     // caller. All three throw std::bad_alloc and give one reference.
-    static Serdata *allocate(const Sertype &type, ddsi_serdata_kind kind, size_t size);
+    static Serdata *allocate(const Sertype &type, ddsi_serdata_kind kind, std::size_t size);
     // A sample that was serialised into a buffer of a writer's pool. It owns the buffer and keeps
     // the pool alive.
     static Serdata *adopt(const Sertype &type, std::shared_ptr<TypeEndpoint> endpoint,
                           const KOLT_CdrStream &buffer);
     // A key alone, in the canonical form with the header of the plain encoding that it has.
     // `type` is nullptr for a key of no particular type.
-    static Serdata *from_key(const Sertype *type, const DDS_Octet *key, size_t size);
+    static Serdata *from_key(const Sertype *type, const DDS_Octet *key, std::size_t size);
 
     static const Serdata &of(const ddsi_serdata *base) {
         return *static_cast<const Serdata *>(base);
@@ -40,7 +42,7 @@ class Serdata final : public ddsi_serdata {
     DDS_Octet *bytes() { return bytes_; }
     const DDS_Octet *bytes() const { return bytes_; }
     // Header included; the bytes up to the next multiple of 4 can be read as well.
-    size_t size() const { return size_; }
+    std::size_t size() const { return size_; }
     bool has_data() const { return kind == SDK_DATA; }
     const KeyBytes &key() const { return key_; }
 
@@ -49,7 +51,7 @@ class Serdata final : public ddsi_serdata {
     bool set_key_from_bytes(const Sertype &type);
     // The bytes are complete, `size` of them: writes the number of bytes that pad them to a
     // multiple of 4 into the header (DDS-XTypes 1.3, 7.6.3.1.2).
-    void seal(size_t size);
+    void seal(std::size_t size);
     // The bytes came from the wire: drops the padding that the header tells of. False when there is
     // less than a header.
     bool unseal();
@@ -59,21 +61,22 @@ class Serdata final : public ddsi_serdata {
   private:
     Serdata() = default;
     ~Serdata();
-    static Serdata *create(const Sertype *type, ddsi_serdata_kind kind, size_t inline_size);
+    static Serdata *create(const Sertype *type, ddsi_serdata_kind kind, std::size_t inline_size);
     void set_hash();
 
     static bool eqkey_op(const ddsi_serdata *a, const ddsi_serdata *b);
-    static uint32_t get_size_op(const ddsi_serdata *d);
+    static std::uint32_t get_size_op(const ddsi_serdata *d);
     static ddsi_serdata *from_ser_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
-                                     const nn_rdata *fragments, size_t size);
+                                     const nn_rdata *fragments, std::size_t size);
     static ddsi_serdata *from_ser_iov_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
                                          ddsrt_msg_iovlen_t count, const ddsrt_iovec_t *pieces,
-                                         size_t size);
+                                         std::size_t size);
     static ddsi_serdata *from_keyhash_op(const ddsi_sertype *type, const ddsi_keyhash *keyhash);
     static ddsi_serdata *from_sample_op(const ddsi_sertype *type, ddsi_serdata_kind kind,
                                         const void *sample);
-    static void to_ser_op(const ddsi_serdata *d, size_t offset, size_t size, void *buffer);
-    static ddsi_serdata *to_ser_ref_op(const ddsi_serdata *d, size_t offset, size_t size,
+    static void to_ser_op(const ddsi_serdata *d, std::size_t offset, std::size_t size,
+                          void *buffer);
+    static ddsi_serdata *to_ser_ref_op(const ddsi_serdata *d, std::size_t offset, std::size_t size,
                                        ddsrt_iovec_t *piece);
     static void to_ser_unref_op(ddsi_serdata *d, const ddsrt_iovec_t *piece);
     static bool to_sample_op(const ddsi_serdata *d, void *sample, void **buffer, void *limit);
@@ -81,12 +84,12 @@ class Serdata final : public ddsi_serdata {
     static bool untyped_to_sample_op(const ddsi_sertype *type, const ddsi_serdata *d, void *sample,
                                      void **buffer, void *limit);
     static void free_op(ddsi_serdata *d);
-    static size_t print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *buffer,
-                           size_t size);
+    static std::size_t print_op(const ddsi_sertype *type, const ddsi_serdata *d, char *buffer,
+                                std::size_t size);
     static void get_keyhash_op(const ddsi_serdata *d, ddsi_keyhash *keyhash, bool force_md5);
 
     DDS_Octet *bytes_ = nullptr;
-    size_t size_ = 0;
+    std::size_t size_ = 0;
     KeyBytes key_;
     // Of a sample that lies in a writer's pool.
     std::shared_ptr<TypeEndpoint> endpoint_;

@@ -13,30 +13,30 @@ namespace {
 
 // Samples, for the engine, are views; its sample buffers are arrays of them.
 
-void zero_samples_op(const ddsi_sertype *, void *samples, size_t count) {
+void zero_samples_op(const ddsi_sertype *, void *samples, std::size_t count) {
     std::memset(samples, 0, count * sizeof(SerdataView));
 }
 
-void realloc_samples_op(void **pointers, const ddsi_sertype *, void *old, size_t old_count,
-                        size_t count) {
+void realloc_samples_op(void **pointers, const ddsi_sertype *, void *old, std::size_t old_count,
+                        std::size_t count) {
     // ddsrt_realloc does not return without memory.
     auto *const views = static_cast<SerdataView *>(ddsrt_realloc(old, count * sizeof(SerdataView)));
     if (count > old_count) {
         std::memset(static_cast<void *>(views + old_count), 0,
                     (count - old_count) * sizeof(SerdataView));
     }
-    for (size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         pointers[i] = views + i;
     }
 }
 
-void free_samples_op(const ddsi_sertype *, void **pointers, size_t count, dds_free_op_t op) {
+void free_samples_op(const ddsi_sertype *, void **pointers, std::size_t count, dds_free_op_t op) {
     if (count == 0) {
         return;
     }
     if ((op & DDS_FREE_CONTENTS_BIT) != 0) {
         auto *const views = static_cast<SerdataView *>(pointers[0]);
-        for (size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             views[i].reset(nullptr);
         }
     }
@@ -97,9 +97,9 @@ bool Sertype::equal_op(const ddsi_sertype *a, const ddsi_sertype *b) {
            (of(a).announcement_ == nullptr) == (of(b).announcement_ == nullptr);
 }
 
-uint32_t Sertype::hash_op(const ddsi_sertype *base) {
-    const auto address = reinterpret_cast<uintptr_t>(of(base).programs_);
-    return static_cast<uint32_t>(address >> 4);
+std::uint32_t Sertype::hash_op(const ddsi_sertype *base) {
+    const auto address = reinterpret_cast<std::uintptr_t>(of(base).programs_);
+    return static_cast<std::uint32_t>(address >> 4);
 }
 
 ddsi_typeid_t *Sertype::type_id_op(const ddsi_sertype *base, ddsi_typeid_kind_t kind) {

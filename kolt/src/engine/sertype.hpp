@@ -2,6 +2,8 @@
 // the engine interns equal ones, so that it holds nothing of a participant's own.
 #pragma once
 
+#include <cstdint>
+
 #include "engine/registered_type.hpp"
 #include "engine/type_announcement.hpp"
 
@@ -26,7 +28,7 @@ class Sertype : public ddsi_sertype {
     ~Sertype() = default;
     static void free_op(ddsi_sertype *base);
     static bool equal_op(const ddsi_sertype *a, const ddsi_sertype *b);
-    static uint32_t hash_op(const ddsi_sertype *base);
+    static std::uint32_t hash_op(const ddsi_sertype *base);
     static ddsi_typeid_t *type_id_op(const ddsi_sertype *base, ddsi_typeid_kind_t kind);
     static ddsi_typemap_t *type_map_op(const ddsi_sertype *base);
     static ddsi_typeinfo_t *type_info_op(const ddsi_sertype *base);

@@ -10,7 +10,7 @@ bool Subscriber::dispatch_data_on_readers() {
         return l.on_data_on_readers != nullptr;
     };
     const auto call = [this](const DDS_SubscriberListener &l) {
-        uint32_t taken = 0;
+        std::uint32_t taken = 0;
         dds_take_status(engine(), &taken, engine_api::kDataOnReadersStatus);
         l.on_data_on_readers(l.reader_listener.listener_data, &handle_);
     };

@@ -246,7 +246,7 @@ DDS_ReadCondition *DDS_DataReader_create_readcondition(DDS_DataReader *self,
                                                        DDS_SampleStateMask sample_states,
                                                        DDS_ViewStateMask view_states,
                                                        DDS_InstanceStateMask instance_states) {
-    uint32_t mask = 0;
+    std::uint32_t mask = 0;
     if (!states_to_engine(sample_states, view_states, instance_states, &mask)) {
         bad_parameter(__func__, "states");
         return nullptr;
@@ -263,7 +263,7 @@ DDS_QueryCondition *DDS_DataReader_create_querycondition(DDS_DataReader *self,
                                                          DDS_InstanceStateMask instance_states,
                                                          const char *query_expression,
                                                          const DDS_StringSeq *query_parameters) {
-    uint32_t mask = 0;
+    std::uint32_t mask = 0;
     if (!states_to_engine(sample_states, view_states, instance_states, &mask)) {
         bad_parameter(__func__, "states");
         return nullptr;
@@ -334,7 +334,7 @@ DDS_ReturnCode_t check_sequences(const DDS_SampleInfoSeq *info_seq, DDS_Unsigned
 DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
     DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
     DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
-    size_t element_size, void ***loan, DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq) {
+    std::size_t element_size, void ***loan, DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq) {
     if (selection == nullptr) {
         return bad_parameter(__func__, "selection");
     }

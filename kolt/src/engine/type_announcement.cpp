@@ -40,7 +40,7 @@ bool holds_mutable_union(const DDS_TypeCode &type, std::set<const DDS_TypeCode *
 // The engine takes its input as not const, but changes it on big-endian machines alone, and a copy
 // of it at that.
 ddsi_sertype_cdr_data cdr_data(const kolt::type::Bytes &bytes) {
-    return {static_cast<uint32_t>(bytes.size()), const_cast<unsigned char *>(bytes.data())};
+    return {static_cast<std::uint32_t>(bytes.size()), const_cast<unsigned char *>(bytes.data())};
 }
 
 }  // namespace

@@ -135,7 +135,7 @@ void DataWriter::dispatch() {
 }
 
 void DataWriter::dispatch_pending(DDS_StatusMask mask) {
-    uint32_t engine_mask = 0;
+    std::uint32_t engine_mask = 0;
     if (dds_get_status_changes(engine(), &engine_mask) < 0) {
         return;
     }
@@ -196,7 +196,7 @@ SerdataRef DataWriter::serialize(const void *sample, const char *method, DDS_Ret
 
 SerdataRef DataWriter::key_of(const void *sample) {
     KeyBytes key;
-    if (!key.fill([&](DDS_Octet *buffer, size_t *length) {
+    if (!key.fill([&](DDS_Octet *buffer, std::size_t *length) {
             return KOLT_Cdr_key_of_record(type_->programs(), sample, buffer, length) != 0;
         })) {
         return nullptr;
@@ -347,7 +347,7 @@ DDS_ReturnCode_t DataWriter::get_key_value(void *key_holder, DDS_InstanceHandle_
 
 // ---- Writing ------------------------------------------------------------------------------------
 
-DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, uint32_t status_info,
+DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
                                   const DDS_Time_t &source_timestamp, const char *method) {
     const bool stamped = source_timestamp.sec >= 0;
     if (stamped && !is_valid_time(source_timestamp)) {
@@ -458,7 +458,7 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
     if (!instances_.contains(key)) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the instance is not registered");
     }
-    const uint32_t status_info =
+    const std::uint32_t status_info =
         NN_STATUSINFO_UNREGISTER | (autodispose_.load() ? NN_STATUSINFO_DISPOSE : 0U);
     result = send(std::move(payload), status_info, params.source_timestamp, method);
     if (result == DDS_RETCODE_OK) {

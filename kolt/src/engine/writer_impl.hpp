@@ -1,6 +1,7 @@
 // Data writers: instances, serialisation, the way to the engine.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "engine/entity_impl.hpp"
@@ -83,7 +84,7 @@ class DataWriter final : public Entity {
     DDS_ReturnCode_t write_deferred(const DDS_WriteParams_t &params, const char *method);
     DDS_ReturnCode_t write_now(const void *sample, const DDS_WriteParams_t &params,
                                const char *method);
-    DDS_ReturnCode_t send(SerdataRef serdata, uint32_t status_info,
+    DDS_ReturnCode_t send(SerdataRef serdata, std::uint32_t status_info,
                           const DDS_Time_t &source_timestamp, const char *method);
     DDS_ReturnCode_t check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
                                   const char *method);

@@ -1,6 +1,5 @@
 // What is wrong with a filter expression or a parameter, and where.
-#ifndef KOLT_SRC_FILTER_ERROR_HPP
-#define KOLT_SRC_FILTER_ERROR_HPP
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -14,5 +13,3 @@ struct Error {
 };
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_ERROR_HPP

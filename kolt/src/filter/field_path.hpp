@@ -1,7 +1,8 @@
 // Field names of an expression, resolved against the type.
-#ifndef KOLT_SRC_FILTER_FIELD_PATH_HPP
-#define KOLT_SRC_FILTER_FIELD_PATH_HPP
+#pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,5 +29,3 @@ class FieldPath {
 };
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_FIELD_PATH_HPP

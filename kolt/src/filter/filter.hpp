@@ -1,6 +1,5 @@
 // Content filters: a compiled expression with its parameters.
-#ifndef KOLT_SRC_FILTER_FILTER_HPP
-#define KOLT_SRC_FILTER_FILTER_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -64,5 +63,3 @@ class Filter {
 };
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_FILTER_HPP

@@ -20,7 +20,7 @@ constexpr DDS_UnsignedLong kMaximumParameters = 100;
 void fill(KOLT_FilterError *out, const kolt::filter::Error &error) {
     if (out != nullptr) {
         out->column = static_cast<DDS_UnsignedLong>(error.column);
-        const size_t length = std::min(error.text.size(), sizeof out->text - 1);
+        const std::size_t length = std::min(error.text.size(), sizeof out->text - 1);
         std::copy_n(error.text.data(), length, out->text);
         out->text[length] = '\0';
     }
@@ -29,7 +29,7 @@ void fill(KOLT_FilterError *out, const kolt::filter::Error &error) {
 void fill(KOLT_FilterError *out, const char *text) {
     if (out != nullptr) {
         out->column = 0;
-        const size_t length = std::char_traits<char>::length(text);
+        const std::size_t length = std::char_traits<char>::length(text);
         std::copy_n(text, length + 1, out->text);
     }
 }
@@ -65,7 +65,8 @@ void KOLT_Filter_delete(KOLT_Filter *self) {
     delete self;
 }
 
-DDS_Boolean KOLT_Filter_matches(const KOLT_Filter *self, const DDS_Octet *bytes, size_t length) {
+DDS_Boolean KOLT_Filter_matches(const KOLT_Filter *self, const DDS_Octet *bytes,
+                                std::size_t length) {
     return self != nullptr && bytes != nullptr && self->filter->matches(bytes, length);
 }
 

@@ -1,6 +1,5 @@
 // The words of a filter expression.
-#ifndef KOLT_SRC_FILTER_LEXER_HPP
-#define KOLT_SRC_FILTER_LEXER_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -69,5 +68,3 @@ class Lexer {
 };
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_LEXER_HPP

@@ -1,6 +1,5 @@
 // Constants of an expression, converted to the type of the field that they are compared with.
-#ifndef KOLT_SRC_FILTER_LITERAL_HPP
-#define KOLT_SRC_FILTER_LITERAL_HPP
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -36,5 +35,3 @@ std::string describe(const DDS_TypeCode &type);
 bool is_number(DDS_TCKind kind);
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_LITERAL_HPP

@@ -1,6 +1,5 @@
 // A compiled filter expression: flat, immutable, shared by all threads that evaluate it.
-#ifndef KOLT_SRC_FILTER_PROGRAM_HPP
-#define KOLT_SRC_FILTER_PROGRAM_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -74,5 +73,3 @@ bool evaluate(const Program &program, std::span<const Constant> parameters,
               const KOLT_TypePrograms *codec, const std::uint8_t *bytes, std::size_t length);
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_PROGRAM_HPP

@@ -50,7 +50,7 @@ bool is_any_character(char c) {
 
 // One position of a pattern against one character of the text: the length of the pattern's
 // position, or 0 when they differ.
-size_t match_one(char c, std::string_view pattern) {
+std::size_t match_one(char c, std::string_view pattern) {
     if (pattern.empty() || is_any_sequence(pattern.front())) {
         return 0;
     }
@@ -95,13 +95,13 @@ Value to_value(const KOLT_CdrValue &field) {
 // Goes back to the last sequence wildcard only: an earlier one has no more to offer. So the time is
 // at most the product of the lengths.
 bool is_like(std::string_view text, std::string_view pattern) {
-    constexpr size_t kNone = std::string_view::npos;
-    size_t at = 0;             // in the text
-    size_t position = 0;       // in the pattern
-    size_t after_any = kNone;  // in the pattern, after the last sequence wildcard
-    size_t any_end = 0;        // in the text, where that one's share ends for now
+    constexpr std::size_t kNone = std::string_view::npos;
+    std::size_t at = 0;             // in the text
+    std::size_t position = 0;       // in the pattern
+    std::size_t after_any = kNone;  // in the pattern, after the last sequence wildcard
+    std::size_t any_end = 0;        // in the text, where that one's share ends for now
     while (at < text.size()) {
-        const size_t length = match_one(text[at], pattern.substr(position));
+        const std::size_t length = match_one(text[at], pattern.substr(position));
         if (length != 0) {
             ++at;
             position += length;

@@ -1,6 +1,5 @@
 // The values that a filter compares.
-#ifndef KOLT_SRC_FILTER_VALUE_HPP
-#define KOLT_SRC_FILTER_VALUE_HPP
+#pragma once
 
 #include <compare>
 #include <cstdint>
@@ -29,5 +28,3 @@ Value to_value(const KOLT_CdrValue &field);
 bool is_like(std::string_view text, std::string_view pattern);
 
 }  // namespace kolt::filter
-
-#endif  // KOLT_SRC_FILTER_VALUE_HPP

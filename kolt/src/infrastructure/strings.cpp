@@ -4,7 +4,7 @@
 
 #include "kolt/infrastructure.h"
 
-DDS_Char *DDS_String_alloc(size_t length) {
+DDS_Char *DDS_String_alloc(std::size_t length) {
     if (length == SIZE_MAX) {
         return nullptr;
     }
@@ -15,7 +15,7 @@ DDS_Char *DDS_String_dup(const DDS_Char *source) {
     if (source == nullptr) {
         return nullptr;
     }
-    const size_t size = std::strlen(source) + 1;
+    const std::size_t size = std::strlen(source) + 1;
     auto *const copy = static_cast<DDS_Char *>(std::malloc(size));
     if (copy != nullptr) {
         std::memcpy(copy, source, size);

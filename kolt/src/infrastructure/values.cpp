@@ -32,14 +32,14 @@ constexpr std::array<const char *, 13> kReturnCodeNames = {
 static_assert(kReturnCodeNames.size() == DDS_RETCODE_ILLEGAL_OPERATION + 1);
 
 // How much of a cookie's value is meaningful, whatever its length field says.
-size_t CookieSize(const DDS_Cookie_t &cookie) {
+std::size_t CookieSize(const DDS_Cookie_t &cookie) {
     return cookie.length < sizeof(cookie.value) ? cookie.length : sizeof(cookie.value);
 }
 
 }  // namespace
 
 const char *KOLT_ReturnCode_to_string(DDS_ReturnCode_t code) {
-    const auto index = static_cast<size_t>(code);
+    const auto index = static_cast<std::size_t>(code);
     return index < kReturnCodeNames.size() ? kReturnCodeNames[index] : "DDS_RETCODE_UNKNOWN";
 }
 

@@ -89,7 +89,7 @@ namespace {
     const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
     char *longer = nullptr;
     if (length >= static_cast<int>(text.size())) {
-        const size_t size = static_cast<size_t>(length) + 1;
+        const std::size_t size = static_cast<std::size_t>(length) + 1;
         longer = static_cast<char *>(KOLT_Heap_allocate(size));
         if (longer != nullptr) {
             std::vsnprintf(longer, size, format, again);

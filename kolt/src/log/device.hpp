@@ -1,6 +1,5 @@
 // The output device: who may write to it, and when it may be closed.
-#ifndef KOLT_SRC_LOG_DEVICE_HPP
-#define KOLT_SRC_LOG_DEVICE_HPP
+#pragma once
 
 #include "kolt/config_logger.h"
 
@@ -17,5 +16,3 @@ bool install_device(KOLT_Config_LoggerDevice *device);
 KOLT_Config_LoggerDevice *installed_device();
 
 }  // namespace kolt::log
-
-#endif  // KOLT_SRC_LOG_DEVICE_HPP

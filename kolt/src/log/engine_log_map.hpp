@@ -1,6 +1,5 @@
 // The engine's log categories, and what becomes of them in the middleware's log.
-#ifndef KOLT_SRC_LOG_ENGINE_LOG_MAP_HPP
-#define KOLT_SRC_LOG_ENGINE_LOG_MAP_HPP
+#pragma once
 
 #include <cstdint>
 #include <string_view>
@@ -42,5 +41,3 @@ void engine_message(std::uint32_t categories, bool is_security, const char *func
 std::uint32_t enabled_engine_categories();
 
 }  // namespace kolt::log
-
-#endif  // KOLT_SRC_LOG_ENGINE_LOG_MAP_HPP

@@ -1,6 +1,5 @@
 // What is known of a message before it is formatted.
-#ifndef KOLT_SRC_LOG_EVENT_HPP
-#define KOLT_SRC_LOG_EVENT_HPP
+#pragma once
 
 #include <cstdint>
 #include <ctime>
@@ -35,5 +34,3 @@ void log_text(KOLT_Config_LogCategory category, KOLT_Config_LogLevel level, Modu
               const char *method_name, std::string_view text);
 
 }  // namespace kolt::log
-
-#endif  // KOLT_SRC_LOG_EVENT_HPP

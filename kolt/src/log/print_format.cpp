@@ -29,9 +29,9 @@ constexpr const char *kCategoryNames[] = {"platform", "communication", "database
 constexpr const char *kFacilityNames[] = {"middleware", "user", "security_event", "service"};
 constexpr const char *kModuleNames[] = {"kolt", "engine"};
 
-template <size_t kCount, typename Value>
+template <std::size_t kCount, typename Value>
 const char *name_of(const char *const (&names)[kCount], Value value) {
-    const auto index = static_cast<size_t>(value);
+    const auto index = static_cast<std::size_t>(value);
     return index < kCount ? names[index] : "?";
 }
 
@@ -143,7 +143,7 @@ void put_text(std::string_view text, std::uint32_t format, TextBuffer &out) {
         out.append(text);
         return;
     }
-    size_t newline = text.find('\n');
+    std::size_t newline = text.find('\n');
     while (newline != std::string_view::npos) {
         out.append(text.substr(0, newline + 1));
         out.append(kIndent);

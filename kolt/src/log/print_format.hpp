@@ -1,6 +1,5 @@
 // Print formats: which fields of a message are printed, and how.
-#ifndef KOLT_SRC_LOG_PRINT_FORMAT_HPP
-#define KOLT_SRC_LOG_PRINT_FORMAT_HPP
+#pragma once
 
 #include <cstdint>
 
@@ -17,5 +16,3 @@ bool set_print_format(std::uint32_t mask);
 void format_event(const Event &event, std::uint32_t format, TextBuffer &out);
 
 }  // namespace kolt::log
-
-#endif  // KOLT_SRC_LOG_PRINT_FORMAT_HPP

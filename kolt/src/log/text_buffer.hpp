@@ -1,9 +1,9 @@
 // A text that grows: on the stack while it is short, on the heap beyond. What does not fit when
 // memory runs out is cut.
-#ifndef KOLT_SRC_LOG_TEXT_BUFFER_HPP
-#define KOLT_SRC_LOG_TEXT_BUFFER_HPP
+#pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -22,7 +22,7 @@ class TextBuffer {
         if (text.size() >= capacity_ - size_) {
             grow(size_ + text.size() + 1);
         }
-        const size_t count = std::min(text.size(), capacity_ - size_ - 1);
+        const std::size_t count = std::min(text.size(), capacity_ - size_ - 1);
         std::memcpy(data() + size_, text.data(), count);
         size_ += count;
         data()[size_] = '\0';
@@ -34,13 +34,13 @@ class TextBuffer {
     const char *c_str() const { return data(); }
 
   private:
-    static constexpr size_t kInlineCapacity = 1024;
+    static constexpr std::size_t kInlineCapacity = 1024;
 
     char *data() { return heap_ != nullptr ? heap_ : inline_; }
     const char *data() const { return heap_ != nullptr ? heap_ : inline_; }
 
-    void grow(size_t needed) {
-        const size_t capacity = std::max(needed, capacity_ * 2);
+    void grow(std::size_t needed) {
+        const std::size_t capacity = std::max(needed, capacity_ * 2);
         auto *larger = static_cast<char *>(KOLT_Heap_allocate(capacity));
         if (larger != nullptr) {
             std::memcpy(larger, data(), size_ + 1);
@@ -52,10 +52,8 @@ class TextBuffer {
 
     char inline_[kInlineCapacity] = "";
     char *heap_ = nullptr;
-    size_t size_ = 0;
-    size_t capacity_ = kInlineCapacity;
+    std::size_t size_ = 0;
+    std::size_t capacity_ = kInlineCapacity;
 };
 
 }  // namespace kolt::log
-
-#endif  // KOLT_SRC_LOG_TEXT_BUFFER_HPP

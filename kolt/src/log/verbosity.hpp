@@ -1,6 +1,5 @@
 // The verbosity of each category, read on every attempt to log and written rarely.
-#ifndef KOLT_SRC_LOG_VERBOSITY_HPP
-#define KOLT_SRC_LOG_VERBOSITY_HPP
+#pragma once
 
 #include <atomic>
 #include <cstdint>
@@ -30,5 +29,3 @@ void set_verbosity_hook(void (*hook)());
 void verbosity_changed();
 
 }  // namespace kolt::log
-
-#endif  // KOLT_SRC_LOG_VERBOSITY_HPP

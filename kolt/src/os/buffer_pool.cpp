@@ -20,11 +20,11 @@ struct Block {
     Block *next;
 };
 
-bool is_power_of_two(size_t value) {
+bool is_power_of_two(std::size_t value) {
     return value != 0 && (value & (value - 1)) == 0;
 }
 
-size_t round_up(size_t value, size_t alignment) {
+std::size_t round_up(std::size_t value, std::size_t alignment) {
     return (value + alignment - 1) & ~(alignment - 1);
 }
 
@@ -34,7 +34,8 @@ constexpr DDS_Long kSmallestGrowth = 8;
 
 struct KOLT_BufferPool {
   public:
-    KOLT_BufferPool(size_t element_size, size_t alignment, DDS_Long maximum, bool zero_on_get)
+    KOLT_BufferPool(std::size_t element_size, std::size_t alignment, DDS_Long maximum,
+                    bool zero_on_get)
         : element_size_(element_size),
           alignment_(std::max(alignment, alignof(FreeBuffer))),
           stride_(round_up(std::max(element_size, sizeof(FreeBuffer)), alignment_)),
@@ -51,9 +52,9 @@ struct KOLT_BufferPool {
 
     // Adds a block of `count` buffers, lowest address first on the free list.
     bool add_block(DDS_Long count) {
-        const auto buffers = static_cast<size_t>(count);
-        const size_t overhead = sizeof(Block) + alignment_;
-        if (buffers > (std::numeric_limits<size_t>::max() - overhead) / stride_) {
+        const auto buffers = static_cast<std::size_t>(count);
+        const std::size_t overhead = sizeof(Block) + alignment_;
+        if (buffers > (std::numeric_limits<std::size_t>::max() - overhead) / stride_) {
             return false;
         }
         void *memory = KOLT_Heap_allocate(overhead + buffers * stride_);
@@ -63,7 +64,7 @@ struct KOLT_BufferPool {
         blocks_ = new (memory) Block{blocks_};
         auto *bytes = static_cast<unsigned char *>(memory) + sizeof(Block);
         bytes += (alignment_ - reinterpret_cast<std::uintptr_t>(bytes) % alignment_) % alignment_;
-        for (size_t i = buffers; i > 0; --i) {
+        for (std::size_t i = buffers; i > 0; --i) {
             free_ = new (bytes + (i - 1) * stride_) FreeBuffer{free_};
         }
         existing_ += count;
@@ -97,9 +98,9 @@ struct KOLT_BufferPool {
         return room > 0 && add_block(std::min(room, std::max(existing_, kSmallestGrowth)));
     }
 
-    const size_t element_size_;
-    const size_t alignment_;
-    const size_t stride_;
+    const std::size_t element_size_;
+    const std::size_t alignment_;
+    const std::size_t stride_;
     const DDS_Long maximum_;
     const bool zero_on_get_;
     FreeBuffer *free_ = nullptr;
@@ -108,9 +109,9 @@ struct KOLT_BufferPool {
     DDS_Long outstanding_ = 0;
 };
 
-KOLT_BufferPool *KOLT_BufferPool_new(size_t element_size, size_t alignment, DDS_Long initial,
-                                     DDS_Long maximum, DDS_Boolean zero_on_get) {
-    constexpr size_t kLargest = std::numeric_limits<size_t>::max() / 4;
+KOLT_BufferPool *KOLT_BufferPool_new(std::size_t element_size, std::size_t alignment,
+                                     DDS_Long initial, DDS_Long maximum, DDS_Boolean zero_on_get) {
+    constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max() / 4;
     const bool is_limited = maximum != DDS_LENGTH_UNLIMITED;
     if (element_size == 0 || element_size > kLargest || !is_power_of_two(alignment) ||
         alignment > kLargest || initial < 0 || (is_limited && (maximum < 1 || maximum < initial))) {

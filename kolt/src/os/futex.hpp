@@ -1,6 +1,5 @@
 // futex(2): waiting for a 32-bit word to change, and waking those who wait. Private to the process.
-#ifndef KOLT_SRC_OS_FUTEX_HPP
-#define KOLT_SRC_OS_FUTEX_HPP
+#pragma once
 
 #include <cstdint>
 
@@ -21,5 +20,3 @@ int futex_wait(std::uint32_t *word, std::uint32_t expected, std::int64_t deadlin
 void futex_wake(std::uint32_t *word, int count);
 
 }  // namespace kolt::os
-
-#endif  // KOLT_SRC_OS_FUTEX_HPP

@@ -4,12 +4,12 @@
 
 #include "kolt/os.h"
 
-void *KOLT_Heap_allocate(size_t size) {
+void *KOLT_Heap_allocate(std::size_t size) {
     // malloc(0) may give NULL, which would read as "memory ran out".
     return std::malloc(size != 0 ? size : 1);
 }
 
-void *KOLT_Heap_allocate_zeroed(size_t size) {
+void *KOLT_Heap_allocate_zeroed(std::size_t size) {
     return std::calloc(1, size != 0 ? size : 1);
 }
 

@@ -4,8 +4,7 @@
 // Tricky", second mutex. The owner is there to answer a thread that takes the lock twice with an
 // error where it would otherwise wait for itself for ever: it is written by the holder alone, so a
 // thread that reads its own identifier there does hold the lock, whatever the others do.
-#ifndef KOLT_SRC_OS_OWNED_LOCK_HPP
-#define KOLT_SRC_OS_OWNED_LOCK_HPP
+#pragma once
 
 #include <atomic>
 #include <cerrno>
@@ -88,5 +87,3 @@ class OwnedLock {
 };
 
 }  // namespace kolt::os
-
-#endif  // KOLT_SRC_OS_OWNED_LOCK_HPP

@@ -105,8 +105,8 @@ class Attributes {
         if (bytes < 0) {
             return EINVAL;
         }
-        const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-        const size_t size = (static_cast<size_t>(bytes) + page - 1) / page * page;
+        const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        const std::size_t size = (static_cast<std::size_t>(bytes) + page - 1) / page * page;
         return pthread_attr_setstacksize(&attributes_, size);
     }
 

@@ -1,6 +1,5 @@
 // The calling thread's identifier, cached per thread.
-#ifndef KOLT_SRC_OS_THREAD_ID_HPP
-#define KOLT_SRC_OS_THREAD_ID_HPP
+#pragma once
 
 #include <cstdint>
 
@@ -20,5 +19,3 @@ inline std::uint64_t current_thread_id() {
 }
 
 }  // namespace kolt::os
-
-#endif  // KOLT_SRC_OS_THREAD_ID_HPP

@@ -10,7 +10,7 @@ namespace {
 using kolt::type::Encapsulation;
 using kolt::type::Part;
 
-DDS_UnsignedLong with_header(uint64_t body) {
+DDS_UnsignedLong with_header(std::uint64_t body) {
     return body == UINT64_MAX ? KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED
                               : kolt::type::saturate_size(KOLT_ENCAPSULATION_HEADER_SIZE + body);
 }
@@ -18,7 +18,7 @@ DDS_UnsignedLong with_header(uint64_t body) {
 DDS_UnsignedLong size(const KOLT_TypePrograms *self, DDS_UnsignedShort identifier, Part part,
                       const void *record) {
     Encapsulation encapsulation;
-    size_t body = 0;
+    std::size_t body = 0;
     if (self == nullptr || record == nullptr ||
         !kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation) ||
         !kolt::type::measure_body(*self, encapsulation, part, record, 0, &body)) {
@@ -29,16 +29,17 @@ DDS_UnsignedLong size(const KOLT_TypePrograms *self, DDS_UnsignedShort identifie
 }
 
 DDS_Boolean serialize(const KOLT_TypePrograms *self, DDS_UnsignedShort identifier, Part part,
-                      const void *record, DDS_Octet *buffer, size_t capacity, size_t *length) {
+                      const void *record, DDS_Octet *buffer, std::size_t capacity,
+                      std::size_t *length) {
     Encapsulation encapsulation;
     if (self == nullptr || record == nullptr || buffer == nullptr || length == nullptr ||
         capacity < KOLT_ENCAPSULATION_HEADER_SIZE ||
         !kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation)) {
         return DDS_BOOLEAN_FALSE;
     }
-    const size_t room = capacity - KOLT_ENCAPSULATION_HEADER_SIZE;
+    const std::size_t room = capacity - KOLT_ENCAPSULATION_HEADER_SIZE;
     DDS_Octet *const body = buffer + KOLT_ENCAPSULATION_HEADER_SIZE;
-    size_t size = 0;
+    std::size_t size = 0;
     if (!kolt::type::encode_body(*self, encapsulation, part, record, body, room, &size)) {
         return DDS_BOOLEAN_FALSE;
     }
@@ -49,9 +50,9 @@ DDS_Boolean serialize(const KOLT_TypePrograms *self, DDS_UnsignedShort identifie
 
 template <typename Decode>
 DDS_Boolean deserialize(const KOLT_TypePrograms *self, Part part, const DDS_Octet *bytes,
-                        size_t length, void *record, Decode decode) {
+                        std::size_t length, void *record, Decode decode) {
     DDS_UnsignedShort identifier = 0;
-    size_t body = 0;
+    std::size_t body = 0;
     Encapsulation encapsulation;
     return self != nullptr && bytes != nullptr && record != nullptr &&
            kolt::type::read_header(bytes, length, &identifier, &body) &&
@@ -92,23 +93,23 @@ DDS_UnsignedLong KOLT_Cdr_serialized_min_size(const KOLT_TypePrograms *self,
 }
 
 DDS_Boolean KOLT_Cdr_serialize(const KOLT_TypePrograms *self, DDS_UnsignedShort encapsulation,
-                               const void *record, DDS_Octet *buffer, size_t capacity,
-                               size_t *length) {
+                               const void *record, DDS_Octet *buffer, std::size_t capacity,
+                               std::size_t *length) {
     return serialize(self, encapsulation, Part::kSample, record, buffer, capacity, length);
 }
 
 DDS_Boolean KOLT_Cdr_serialize_key(const KOLT_TypePrograms *self, DDS_UnsignedShort encapsulation,
-                                   const void *record, DDS_Octet *buffer, size_t capacity,
-                                   size_t *length) {
+                                   const void *record, DDS_Octet *buffer, std::size_t capacity,
+                                   std::size_t *length) {
     return serialize(self, encapsulation, Part::kKey, record, buffer, capacity, length);
 }
 
 DDS_Boolean KOLT_Cdr_deserialize(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
-                                 size_t length, void *record) {
+                                 std::size_t length, void *record) {
     return deserialize(self, Part::kSample, bytes, length, record, kolt::type::decode_sample);
 }
 
 DDS_Boolean KOLT_Cdr_deserialize_key(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
-                                     size_t length, void *record) {
+                                     std::size_t length, void *record) {
     return deserialize(self, Part::kKey, bytes, length, record, kolt::type::decode_key);
 }

@@ -9,16 +9,16 @@
 namespace kolt::type {
 namespace {
 
-constexpr uint64_t kSaturated = UINT64_MAX;
+constexpr std::uint64_t kSaturated = UINT64_MAX;
 // Far above every size that is of use, far below where additions could wrap.
-constexpr uint64_t kLimit = uint64_t{1} << 40;
+constexpr std::uint64_t kLimit = std::uint64_t{1} << 40;
 
 template <bool kMaximum>
 class Bounds {
   public:
     explicit Bounds(const WriteProgram &program) : program_(program) {}
 
-    uint64_t run(Range range, uint64_t position) const {
+    std::uint64_t run(Range range, std::uint64_t position) const {
         const Op *const end = program_.end(range);
         for (const Op *op = program_.begin(range); op != end; ++op) {
             position = step(*op, position);
@@ -30,23 +30,23 @@ class Bounds {
     }
 
   private:
-    static uint64_t align(uint64_t position, uint64_t alignment) {
+    static std::uint64_t align(std::uint64_t position, std::uint64_t alignment) {
         return (position + alignment - 1) & ~(alignment - 1);
     }
 
-    uint64_t element(uint32_t index, uint64_t position) const {
+    std::uint64_t element(std::uint32_t index, std::uint64_t position) const {
         return run(program_.elements[index].ops, position);
     }
 
-    uint64_t step(const Op &op, uint64_t position) const {
+    std::uint64_t step(const Op &op, std::uint64_t position) const {
         switch (op.code) {
             case OpCode::kRun:
-                return align(position, op.alignment) + uint64_t{op.count} * op.width;
+                return align(position, op.alignment) + std::uint64_t{op.count} * op.width;
             case OpCode::kString:
                 if (kMaximum && op.count == kUnbounded) {
                     return kSaturated;
                 }
-                return align(position, 4) + 4 + (kMaximum ? uint64_t{op.count} + 1 : 1);
+                return align(position, 4) + 4 + (kMaximum ? std::uint64_t{op.count} + 1 : 1);
             case OpCode::kPrimitiveSequence:
                 position = align(position, 4) + 4;
                 if (!kMaximum || op.count == 0) {
@@ -56,7 +56,7 @@ class Bounds {
                     return kSaturated;
                 }
                 return align(position, alignment_of(program_.version, op.width)) +
-                       uint64_t{op.count} * op.width;
+                       std::uint64_t{op.count} * op.width;
             case OpCode::kSequence:
                 position = align(position, 4) + 4;
                 if (!kMaximum) {
@@ -66,9 +66,10 @@ class Bounds {
             case OpCode::kElements:
                 return repeat(op.index, op.count, position);
             case OpCode::kConstants:
-                return align(position, 4) + uint64_t{op.count} * 4;
+                return align(position, 4) + std::uint64_t{op.count} * 4;
             case OpCode::kStretch:
-                return align(position, 4) + uint64_t{program_.stretches[op.index].words.count} * 4;
+                return align(position, 4) +
+                       std::uint64_t{program_.stretches[op.index].words.count} * 4;
             case OpCode::kSentinel:
                 return align(position, 4) + 4;
             case OpCode::kDelimited:
@@ -86,17 +87,17 @@ class Bounds {
         }
     }
 
-    uint64_t parameter(const Op &op, uint64_t position) const {
+    std::uint64_t parameter(const Op &op, std::uint64_t position) const {
         const bool may_be_absent = (op.flags & (kOpOptional | kOpOptionalOmitted)) != 0;
         if (!kMaximum && (op.flags & kOpOptionalOmitted) != 0) {
             return position;
         }
         const bool extended = op.constant > kLargestShortId;
-        const uint64_t start = align(position, 4) + (extended ? 12 : 4);
+        const std::uint64_t start = align(position, 4) + (extended ? 12 : 4);
         if (!kMaximum && may_be_absent) {
             return start;
         }
-        const uint64_t length = element(op.index, 0);
+        const std::uint64_t length = element(op.index, 0);
         if (length > kLimit) {
             return kSaturated;
         }
@@ -104,16 +105,16 @@ class Bounds {
     }
 
     // Positions modulo 8 repeat after at most 8 elements, and with them the growth.
-    uint64_t repeat(uint32_t index, uint64_t count, uint64_t position) const {
-        uint64_t seen_at[8];
-        uint64_t seen_position[8];
+    std::uint64_t repeat(std::uint32_t index, std::uint64_t count, std::uint64_t position) const {
+        std::uint64_t seen_at[8];
+        std::uint64_t seen_position[8];
         std::fill(std::begin(seen_at), std::end(seen_at), kSaturated);
-        for (uint64_t i = 0; i < count; ++i) {
-            const uint64_t residue = position % 8;
+        for (std::uint64_t i = 0; i < count; ++i) {
+            const std::uint64_t residue = position % 8;
             if (seen_at[residue] != kSaturated) {
-                const uint64_t period = i - seen_at[residue];
-                const uint64_t growth = position - seen_position[residue];
-                const uint64_t rounds = (count - i) / period;
+                const std::uint64_t period = i - seen_at[residue];
+                const std::uint64_t growth = position - seen_position[residue];
+                const std::uint64_t rounds = (count - i) / period;
                 if (growth > 0 && rounds > kLimit / growth) {
                     return kSaturated;
                 }
@@ -134,14 +135,14 @@ class Bounds {
         return position;
     }
 
-    uint64_t select(const Op &op, uint64_t position) const {
+    std::uint64_t select(const Op &op, std::uint64_t position) const {
         const Selection &selection = program_.selections[op.index];
         // Without a default branch a discriminator may select nothing.
-        uint64_t result = selection.default_element == kNone
-                              ? position
-                              : element(selection.default_element, position);
+        std::uint64_t result = selection.default_element == kNone
+                                   ? position
+                                   : element(selection.default_element, position);
         for (const auto &[label, branch] : selection.cases) {
-            const uint64_t end = element(branch, position);
+            const std::uint64_t end = element(branch, position);
             result = kMaximum ? std::max(result, end) : std::min(result, end);
         }
         return result;
@@ -152,11 +153,11 @@ class Bounds {
 
 }  // namespace
 
-uint64_t maximum_end(const WriteProgram &program, uint64_t start) {
+std::uint64_t maximum_end(const WriteProgram &program, std::uint64_t start) {
     return Bounds<true>(program).run(program.root, start);
 }
 
-uint64_t minimum_end(const WriteProgram &program, uint64_t start) {
+std::uint64_t minimum_end(const WriteProgram &program, std::uint64_t start) {
     return Bounds<false>(program).run(program.root, start);
 }
 

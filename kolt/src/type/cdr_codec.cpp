@@ -12,7 +12,7 @@ namespace {
 
 constexpr bool kNativeIsBig = std::endian::native == std::endian::big;
 
-size_t version_index(const Encapsulation &encapsulation) {
+std::size_t version_index(const Encapsulation &encapsulation) {
     return encapsulation.version == XcdrVersion::k2 ? 1 : 0;
 }
 
@@ -28,8 +28,8 @@ const WriteProgram &writer_of(const KOLT_TypePrograms &programs, const Encapsula
 }
 
 template <bool kSwap>
-bool encode_to(const WriteProgram &program, const void *record, DDS_Octet *buffer, size_t capacity,
-               size_t *length) {
+bool encode_to(const WriteProgram &program, const void *record, DDS_Octet *buffer,
+               std::size_t capacity, std::size_t *length) {
     BufferSink<kSwap> sink(buffer, capacity);
     if (!Writer(program, &sink).write(record)) {
         return false;
@@ -39,12 +39,13 @@ bool encode_to(const WriteProgram &program, const void *record, DDS_Octet *buffe
 }
 
 bool encode(const WriteProgram &program, bool big_endian, const void *record, DDS_Octet *buffer,
-            size_t capacity, size_t *length) {
+            std::size_t capacity, std::size_t *length) {
     return big_endian == kNativeIsBig ? encode_to<false>(program, record, buffer, capacity, length)
                                       : encode_to<true>(program, record, buffer, capacity, length);
 }
 
-bool measure(const WriteProgram &program, const void *record, size_t start, size_t *length) {
+bool measure(const WriteProgram &program, const void *record, std::size_t start,
+             std::size_t *length) {
     CountSink sink(start);
     if (!Writer(program, &sink).write(record)) {
         return false;
@@ -54,8 +55,8 @@ bool measure(const WriteProgram &program, const void *record, size_t start, size
 }
 
 template <bool kSwap>
-bool decode_from(const ReadProgram &program, ReadMode mode, const DDS_Octet *bytes, size_t length,
-                 void *record, size_t *left) {
+bool decode_from(const ReadProgram &program, ReadMode mode, const DDS_Octet *bytes,
+                 std::size_t length, void *record, std::size_t *left) {
     Reader<kSwap> reader(program, bytes, length, mode);
     if (!reader.read(record)) {
         return false;
@@ -65,7 +66,7 @@ bool decode_from(const ReadProgram &program, ReadMode mode, const DDS_Octet *byt
 }
 
 bool decode(const ReadProgram &program, ReadMode mode, bool big_endian, const DDS_Octet *bytes,
-            size_t length, void *record, size_t *left) {
+            std::size_t length, void *record, std::size_t *left) {
     try {
         return big_endian == kNativeIsBig
                    ? decode_from<false>(program, mode, bytes, length, record, left)
@@ -82,7 +83,7 @@ bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort 
     if (identifier == KOLT_ENCAPSULATION_INVALID) {
         return false;
     }
-    const auto big = static_cast<uint16_t>(identifier & ~1U);
+    const auto big = static_cast<std::uint16_t>(identifier & ~1U);
     encapsulation->big_endian = (identifier & 1U) == 0;
     encapsulation->plain_key = false;
     if (big == programs.encapsulation[0]) {
@@ -98,39 +99,39 @@ bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort 
 }
 
 bool encode_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                 const void *record, DDS_Octet *buffer, size_t capacity, size_t *length) {
+                 const void *record, DDS_Octet *buffer, std::size_t capacity, std::size_t *length) {
     return encode(writer_of(programs, encapsulation, part), encapsulation.big_endian, record,
                   buffer, capacity, length) &&
            *length < KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED;
 }
 
 bool measure_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                  const void *record, size_t start, size_t *length) {
+                  const void *record, std::size_t start, std::size_t *length) {
     return measure(writer_of(programs, encapsulation, part), record, start, length);
 }
 
-uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                      Part part, size_t start) {
-    const uint64_t end = maximum_end(writer_of(programs, encapsulation, part), start);
+std::uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                           Part part, std::size_t start) {
+    const std::uint64_t end = maximum_end(writer_of(programs, encapsulation, part), start);
     return end == UINT64_MAX ? end : end - start;
 }
 
-uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                       Part part, size_t start) {
-    const uint64_t end = minimum_end(writer_of(programs, encapsulation, part), start);
+std::uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                            Part part, std::size_t start) {
+    const std::uint64_t end = minimum_end(writer_of(programs, encapsulation, part), start);
     return end == UINT64_MAX ? end : end - start;
 }
 
 bool decode_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                   const DDS_Octet *bytes, size_t length, void *record) {
-    size_t left = 0;
+                   const DDS_Octet *bytes, std::size_t length, void *record) {
+    std::size_t left = 0;
     return decode(programs.read[version_index(encapsulation)], ReadMode::kAll,
                   encapsulation.big_endian, bytes, length, record, &left);
 }
 
 bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                          const DDS_Octet *bytes, size_t length, void *record) {
-    size_t left = 0;
+                          const DDS_Octet *bytes, std::size_t length, void *record) {
+    std::size_t left = 0;
     return !is_keyed(*programs.type) ||
            decode(programs.read[version_index(encapsulation)], ReadMode::kKeys,
                   encapsulation.big_endian, bytes, length, record, &left);
@@ -140,11 +141,11 @@ bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation
 // standard has it, or plain, as the engine's own types send it. The frames count their bytes, so
 // that a plain key doesn't pass for a framed one; the reverse could happen.
 bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                const DDS_Octet *bytes, size_t length, void *record) {
+                const DDS_Octet *bytes, std::size_t length, void *record) {
     if (!is_keyed(*programs.type)) {
         return true;
     }
-    size_t left = 0;
+    std::size_t left = 0;
     if (!encapsulation.plain_key &&
         decode(programs.read_key[version_index(encapsulation)], ReadMode::kStrictKeys,
                encapsulation.big_endian, bytes, length, record, &left) &&
@@ -156,8 +157,8 @@ bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsul
                   length, record, &left);
 }
 
-bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
-                 size_t *body_length) {
+bool read_header(const DDS_Octet *bytes, std::size_t length, DDS_UnsignedShort *identifier,
+                 std::size_t *body_length) {
     if (length < KOLT_ENCAPSULATION_HEADER_SIZE) {
         return false;
     }
@@ -165,7 +166,7 @@ bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *ident
     *body_length = length - KOLT_ENCAPSULATION_HEADER_SIZE;
     // Bytes that are no multiple of 4 have not got their padding yet, or have lost it already.
     if (*body_length % 4 == 0) {
-        const size_t padding = bytes[3] & 3U;
+        const std::size_t padding = bytes[3] & 3U;
         if (padding > *body_length) {
             return false;
         }
@@ -174,7 +175,7 @@ bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *ident
     return true;
 }
 
-void write_header(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header) {
+void write_header(DDS_UnsignedShort identifier, std::size_t body_length, DDS_Octet *header) {
     header[0] = static_cast<DDS_Octet>(identifier >> 8);
     header[1] = static_cast<DDS_Octet>(identifier & 0xff);
     header[2] = 0;
@@ -182,8 +183,8 @@ void write_header(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *h
 }
 
 bool canonical_key(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
-                   size_t *length) {
-    const size_t capacity = *length;
+                   std::size_t *length) {
+    const std::size_t capacity = *length;
     if (encode(programs.write_plain_key, true, record, key, capacity, length)) {
         return true;
     }
@@ -193,7 +194,7 @@ bool canonical_key(const KOLT_TypePrograms &programs, const void *record, DDS_Oc
     return false;
 }
 
-DDS_UnsignedLong saturate_size(uint64_t size) {
+DDS_UnsignedLong saturate_size(std::uint64_t size) {
     return size < KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED ? static_cast<DDS_UnsignedLong>(size)
                                                          : KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED;
 }

@@ -1,9 +1,10 @@
 // The codec as the rest of the library sees it: programs of a type, and bodies without their
 // encapsulation header.
-#ifndef KOLT_SRC_TYPE_CDR_CODEC_HPP
-#define KOLT_SRC_TYPE_CDR_CODEC_HPP
+#pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 
 #include "type/cdr_program.hpp"
 
@@ -11,7 +12,7 @@
 // the list's lock guards.
 struct KOLT_TypePrograms {
     const DDS_TypeCode *type = nullptr;
-    size_t references = 0;
+    std::size_t references = 0;
     // By XcdrVersion, from 0: the big-endian identifier, KOLT_ENCAPSULATION_INVALID for a
     // representation that the type does not allow.
     DDS_UnsignedShort encapsulation[2] = {KOLT_ENCAPSULATION_INVALID, KOLT_ENCAPSULATION_INVALID};
@@ -44,39 +45,37 @@ bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort 
 
 // Bodies begin at an alignment of 0 and have no padding at their end.
 bool encode_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                 const void *record, DDS_Octet *buffer, size_t capacity, size_t *length);
+                 const void *record, DDS_Octet *buffer, std::size_t capacity, std::size_t *length);
 bool measure_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
-                  const void *record, size_t start, size_t *length);
+                  const void *record, std::size_t start, std::size_t *length);
 // What KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED stands for is UINT64_MAX here.
-uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                      Part part, size_t start);
-uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                       Part part, size_t start);
+std::uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                           Part part, std::size_t start);
+std::uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
+                            Part part, std::size_t start);
 
 bool decode_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                   const DDS_Octet *bytes, size_t length, void *record);
+                   const DDS_Octet *bytes, std::size_t length, void *record);
 // The key members of a sample.
 bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                          const DDS_Octet *bytes, size_t length, void *record);
+                          const DDS_Octet *bytes, std::size_t length, void *record);
 // A key-only body.
 bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
-                const DDS_Octet *bytes, size_t length, void *record);
+                const DDS_Octet *bytes, std::size_t length, void *record);
 
 // The encapsulation header of `bytes`; `*body_length` is what follows it, less the padding that its
 // options tell of.
-bool read_header(const DDS_Octet *bytes, size_t length, DDS_UnsignedShort *identifier,
-                 size_t *body_length);
+bool read_header(const DDS_Octet *bytes, std::size_t length, DDS_UnsignedShort *identifier,
+                 std::size_t *body_length);
 // The options say how many bytes of padding make the body a multiple of 4 (XTypes 7.6.3.1.2). The
 // padding itself is added where the payload leaves for the wire.
-void write_header(DDS_UnsignedShort identifier, size_t body_length, DDS_Octet *header);
+void write_header(DDS_UnsignedShort identifier, std::size_t body_length, DDS_Octet *header);
 
 // The canonical key (big-endian plain XCDR2). `*length` in: capacity, out: bytes needed.
 bool canonical_key(const KOLT_TypePrograms &programs, const void *record, DDS_Octet *key,
-                   size_t *length);
+                   std::size_t *length);
 
 // A size for the C functions.
-DDS_UnsignedLong saturate_size(uint64_t size);
+DDS_UnsignedLong saturate_size(std::uint64_t size);
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_CDR_CODEC_HPP

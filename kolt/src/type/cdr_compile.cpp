@@ -24,7 +24,7 @@ bool validate_array(const DDS_TypeCode &type, int depth) {
     if (type.dimension_count == 0 || type.dimensions == nullptr) {
         return malformed(type, "array without dimensions");
     }
-    uint64_t count = 1;
+    std::uint64_t count = 1;
     for (DDS_UnsignedLong i = 0; i < type.dimension_count; ++i) {
         count *= type.dimensions[i];
         if (count == 0 || count > INT32_MAX) {
@@ -44,7 +44,7 @@ bool validate_union(const DDS_TypeCode &type) {
         !is_discriminator_kind(type.discriminator_type->kind)) {
         return malformed(type, "no integral discriminator");
     }
-    const size_t size = primitive_size(type.discriminator_type->kind);
+    const std::size_t size = primitive_size(type.discriminator_type->kind);
     if (type.access->discriminator_offset > type.access->record_size ||
         type.access->record_size - type.access->discriminator_offset < size) {
         return malformed(type, "discriminator outside the record");
@@ -79,8 +79,8 @@ bool validate_member(const DDS_TypeCode &type, DDS_UnsignedLong index, int depth
     if (!validate(*member.type, depth + 1)) {
         return false;
     }
-    const size_t size = member.is_optional ? sizeof(void *) : value_size(*member.type);
-    const size_t offset = type.access->member_offsets[index];
+    const std::size_t size = member.is_optional ? sizeof(void *) : value_size(*member.type);
+    const std::size_t offset = type.access->member_offsets[index];
     if (offset > type.access->record_size || type.access->record_size - offset < size) {
         return malformed(type, "member outside the record");
     }
@@ -154,9 +154,9 @@ Framing framing_of(const DDS_TypeCode &type, const CompileOptions &options) {
     return Framing::kPlain;
 }
 
-uint8_t alignment_of(XcdrVersion version, size_t width) {
-    const size_t largest = version == XcdrVersion::k1 ? 8 : 4;
-    return static_cast<uint8_t>(std::min(width, largest));
+std::uint8_t alignment_of(XcdrVersion version, std::size_t width) {
+    const std::size_t largest = version == XcdrVersion::k1 ? 8 : 4;
+    return static_cast<std::uint8_t>(std::min(width, largest));
 }
 
 std::vector<DDS_UnsignedLong> select_members(const DDS_TypeCode &type, bool key_only) {
@@ -185,7 +185,7 @@ void append_op(std::vector<Op> *ops, const Op &op) {
         Op &last = ops->back();
         const bool adjacent = last.code == OpCode::kRun && last.flags == 0 &&
                               last.width == op.width &&
-                              last.offset + size_t{last.count} * last.width == op.offset;
+                              last.offset + std::size_t{last.count} * last.width == op.offset;
         if (adjacent && last.count <= UINT32_MAX - op.count) {
             last.count += op.count;
             return;

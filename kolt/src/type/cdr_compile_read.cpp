@@ -14,26 +14,27 @@ class ReadCompiler {
 
     // The one operation that reads a value at `offset`. `is_last` says that the end of the value is
     // the end of its frame, so that an appendable type may be cut off there.
-    Op value(const DDS_TypeCode &type, size_t offset, const CompileOptions &options, bool is_last);
+    Op value(const DDS_TypeCode &type, std::size_t offset, const CompileOptions &options,
+             bool is_last);
 
   private:
     using Options = CompileOptions;
 
-    Op collection(const DDS_TypeCode &type, size_t offset, const Options &options);
-    uint32_t add_aggregate(const DDS_TypeCode &type, const Options &options, bool is_last);
+    Op collection(const DDS_TypeCode &type, std::size_t offset, const Options &options);
+    std::uint32_t add_aggregate(const DDS_TypeCode &type, const Options &options, bool is_last);
     ReadMember member(const DDS_TypeCode &type, DDS_UnsignedLong index, const Options &options,
                       Framing framing);
-    uint32_t add_element(const DDS_TypeCode &type, const Options &options, bool is_last);
+    std::uint32_t add_element(const DDS_TypeCode &type, const Options &options, bool is_last);
     // Appends `op`, moved by `offset`, with plain structures inlined.
-    void flatten(Op op, size_t offset, std::vector<Op> *body) const;
-    uint32_t fixed_size(const std::vector<Op> &body) const;
-    size_t minimum_size(const Op &op) const;
+    void flatten(Op op, std::size_t offset, std::vector<Op> *body) const;
+    std::uint32_t fixed_size(const std::vector<Op> &body) const;
+    std::size_t minimum_size(const Op &op) const;
 
     XcdrVersion version_;
     ReadProgram *program_;
 };
 
-Op ReadCompiler::value(const DDS_TypeCode &type, size_t offset, const Options &options,
+Op ReadCompiler::value(const DDS_TypeCode &type, std::size_t offset, const Options &options,
                        bool is_last) {
     Op op;
     op.offset = offset;
@@ -42,7 +43,7 @@ Op ReadCompiler::value(const DDS_TypeCode &type, size_t offset, const Options &o
             op.code = OpCode::kString;
             op.alignment = 4;
             op.count = type.bound == 0 ? kUnbounded : type.bound;
-            op.flags = type.bound == 0 ? uint8_t{kOpExactString} : uint8_t{0};
+            op.flags = type.bound == 0 ? std::uint8_t{kOpExactString} : std::uint8_t{0};
             return op;
         case DDS_TK_ARRAY:
         case DDS_TK_SEQUENCE:
@@ -62,9 +63,9 @@ Op ReadCompiler::value(const DDS_TypeCode &type, size_t offset, const Options &o
             return op;
         }
         default: {
-            const size_t width = primitive_size(type.kind);
+            const std::size_t width = primitive_size(type.kind);
             op.code = OpCode::kRun;
-            op.width = static_cast<uint8_t>(width);
+            op.width = static_cast<std::uint8_t>(width);
             op.alignment = alignment_of(version_, width);
             op.count = 1;
             return op;
@@ -72,15 +73,15 @@ Op ReadCompiler::value(const DDS_TypeCode &type, size_t offset, const Options &o
     }
 }
 
-Op ReadCompiler::collection(const DDS_TypeCode &type, size_t offset, const Options &options) {
+Op ReadCompiler::collection(const DDS_TypeCode &type, std::size_t offset, const Options &options) {
     const DDS_TypeCode &content = *type.content_type;
     const bool is_array = type.kind == DDS_TK_ARRAY;
-    const size_t width = primitive_size(content.kind);
+    const std::size_t width = primitive_size(content.kind);
     Op op;
     op.offset = offset;
     op.alignment = 4;
     if (is_array) {
-        op.count = static_cast<uint32_t>(element_count(type));
+        op.count = static_cast<std::uint32_t>(element_count(type));
     } else {
         op.count = type.bound == 0 ? kUnbounded : type.bound;
     }
@@ -95,7 +96,7 @@ Op ReadCompiler::collection(const DDS_TypeCode &type, size_t offset, const Optio
     }
     if (width > 0) {
         op.code = is_array ? OpCode::kRun : OpCode::kPrimitiveSequence;
-        op.width = static_cast<uint8_t>(width);
+        op.width = static_cast<std::uint8_t>(width);
     } else {
         op.code = is_array ? OpCode::kElements : OpCode::kSequence;
     }
@@ -108,18 +109,19 @@ Op ReadCompiler::collection(const DDS_TypeCode &type, size_t offset, const Optio
     return op;
 }
 
-uint32_t ReadCompiler::add_element(const DDS_TypeCode &type, const Options &options, bool is_last) {
+std::uint32_t ReadCompiler::add_element(const DDS_TypeCode &type, const Options &options,
+                                        bool is_last) {
     ReadElement element;
     element.op = value(type, 0, options, is_last);
     element.stride = value_size(type);
-    element.minimum_size = std::max<size_t>(minimum_size(element.op), 1);
+    element.minimum_size = std::max<std::size_t>(minimum_size(element.op), 1);
     element.type = &type;
     program_->elements.push_back(element);
-    return static_cast<uint32_t>(program_->elements.size() - 1);
+    return static_cast<std::uint32_t>(program_->elements.size() - 1);
 }
 
-uint32_t ReadCompiler::add_aggregate(const DDS_TypeCode &type, const Options &options,
-                                     bool is_last) {
+std::uint32_t ReadCompiler::add_aggregate(const DDS_TypeCode &type, const Options &options,
+                                          bool is_last) {
     Aggregate aggregate;
     aggregate.type = &type;
     aggregate.framing = framing_of(type, options);
@@ -137,7 +139,7 @@ uint32_t ReadCompiler::add_aggregate(const DDS_TypeCode &type, const Options &op
     }
     for (const DDS_UnsignedLong index : select_members(type, options.key_only)) {
         aggregate.by_id.emplace_back(type.members[index].id,
-                                     static_cast<uint32_t>(aggregate.members.size()));
+                                     static_cast<std::uint32_t>(aggregate.members.size()));
         aggregate.members.push_back(member(type, index, options, aggregate.framing));
     }
     std::sort(aggregate.by_id.begin(), aggregate.by_id.end());
@@ -148,13 +150,13 @@ uint32_t ReadCompiler::add_aggregate(const DDS_TypeCode &type, const Options &op
         aggregate.fixed_size = fixed_size(aggregate.body);
     }
     program_->aggregates.push_back(std::move(aggregate));
-    return static_cast<uint32_t>(program_->aggregates.size() - 1);
+    return static_cast<std::uint32_t>(program_->aggregates.size() - 1);
 }
 
 ReadMember ReadCompiler::member(const DDS_TypeCode &type, DDS_UnsignedLong index,
                                 const Options &options, Framing framing) {
     const DDS_TypeCodeMember &member = type.members[index];
-    const size_t offset = type.access->member_offsets[index];
+    const std::size_t offset = type.access->member_offsets[index];
     const bool own_frame =
         framing == Framing::kParameterList1 || framing == Framing::kParameterList2;
     ReadMember result;
@@ -178,7 +180,7 @@ ReadMember ReadCompiler::member(const DDS_TypeCode &type, DDS_UnsignedLong index
     return result;
 }
 
-void ReadCompiler::flatten(Op op, size_t offset, std::vector<Op> *body) const {
+void ReadCompiler::flatten(Op op, std::size_t offset, std::vector<Op> *body) const {
     if (op.code == OpCode::kAggregate) {
         const Aggregate &nested = program_->aggregates[op.index];
         if (nested.framing == Framing::kPlain && !nested.is_union) {
@@ -192,26 +194,26 @@ void ReadCompiler::flatten(Op op, size_t offset, std::vector<Op> *body) const {
     append_op(body, op);
 }
 
-uint32_t ReadCompiler::fixed_size(const std::vector<Op> &body) const {
-    uint64_t size = 0;
+std::uint32_t ReadCompiler::fixed_size(const std::vector<Op> &body) const {
+    std::uint64_t size = 0;
     for (const Op &op : body) {
         if (op.code != OpCode::kRun || op.flags != 0) {
             return 0;
         }
-        const uint64_t mask = op.alignment - 1U;
-        size = ((size + mask) & ~mask) + uint64_t{op.count} * op.width;
+        const std::uint64_t mask = op.alignment - 1U;
+        size = ((size + mask) & ~mask) + std::uint64_t{op.count} * op.width;
     }
-    return size <= INT32_MAX ? static_cast<uint32_t>(size) : 0;
+    return size <= INT32_MAX ? static_cast<std::uint32_t>(size) : 0;
 }
 
-size_t ReadCompiler::minimum_size(const Op &op) const {
+std::size_t ReadCompiler::minimum_size(const Op &op) const {
     switch (op.code) {
         case OpCode::kRun:
-            return size_t{op.count} * op.width;
+            return std::size_t{op.count} * op.width;
         case OpCode::kElements:
             return (op.flags & kOpHasDheader) != 0
                        ? 4
-                       : size_t{op.count} * program_->elements[op.index].minimum_size;
+                       : std::size_t{op.count} * program_->elements[op.index].minimum_size;
         case OpCode::kAggregate: {
             const Aggregate &aggregate = program_->aggregates[op.index];
             if (aggregate.framing >= Framing::kDelimited) {
@@ -220,7 +222,7 @@ size_t ReadCompiler::minimum_size(const Op &op) const {
             if (aggregate.is_union) {
                 return aggregate.discriminator.width;
             }
-            size_t size = 0;
+            std::size_t size = 0;
             for (const ReadMember &member : aggregate.members) {
                 size += minimum_size(member.op);
             }

@@ -13,61 +13,62 @@ class WriteCompiler {
         : version_(options.version), program_(program) {}
 
     // The operations of a value that lies at `offset`.
-    void add_value(const DDS_TypeCode &type, size_t offset, const CompileOptions &options,
+    void add_value(const DDS_TypeCode &type, std::size_t offset, const CompileOptions &options,
                    std::vector<Op> *ops);
     Range store(const std::vector<Op> &ops);
 
   private:
     using Options = CompileOptions;
 
-    void add_collection(const DDS_TypeCode &type, size_t offset, const Options &options,
+    void add_collection(const DDS_TypeCode &type, std::size_t offset, const Options &options,
                         std::vector<Op> *ops);
-    void add_aggregate(const DDS_TypeCode &type, size_t offset, const Options &options,
+    void add_aggregate(const DDS_TypeCode &type, std::size_t offset, const Options &options,
                        std::vector<Op> *ops);
-    void add_members(const DDS_TypeCode &type, size_t offset, const Options &options,
+    void add_members(const DDS_TypeCode &type, std::size_t offset, const Options &options,
                      Framing framing, std::vector<Op> *ops);
-    void add_member(const DDS_TypeCode &type, DDS_UnsignedLong index, size_t offset,
+    void add_member(const DDS_TypeCode &type, DDS_UnsignedLong index, std::size_t offset,
                     const Options &options, Framing framing, std::vector<Op> *ops);
-    void add_union(const DDS_TypeCode &type, size_t offset, const Options &options, Framing framing,
-                   std::vector<Op> *ops);
+    void add_union(const DDS_TypeCode &type, std::size_t offset, const Options &options,
+                   Framing framing, std::vector<Op> *ops);
     // A value inside the header that the framing gives a member.
-    void add_framed(const DDS_TypeCode &type, size_t offset, const Options &options,
-                    Framing framing, uint32_t id, bool must_understand, std::vector<Op> *ops);
+    void add_framed(const DDS_TypeCode &type, std::size_t offset, const Options &options,
+                    Framing framing, std::uint32_t id, bool must_understand, std::vector<Op> *ops);
 
-    Op make_op(OpCode code, size_t offset, uint8_t alignment) {
+    Op make_op(OpCode code, std::size_t offset, std::uint8_t alignment) {
         Op op;
         op.code = code;
         op.offset = offset;
         op.alignment = alignment;
         return op;
     }
-    Op make_frame(OpCode code, const std::vector<Op> &ops, size_t offset, uint8_t alignment) {
+    Op make_frame(OpCode code, const std::vector<Op> &ops, std::size_t offset,
+                  std::uint8_t alignment) {
         Op op = make_op(code, offset, alignment);
         op.index = add_element(ops, 0);
         return op;
     }
     // Neighbouring constants are one operation.
-    void add_constant(uint32_t value, std::vector<Op> *ops) { add_constants({value}, ops); }
-    void add_constants(const std::vector<uint32_t> &values, std::vector<Op> *ops) {
-        std::vector<uint32_t> joined;
+    void add_constant(std::uint32_t value, std::vector<Op> *ops) { add_constants({value}, ops); }
+    void add_constants(const std::vector<std::uint32_t> &values, std::vector<Op> *ops) {
+        std::vector<std::uint32_t> joined;
         if (!ops->empty() && ops->back().code == OpCode::kConstants) {
             joined = constants_of(ops->back());
             ops->pop_back();
         }
         joined.insert(joined.end(), values.begin(), values.end());
         Op op = make_op(OpCode::kConstants, 0, 4);
-        op.index = static_cast<uint32_t>(program_->constants.size());
-        op.count = static_cast<uint32_t>(joined.size());
+        op.index = static_cast<std::uint32_t>(program_->constants.size());
+        op.count = static_cast<std::uint32_t>(joined.size());
         program_->constants.insert(program_->constants.end(), joined.begin(), joined.end());
         ops->push_back(op);
     }
-    std::vector<uint32_t> constants_of(const Op &op) const {
+    std::vector<std::uint32_t> constants_of(const Op &op) const {
         const auto first = program_->constants.begin() + static_cast<std::ptrdiff_t>(op.index);
         return {first, first + static_cast<std::ptrdiff_t>(op.count)};
     }
-    uint32_t add_element(const std::vector<Op> &ops, size_t stride) {
+    std::uint32_t add_element(const std::vector<Op> &ops, std::size_t stride) {
         program_->elements.push_back({store(ops), stride});
-        return static_cast<uint32_t>(program_->elements.size() - 1);
+        return static_cast<std::uint32_t>(program_->elements.size() - 1);
     }
     void add_delimited(const std::vector<Op> &content, std::vector<Op> *ops);
     Op add_stretched(const Op *first, const Op *last);
@@ -77,26 +78,26 @@ class WriteCompiler {
 };
 
 // The bytes that `ops` write from an aligned position, if they are always the same; else kNone.
-uint32_t constant_size(const std::vector<Op> &ops) {
-    uint64_t size = 0;
+std::uint32_t constant_size(const std::vector<Op> &ops) {
+    std::uint64_t size = 0;
     for (const Op &op : ops) {
-        const uint64_t mask = op.alignment - 1U;
+        const std::uint64_t mask = op.alignment - 1U;
         size = (size + mask) & ~mask;
         if (op.code == OpCode::kRun) {
-            size += uint64_t{op.count} * op.width;
+            size += std::uint64_t{op.count} * op.width;
         } else if (op.code == OpCode::kConstants) {
-            size += uint64_t{op.count} * 4;
+            size += std::uint64_t{op.count} * 4;
         } else {
             return kNone;
         }
     }
-    return size < kNone ? static_cast<uint32_t>(size) : kNone;
+    return size < kNone ? static_cast<std::uint32_t>(size) : kNone;
 }
 
 // What may be part of a stretch: a few numbers of 4 or 8 bytes that need no padding behind others
 // of their kind.
 bool fits_stretch(const Op &op) {
-    constexpr uint32_t kMostBytes = 64;
+    constexpr std::uint32_t kMostBytes = 64;
     if (op.code == OpCode::kConstants) {
         return true;
     }
@@ -105,31 +106,31 @@ bool fits_stretch(const Op &op) {
 
 // Headers and the members between them in one go, which takes one check for room.
 Op WriteCompiler::add_stretched(const Op *first, const Op *last) {
-    std::vector<uint32_t> words;
+    std::vector<std::uint32_t> words;
     Stretch stretch;
-    stretch.fields.first = static_cast<uint32_t>(program_->fields.size());
+    stretch.fields.first = static_cast<std::uint32_t>(program_->fields.size());
     for (const Op *op = first; op != last; ++op) {
         if (op->code == OpCode::kConstants) {
-            const std::vector<uint32_t> constants = constants_of(*op);
+            const std::vector<std::uint32_t> constants = constants_of(*op);
             words.insert(words.end(), constants.begin(), constants.end());
         } else {
             program_->fields.push_back({op->offset, words.size() * 4, op->count, op->width});
-            words.resize(words.size() + size_t{op->count} * op->width / 4);
+            words.resize(words.size() + std::size_t{op->count} * op->width / 4);
             ++stretch.fields.count;
         }
     }
-    stretch.words = {static_cast<uint32_t>(program_->constants.size()),
-                     static_cast<uint32_t>(words.size())};
+    stretch.words = {static_cast<std::uint32_t>(program_->constants.size()),
+                     static_cast<std::uint32_t>(words.size())};
     program_->constants.insert(program_->constants.end(), words.begin(), words.end());
     program_->stretches.push_back(stretch);
     Op op = make_op(OpCode::kStretch, 0, 4);
-    op.index = static_cast<uint32_t>(program_->stretches.size() - 1);
+    op.index = static_cast<std::uint32_t>(program_->stretches.size() - 1);
     return op;
 }
 
 Range WriteCompiler::store(const std::vector<Op> &ops) {
     Range range;
-    range.first = static_cast<uint32_t>(program_->ops.size());
+    range.first = static_cast<std::uint32_t>(program_->ops.size());
     const Op *const last = ops.data() + ops.size();
     for (const Op *op = ops.data(); op != last; ++range.count) {
         const Op *const end = std::find_if_not(op, last, fits_stretch);
@@ -145,7 +146,7 @@ Range WriteCompiler::store(const std::vector<Op> &ops) {
 
 // The byte count of what has a constant size is a constant, and the content needs no frame.
 void WriteCompiler::add_delimited(const std::vector<Op> &content, std::vector<Op> *ops) {
-    const uint32_t size = constant_size(content);
+    const std::uint32_t size = constant_size(content);
     if (size == kNone) {
         ops->push_back(make_frame(OpCode::kDelimited, content, 0, 4));
         return;
@@ -160,7 +161,7 @@ void WriteCompiler::add_delimited(const std::vector<Op> &content, std::vector<Op
     }
 }
 
-void WriteCompiler::add_value(const DDS_TypeCode &type, size_t offset, const Options &options,
+void WriteCompiler::add_value(const DDS_TypeCode &type, std::size_t offset, const Options &options,
                               std::vector<Op> *ops) {
     switch (type.kind) {
         case DDS_TK_STRING: {
@@ -178,9 +179,9 @@ void WriteCompiler::add_value(const DDS_TypeCode &type, size_t offset, const Opt
             add_aggregate(type, offset, nested_options(type, options), ops);
             break;
         default: {
-            const size_t width = primitive_size(type.kind);
+            const std::size_t width = primitive_size(type.kind);
             Op op = make_op(OpCode::kRun, offset, alignment_of(version_, width));
-            op.width = static_cast<uint8_t>(width);
+            op.width = static_cast<std::uint8_t>(width);
             op.count = 1;
             append_op(ops, op);
             break;
@@ -188,20 +189,20 @@ void WriteCompiler::add_value(const DDS_TypeCode &type, size_t offset, const Opt
     }
 }
 
-void WriteCompiler::add_collection(const DDS_TypeCode &type, size_t offset, const Options &options,
-                                   std::vector<Op> *ops) {
+void WriteCompiler::add_collection(const DDS_TypeCode &type, std::size_t offset,
+                                   const Options &options, std::vector<Op> *ops) {
     const DDS_TypeCode &content = *type.content_type;
     const bool is_array = type.kind == DDS_TK_ARRAY;
-    const size_t width = primitive_size(content.kind);
+    const std::size_t width = primitive_size(content.kind);
     Op op = make_op(OpCode::kRun, offset, 4);
     if (is_array) {
-        op.count = static_cast<uint32_t>(element_count(type));
+        op.count = static_cast<std::uint32_t>(element_count(type));
     } else {
         op.count = type.bound == 0 ? kUnbounded : type.bound;
     }
     if (width > 0) {
         op.code = is_array ? OpCode::kRun : OpCode::kPrimitiveSequence;
-        op.width = static_cast<uint8_t>(width);
+        op.width = static_cast<std::uint8_t>(width);
         if (is_array) {
             op.alignment = alignment_of(version_, width);
         }
@@ -221,8 +222,8 @@ void WriteCompiler::add_collection(const DDS_TypeCode &type, size_t offset, cons
     }
 }
 
-void WriteCompiler::add_aggregate(const DDS_TypeCode &type, size_t offset, const Options &options,
-                                  std::vector<Op> *ops) {
+void WriteCompiler::add_aggregate(const DDS_TypeCode &type, std::size_t offset,
+                                  const Options &options, std::vector<Op> *ops) {
     const Framing framing = framing_of(type, options);
     const bool delimited = framing == Framing::kDelimited || framing == Framing::kParameterList2;
     std::vector<Op> content;
@@ -240,17 +241,17 @@ void WriteCompiler::add_aggregate(const DDS_TypeCode &type, size_t offset, const
     }
 }
 
-void WriteCompiler::add_members(const DDS_TypeCode &type, size_t offset, const Options &options,
-                                Framing framing, std::vector<Op> *ops) {
+void WriteCompiler::add_members(const DDS_TypeCode &type, std::size_t offset,
+                                const Options &options, Framing framing, std::vector<Op> *ops) {
     for (const DDS_UnsignedLong index : select_members(type, options.key_only)) {
         add_member(type, index, offset, options, framing, ops);
     }
 }
 
-void WriteCompiler::add_member(const DDS_TypeCode &type, DDS_UnsignedLong index, size_t offset,
+void WriteCompiler::add_member(const DDS_TypeCode &type, DDS_UnsignedLong index, std::size_t offset,
                                const Options &options, Framing framing, std::vector<Op> *ops) {
     const DDS_TypeCodeMember &member = type.members[index];
-    const size_t place = offset + type.access->member_offsets[index];
+    const std::size_t place = offset + type.access->member_offsets[index];
     const bool must_understand = member.is_key || member.is_must_understand;
     if (!member.is_optional) {
         add_framed(*member.type, place, options, framing, member.id, must_understand, ops);
@@ -268,13 +269,13 @@ void WriteCompiler::add_member(const DDS_TypeCode &type, DDS_UnsignedLong index,
     add_value(*member.type, 0, options, &value);
     Op op = make_frame(OpCode::kParameter, value, place, 4);
     op.constant = member.id;
-    op.flags = static_cast<uint8_t>(
+    op.flags = static_cast<std::uint8_t>(
         (must_understand ? kOpMustUnderstand : 0) |
         (framing == Framing::kParameterList1 ? kOpOptionalOmitted : kOpOptional));
     ops->push_back(op);
 }
 
-void WriteCompiler::add_union(const DDS_TypeCode &type, size_t offset, const Options &options,
+void WriteCompiler::add_union(const DDS_TypeCode &type, std::size_t offset, const Options &options,
                               Framing framing, std::vector<Op> *ops) {
     add_framed(*type.discriminator_type, offset + type.access->discriminator_offset, options,
                framing, kDiscriminatorId, true, ops);
@@ -286,7 +287,7 @@ void WriteCompiler::add_union(const DDS_TypeCode &type, size_t offset, const Opt
         std::vector<Op> branch;
         add_framed(*member.type, offset + type.access->member_offsets[i], options, framing,
                    member.id, member.is_must_understand != 0, &branch);
-        const uint32_t element = add_element(branch, 0);
+        const std::uint32_t element = add_element(branch, 0);
         for (DDS_UnsignedLong j = 0; j < member.label_count; ++j) {
             selection.cases.emplace_back(member.labels[j], element);
         }
@@ -296,7 +297,7 @@ void WriteCompiler::add_union(const DDS_TypeCode &type, size_t offset, const Opt
     }
     program_->selections.push_back(std::move(selection));
     Op op = make_op(OpCode::kSelect, 0, 1);
-    op.index = static_cast<uint32_t>(program_->selections.size() - 1);
+    op.index = static_cast<std::uint32_t>(program_->selections.size() - 1);
     ops->push_back(op);
 }
 
@@ -340,8 +341,8 @@ LengthCode length_code_of(const DDS_TypeCode &type) {
     }
 }
 
-void WriteCompiler::add_framed(const DDS_TypeCode &type, size_t offset, const Options &options,
-                               Framing framing, uint32_t id, bool must_understand,
+void WriteCompiler::add_framed(const DDS_TypeCode &type, std::size_t offset, const Options &options,
+                               Framing framing, std::uint32_t id, bool must_understand,
                                std::vector<Op> *ops) {
     if (framing != Framing::kParameterList1 && framing != Framing::kParameterList2) {
         add_value(type, offset, options, ops);
@@ -352,13 +353,13 @@ void WriteCompiler::add_framed(const DDS_TypeCode &type, size_t offset, const Op
         add_value(type, offset, options, &value);
         Op op = make_frame(OpCode::kParameter, value, 0, 4);
         op.constant = id;
-        op.flags = must_understand ? uint8_t{kOpMustUnderstand} : uint8_t{0};
+        op.flags = must_understand ? std::uint8_t{kOpMustUnderstand} : std::uint8_t{0};
         ops->push_back(op);
         return;
     }
     const LengthCode code = length_code_of(type);
     add_constant((must_understand ? kEmheaderMustUnderstand : 0) |
-                     (uint32_t{code} << kEmheaderLengthShift) | id,
+                     (std::uint32_t{code} << kEmheaderLengthShift) | id,
                  ops);
     if (code != kLengthNext) {
         add_value(type, offset, options, ops);

@@ -1,6 +1,8 @@
 // A bounds-checked position in CDR bytes, and the headers that frame members there.
-#ifndef KOLT_SRC_TYPE_CDR_CURSOR_HPP
-#define KOLT_SRC_TYPE_CDR_CURSOR_HPP
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
 
 #include "type/cdr_sink.hpp"
 
@@ -11,21 +13,22 @@ namespace kolt::type {
 template <bool kSwap>
 class Cursor {
   public:
-    Cursor(const uint8_t *bytes, size_t size) : at_(bytes), end_(bytes + size), origin_(bytes) {}
+    Cursor(const std::uint8_t *bytes, std::size_t size)
+        : at_(bytes), end_(bytes + size), origin_(bytes) {}
 
-    const uint8_t *at() const { return at_; }
-    const uint8_t *end() const { return end_; }
-    const uint8_t *origin() const { return origin_; }
-    size_t left() const { return static_cast<size_t>(end_ - at_); }
-    void set_at(const uint8_t *at) { at_ = at; }
-    void set_end(const uint8_t *end) { end_ = end; }
-    void set_origin(const uint8_t *origin) { origin_ = origin; }
+    const std::uint8_t *at() const { return at_; }
+    const std::uint8_t *end() const { return end_; }
+    const std::uint8_t *origin() const { return origin_; }
+    std::size_t left() const { return static_cast<std::size_t>(end_ - at_); }
+    void set_at(const std::uint8_t *at) { at_ = at; }
+    void set_end(const std::uint8_t *end) { end_ = end; }
+    void set_origin(const std::uint8_t *origin) { origin_ = origin; }
 
-    size_t padding(size_t alignment) const {
-        return static_cast<size_t>(origin_ - at_) & (alignment - 1);
+    std::size_t padding(std::size_t alignment) const {
+        return static_cast<std::size_t>(origin_ - at_) & (alignment - 1);
     }
-    bool align(size_t alignment) {
-        const size_t gap = padding(alignment);
+    bool align(std::size_t alignment) {
+        const std::size_t gap = padding(alignment);
         if (gap > left()) {
             return false;
         }
@@ -33,16 +36,16 @@ class Cursor {
         return true;
     }
     // True when no value of this alignment can begin before the end.
-    bool at_end(size_t alignment) const { return padding(alignment) >= left(); }
+    bool at_end(std::size_t alignment) const { return padding(alignment) >= left(); }
 
-    bool skip(size_t size) {
+    bool skip(std::size_t size) {
         if (size > left()) {
             return false;
         }
         at_ += size;
         return true;
     }
-    bool words(void *to, size_t count, size_t width) {
+    bool words(void *to, std::size_t count, std::size_t width) {
         // A division, since the product may not be representable.
         if (count > left() / width) {
             return false;
@@ -51,21 +54,21 @@ class Cursor {
         at_ += count * width;
         return true;
     }
-    bool skip_words(size_t count, size_t width) {
+    bool skip_words(std::size_t count, std::size_t width) {
         if (count > left() / width) {
             return false;
         }
         at_ += count * width;
         return true;
     }
-    bool word32(uint32_t *value) { return align(4) && words(value, 1, 4); }
+    bool word32(std::uint32_t *value) { return align(4) && words(value, 1, 4); }
 
     // A byte count and the frame that it opens. `*outer` is what CloseFrame gives back.
-    bool open_count(const uint8_t **outer) {
-        uint32_t size = 0;
+    bool open_count(const std::uint8_t **outer) {
+        std::uint32_t size = 0;
         return word32(&size) && open_frame(size, outer);
     }
-    bool open_frame(size_t size, const uint8_t **outer) {
+    bool open_frame(std::size_t size, const std::uint8_t **outer) {
         if (size > left()) {
             return false;
         }
@@ -74,21 +77,21 @@ class Cursor {
         return true;
     }
     // Goes behind the frame, whatever of it was read.
-    void close_frame(const uint8_t *outer) {
+    void close_frame(const std::uint8_t *outer) {
         at_ = end_;
         end_ = outer;
     }
 
   private:
-    const uint8_t *at_;
-    const uint8_t *end_;
-    const uint8_t *origin_;
+    const std::uint8_t *at_;
+    const std::uint8_t *end_;
+    const std::uint8_t *origin_;
 };
 
 // The header of a member of a mutable type: what follows is `size` bytes of value.
 struct MemberHeader {
-    uint32_t id = 0;
-    size_t size = 0;
+    std::uint32_t id = 0;
+    std::size_t size = 0;
     bool must_understand = false;
     bool sentinel = false;  // XCDR1: the end of the list
     bool ignored = false;   // XCDR1: no member
@@ -97,11 +100,11 @@ struct MemberHeader {
 // XTypes 7.4.1.2: a 16-bit id and length, or the extended form of both.
 template <bool kSwap>
 bool read_parameter_header(Cursor<kSwap> *cursor, MemberHeader *header) {
-    uint16_t words[2];
+    std::uint16_t words[2];
     if (!cursor->align(4) || !cursor->words(words, 2, 2)) {
         return false;
     }
-    const uint16_t pid = words[0] & kPidMask;
+    const std::uint16_t pid = words[0] & kPidMask;
     header->must_understand = (words[0] & kPidMustUnderstand) != 0;
     header->sentinel = pid == kPidSentinel;
     header->ignored = pid == kPidIgnore;
@@ -111,7 +114,7 @@ bool read_parameter_header(Cursor<kSwap> *cursor, MemberHeader *header) {
     }
     header->size = words[1];
     if (pid == kPidExtended) {
-        uint32_t extended[2];
+        std::uint32_t extended[2];
         if (words[1] != sizeof(extended) || !cursor->words(extended, 2, 4)) {
             return false;
         }
@@ -129,7 +132,7 @@ bool read_parameter_header(Cursor<kSwap> *cursor, MemberHeader *header) {
 // begins at the cursor afterwards: with the NEXTINT itself where the value shares it.
 template <bool kSwap>
 bool read_member_header(Cursor<kSwap> *cursor, MemberHeader *header) {
-    uint32_t word = 0;
+    std::uint32_t word = 0;
     if (!cursor->word32(&word)) {
         return false;
     }
@@ -137,14 +140,14 @@ bool read_member_header(Cursor<kSwap> *cursor, MemberHeader *header) {
     header->id = word & kMemberIdMask;
     const auto code = (word >> kEmheaderLengthShift) & 7U;
     if (code < kLengthNext) {
-        header->size = size_t{1} << code;
+        header->size = std::size_t{1} << code;
     } else {
-        uint32_t next = 0;
+        std::uint32_t next = 0;
         if (!cursor->words(&next, 1, 4)) {
             return false;
         }
         static constexpr unsigned kShifts[] = {0, 0, 2, 3};
-        uint64_t size = uint64_t{next} << kShifts[code - kLengthNext];
+        std::uint64_t size = std::uint64_t{next} << kShifts[code - kLengthNext];
         if (code >= kLengthShared) {
             size += 4;
             cursor->set_at(cursor->at() - 4);
@@ -155,5 +158,3 @@ bool read_member_header(Cursor<kSwap> *cursor, MemberHeader *header) {
 }
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_CDR_CURSOR_HPP

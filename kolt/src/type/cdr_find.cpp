@@ -13,8 +13,8 @@ DDS_Double round_to_float(DDS_Double real) {
 
 // The value that a field has when it is not in the bytes.
 bool default_value(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
-                   const KOLT_CdrPathStep *path, size_t path_length, KOLT_CdrValue *value) {
-    for (size_t i = 0; i < path_length; ++i) {
+                   const KOLT_CdrPathStep *path, std::size_t path_length, KOLT_CdrValue *value) {
+    for (std::size_t i = 0; i < path_length; ++i) {
         const bool is_collection = type->kind == DDS_TK_ARRAY || type->kind == DDS_TK_SEQUENCE;
         if (path[i].is_element != 0) {
             if (!is_collection) {
@@ -75,10 +75,10 @@ bool default_value(const DDS_TypeCode *type, const DDS_TypeCodeMember *member,
 template <bool kSwap>
 class Finder {
   public:
-    Finder(const ReadProgram &program, const uint8_t *bytes, size_t size)
+    Finder(const ReadProgram &program, const std::uint8_t *bytes, std::size_t size)
         : program_(program), cursor_(bytes, size), skipper_(program, &cursor_) {}
 
-    bool find(const DDS_TypeCode &type, const KOLT_CdrPathStep *path, size_t length,
+    bool find(const DDS_TypeCode &type, const KOLT_CdrPathStep *path, std::size_t length,
               KOLT_CdrValue *value) {
         type_ = &type;
         path_ = path;
@@ -132,7 +132,7 @@ class Finder {
         if (step == nullptr || step->index >= type_->member_count) {
             return false;
         }
-        const uint8_t *outer = nullptr;
+        const std::uint8_t *outer = nullptr;
         const bool counted = aggregate.framing == Framing::kDelimited ||
                              aggregate.framing == Framing::kParameterList2;
         if (counted && !cursor_.open_count(&outer)) {
@@ -168,7 +168,7 @@ class Finder {
     }
 
     bool in_parameters(const Aggregate &aggregate, DDS_UnsignedLong index) {
-        const uint32_t id = aggregate.type->members[index].id;
+        const std::uint32_t id = aggregate.type->members[index].id;
         for (;;) {
             MemberHeader header;
             const bool list1 = aggregate.framing == Framing::kParameterList1;
@@ -199,8 +199,8 @@ class Finder {
     }
 
     // Narrows the cursor for good: the field is inside.
-    bool frame(size_t size) {
-        const uint8_t *outer = nullptr;
+    bool frame(std::size_t size) {
+        const std::uint8_t *outer = nullptr;
         if (!cursor_.open_frame(size, &outer)) {
             return false;
         }
@@ -217,8 +217,8 @@ class Finder {
             if (!find_discriminator(aggregate, &header) || header.size < op.width) {
                 return false;
             }
-            const uint8_t *const next = cursor_.at() + header.size;
-            uint64_t storage = 0;
+            const std::uint8_t *const next = cursor_.at() + header.size;
+            std::uint64_t storage = 0;
             if (!cursor_.words(&storage, 1, op.width)) {
                 return false;
             }
@@ -228,7 +228,7 @@ class Finder {
             }
             return in_parameters(aggregate, index);
         }
-        uint64_t storage = 0;
+        std::uint64_t storage = 0;
         if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) {
             return false;
         }
@@ -262,7 +262,8 @@ class Finder {
 
     static bool selects(const Aggregate &aggregate, const void *discriminator,
                         DDS_UnsignedLong index) {
-        const int64_t value = load_integer(aggregate.type->discriminator_type->kind, discriminator);
+        const std::int64_t value =
+            load_integer(aggregate.type->discriminator_type->kind, discriminator);
         return selected_member(*aggregate.type, value) == index;
     }
 
@@ -278,7 +279,7 @@ class Finder {
             }
             return frame(header.size) && at(program_.elements[op.index].op);
         }
-        uint8_t present = 0;
+        std::uint8_t present = 0;
         if (!cursor_.words(&present, 1, 1)) {
             return false;
         }
@@ -299,7 +300,7 @@ class Finder {
     }
 
     bool open_dheader(const Op &op) {
-        const uint8_t *outer = nullptr;
+        const std::uint8_t *outer = nullptr;
         return (op.flags & kOpHasDheader) == 0 || cursor_.open_count(&outer);
     }
 
@@ -308,7 +309,7 @@ class Finder {
         if (step == nullptr || !open_dheader(op)) {
             return false;
         }
-        uint32_t count = op.count;
+        std::uint32_t count = op.count;
         if (op.code != OpCode::kElements && !cursor_.word32(&count)) {
             return false;
         }
@@ -331,7 +332,7 @@ class Finder {
         if (type_->kind == DDS_TK_STRING) {
             return string_leaf();
         }
-        uint64_t storage = 0;
+        std::uint64_t storage = 0;
         if (!cursor_.align(alignment_of(program_.version, op.width)) ||
             !cursor_.words(&storage, 1, op.width)) {
             return false;
@@ -350,7 +351,7 @@ class Finder {
     }
 
     bool string_leaf() {
-        uint32_t size = 0;
+        std::uint32_t size = 0;
         if (!cursor_.word32(&size) || size > cursor_.left()) {
             return false;
         }
@@ -358,7 +359,7 @@ class Finder {
         if (size > 0 && text[size - 1] != '\0') {
             return false;
         }
-        if (type_->bound > 0 && size > size_t{type_->bound} + 1) {
+        if (type_->bound > 0 && size > std::size_t{type_->bound} + 1) {
             return false;
         }
         value_->kind = DDS_TK_STRING;
@@ -375,21 +376,21 @@ class Finder {
     const DDS_TypeCode *type_ = nullptr;
     const DDS_TypeCodeMember *member_ = nullptr;
     const KOLT_CdrPathStep *path_ = nullptr;
-    size_t left_ = 0;
+    std::size_t left_ = 0;
     KOLT_CdrValue *value_ = nullptr;
 };
 
 }  // namespace
 
 DDS_Boolean KOLT_Cdr_find_field(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
-                                size_t length, const KOLT_CdrPathStep *path, size_t path_length,
-                                KOLT_CdrValue *value) {
+                                std::size_t length, const KOLT_CdrPathStep *path,
+                                std::size_t path_length, KOLT_CdrValue *value) {
     if (self == nullptr || bytes == nullptr || value == nullptr ||
         (path == nullptr && path_length > 0)) {
         return DDS_BOOLEAN_FALSE;
     }
     DDS_UnsignedShort identifier = 0;
-    size_t body = 0;
+    std::size_t body = 0;
     Encapsulation encapsulation;
     if (!read_header(bytes, length, &identifier, &body) ||
         !resolve_encapsulation(*self, identifier, Part::kSample, &encapsulation)) {

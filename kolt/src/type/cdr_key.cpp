@@ -13,13 +13,13 @@ namespace {
 using kolt::type::Encapsulation;
 using kolt::type::Part;
 
-constexpr size_t kKeyHashSize = 16;
+constexpr std::size_t kKeyHashSize = 16;
 
 // A record of zero bytes for key members to be read into, on the stack while it is small.
 class ScratchRecord {
   public:
     explicit ScratchRecord(const KOLT_TypePrograms &programs) : programs_(programs) {
-        const size_t size = kolt::type::value_size(*programs.type);
+        const std::size_t size = kolt::type::value_size(*programs.type);
         if (size > sizeof(small_)) {
             large_.reset(std::calloc(1, size));
             record_ = large_.get();
@@ -57,7 +57,7 @@ DDS_UnsignedLong KOLT_Cdr_key_max_size(const KOLT_TypePrograms *self) {
 }
 
 DDS_Boolean KOLT_Cdr_key_of_record(const KOLT_TypePrograms *self, const void *record,
-                                   DDS_Octet *key, size_t *length) {
+                                   DDS_Octet *key, std::size_t *length) {
     if (self == nullptr || record == nullptr || length == nullptr) {
         return DDS_BOOLEAN_FALSE;
     }
@@ -68,14 +68,14 @@ DDS_Boolean KOLT_Cdr_key_of_record(const KOLT_TypePrograms *self, const void *re
 }
 
 DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_Octet *bytes,
-                                       size_t length, DDS_Boolean is_key_only, DDS_Octet *key,
-                                       size_t *key_length) {
+                                       std::size_t length, DDS_Boolean is_key_only, DDS_Octet *key,
+                                       std::size_t *key_length) {
     if (self == nullptr || bytes == nullptr || key_length == nullptr) {
         return DDS_BOOLEAN_FALSE;
     }
     const Part part = is_key_only ? Part::kKey : Part::kSample;
     DDS_UnsignedShort identifier = 0;
-    size_t body = 0;
+    std::size_t body = 0;
     Encapsulation encapsulation;
     if (!kolt::type::read_header(bytes, length, &identifier, &body) ||
         !kolt::type::resolve_encapsulation(*self, identifier, part, &encapsulation)) {
@@ -93,7 +93,7 @@ DDS_Boolean KOLT_Cdr_key_of_serialized(const KOLT_TypePrograms *self, const DDS_
     return KOLT_Cdr_key_of_record(self, scratch.record(), key, key_length);
 }
 
-void KOLT_Cdr_keyhash(const KOLT_TypePrograms *self, const DDS_Octet *key, size_t key_length,
+void KOLT_Cdr_keyhash(const KOLT_TypePrograms *self, const DDS_Octet *key, std::size_t key_length,
                       DDS_Boolean force_md5, DDS_Octet hash[16]) {
     if (hash == nullptr) {
         return;

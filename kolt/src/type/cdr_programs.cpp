@@ -60,7 +60,7 @@ std::unique_ptr<KOLT_TypePrograms> compile(const DDS_TypeCode &type) {
     programs->type = &type;
     constexpr DDS_DataRepresentationId_t kRepresentations[] = {DDS_XCDR_DATA_REPRESENTATION,
                                                                DDS_XCDR2_DATA_REPRESENTATION};
-    for (size_t i = 0; i < 2; ++i) {
+    for (std::size_t i = 0; i < 2; ++i) {
         const DDS_UnsignedShort native =
             DDS_TypeCode_get_native_encapsulation(&type, kRepresentations[i]);
         if (native == KOLT_ENCAPSULATION_INVALID) {

@@ -1,9 +1,10 @@
 // The interpreter of read programs: bytes into an initialised record.
-#ifndef KOLT_SRC_TYPE_CDR_READER_HPP
-#define KOLT_SRC_TYPE_CDR_READER_HPP
+#pragma once
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "type/cdr_skipper.hpp"
@@ -14,20 +15,20 @@ namespace kolt::type {
 // Which members of a mutable type were there. Small types need no memory for it.
 class SeenMembers {
   public:
-    explicit SeenMembers(size_t count) {
+    explicit SeenMembers(std::size_t count) {
         if (count > small_.size() * 64) {
             large_.resize((count + 63) / 64);
         }
     }
-    void set(size_t i) { words()[i / 64] |= uint64_t{1} << (i % 64); }
-    bool has(size_t i) const { return (words()[i / 64] >> (i % 64) & 1) != 0; }
+    void set(std::size_t i) { words()[i / 64] |= std::uint64_t{1} << (i % 64); }
+    bool has(std::size_t i) const { return (words()[i / 64] >> (i % 64) & 1) != 0; }
 
   private:
-    uint64_t *words() { return large_.empty() ? small_.data() : large_.data(); }
-    const uint64_t *words() const { return large_.empty() ? small_.data() : large_.data(); }
+    std::uint64_t *words() { return large_.empty() ? small_.data() : large_.data(); }
+    const std::uint64_t *words() const { return large_.empty() ? small_.data() : large_.data(); }
 
-    std::array<uint64_t, 2> small_{};
-    std::vector<uint64_t> large_;
+    std::array<std::uint64_t, 2> small_{};
+    std::vector<std::uint64_t> large_;
 };
 
 enum class ReadMode {
@@ -41,7 +42,7 @@ enum class ReadMode {
 template <bool kSwap>
 class Reader {
   public:
-    Reader(const ReadProgram &program, const uint8_t *bytes, size_t size, ReadMode mode)
+    Reader(const ReadProgram &program, const std::uint8_t *bytes, std::size_t size, ReadMode mode)
         : program_(program), cursor_(bytes, size), skipper_(program, &cursor_), mode_(mode) {}
 
     bool read(void *record) {
@@ -49,7 +50,7 @@ class Reader {
     }
 
     // Bytes that were not read.
-    size_t left() const { return cursor_.left(); }
+    std::size_t left() const { return cursor_.left(); }
 
   private:
     // `keys_only` reduces the structure that `op` reads to its key members.
@@ -82,7 +83,7 @@ class Reader {
             return cursor_.align(op.alignment) &&
                    cursor_.words(base + op.offset, op.count, op.width);
         }
-        const uint8_t *outer = nullptr;
+        const std::uint8_t *outer = nullptr;
         if (!cursor_.open_count(&outer)) {
             return false;
         }
@@ -92,7 +93,7 @@ class Reader {
     }
 
     bool string(const Op &op, char *base) {
-        uint32_t size = 0;
+        std::uint32_t size = 0;
         if (!cursor_.word32(&size) || size > cursor_.left()) {
             return false;
         }
@@ -126,13 +127,13 @@ class Reader {
     }
 
     bool elements(const Op &op, char *first) {
-        const uint8_t *outer = nullptr;
+        const std::uint8_t *outer = nullptr;
         const bool framed = (op.flags & kOpHasDheader) != 0;
         if (framed && !cursor_.open_count(&outer)) {
             return false;
         }
         const ReadElement &element = program_.elements[op.index];
-        for (size_t i = 0; i < op.count; ++i) {
+        for (std::size_t i = 0; i < op.count; ++i) {
             if (!value(element.op, first + i * element.stride, false)) {
                 return false;
             }
@@ -144,7 +145,7 @@ class Reader {
     }
 
     bool sequence(const Op &op, char *base) {
-        const uint8_t *outer = nullptr;
+        const std::uint8_t *outer = nullptr;
         const bool framed = (op.flags & kOpHasDheader) != 0;
         if (framed && !cursor_.open_count(&outer)) {
             return false;
@@ -162,7 +163,8 @@ class Reader {
     }
 
     // Room for as many elements as the bytes that are left can hold at most.
-    bool resize(const Op &op, KOLT_Sequence *sequence, uint32_t count, size_t element_size) {
+    bool resize(const Op &op, KOLT_Sequence *sequence, std::uint32_t count,
+                std::size_t element_size) {
         if (count > op.count || count > KOLT_SEQUENCE_ABSOLUTE_MAXIMUM ||
             count > cursor_.left() / element_size) {
             return false;
@@ -178,7 +180,8 @@ class Reader {
         return sequence_set_length(sequence, ops, static_cast<DDS_Long>(count));
     }
 
-    static char *sequence_element_at(KOLT_Sequence *sequence, size_t index, size_t stride) {
+    static char *sequence_element_at(KOLT_Sequence *sequence, std::size_t index,
+                                     std::size_t stride) {
         if (sequence->_contiguous_buffer != nullptr) {
             return static_cast<char *>(sequence->_contiguous_buffer) + index * stride;
         }
@@ -186,7 +189,7 @@ class Reader {
     }
 
     bool sequence_words(const Op &op, KOLT_Sequence *sequence) {
-        uint32_t count = 0;
+        std::uint32_t count = 0;
         if (!cursor_.word32(&count)) {
             return false;
         }
@@ -202,7 +205,7 @@ class Reader {
         if (sequence->_contiguous_buffer != nullptr) {
             return cursor_.words(sequence->_contiguous_buffer, count, op.width);
         }
-        for (size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             char *const element = sequence_element_at(sequence, i, op.width);
             if (element == nullptr || !cursor_.words(element, 1, op.width)) {
                 return false;
@@ -213,11 +216,11 @@ class Reader {
 
     bool sequence_elements(const Op &op, KOLT_Sequence *sequence) {
         const ReadElement &element = program_.elements[op.index];
-        uint32_t count = 0;
+        std::uint32_t count = 0;
         if (!cursor_.word32(&count) || !resize(op, sequence, count, element.minimum_size)) {
             return false;
         }
-        for (size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             char *const place = sequence_element_at(sequence, i, element.stride);
             if (place == nullptr || !value(element.op, place, false)) {
                 return false;
@@ -228,7 +231,7 @@ class Reader {
 
     bool optional(const Op &op, char *base) {
         if (program_.version == XcdrVersion::k2) {
-            uint8_t present = 0;
+            std::uint8_t present = 0;
             if (!cursor_.words(&present, 1, 1)) {
                 return false;
             }
@@ -268,12 +271,12 @@ class Reader {
 
     // Reads inside a frame of `size` bytes, in which XCDR1 counts alignment anew (XTypes 7.4.1.2).
     template <typename Function>
-    bool in_frame(size_t size, Function &&read) {
-        const uint8_t *outer = nullptr;
+    bool in_frame(std::size_t size, Function &&read) {
+        const std::uint8_t *outer = nullptr;
         if (!cursor_.open_frame(size, &outer)) {
             return false;
         }
-        const uint8_t *const origin = cursor_.origin();
+        const std::uint8_t *const origin = cursor_.origin();
         if (program_.version == XcdrVersion::k1) {
             cursor_.set_origin(cursor_.at());
         }
@@ -291,7 +294,7 @@ class Reader {
             case Framing::kOpen:
                 return members(aggregate, record, keys_only);
             case Framing::kDelimited: {
-                const uint8_t *outer = nullptr;
+                const std::uint8_t *outer = nullptr;
                 if (!cursor_.open_count(&outer)) {
                     return false;
                 }
@@ -307,7 +310,7 @@ class Reader {
             case Framing::kParameterList1:
                 return parameters(aggregate, record, keys_only);
             case Framing::kParameterList2: {
-                const uint8_t *outer = nullptr;
+                const std::uint8_t *outer = nullptr;
                 if (!cursor_.open_count(&outer)) {
                     return false;
                 }
@@ -414,8 +417,8 @@ class Reader {
             return parameter_union(aggregate, record);
         }
         SeenMembers seen(aggregate.members.size());
-        size_t expected = 0;
-        size_t found = 0;
+        std::size_t expected = 0;
+        std::size_t found = 0;
         for (;;) {
             MemberHeader header;
             bool done = false;
@@ -425,7 +428,7 @@ class Reader {
             if (done) {
                 break;
             }
-            const size_t place = header.ignored ? kNone : find(aggregate, header.id, expected);
+            const std::size_t place = header.ignored ? kNone : find(aggregate, header.id, expected);
             if (place == kNone) {
                 if (header.must_understand && !header.ignored) {
                     return false;
@@ -457,18 +460,18 @@ class Reader {
                reset_unseen(aggregate, record, seen, keys_only);
     }
 
-    static size_t find(const Aggregate &aggregate, uint32_t id, size_t expected) {
+    static std::size_t find(const Aggregate &aggregate, std::uint32_t id, std::size_t expected) {
         if (expected < aggregate.members.size() && aggregate.members[expected].id == id) {
             return expected;
         }
         const auto place = std::lower_bound(aggregate.by_id.begin(), aggregate.by_id.end(),
-                                            std::make_pair(id, uint32_t{0}));
+                                            std::make_pair(id, std::uint32_t{0}));
         return place != aggregate.by_id.end() && place->first == id ? place->second : kNone;
     }
 
     bool reset_unseen(const Aggregate &aggregate, char *record, const SeenMembers &seen,
                       bool keys_only) {
-        for (size_t i = 0; i < aggregate.members.size(); ++i) {
+        for (std::size_t i = 0; i < aggregate.members.size(); ++i) {
             const ReadMember &member = aggregate.members[i];
             if (seen.has(i) || (keys_only && !member.is_key)) {
                 continue;
@@ -508,7 +511,7 @@ class Reader {
                 }
                 continue;
             }
-            const size_t place = header.ignored ? kNone : find(aggregate, header.id, kNone);
+            const std::size_t place = header.ignored ? kNone : find(aggregate, header.id, kNone);
             if (place == kNone) {
                 if (header.must_understand && !header.ignored) {
                     return false;
@@ -541,5 +544,3 @@ class Reader {
 };
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_CDR_READER_HPP

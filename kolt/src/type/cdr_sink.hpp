@@ -1,6 +1,5 @@
 // Where a write program writes to: a buffer in either byte order, or a counter.
-#ifndef KOLT_SRC_TYPE_CDR_SINK_HPP
-#define KOLT_SRC_TYPE_CDR_SINK_HPP
+#pragma once
 
 #include <bit>
 #include <cstddef>
@@ -11,20 +10,20 @@
 
 namespace kolt::type {
 
-inline uint16_t SwapBytes(uint16_t value) {
+inline std::uint16_t SwapBytes(std::uint16_t value) {
     return __builtin_bswap16(value);
 }
-inline uint32_t SwapBytes(uint32_t value) {
+inline std::uint32_t SwapBytes(std::uint32_t value) {
     return __builtin_bswap32(value);
 }
-inline uint64_t SwapBytes(uint64_t value) {
+inline std::uint64_t SwapBytes(std::uint64_t value) {
     return __builtin_bswap64(value);
 }
 
 // Copies `count` numbers of `width` bytes and turns each of them round.
 template <typename Word>
-void copy_swapped_words(uint8_t *to, const uint8_t *from, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
+void copy_swapped_words(std::uint8_t *to, const std::uint8_t *from, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
         Word word;
         std::memcpy(&word, from + i * sizeof(word), sizeof(word));
         word = SwapBytes(word);
@@ -33,19 +32,19 @@ void copy_swapped_words(uint8_t *to, const uint8_t *from, size_t count) {
 }
 
 template <bool kSwap>
-inline void copy_words(void *to, const void *from, size_t count, size_t width) {
+inline void copy_words(void *to, const void *from, std::size_t count, std::size_t width) {
     if constexpr (kSwap) {
-        auto *const target = static_cast<uint8_t *>(to);
-        const auto *const source = static_cast<const uint8_t *>(from);
+        auto *const target = static_cast<std::uint8_t *>(to);
+        const auto *const source = static_cast<const std::uint8_t *>(from);
         switch (width) {
             case 2:
-                copy_swapped_words<uint16_t>(target, source, count);
+                copy_swapped_words<std::uint16_t>(target, source, count);
                 return;
             case 4:
-                copy_swapped_words<uint32_t>(target, source, count);
+                copy_swapped_words<std::uint32_t>(target, source, count);
                 return;
             case 8:
-                copy_swapped_words<uint64_t>(target, source, count);
+                copy_swapped_words<std::uint64_t>(target, source, count);
                 return;
             default:
                 break;
@@ -62,8 +61,8 @@ inline void copy_words(void *to, const void *from, size_t count, size_t width) {
 
 // An open XCDR1 parameter.
 struct ParameterMark {
-    size_t header = 0;  // where its header begins
-    size_t origin = 0;  // the alignment origin around it
+    std::size_t header = 0;  // where its header begins
+    std::size_t origin = 0;  // the alignment origin around it
     bool extended = false;
 };
 
@@ -72,24 +71,24 @@ struct ParameterMark {
 template <bool kSwap>
 class BufferSink {
   public:
-    BufferSink(uint8_t *buffer, size_t capacity) : buffer_(buffer), capacity_(capacity) {}
+    BufferSink(std::uint8_t *buffer, std::size_t capacity) : buffer_(buffer), capacity_(capacity) {}
 
-    size_t position() const { return position_; }
+    std::size_t position() const { return position_; }
 
-    bool align(size_t alignment) {
-        const size_t padding = (origin_ - position_) & (alignment - 1);
+    bool align(std::size_t alignment) {
+        const std::size_t padding = (origin_ - position_) & (alignment - 1);
         if (padding > capacity_ - position_) {
             return false;
         }
-        for (size_t i = 0; i < padding; ++i) {
+        for (std::size_t i = 0; i < padding; ++i) {
             buffer_[position_ + i] = 0;
         }
         position_ += padding;
         return true;
     }
 
-    bool words(const void *from, size_t count, size_t width) {
-        const size_t size = count * width;
+    bool words(const void *from, std::size_t count, std::size_t width) {
+        const std::size_t size = count * width;
         if (size > capacity_ - position_) {
             return false;
         }
@@ -98,12 +97,12 @@ class BufferSink {
         return true;
     }
 
-    bool word32(uint32_t value) { return words(&value, 1, 4); }
+    bool word32(std::uint32_t value) { return words(&value, 1, 4); }
 
     // Words, and members of a record over some of them.
-    bool patched(const uint32_t *pattern, size_t count, const StretchField *field,
+    bool patched(const std::uint32_t *pattern, std::size_t count, const StretchField *field,
                  const StretchField *last, const char *record) {
-        uint8_t *const start = buffer_ + position_;
+        std::uint8_t *const start = buffer_ + position_;
         if (!words(pattern, count, 4)) {
             return false;
         }
@@ -115,12 +114,12 @@ class BufferSink {
     }
 
     // A string of `size` bytes, its terminator included, behind its length.
-    bool string(const char *text, uint32_t size) {
+    bool string(const char *text, std::uint32_t size) {
         return align(4) && word32(size) && words(text, size, 1);
     }
 
     // Room for a byte count that CloseCount fills in.
-    bool open_count(size_t *mark) {
+    bool open_count(std::size_t *mark) {
         *mark = position_;
         if (4 > capacity_ - position_) {
             return false;
@@ -128,12 +127,12 @@ class BufferSink {
         position_ += 4;
         return true;
     }
-    bool close_count(size_t mark) {
-        const size_t size = position_ - mark - 4;
+    bool close_count(std::size_t mark) {
+        const std::size_t size = position_ - mark - 4;
         if (size > UINT32_MAX) {
             return false;
         }
-        store32(mark, static_cast<uint32_t>(size));
+        store32(mark, static_cast<std::uint32_t>(size));
         return true;
     }
 
@@ -145,7 +144,7 @@ class BufferSink {
         mark->header = position_;
         mark->origin = origin_;
         mark->extended = op.constant > kLargestShortId;
-        const size_t size = mark->extended ? 12 : 4;
+        const std::size_t size = mark->extended ? 12 : 4;
         if (size > capacity_ - position_) {
             return false;
         }
@@ -159,8 +158,8 @@ class BufferSink {
     bool close_parameter(const Op &op, const ParameterMark &mark) {
         const bool move = !mark.extended && position_ - mark.header - 4 > kLargestShortLength;
         const bool extended = mark.extended || move;
-        const size_t start = mark.header + (mark.extended ? 12 : 4);
-        const size_t length = position_ - start;
+        const std::size_t start = mark.header + (mark.extended ? 12 : 4);
+        const std::size_t length = position_ - start;
         if (length > UINT32_MAX) {
             return false;
         }
@@ -172,15 +171,15 @@ class BufferSink {
             position_ += 8;
         }
         const bool must_understand = (op.flags & kOpMustUnderstand) != 0;
-        const uint16_t flag = must_understand ? kPidMustUnderstand : uint16_t{0};
+        const std::uint16_t flag = must_understand ? kPidMustUnderstand : std::uint16_t{0};
         if (extended) {
-            store16(mark.header, static_cast<uint16_t>(kPidExtended | flag));
+            store16(mark.header, static_cast<std::uint16_t>(kPidExtended | flag));
             store16(mark.header + 2, 8);
             store32(mark.header + 4, op.constant | (must_understand ? kExtendedMustUnderstand : 0));
-            store32(mark.header + 8, static_cast<uint32_t>(length));
+            store32(mark.header + 8, static_cast<std::uint32_t>(length));
         } else {
-            store16(mark.header, static_cast<uint16_t>(op.constant | flag));
-            store16(mark.header + 2, static_cast<uint16_t>(length));
+            store16(mark.header, static_cast<std::uint16_t>(op.constant | flag));
+            store16(mark.header + 2, static_cast<std::uint16_t>(length));
         }
         origin_ = mark.origin;
         return true;
@@ -197,45 +196,49 @@ class BufferSink {
     }
 
   private:
-    void store16(size_t at, uint16_t value) { copy_words<kSwap>(buffer_ + at, &value, 1, 2); }
-    void store32(size_t at, uint32_t value) { copy_words<kSwap>(buffer_ + at, &value, 1, 4); }
+    void store16(std::size_t at, std::uint16_t value) {
+        copy_words<kSwap>(buffer_ + at, &value, 1, 2);
+    }
+    void store32(std::size_t at, std::uint32_t value) {
+        copy_words<kSwap>(buffer_ + at, &value, 1, 4);
+    }
 
-    uint8_t *buffer_;
-    size_t capacity_;
-    size_t position_ = 0;
-    size_t origin_ = 0;
+    std::uint8_t *buffer_;
+    std::size_t capacity_;
+    std::size_t position_ = 0;
+    std::size_t origin_ = 0;
 };
 
 // The same operations, counting only.
 class CountSink {
   public:
-    explicit CountSink(size_t start = 0) : position_(start) {}
+    explicit CountSink(std::size_t start = 0) : position_(start) {}
 
-    size_t position() const { return position_; }
-    bool align(size_t alignment) {
+    std::size_t position() const { return position_; }
+    bool align(std::size_t alignment) {
         position_ += (origin_ - position_) & (alignment - 1);
         return true;
     }
-    bool words(const void *, size_t count, size_t width) {
+    bool words(const void *, std::size_t count, std::size_t width) {
         position_ += count * width;
         return true;
     }
-    bool word32(uint32_t) {
+    bool word32(std::uint32_t) {
         position_ += 4;
         return true;
     }
-    bool patched(const uint32_t *, size_t count, const StretchField *, const StretchField *,
-                 const char *) {
+    bool patched(const std::uint32_t *, std::size_t count, const StretchField *,
+                 const StretchField *, const char *) {
         position_ += count * 4;
         return true;
     }
-    bool string(const char *, uint32_t size) {
+    bool string(const char *, std::uint32_t size) {
         align(4);
-        position_ += 4 + size_t{size};
+        position_ += 4 + std::size_t{size};
         return true;
     }
-    bool open_count(size_t *) { return word32(0); }
-    bool close_count(size_t) { return true; }
+    bool open_count(std::size_t *) { return word32(0); }
+    bool close_count(std::size_t) { return true; }
     bool open_parameter(const Op &op, ParameterMark *mark) {
         align(4);
         mark->extended = op.constant > kLargestShortId;
@@ -257,10 +260,8 @@ class CountSink {
     }
 
   private:
-    size_t position_;
-    size_t origin_ = 0;
+    std::size_t position_;
+    std::size_t origin_ = 0;
 };
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_CDR_SINK_HPP

@@ -1,6 +1,7 @@
 // Passing over values without a place to put them.
-#ifndef KOLT_SRC_TYPE_CDR_SKIPPER_HPP
-#define KOLT_SRC_TYPE_CDR_SKIPPER_HPP
+#pragma once
+
+#include <cstdint>
 
 #include "type/cdr_cursor.hpp"
 #include "type/layout.hpp"
@@ -21,14 +22,14 @@ class Skipper {
                 }
                 return cursor_.align(op.alignment) && cursor_.skip_words(op.count, op.width);
             case OpCode::kString: {
-                uint32_t size = 0;
+                std::uint32_t size = 0;
                 return cursor_.word32(&size) && cursor_.skip(size);
             }
             case OpCode::kPrimitiveSequence: {
                 if ((op.flags & kOpHasDheader) != 0) {
                     return skip_delimited();
                 }
-                uint32_t count = 0;
+                std::uint32_t count = 0;
                 if (!cursor_.word32(&count)) {
                     return false;
                 }
@@ -42,7 +43,7 @@ class Skipper {
                 if ((op.flags & kOpHasDheader) != 0) {
                     return skip_delimited();
                 }
-                uint32_t count = 0;
+                std::uint32_t count = 0;
                 return cursor_.word32(&count) && skip_elements(op.index, count);
             }
             case OpCode::kElements:
@@ -62,12 +63,12 @@ class Skipper {
     }
 
     // `count` elements, each of which takes at least a byte.
-    bool skip_elements(uint32_t index, uint32_t count) {
+    bool skip_elements(std::uint32_t index, std::uint32_t count) {
         const ReadElement &element = program_.elements[index];
         if (count > cursor_.left() / element.minimum_size) {
             return false;
         }
-        for (uint32_t i = 0; i < count; ++i) {
+        for (std::uint32_t i = 0; i < count; ++i) {
             if (!skip(element.op)) {
                 return false;
             }
@@ -77,7 +78,7 @@ class Skipper {
 
   private:
     bool skip_delimited() {
-        uint32_t size = 0;
+        std::uint32_t size = 0;
         return cursor_.word32(&size) && cursor_.skip(size);
     }
 
@@ -86,7 +87,7 @@ class Skipper {
             MemberHeader header;
             return read_parameter_header(&cursor_, &header) && cursor_.skip(header.size);
         }
-        uint8_t present = 0;
+        std::uint8_t present = 0;
         if (!cursor_.words(&present, 1, 1)) {
             return false;
         }
@@ -134,11 +135,11 @@ class Skipper {
 
     bool skip_union(const Aggregate &aggregate) {
         const Op &op = aggregate.discriminator;
-        uint64_t storage = 0;
+        std::uint64_t storage = 0;
         if (!cursor_.align(op.alignment) || !cursor_.words(&storage, 1, op.width)) {
             return false;
         }
-        const int64_t value = load_integer(aggregate.type->discriminator_type->kind, &storage);
+        const std::int64_t value = load_integer(aggregate.type->discriminator_type->kind, &storage);
         const DDS_UnsignedLong selected = selected_member(*aggregate.type, value);
         return selected == aggregate.type->member_count || skip(aggregate.members[selected].op);
     }
@@ -148,5 +149,3 @@ class Skipper {
 };
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_CDR_SKIPPER_HPP

@@ -1,6 +1,8 @@
 // The interpreter of write programs.
-#ifndef KOLT_SRC_TYPE_CDR_WRITER_HPP
-#define KOLT_SRC_TYPE_CDR_WRITER_HPP
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
 
 #include "type/cdr_sink.hpp"
 #include "type/layout.hpp"
@@ -43,7 +45,7 @@ class Writer {
         return true;
     }
 
-    bool run_element(uint32_t index, const char *base) {
+    bool run_element(std::uint32_t index, const char *base) {
         return run(program_.elements[index].ops, base);
     }
 
@@ -52,7 +54,7 @@ class Writer {
             case OpCode::kParameter:
                 return parameter(op, base);
             case OpCode::kDelimited: {
-                size_t mark = 0;
+                std::size_t mark = 0;
                 return sink_.align(4) && sink_.open_count(&mark) &&
                        run_element(op.index, base + op.offset) && sink_.close_count(mark);
             }
@@ -65,7 +67,7 @@ class Writer {
             case OpCode::kSelect:
                 return select(op, base);
             case OpCode::kPresenceFlag: {
-                const uint8_t present = load_pointer(base + op.offset) != nullptr;
+                const std::uint8_t present = load_pointer(base + op.offset) != nullptr;
                 return sink_.words(&present, 1, 1);
             }
             case OpCode::kIfPresent: {
@@ -84,12 +86,12 @@ class Writer {
         if (text == nullptr) {
             return false;
         }
-        const size_t length =
-            op.count == kUnbounded ? std::strlen(text) : strnlen(text, size_t{op.count} + 1);
+        const std::size_t length =
+            op.count == kUnbounded ? std::strlen(text) : strnlen(text, std::size_t{op.count} + 1);
         if (length >= UINT32_MAX || length > op.count) {
             return false;
         }
-        return sink_.string(text, static_cast<uint32_t>(length + 1));
+        return sink_.string(text, static_cast<std::uint32_t>(length + 1));
     }
 
     bool write_stretch(const Stretch &stretch, const char *base) {
@@ -129,8 +131,8 @@ class Writer {
         return sequence;
     }
 
-    static const char *sequence_element_at(const KOLT_Sequence *sequence, size_t index,
-                                           size_t stride) {
+    static const char *sequence_element_at(const KOLT_Sequence *sequence, std::size_t index,
+                                           std::size_t stride) {
         if (sequence->_contiguous_buffer != nullptr) {
             return static_cast<const char *>(sequence->_contiguous_buffer) + index * stride;
         }
@@ -151,7 +153,7 @@ class Writer {
         if (sequence->_contiguous_buffer != nullptr) {
             return sink_.words(sequence->_contiguous_buffer, sequence->_length, op.width);
         }
-        for (size_t i = 0; i < sequence->_length; ++i) {
+        for (std::size_t i = 0; i < sequence->_length; ++i) {
             const char *const element = sequence_element_at(sequence, i, op.width);
             if (element == nullptr || !sink_.words(element, 1, op.width)) {
                 return false;
@@ -165,8 +167,8 @@ class Writer {
         if (sequence == nullptr || !sink_.align(4) || !sink_.word32(sequence->_length)) {
             return false;
         }
-        const size_t stride = program_.elements[op.index].stride;
-        for (size_t i = 0; i < sequence->_length; ++i) {
+        const std::size_t stride = program_.elements[op.index].stride;
+        for (std::size_t i = 0; i < sequence->_length; ++i) {
             const char *const element = sequence_element_at(sequence, i, stride);
             if (element == nullptr || !run_element(op.index, element)) {
                 return false;
@@ -177,7 +179,7 @@ class Writer {
 
     bool elements(const Op &op, const char *first) {
         const WriteElement &element = program_.elements[op.index];
-        for (size_t i = 0; i < op.count; ++i) {
+        for (std::size_t i = 0; i < op.count; ++i) {
             if (!run(element.ops, first + i * element.stride)) {
                 return false;
             }
@@ -187,7 +189,7 @@ class Writer {
 
     bool select(const Op &op, const char *base) {
         const Selection &selection = program_.selections[op.index];
-        const int64_t discriminator =
+        const std::int64_t discriminator =
             load_integer(selection.discriminator_kind, base + selection.discriminator_offset);
         for (const auto &[label, element] : selection.cases) {
             if (label == discriminator) {
@@ -202,5 +204,3 @@ class Writer {
 };
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_CDR_WRITER_HPP

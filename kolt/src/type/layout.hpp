@@ -1,6 +1,5 @@
 // How values lie in memory, and questions about type codes that several files ask.
-#ifndef KOLT_SRC_TYPE_LAYOUT_HPP
-#define KOLT_SRC_TYPE_LAYOUT_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +15,7 @@ inline bool is_primitive(DDS_TCKind kind) {
 }
 
 // Bytes of a primitive or an enumeration, in memory and on the wire; 0 for other kinds.
-inline size_t primitive_size(DDS_TCKind kind) {
+inline std::size_t primitive_size(DDS_TCKind kind) {
     switch (kind) {
         case DDS_TK_BOOLEAN:
         case DDS_TK_CHAR:
@@ -44,8 +43,8 @@ inline bool is_signed(DDS_TCKind kind) {
            kind == DDS_TK_ENUM || kind == DDS_TK_CHAR;
 }
 
-inline size_t element_count(const DDS_TypeCode &array) {
-    size_t count = 1;
+inline std::size_t element_count(const DDS_TypeCode &array) {
+    std::size_t count = 1;
     for (DDS_UnsignedLong i = 0; i < array.dimension_count; ++i) {
         count *= array.dimensions[i];
     }
@@ -53,7 +52,7 @@ inline size_t element_count(const DDS_TypeCode &array) {
 }
 
 // Bytes of a value of the type inside a record; 0 for a malformed type code.
-inline size_t value_size(const DDS_TypeCode &type) {
+inline std::size_t value_size(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_STRING:
             return sizeof(DDS_Char *);
@@ -84,24 +83,24 @@ inline bool is_keyed(const DDS_TypeCode &type) {
 }
 
 // The integer that `value` points to; floating-point kinds give their bits.
-inline int64_t load_integer(DDS_TCKind kind, const void *value) {
-    const size_t size = primitive_size(kind);
+inline std::int64_t load_integer(DDS_TCKind kind, const void *value) {
+    const std::size_t size = primitive_size(kind);
     if (size == 1) {
-        uint8_t byte = 0;
+        std::uint8_t byte = 0;
         std::memcpy(&byte, value, 1);
-        return kind == DDS_TK_CHAR ? static_cast<int8_t>(byte) : byte;
+        return kind == DDS_TK_CHAR ? static_cast<std::int8_t>(byte) : byte;
     }
     if (size == 2) {
-        uint16_t half = 0;
+        std::uint16_t half = 0;
         std::memcpy(&half, value, 2);
-        return is_signed(kind) ? static_cast<int16_t>(half) : half;
+        return is_signed(kind) ? static_cast<std::int16_t>(half) : half;
     }
     if (size == 4) {
-        uint32_t word = 0;
+        std::uint32_t word = 0;
         std::memcpy(&word, value, 4);
-        return is_signed(kind) ? static_cast<int32_t>(word) : static_cast<int64_t>(word);
+        return is_signed(kind) ? static_cast<std::int32_t>(word) : static_cast<std::int64_t>(word);
     }
-    int64_t wide = 0;
+    std::int64_t wide = 0;
     if (size == 8) {
         std::memcpy(&wide, value, 8);
     }
@@ -109,11 +108,11 @@ inline int64_t load_integer(DDS_TCKind kind, const void *value) {
 }
 
 // Stores the low bytes of `integer` as a value of an integral kind.
-inline void store_integer(DDS_TCKind kind, void *value, int64_t integer) {
-    const auto bits = static_cast<uint64_t>(integer);
-    const auto byte = static_cast<uint8_t>(bits);
-    const auto half = static_cast<uint16_t>(bits);
-    const auto word = static_cast<uint32_t>(bits);
+inline void store_integer(DDS_TCKind kind, void *value, std::int64_t integer) {
+    const auto bits = static_cast<std::uint64_t>(integer);
+    const auto byte = static_cast<std::uint8_t>(bits);
+    const auto half = static_cast<std::uint16_t>(bits);
+    const auto word = static_cast<std::uint32_t>(bits);
     switch (primitive_size(kind)) {
         case 1:
             std::memcpy(value, &byte, 1);
@@ -133,7 +132,7 @@ inline void store_integer(DDS_TCKind kind, void *value, int64_t integer) {
 }
 
 // The member that a discriminator selects, or member_count when it selects none.
-inline DDS_UnsignedLong selected_member(const DDS_TypeCode &type, int64_t discriminator) {
+inline DDS_UnsignedLong selected_member(const DDS_TypeCode &type, std::int64_t discriminator) {
     DDS_UnsignedLong fallback = type.member_count;
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         const DDS_TypeCodeMember &member = type.members[i];
@@ -149,7 +148,7 @@ inline DDS_UnsignedLong selected_member(const DDS_TypeCode &type, int64_t discri
     return fallback;
 }
 
-inline int64_t load_discriminator(const DDS_TypeCode &type, const void *record) {
+inline std::int64_t load_discriminator(const DDS_TypeCode &type, const void *record) {
     return load_integer(type.discriminator_type->kind,
                         static_cast<const char *>(record) + type.access->discriminator_offset);
 }
@@ -175,5 +174,3 @@ inline void store_pointer(void *place, const void *pointer) {
 }
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_LAYOUT_HPP

@@ -11,8 +11,8 @@ using kolt::type::KeyHashStream;
 using kolt::type::RecordPool;
 
 // Records that are kept beyond those made in advance.
-constexpr size_t kIdleRecords = 32;
-constexpr size_t kIdleKeys = 4;
+constexpr std::size_t kIdleRecords = 32;
+constexpr std::size_t kIdleKeys = 4;
 // The key stream's buffer grows on demand beyond this.
 constexpr DDS_UnsignedLong kLargestKeyReserve = 64 * 1024;
 
@@ -134,8 +134,9 @@ DDS_Boolean KOLT_TypePlugin_EndpointData_create_writer_pool(
         KOLT_TypePrograms_type(self->participant->programs), self->info.representation);
     const DDS_UnsignedLong size = max_size_function(self, DDS_BOOLEAN_TRUE, encapsulation, 0);
     // A few bytes more than the largest sample: the payload's padding to a multiple of 4.
-    const size_t largest =
-        size >= KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED ? 0 : (size_t{size} + 3) & ~size_t{3};
+    const std::size_t largest = size >= KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED
+                                    ? 0
+                                    : (std::size_t{size} + 3) & ~std::size_t{3};
     self->buffers.reset(BufferPool::create(largest));
     return self->buffers != nullptr;
 }

@@ -1,6 +1,5 @@
 // What the default participant and endpoint data hold.
-#ifndef KOLT_SRC_TYPE_PLUGIN_DATA_HPP
-#define KOLT_SRC_TYPE_PLUGIN_DATA_HPP
+#pragma once
 
 #include <memory>
 #include <mutex>
@@ -41,5 +40,3 @@ struct KOLT_TypePluginEndpointData {
     std::unique_ptr<kolt::type::BufferPool, kolt::type::BufferPoolRelease> buffers;
     DDS_UnsignedLong max_size = 0;
 };
-
-#endif  // KOLT_SRC_TYPE_PLUGIN_DATA_HPP

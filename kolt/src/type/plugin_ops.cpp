@@ -10,8 +10,8 @@ using kolt::type::BufferPool;
 using kolt::type::Encapsulation;
 using kolt::type::Part;
 
-constexpr size_t kHeaderSize = KOLT_ENCAPSULATION_HEADER_SIZE;
-constexpr size_t kKeyOnStack = 256;
+constexpr std::size_t kHeaderSize = KOLT_ENCAPSULATION_HEADER_SIZE;
+constexpr std::size_t kKeyOnStack = 256;
 
 const KOLT_TypePrograms *programs_of(const KOLT_TypePluginEndpointData *endpoint_data) {
     return KOLT_TypePlugin_EndpointData_programs(endpoint_data);
@@ -31,14 +31,14 @@ DDS_Boolean write(KOLT_TypePluginEndpointData *endpoint_data, const void *sample
         !kolt::type::resolve_encapsulation(*programs, identifier, part, &encapsulation)) {
         return DDS_BOOLEAN_FALSE;
     }
-    const size_t start = stream->position;
+    const std::size_t start = stream->position;
     if (with_header) {
         if (kHeaderSize > stream->length - stream->position) {
             return DDS_BOOLEAN_FALSE;
         }
         stream->position += kHeaderSize;
     }
-    size_t body = 0;
+    std::size_t body = 0;
     if (with_body) {
         if (!kolt::type::encode_body(*programs, encapsulation, part, sample,
                                      stream->buffer + stream->position,
@@ -55,7 +55,7 @@ DDS_Boolean write(KOLT_TypePluginEndpointData *endpoint_data, const void *sample
 }
 
 using Decoder = bool (*)(const KOLT_TypePrograms &, const Encapsulation &, const DDS_Octet *,
-                         size_t, void *);
+                         std::size_t, void *);
 
 DDS_Boolean read(KOLT_TypePluginEndpointData *endpoint_data, void **sample,
                  DDS_Boolean *drop_sample, KOLT_CdrStream *stream, bool with_header, bool with_body,
@@ -67,7 +67,7 @@ DDS_Boolean read(KOLT_TypePluginEndpointData *endpoint_data, void **sample,
     if (programs == nullptr || !is_usable(stream)) {
         return DDS_BOOLEAN_FALSE;
     }
-    size_t body = stream->length - stream->position;
+    std::size_t body = stream->length - stream->position;
     if (with_header) {
         if (!kolt::type::read_header(stream->buffer + stream->position, body,
                                      &stream->encapsulation, &body)) {
@@ -109,7 +109,8 @@ bool resolve_for_size(const KOLT_TypePluginEndpointData *endpoint_data,
            kolt::type::resolve_encapsulation(*programs, any, part, encapsulation);
 }
 
-using Bound = uint64_t (*)(const KOLT_TypePrograms &, const Encapsulation &, Part, size_t);
+using Bound = std::uint64_t (*)(const KOLT_TypePrograms &, const Encapsulation &, Part,
+                                std::size_t);
 
 DDS_UnsignedLong bound_size(const KOLT_TypePluginEndpointData *endpoint_data, DDS_Boolean *overflow,
                             DDS_Boolean include_encapsulation, DDS_UnsignedShort identifier,
@@ -123,8 +124,8 @@ DDS_UnsignedLong bound_size(const KOLT_TypePluginEndpointData *endpoint_data, DD
         return 0;
     }
     // Alignment is counted from behind the header.
-    const size_t start = include_encapsulation ? 0 : current_alignment;
-    uint64_t size = bound(*programs, encapsulation, part, start);
+    const std::size_t start = include_encapsulation ? 0 : current_alignment;
+    std::uint64_t size = bound(*programs, encapsulation, part, start);
     if (size != UINT64_MAX && include_encapsulation) {
         size += kHeaderSize;
     }
@@ -137,7 +138,7 @@ DDS_UnsignedLong bound_size(const KOLT_TypePluginEndpointData *endpoint_data, DD
 
 }  // namespace
 
-void KOLT_CdrStream_set(KOLT_CdrStream *self, DDS_Octet *buffer, size_t length) {
+void KOLT_CdrStream_set(KOLT_CdrStream *self, DDS_Octet *buffer, std::size_t length) {
     if (self == nullptr) {
         return;
     }
@@ -189,7 +190,7 @@ DDS_Boolean KOLT_TypePlugin_get_buffer(KOLT_TypePluginEndpointData *endpoint_dat
     if (endpoint_data == nullptr || buffer == nullptr || endpoint_data->buffers == nullptr) {
         return DDS_BOOLEAN_FALSE;
     }
-    size_t capacity = 0;
+    std::size_t capacity = 0;
     DDS_Octet *const bytes = endpoint_data->buffers->get(size, &capacity);
     if (bytes == nullptr) {
         return DDS_BOOLEAN_FALSE;
@@ -215,7 +216,7 @@ DDS_Boolean KOLT_TypePlugin_instance_to_keyhash(KOLT_TypePluginEndpointData *end
         return DDS_BOOLEAN_FALSE;
     }
     DDS_Octet small[kKeyOnStack];
-    size_t length = sizeof(small);
+    std::size_t length = sizeof(small);
     if (KOLT_Cdr_key_of_record(programs, instance, small, &length)) {
         KOLT_Cdr_keyhash(programs, small, length, DDS_BOOLEAN_FALSE, keyhash->value);
     } else if (length <= sizeof(small)) {
@@ -313,7 +314,7 @@ DDS_UnsignedLong KOLT_TypePlugin_get_serialized_sample_size(
     DDS_UnsignedShort encapsulation, DDS_UnsignedLong current_alignment, const void *sample) {
     const KOLT_TypePrograms *const programs = programs_of(endpoint_data);
     Encapsulation resolved;
-    size_t size = 0;
+    std::size_t size = 0;
     if (sample == nullptr ||
         !resolve_for_size(endpoint_data, programs, encapsulation, Part::kSample, &resolved) ||
         !kolt::type::measure_body(*programs, resolved, Part::kSample, sample,

@@ -7,7 +7,7 @@
 
 namespace kolt::type {
 
-RecordPool::RecordPool(Create create, Destroy destroy, size_t idle_limit)
+RecordPool::RecordPool(Create create, Destroy destroy, std::size_t idle_limit)
     : create_(create), destroy_(destroy) {
     idle_.reserve(idle_limit);
 }
@@ -18,8 +18,8 @@ RecordPool::~RecordPool() {
     }
 }
 
-bool RecordPool::fill(size_t count) {
-    for (size_t i = 0; i < count; ++i) {
+bool RecordPool::fill(std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
         void *const record = create_();
         if (record == nullptr) {
             return false;
@@ -57,9 +57,9 @@ void RecordPool::give_back(void *record) {
 
 struct alignas(std::max_align_t) BufferPool::Block {
     BufferPool *pool;
-    size_t size_class;  // kClassCount for a buffer that is too large to be kept
+    std::size_t size_class;  // kClassCount for a buffer that is too large to be kept
     Block *next;
-    size_t capacity;
+    std::size_t capacity;
 
     DDS_Octet *bytes() { return reinterpret_cast<DDS_Octet *>(this + 1); }
     static Block *of(DDS_Octet *bytes) {
@@ -67,7 +67,7 @@ struct alignas(std::max_align_t) BufferPool::Block {
     }
 };
 
-BufferPool *BufferPool::create(size_t largest) {
+BufferPool *BufferPool::create(std::size_t largest) {
     return new (std::nothrow) BufferPool(largest);
 }
 
@@ -93,7 +93,7 @@ void BufferPool::release() {
     }
 }
 
-BufferPool::Block *BufferPool::new_block(size_t size_class, size_t capacity) {
+BufferPool::Block *BufferPool::new_block(std::size_t size_class, std::size_t capacity) {
     void *const memory = std::malloc(sizeof(Block) + capacity);
     if (memory == nullptr) {
         return nullptr;
@@ -101,12 +101,12 @@ BufferPool::Block *BufferPool::new_block(size_t size_class, size_t capacity) {
     return new (memory) Block{this, size_class, nullptr, capacity};
 }
 
-DDS_Octet *BufferPool::get(size_t size, size_t *capacity) {
+DDS_Octet *BufferPool::get(std::size_t size, std::size_t *capacity) {
     if (largest_ != 0 && size > largest_) {
         return nullptr;
     }
-    size_t size_class = 0;
-    size_t rounded = kSmallest;
+    std::size_t size_class = 0;
+    std::size_t rounded = kSmallest;
     while (size_class < kClassCount && rounded < size) {
         rounded *= 2;
         ++size_class;
@@ -122,7 +122,7 @@ DDS_Octet *BufferPool::get(size_t size, size_t *capacity) {
         }
     }
     if (block == nullptr) {
-        size_t wanted = size_class < kClassCount ? rounded : size;
+        std::size_t wanted = size_class < kClassCount ? rounded : size;
         if (largest_ != 0) {
             wanted = std::min(wanted, largest_);
         }
@@ -150,7 +150,7 @@ void BufferPool::take_back(Block *block) {
     bool last = false;
     {
         const std::lock_guard lock(mutex_);
-        const size_t size_class = block->size_class;
+        const std::size_t size_class = block->size_class;
         keep = !released_ && size_class < kClassCount && idle_count_[size_class] < kIdlePerClass;
         if (keep) {
             block->next = idle_[size_class];

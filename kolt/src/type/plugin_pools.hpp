@@ -1,6 +1,5 @@
 // The pools of endpoint data: records for readers and keys, buffers for writers.
-#ifndef KOLT_SRC_TYPE_PLUGIN_POOLS_HPP
-#define KOLT_SRC_TYPE_PLUGIN_POOLS_HPP
+#pragma once
 
 #include <array>
 #include <cstddef>
@@ -18,13 +17,13 @@ class RecordPool {
     using Destroy = void (*)(void *record);
 
     // Keeps up to `idle_limit` records that are not in use. May throw std::bad_alloc.
-    RecordPool(Create create, Destroy destroy, size_t idle_limit);
+    RecordPool(Create create, Destroy destroy, std::size_t idle_limit);
     ~RecordPool();
     RecordPool(const RecordPool &) = delete;
     RecordPool &operator=(const RecordPool &) = delete;
 
     // Makes `count` records in advance. False when one can't be made.
-    bool fill(size_t count);
+    bool fill(std::size_t count);
     // NULL when a new record can't be made.
     void *get();
     void give_back(void *record);
@@ -41,38 +40,36 @@ class RecordPool {
 class BufferPool {
   public:
     // No buffer is larger than `largest` bytes, if that is not 0. NULL when memory runs out.
-    static BufferPool *create(size_t largest);
+    static BufferPool *create(std::size_t largest);
     // The owner's farewell.
     void release();
 
     // At least `size` bytes, `*capacity` in fact. NULL when memory runs out or `size` is more than
     // the largest.
-    DDS_Octet *get(size_t size, size_t *capacity);
+    DDS_Octet *get(std::size_t size, std::size_t *capacity);
     // Gives back a buffer of any pool.
     static void give_back(DDS_Octet *buffer);
 
   private:
     struct Block;  // the header in front of each buffer
 
-    static constexpr size_t kSmallest = 128;
-    static constexpr size_t kClassCount = 11;  // 128 bytes to 128 KiB
-    static constexpr size_t kIdlePerClass = 32;
+    static constexpr std::size_t kSmallest = 128;
+    static constexpr std::size_t kClassCount = 11;  // 128 bytes to 128 KiB
+    static constexpr std::size_t kIdlePerClass = 32;
 
-    explicit BufferPool(size_t largest) : largest_(largest) {}
+    explicit BufferPool(std::size_t largest) : largest_(largest) {}
     ~BufferPool();
 
     void take_back(Block *block);
-    Block *new_block(size_t size_class, size_t capacity);
+    Block *new_block(std::size_t size_class, std::size_t capacity);
 
-    const size_t largest_;
+    const std::size_t largest_;
     std::mutex mutex_;
     // All guarded by mutex_.
     std::array<Block *, kClassCount> idle_{};  // linked lists
-    std::array<size_t, kClassCount> idle_count_{};
-    size_t outstanding_ = 0;
+    std::array<std::size_t, kClassCount> idle_count_{};
+    std::size_t outstanding_ = 0;
     bool released_ = false;
 };
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_PLUGIN_POOLS_HPP

@@ -28,7 +28,7 @@ void initialize_primitive(const DDS_TypeCode &type, const DDS_TypeCodeMember *me
         }
         return;
     }
-    int64_t integer = 0;
+    std::int64_t integer = 0;
     if (annotation != nullptr) {
         integer = annotation->value.integer;
     } else if (type.kind == DDS_TK_ENUM && type.member_count > 0) {
@@ -38,8 +38,8 @@ void initialize_primitive(const DDS_TypeCode &type, const DDS_TypeCodeMember *me
 }
 
 // Copies what fits of `text` into a buffer of `bound` characters and a terminator.
-void fill_bounded(DDS_Char *buffer, const DDS_Char *text, size_t bound) {
-    const size_t length = strnlen(text, bound);
+void fill_bounded(DDS_Char *buffer, const DDS_Char *text, std::size_t bound) {
+    const std::size_t length = strnlen(text, bound);
     std::memcpy(buffer, text, length);
     buffer[length] = '\0';
 }
@@ -159,9 +159,9 @@ bool make_missing_strings(const DDS_TypeCode &type, const DDS_TypeCodeMember *me
             if (is_primitive(type.content_type->kind)) {
                 return true;
             }
-            const size_t size = value_size(*type.content_type);
-            const size_t count = element_count(type);
-            for (size_t i = 0; i < count; ++i) {
+            const std::size_t size = value_size(*type.content_type);
+            const std::size_t count = element_count(type);
+            for (std::size_t i = 0; i < count; ++i) {
                 char *const element = static_cast<char *>(value) + i * size;
                 if (!make_missing_strings(*type.content_type, member, element)) {
                     return false;
@@ -241,7 +241,7 @@ bool TypeCodeElementOps::copy(void *destination, const void *source) const {
     if (text == nullptr) {
         return false;
     }
-    if (type_.bound > 0 && strnlen(text, size_t{type_.bound} + 1) > type_.bound) {
+    if (type_.bound > 0 && strnlen(text, std::size_t{type_.bound} + 1) > type_.bound) {
         return false;
     }
     DDS_Char *const copy = DDS_String_dup(text);
@@ -261,9 +261,9 @@ bool initialize_value(const DDS_TypeCode &type, const DDS_TypeCodeMember *member
         case DDS_TK_SEQUENCE:
             return initialize_sequence(type, value, params);
         case DDS_TK_ARRAY: {
-            const size_t size = value_size(*type.content_type);
-            const size_t count = element_count(type);
-            for (size_t i = 0; i < count; ++i) {
+            const std::size_t size = value_size(*type.content_type);
+            const std::size_t count = element_count(type);
+            for (std::size_t i = 0; i < count; ++i) {
                 if (!initialize_value(*type.content_type, member,
                                       static_cast<char *>(value) + i * size, params)) {
                     return false;
@@ -297,9 +297,9 @@ void finalize_value(const DDS_TypeCode &type, void *value,
             if (is_primitive(type.content_type->kind)) {
                 break;
             }
-            const size_t size = value_size(*type.content_type);
-            const size_t count = element_count(type);
-            for (size_t i = 0; i < count; ++i) {
+            const std::size_t size = value_size(*type.content_type);
+            const std::size_t count = element_count(type);
+            for (std::size_t i = 0; i < count; ++i) {
                 finalize_value(*type.content_type, static_cast<char *>(value) + i * size, params);
             }
             break;

@@ -1,6 +1,5 @@
 // Operations on values in memory, interpreted over their type codes.
-#ifndef KOLT_SRC_TYPE_RECORD_HPP
-#define KOLT_SRC_TYPE_RECORD_HPP
+#pragma once
 
 #include "kolt/typecode.h"
 #include "type/layout.hpp"
@@ -42,5 +41,3 @@ inline constexpr DDS_TypeDeallocationParams_t kDefaultDeallocation =
     DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_RECORD_HPP

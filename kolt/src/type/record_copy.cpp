@@ -25,7 +25,7 @@ bool copy_string(const DDS_TypeCode &type, void *destination, const void *source
     if (buffer == nullptr) {
         return false;
     }
-    const size_t length = strnlen(text, size_t{type.bound} + 1);
+    const std::size_t length = strnlen(text, std::size_t{type.bound} + 1);
     if (length > type.bound) {
         return false;
     }
@@ -61,7 +61,7 @@ bool copy_member(const DDS_TypeCode &type, void *destination, const void *source
 }
 
 bool copy_union(const DDS_TypeCode &type, void *destination, const void *source) {
-    const int64_t discriminator = load_discriminator(type, source);
+    const std::int64_t discriminator = load_discriminator(type, source);
     store_integer(type.discriminator_type->kind,
                   static_cast<char *>(destination) + type.access->discriminator_offset,
                   discriminator);
@@ -142,7 +142,7 @@ bool equal_sequences(const DDS_TypeCode &type, const void *left, const void *rig
         return false;
     }
     const TypeCodeElementOps ops(*type.content_type);
-    for (size_t i = 0; i < left_sequence->_length; ++i) {
+    for (std::size_t i = 0; i < left_sequence->_length; ++i) {
         const void *const left_element = sequence_element(left_sequence, ops, i);
         const void *const right_element = sequence_element(right_sequence, ops, i);
         if (left_element == nullptr || right_element == nullptr) {
@@ -156,7 +156,7 @@ bool equal_sequences(const DDS_TypeCode &type, const void *left, const void *rig
 }
 
 bool equal_unions(const DDS_TypeCode &type, const void *left, const void *right) {
-    const int64_t discriminator = load_discriminator(type, left);
+    const std::int64_t discriminator = load_discriminator(type, left);
     if (discriminator != load_discriminator(type, right)) {
         return false;
     }
@@ -180,9 +180,9 @@ bool equal_values(const DDS_TypeCode &type, const void *left, const void *right)
             }
             return true;
         case DDS_TK_ARRAY: {
-            const size_t size = value_size(*type.content_type);
-            const size_t count = element_count(type);
-            for (size_t i = 0; i < count; ++i) {
+            const std::size_t size = value_size(*type.content_type);
+            const std::size_t count = element_count(type);
+            for (std::size_t i = 0; i < count; ++i) {
                 if (!equal_values(*type.content_type, static_cast<const char *>(left) + i * size,
                                   static_cast<const char *>(right) + i * size)) {
                     return false;
@@ -209,9 +209,9 @@ bool copy_value(const DDS_TypeCode &type, void *destination, const void *source)
             return sequence_copy(to, TypeCodeElementOps(*type.content_type), from);
         }
         case DDS_TK_ARRAY: {
-            const size_t size = value_size(*type.content_type);
-            const size_t count = element_count(type);
-            for (size_t i = 0; i < count; ++i) {
+            const std::size_t size = value_size(*type.content_type);
+            const std::size_t count = element_count(type);
+            for (std::size_t i = 0; i < count; ++i) {
                 if (!copy_value(*type.content_type, static_cast<char *>(destination) + i * size,
                                 static_cast<const char *>(source) + i * size)) {
                     return false;

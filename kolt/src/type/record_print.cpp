@@ -28,7 +28,7 @@ void print_record_name(const char *type_name) {
 
 // "<record name> <enumerator> (<value>)"; the enumerator is left out when there is none.
 void print_enumeration(const DDS_TypeCode &type, const void *value) {
-    const int64_t ordinal = load_integer(DDS_TK_ENUM, value);
+    const std::int64_t ordinal = load_integer(DDS_TK_ENUM, value);
     print_record_name(type.name);
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         if (type.members[i].ordinal == ordinal) {
@@ -51,7 +51,7 @@ void print_primitive(const DDS_TypeCode &type, const void *value) {
             std::printf("0x%02x", static_cast<unsigned>(load_integer(type.kind, value)));
             break;
         case DDS_TK_ULONGLONG:
-            std::printf("%" PRIu64, static_cast<uint64_t>(load_integer(type.kind, value)));
+            std::printf("%" PRIu64, static_cast<std::uint64_t>(load_integer(type.kind, value)));
             break;
         case DDS_TK_FLOAT: {
             DDS_Float real = 0;
@@ -82,9 +82,9 @@ void print_elements(const DDS_TypeCode &type, const void *value, const std::stri
                     DDS_UnsignedLong indent) {
     const DDS_TypeCode &content = *type.content_type;
     if (type.kind == DDS_TK_ARRAY) {
-        const size_t size = value_size(content);
-        const size_t count = element_count(type);
-        for (size_t i = 0; i < count; ++i) {
+        const std::size_t size = value_size(content);
+        const std::size_t count = element_count(type);
+        for (std::size_t i = 0; i < count; ++i) {
             print_value(content, static_cast<const char *>(value) + i * size,
                         name + "[" + std::to_string(i) + "]", indent);
         }
@@ -93,7 +93,7 @@ void print_elements(const DDS_TypeCode &type, const void *value, const std::stri
     const auto *const sequence = static_cast<const KOLT_Sequence *>(value);
     sequence_ensure_initialized(sequence);
     const TypeCodeElementOps ops(content);
-    for (size_t i = 0; i < sequence->_length; ++i) {
+    for (std::size_t i = 0; i < sequence->_length; ++i) {
         print_value(content, sequence_element(sequence, ops, i),
                     name + "[" + std::to_string(i) + "]", indent);
     }

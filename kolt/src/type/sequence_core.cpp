@@ -66,7 +66,7 @@ const char *maximum_problem(const KOLT_Sequence *self, DDS_Long new_maximum) {
 }
 
 // `count` initialised elements, or NULL (reported).
-char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count) {
+char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, std::size_t count) {
     auto *const buffer = static_cast<char *>(std::calloc(count, ops.size()));
     if (buffer == nullptr) {
         if (KOLT_Log_is_enabled(kCategory, kLevel)) {
@@ -79,7 +79,7 @@ char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count)
         return buffer;
     }
     const DDS_TypeAllocationParams_t params = allocation_params(self);
-    for (size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         if (!ops.initialize(buffer + i * ops.size(), params)) {
             log_sequence_error(ops, "set_maximum", "initialize_w_params");
             // The elements after the failing one are zero bytes, which finalise to nothing.
@@ -90,7 +90,7 @@ char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, size_t count)
     return buffer;
 }
 
-bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, size_t kept) {
+bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, std::size_t kept) {
     if (kept == 0) {
         return true;
     }
@@ -99,7 +99,7 @@ bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, s
         return false;
     }
     const auto *const old = static_cast<const char *>(self->_contiguous_buffer);
-    for (size_t i = 0; i < kept; ++i) {
+    for (std::size_t i = 0; i < kept; ++i) {
         if (!ops.copy(buffer + i * ops.size(), old + i * ops.size())) {
             log_sequence_error(ops, "set_maximum", "copy contiguous buffer");
             return false;
@@ -233,7 +233,7 @@ bool sequence_set_absolute_maximum(KOLT_Sequence *self, const ElementOps &ops, D
     return true;
 }
 
-void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, size_t index) {
+void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, std::size_t index) {
     if (self->_discontiguous_buffer == nullptr) {
         return static_cast<char *>(self->_contiguous_buffer) + index * ops.size();
     }
@@ -252,7 +252,7 @@ bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
         !sequence_set_length(self, ops, static_cast<DDS_Long>(source->_length))) {
         return false;
     }
-    for (size_t i = 0; i < source->_length; ++i) {
+    for (std::size_t i = 0; i < source->_length; ++i) {
         void *const to = sequence_element(self, ops, i);
         const void *const from = sequence_element(source, ops, i);
         if (to == nullptr || from == nullptr) {
@@ -352,7 +352,7 @@ bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops) {
 }
 
 void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
-                            size_t count) {
+                            std::size_t count) {
     if (buffer == nullptr) {
         return;
     }
@@ -360,7 +360,7 @@ void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, vo
         const DDS_TypeDeallocationParams_t params = {
             self->_elementDeallocParams.delete_pointers,
             self->_elementDeallocParams.delete_optional_members};
-        for (size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             ops.finalize(static_cast<char *>(buffer) + i * ops.size(), params);
         }
     }

@@ -1,6 +1,5 @@
 // The one implementation of sequences, over elements described by an ElementOps.
-#ifndef KOLT_SRC_TYPE_SEQUENCE_CORE_HPP
-#define KOLT_SRC_TYPE_SEQUENCE_CORE_HPP
+#pragma once
 
 #include <cstddef>
 
@@ -12,7 +11,7 @@ namespace kolt::type {
 // elements that are bytes: zero when new, nothing to free.
 class ElementOps {
   public:
-    ElementOps(const char *sequence_name, size_t size, bool plain)
+    ElementOps(const char *sequence_name, std::size_t size, bool plain)
         : sequence_name_(sequence_name), size_(size), plain_(plain) {}
     virtual ~ElementOps() = default;
     ElementOps(const ElementOps &) = delete;
@@ -24,12 +23,12 @@ class ElementOps {
     virtual bool copy(void *destination, const void *source) const = 0;
 
     const char *sequence_name() const { return sequence_name_; }
-    size_t size() const { return size_; }
+    std::size_t size() const { return size_; }
     bool plain() const { return plain_; }
 
   private:
     const char *sequence_name_;
-    size_t size_;
+    std::size_t size_;
     bool plain_;
 };
 
@@ -53,14 +52,12 @@ bool sequence_loan_discontiguous(KOLT_Sequence *self, const ElementOps &ops, voi
                                  DDS_Long new_length, DDS_Long new_maximum);
 bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops);
 void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
-                            size_t count);
+                            std::size_t count);
 
 // Element `index` of either kind of buffer. The buffer holds more than `index` elements.
-void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, size_t index);
+void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, std::size_t index);
 
 // Reports `text` under "<sequence name>_<operation>".
 void log_sequence_error(const ElementOps &ops, const char *operation, const char *text);
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_SEQUENCE_CORE_HPP

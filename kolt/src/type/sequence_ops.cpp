@@ -143,7 +143,7 @@ void *KOLT_Sequence_get(const KOLT_Sequence *self, const KOLT_SequenceElementTyp
         return nullptr;
     }
     if (index_in_range(self, ops, "get", index)) {
-        return kolt::type::sequence_element(self, ops, static_cast<size_t>(index));
+        return kolt::type::sequence_element(self, ops, static_cast<std::size_t>(index));
     }
     // Element 0, valid or not; the pointers of a loan are good for valid elements only.
     if (self->_contiguous_buffer == nullptr && self->_length == 0) {
@@ -164,7 +164,7 @@ void *KOLT_Sequence_get_reference(const KOLT_Sequence *self, const KOLT_Sequence
     if (!index_in_range(self, ops, "get_reference", index)) {
         return nullptr;
     }
-    return kolt::type::sequence_element(self, ops, static_cast<size_t>(index));
+    return kolt::type::sequence_element(self, ops, static_cast<std::size_t>(index));
 }
 
 KOLT_Sequence *KOLT_Sequence_copy(KOLT_Sequence *self, const KOLT_SequenceElementType *type,

@@ -10,7 +10,7 @@ constexpr std::string_view kSeparator = "::";
 // The parts of a qualified name; the last one is the type's.
 std::vector<std::string_view> split(std::string_view name) {
     std::vector<std::string_view> parts;
-    for (size_t end = name.find(kSeparator); end != std::string_view::npos;
+    for (std::size_t end = name.find(kSeparator); end != std::string_view::npos;
          end = name.find(kSeparator)) {
         parts.push_back(name.substr(0, end));
         name.remove_prefix(end + kSeparator.size());
@@ -46,20 +46,20 @@ std::string ModuleMove::announced(std::string_view name) const {
         return std::string(name);
     }
     const Modules parts = split(name);
-    const size_t limit = std::min(own_.size(), parts.size() - 1);
-    size_t common = 0;
+    const std::size_t limit = std::min(own_.size(), parts.size() - 1);
+    std::size_t common = 0;
     while (common < limit && own_[common] == parts[common]) {
         ++common;
     }
     if (common == 0 && !own_.empty()) {
         return std::string(name);  // lies elsewhere
     }
-    const size_t innermost = own_.size() - common;  // that the type does not lie in
+    const std::size_t innermost = own_.size() - common;  // that the type does not lie in
     std::string result;
-    for (size_t i = 0; i + innermost < registered_.size(); ++i) {
+    for (std::size_t i = 0; i + innermost < registered_.size(); ++i) {
         append(&result, registered_[i]);
     }
-    for (size_t i = common; i < parts.size(); ++i) {
+    for (std::size_t i = common; i < parts.size(); ++i) {
         append(&result, parts[i]);
     }
     return result;

@@ -1,7 +1,6 @@
 // Qualified names of types ("module::module::Type"), and types that are announced under other
 // modules than those of their type codes.
-#ifndef KOLT_SRC_TYPE_TYPE_NAMES_HPP
-#define KOLT_SRC_TYPE_TYPE_NAMES_HPP
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -34,5 +33,3 @@ class ModuleMove {
 };
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_TYPE_NAMES_HPP

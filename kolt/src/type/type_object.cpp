@@ -12,16 +12,16 @@ namespace kolt::type {
 namespace {
 
 // Members of TypeInformation, with a length in front (XTypes 1.3, 7.4.3.4.2: length code 4).
-constexpr uint32_t kMinimalMember = 0x40001001;
-constexpr uint32_t kCompleteMember = 0x40001002;
+constexpr std::uint32_t kMinimalMember = 0x40001001;
+constexpr std::uint32_t kCompleteMember = 0x40001002;
 
 // TypeInformation travels as a parameter of discovery data, whose length has 16 bits.
-constexpr size_t kMaximumInformationSize = 0x8000;
+constexpr std::size_t kMaximumInformationSize = 0x8000;
 
 using HashedTypes = std::vector<const HashedType *>;
 
 void write_hash(const HashedType &type, Equivalence kind, Xcdr2Output *output) {
-    output->write8(static_cast<uint8_t>(kind));
+    output->write8(static_cast<std::uint8_t>(kind));
     output->write_raw(type.object(kind).hash);
 }
 
@@ -43,13 +43,13 @@ void write_with_dependencies(const TypeTable &table, Equivalence kind, Xcdr2Outp
     const auto write_with_size = [&](const HashedType *type) {
         output->write_delimited([&] {
             write_hash(*type, kind, output);
-            output->write32(static_cast<uint32_t>(type->object(kind).bytes.size()));
+            output->write32(static_cast<std::uint32_t>(type->object(kind).bytes.size()));
         });
     };
     const HashedTypes needed = dependencies(table, kind);
     output->write_delimited([&] {
         write_with_size(&table.types().front());
-        output->write32(static_cast<uint32_t>(needed.size()));
+        output->write32(static_cast<std::uint32_t>(needed.size()));
         output->write_sequence(needed, write_with_size);
     });
 }

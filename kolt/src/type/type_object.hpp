@@ -9,8 +9,7 @@
 //  - the labels of a branch stand in the order of the type code.
 // An array is "small" when each of its dimensions is below 256, which is the standard's rule and
 // the engine's own; the compiler wants the product of the dimensions below 256.
-#ifndef KOLT_SRC_TYPE_TYPE_OBJECT_HPP
-#define KOLT_SRC_TYPE_TYPE_OBJECT_HPP
+#pragma once
 
 #include <optional>
 #include <string>
@@ -35,5 +34,3 @@ std::optional<TypeDescription> describe_type(const DDS_TypeCode &type, const cha
                                              std::string *problem);
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_TYPE_OBJECT_HPP

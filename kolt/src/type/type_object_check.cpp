@@ -11,7 +11,7 @@ namespace kolt::type {
 namespace {
 
 // MEMBER_NAME_MAX_LENGTH and TYPE_NAME_MAX_LENGTH (XTypes 1.3, Annex B).
-constexpr size_t kMaximumNameLength = 256;
+constexpr std::size_t kMaximumNameLength = 256;
 
 class Inspector {
   public:
@@ -85,7 +85,7 @@ class Inspector {
 
     // The engine counts the elements of arrays of arrays with 32 bits.
     void inspect_array(const DDS_TypeCode &type) {
-        uint64_t count = 1;
+        std::uint64_t count = 1;
         for (const DDS_TypeCode *array = &type; array->kind == DDS_TK_ARRAY;
              array = array->content_type) {
             count *= element_count(*array);  // each is below 2^31

@@ -8,22 +8,22 @@
 namespace kolt::type {
 namespace {
 
-constexpr uint8_t kNoType = 0x00;
-constexpr uint8_t kEnumeration = 0x40;
-constexpr uint8_t kStructure = 0x51;
-constexpr uint8_t kUnion = 0x52;
+constexpr std::uint8_t kNoType = 0x00;
+constexpr std::uint8_t kEnumeration = 0x40;
+constexpr std::uint8_t kStructure = 0x51;
+constexpr std::uint8_t kUnion = 0x52;
 
 // Flags of members (XTypes 1.3, Annex B, MemberFlag). What cannot be constructed is discarded.
-constexpr uint16_t kTryConstructDiscard = 1 << 0;
-constexpr uint16_t kIsOptional = 1 << 3;
-constexpr uint16_t kIsMustUnderstand = 1 << 4;
-constexpr uint16_t kIsKey = 1 << 5;
-constexpr uint16_t kIsDefault = 1 << 6;
+constexpr std::uint16_t kTryConstructDiscard = 1 << 0;
+constexpr std::uint16_t kIsOptional = 1 << 3;
+constexpr std::uint16_t kIsMustUnderstand = 1 << 4;
+constexpr std::uint16_t kIsKey = 1 << 5;
+constexpr std::uint16_t kIsDefault = 1 << 6;
 
-constexpr uint16_t kEnumerationBits = 32;
+constexpr std::uint16_t kEnumerationBits = 32;
 
-uint16_t extensibility_flag(DDS_ExtensibilityKind extensibility) {
-    return static_cast<uint16_t>(1U << extensibility);
+std::uint16_t extensibility_flag(DDS_ExtensibilityKind extensibility) {
+    return static_cast<std::uint16_t>(1U << extensibility);
 }
 
 std::span<const DDS_TypeCodeMember> members(const DDS_TypeCode &type) {
@@ -37,7 +37,7 @@ class ObjectWriter {
 
     Bytes write(const DDS_TypeCode &type) {
         output_.write_delimited([&] {
-            output_.write8(static_cast<uint8_t>(kind_));
+            output_.write8(static_cast<std::uint8_t>(kind_));
             switch (type.kind) {
                 case DDS_TK_STRUCT:
                     write_structure(type);
@@ -62,7 +62,7 @@ class ObjectWriter {
             write_type_detail(type);
         });
         output_.write_sequence(members(type), [&](const DDS_TypeCodeMember &member) {
-            uint16_t flags = kTryConstructDiscard;
+            std::uint16_t flags = kTryConstructDiscard;
             if (member.is_optional) {
                 flags |= kIsOptional;
             }
@@ -90,7 +90,7 @@ class ObjectWriter {
             write_no_annotations();
         });
         output_.write_sequence(members(type), [&](const DDS_TypeCodeMember &member) {
-            uint16_t flags = kTryConstructDiscard;
+            std::uint16_t flags = kTryConstructDiscard;
             if (member.is_default_label) {
                 flags |= kIsDefault;
             }
@@ -98,7 +98,7 @@ class ObjectWriter {
                 write_member(member, flags);
                 output_.write32(member.label_count);
                 for (DDS_UnsignedLong i = 0; i < member.label_count; ++i) {
-                    output_.write32(static_cast<uint32_t>(member.labels[i]));
+                    output_.write32(static_cast<std::uint32_t>(member.labels[i]));
                 }
                 write_member_detail(member.name);
             });
@@ -122,7 +122,7 @@ class ObjectWriter {
         output_.write_sequence(enumerators, [&](const DDS_TypeCodeMember &enumerator) {
             output_.write_delimited([&] {
                 output_.write_delimited([&] {
-                    output_.write32(static_cast<uint32_t>(enumerator.ordinal));
+                    output_.write32(static_cast<std::uint32_t>(enumerator.ordinal));
                     output_.write16(0);
                 });
                 write_member_detail(enumerator.name);
@@ -130,7 +130,7 @@ class ObjectWriter {
         });
     }
 
-    void write_member(const DDS_TypeCodeMember &member, uint16_t flags) {
+    void write_member(const DDS_TypeCodeMember &member, std::uint16_t flags) {
         output_.write32(member.id);
         output_.write16(flags);
         table_.write_identifier(*member.type, kind_, &output_);
@@ -146,7 +146,7 @@ class ObjectWriter {
 
     void write_member_detail(const char *name) {
         if (kind_ == Equivalence::kMinimal) {
-            const std::array<uint8_t, 16> digest = md5(name, std::strlen(name));
+            const std::array<std::uint8_t, 16> digest = md5(name, std::strlen(name));
             output_.write_raw(std::span(digest).first<4>());
         } else {
             output_.write_string(name);

@@ -8,17 +8,17 @@ namespace kolt::type {
 namespace {
 
 // Identifiers that describe their type themselves (XTypes 1.3, 7.3.4.2 and Annex B).
-constexpr uint8_t kStringSmall = 0x70;
-constexpr uint8_t kStringLarge = 0x71;
-constexpr uint8_t kSequenceSmall = 0x80;
-constexpr uint8_t kSequenceLarge = 0x81;
-constexpr uint8_t kArraySmall = 0x90;
-constexpr uint8_t kArrayLarge = 0x91;
+constexpr std::uint8_t kStringSmall = 0x70;
+constexpr std::uint8_t kStringLarge = 0x71;
+constexpr std::uint8_t kSequenceSmall = 0x80;
+constexpr std::uint8_t kSequenceLarge = 0x81;
+constexpr std::uint8_t kArraySmall = 0x90;
+constexpr std::uint8_t kArrayLarge = 0x91;
 // The only flag of a collection's elements: a value that cannot be constructed is discarded.
-constexpr uint16_t kTryConstructDiscard = 1;
+constexpr std::uint16_t kTryConstructDiscard = 1;
 constexpr DDS_UnsignedLong kLargestSmallBound = 255;
 
-uint8_t primitive_kind(DDS_TCKind kind) {
+std::uint8_t primitive_kind(DDS_TCKind kind) {
     switch (kind) {
         case DDS_TK_BOOLEAN:
             return 0x01;
@@ -56,7 +56,7 @@ const DDS_TypeCode &innermost(const DDS_TypeCode &type) {
 
 void write_bound(DDS_UnsignedLong bound, bool small, Xcdr2Output *output) {
     if (small) {
-        output->write8(static_cast<uint8_t>(bound));
+        output->write8(static_cast<std::uint8_t>(bound));
     } else {
         output->write32(bound);
     }
@@ -64,18 +64,18 @@ void write_bound(DDS_UnsignedLong bound, bool small, Xcdr2Output *output) {
 
 TypeObject make_object(Bytes bytes) {
     TypeObject object{std::move(bytes), {}};
-    const std::array<uint8_t, 16> digest = md5(object.bytes.data(), object.bytes.size());
+    const std::array<std::uint8_t, 16> digest = md5(object.bytes.data(), object.bytes.size());
     std::copy_n(digest.begin(), object.hash.size(), object.hash.begin());
     return object;
 }
 
 }  // namespace
 
-std::array<uint8_t, 16> md5(const void *bytes, size_t length) {
-    std::array<uint8_t, 16> digest{};
+std::array<std::uint8_t, 16> md5(const void *bytes, std::size_t length) {
+    std::array<std::uint8_t, 16> digest{};
     MD5_CTX context;
     MD5Init(&context);
-    MD5Update(&context, static_cast<const uint8_t *>(bytes), length);
+    MD5Update(&context, static_cast<const std::uint8_t *>(bytes), length);
     MD5Final(digest.data(), &context);
     return digest;
 }
@@ -95,7 +95,7 @@ void TypeTable::add(const DDS_TypeCode &type) {
                     [&](const HashedType &known) { return known.type == &element; })) {
         return;
     }
-    const size_t place = types_.size();
+    const std::size_t place = types_.size();
     types_.push_back({&element});
     if (element.kind == DDS_TK_UNION) {
         add(*element.discriminator_type);
@@ -134,7 +134,7 @@ const HashedType &TypeTable::find(const DDS_TypeCode &type) const {
 void TypeTable::write_identifier(const DDS_TypeCode &type, Equivalence kind,
                                  Xcdr2Output *output) const {
     if (is_hashed(type)) {
-        output->write8(static_cast<uint8_t>(kind));
+        output->write8(static_cast<std::uint8_t>(kind));
         output->write_raw(find(type).object(kind).hash);
     } else if (type.kind == DDS_TK_STRING) {
         const bool small = type.bound <= kLargestSmallBound;
@@ -160,7 +160,7 @@ void TypeTable::write_collection(const DDS_TypeCode &type, Equivalence kind,
         output->write8(small ? kSequenceSmall : kSequenceLarge);
     }
     const Equivalence elements = is_hashed(innermost(type)) ? kind : Equivalence::kBoth;
-    output->write8(static_cast<uint8_t>(elements));
+    output->write8(static_cast<std::uint8_t>(elements));
     output->write16(kTryConstructDiscard);
     if (is_array) {
         output->write32(count);

@@ -1,8 +1,9 @@
 // The named types that a type consists of, with their type objects and identifiers.
-#ifndef KOLT_SRC_TYPE_TYPE_TABLE_HPP
-#define KOLT_SRC_TYPE_TYPE_TABLE_HPP
+#pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "kolt/typecode.h"
@@ -14,12 +15,12 @@ namespace kolt::type {
 // What two types have in common that have one identifier (XTypes 7.3.4.7): all that matters when
 // one reads the other, or also their names and annotations, or both because there is nothing to
 // leave out.
-enum class Equivalence : uint8_t { kMinimal = 0xf1, kComplete = 0xf2, kBoth = 0xf3 };
+enum class Equivalence : std::uint8_t { kMinimal = 0xf1, kComplete = 0xf2, kBoth = 0xf3 };
 
 // A type object as it stands in a TypeMapping, and the first 14 bytes of its MD5.
 struct TypeObject {
     Bytes bytes;
-    std::array<uint8_t, 14> hash;
+    std::array<std::uint8_t, 14> hash;
 };
 
 // A structure, union or enumeration: what is identified by the hash of its type object.
@@ -72,8 +73,6 @@ Bytes write_type_object(const DDS_TypeCode &type, Equivalence kind, const TypeTa
 std::string find_objection(const DDS_TypeCode &type, const ModuleMove &names);
 
 // The MD5 of some bytes (RFC 1321).
-std::array<uint8_t, 16> md5(const void *bytes, size_t length);
+std::array<std::uint8_t, 16> md5(const void *bytes, std::size_t length);
 
 }  // namespace kolt::type
-
-#endif  // KOLT_SRC_TYPE_TYPE_TABLE_HPP

@@ -60,8 +60,9 @@ DDS_UnsignedShort big_endian_encapsulation(const DDS_TypeCode &type, bool xcdr2)
 }  // namespace
 
 const DDS_TypeCode *DDS_TypeCodeFactory_get_primitive_tc(DDS_TCKind kind) {
-    return kolt::type::is_primitive(kind) ? &kPrimitives[static_cast<size_t>(kind) - DDS_TK_BOOLEAN]
-                                          : nullptr;
+    return kolt::type::is_primitive(kind)
+               ? &kPrimitives[static_cast<std::size_t>(kind) - DDS_TK_BOOLEAN]
+               : nullptr;
 }
 
 DDS_TCKind DDS_TypeCode_kind(const DDS_TypeCode *self) {
