@@ -1,0 +1,250 @@
+#include "engine/condition/condition.hpp"
+
+#include <algorithm>
+#include <chrono>
+
+#include "engine/cyclone/convert.hpp"
+
+namespace {
+
+// Guards the attachments of all conditions and waitsets of the process.
+std::mutex &attachments() {
+    static auto *const mutex = new std::mutex;  // outlives every static object
+    return *mutex;
+}
+
+}  // namespace
+
+// ---- Any condition ------------------------------------------------------------------------------
+
+KOLT_ConditionImpl::~KOLT_ConditionImpl() {
+    const std::lock_guard lock(attachments());
+    for (kolt::engine::WaitSet *const waitset : waitsets_) {
+        std::erase(waitset->conditions_, this);
+    }
+}
+
+bool KOLT_ConditionImpl::is_triggered() const {
+    const dds_entity_t entity = watched();
+    return entity > 0 && dds_triggered(entity) > 0;
+}
+
+bool KOLT_ConditionImpl::is_attached() const {
+    const std::lock_guard lock(attachments());
+    return !waitsets_.empty();
+}
+
+void KOLT_ConditionImpl::start_watching() {
+    const std::lock_guard lock(attachments());
+    for (const kolt::engine::WaitSet *const waitset : waitsets_) {
+        dds_waitset_attach(waitset->engine_, watched(), reinterpret_cast<dds_attach_t>(this));
+    }
+}
+
+void KOLT_ConditionImpl::stop_watching() {
+    const std::lock_guard lock(attachments());
+    const dds_entity_t entity = watched();
+    if (entity <= 0) {
+        return;
+    }
+    for (const kolt::engine::WaitSet *const waitset : waitsets_) {
+        dds_waitset_detach(waitset->engine_, entity);
+    }
+}
+
+namespace kolt::engine {
+
+namespace api = cyclone;
+
+// ---- Status and guard conditions ----------------------------------------------------------------
+
+StatusCondition::StatusCondition(Entity &entity)
+    : Condition(&handle_._condition), entity_(entity) {}
+
+StatusCondition *StatusCondition::of(DDS_StatusCondition *self) {
+    return self != nullptr ? static_cast<StatusCondition *>(self->_condition._impl) : nullptr;
+}
+
+DDS_ReturnCode_t StatusCondition::set_enabled_statuses(DDS_StatusMask mask) {
+    enabled_.store(mask);
+    return entity_.is_enabled() ? apply_mask() : DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t StatusCondition::apply_mask() {
+    const DDS_StatusMask mask = enabled_.load() & entity_.valid_statuses();
+    return to_return_code(dds_set_status_mask(entity_.engine(), status_to_engine(mask)));
+}
+
+GuardCondition::GuardCondition() : Condition(&handle_._condition) {
+    prepare_engine();
+    engine_ = dds_create_guardcondition(api::kLibrary);
+    if (engine_ < 0) {
+        throw std::bad_alloc();
+    }
+}
+
+GuardCondition::~GuardCondition() {
+    stop_watching();
+    dds_delete(engine_);
+    engine_ = 0;
+}
+
+GuardCondition *GuardCondition::of(DDS_GuardCondition *self) {
+    return self != nullptr ? static_cast<GuardCondition *>(self->_condition._impl) : nullptr;
+}
+
+DDS_ReturnCode_t GuardCondition::set(bool value) {
+    return to_return_code(dds_set_guardcondition(engine_, value));
+}
+
+// ---- Waitsets -----------------------------------------------------------------------------------
+
+WaitSet::WaitSet() {
+    prepare_engine();
+    engine_ = dds_create_waitset(api::kLibrary);
+    if (engine_ < 0) {
+        throw std::bad_alloc();
+    }
+    wake_up_ = dds_create_guardcondition(api::kLibrary);
+    // A waitset of the engine that watches nothing does not wait.
+    if (wake_up_ < 0 || dds_waitset_attach(engine_, wake_up_, 0) < 0) {
+        if (wake_up_ > 0) {
+            dds_delete(wake_up_);
+        }
+        dds_delete(engine_);
+        throw std::bad_alloc();
+    }
+}
+
+WaitSet::~WaitSet() {
+    {
+        const std::lock_guard lock(attachments());
+        for (Condition *const condition : conditions_) {
+            if (condition->watched() > 0) {
+                dds_waitset_detach(engine_, condition->watched());
+            }
+            std::erase(condition->waitsets_, this);
+        }
+        conditions_.clear();
+    }
+    dds_delete(engine_);
+    dds_delete(wake_up_);
+}
+
+DDS_ReturnCode_t WaitSet::attach(Condition &condition) {
+    const std::lock_guard lock(attachments());
+    if (std::find(conditions_.begin(), conditions_.end(), &condition) != conditions_.end()) {
+        return DDS_RETCODE_OK;
+    }
+    conditions_.reserve(conditions_.size() + 1);
+    condition.waitsets_.reserve(condition.waitsets_.size() + 1);
+    if (condition.watched() > 0) {
+        const dds_return_t result = dds_waitset_attach(engine_, condition.watched(),
+                                                       reinterpret_cast<dds_attach_t>(&condition));
+        if (result < 0) {
+            return to_return_code(result);
+        }
+    }
+    conditions_.push_back(&condition);
+    condition.waitsets_.push_back(this);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t WaitSet::detach(Condition &condition) {
+    const std::lock_guard lock(attachments());
+    if (std::erase(conditions_, &condition) == 0) {
+        return DDS_RETCODE_PRECONDITION_NOT_MET;
+    }
+    std::erase(condition.waitsets_, this);
+    if (condition.watched() > 0) {
+        dds_waitset_detach(engine_, condition.watched());
+    }
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t WaitSet::get_conditions(DDS_ConditionSeq *conditions) const {
+    std::vector<Condition *> copy;
+    {
+        const std::lock_guard lock(attachments());
+        copy = conditions_;
+    }
+    return fill_sequence(copy, conditions, "DDS_WaitSet_get_conditions");
+}
+
+DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout) {
+    constexpr const char *kMethod = "DDS_WaitSet_wait";
+    if (waiting_.exchange(true)) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, kMethod, "another thread waits");
+    }
+    std::vector<Condition *> triggered;
+    DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
+    try {
+        result = wait_for_trigger(timeout, &triggered);
+    } catch (...) {
+        waiting_.store(false);
+        throw;
+    }
+    waiting_.store(false);
+    const DDS_ReturnCode_t filled = fill_sequence(triggered, active, kMethod);
+    return filled == DDS_RETCODE_OK ? result : filled;
+}
+
+DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
+                                           std::vector<Condition *> *active) {
+    using Clock = std::chrono::steady_clock;
+    const dds_duration_t span = to_engine(timeout);
+    const Clock::time_point start = Clock::now();
+    std::vector<dds_attach_t> triggered;
+    while (true) {
+        {
+            const std::lock_guard lock(attachments());
+            triggered.resize(conditions_.size() + 1);
+        }
+        dds_duration_t left = span;
+        if (span != api::kInfinity) {
+            const auto spent =
+                std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start);
+            left = std::max<dds_duration_t>(span - spent.count(), 0);
+        }
+        const dds_return_t result =
+            dds_waitset_wait(engine_, triggered.data(), triggered.size(), left);
+        if (result < 0) {
+            return to_return_code(result);
+        }
+        triggered.resize(std::min(static_cast<std::size_t>(result), triggered.size()));
+        collect(triggered, active);
+        // What triggered may have been detached in the meantime.
+        if (!active->empty()) {
+            return DDS_RETCODE_OK;
+        }
+        if (left == 0) {
+            return DDS_RETCODE_TIMEOUT;
+        }
+    }
+}
+
+void WaitSet::collect(const std::vector<dds_attach_t> &triggered,
+                      std::vector<Condition *> *active) {
+    const std::lock_guard lock(attachments());
+    for (const dds_attach_t argument : triggered) {
+        auto *const condition = reinterpret_cast<Condition *>(argument);
+        if (std::find(conditions_.begin(), conditions_.end(), condition) != conditions_.end()) {
+            active->push_back(condition);
+        }
+    }
+}
+
+DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_ConditionSeq *seq,
+                               const char *method) {
+    const auto count = static_cast<DDS_Long>(conditions.size());
+    if (DDS_ConditionSeq_ensure_length(seq, count, count) == DDS_BOOLEAN_FALSE) {
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the sequence has no room for %d conditions", static_cast<int>(count));
+    }
+    for (DDS_Long i = 0; i < count; ++i) {
+        *DDS_ConditionSeq_get_reference(seq, i) = conditions[static_cast<std::size_t>(i)]->self();
+    }
+    return DDS_RETCODE_OK;
+}
+
+}  // namespace kolt::engine

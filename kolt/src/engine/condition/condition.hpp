@@ -1,0 +1,124 @@
+// Conditions and waitsets, on the engine's.
+//
+// Each condition is watched through an engine entity: a status condition through its entity, a
+// guard, read or query condition through one of its own. Which condition is attached to which
+// waitset is guarded by one process-wide mutex; attaching is rare and waiting does not take it
+// while it waits.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "engine/entity/entity.hpp"
+#include "kolt/condition.h"
+
+namespace kolt::engine {
+class WaitSet;
+}
+
+struct KOLT_ConditionImpl {
+  public:
+    // `self` is the derived object's C record, which that object makes point back to itself.
+    explicit KOLT_ConditionImpl(DDS_Condition *self) : self_(self) {}
+    // Takes it out of the waitsets; the derived condition has stopped them from watching.
+    virtual ~KOLT_ConditionImpl();
+    KOLT_ConditionImpl(const KOLT_ConditionImpl &) = delete;
+    KOLT_ConditionImpl &operator=(const KOLT_ConditionImpl &) = delete;
+
+    DDS_Condition *self() const { return self_; }
+    // What the engine's waitsets watch; 0 while there is nothing to watch.
+    virtual dds_entity_t watched() const = 0;
+    bool is_triggered() const;
+    bool is_attached() const;
+
+    // The watched entity has come into being, or goes.
+    void start_watching();
+    void stop_watching();
+
+  private:
+    friend class kolt::engine::WaitSet;
+
+    DDS_Condition *const self_;
+    std::vector<kolt::engine::WaitSet *> waitsets_;  // guarded by the process-wide mutex
+};
+
+namespace kolt::engine {
+
+using Condition = KOLT_ConditionImpl;
+
+class StatusCondition final : public Condition {
+  public:
+    explicit StatusCondition(Entity &entity);
+    static StatusCondition *of(DDS_StatusCondition *self);
+
+    DDS_StatusCondition *handle() { return &handle_; }
+    Entity &entity() const { return entity_; }
+    dds_entity_t watched() const override { return entity_.engine(); }
+    DDS_StatusMask enabled_statuses() const { return enabled_.load(); }
+    DDS_ReturnCode_t set_enabled_statuses(DDS_StatusMask mask);
+    // Tells the engine which statuses count; the entity has just been enabled.
+    DDS_ReturnCode_t apply_mask();
+
+  private:
+    DDS_StatusCondition handle_{{this}};
+    Entity &entity_;
+    std::atomic<DDS_StatusMask> enabled_{DDS_STATUS_MASK_ALL};
+};
+
+class GuardCondition final : public Condition {
+  public:
+    // Throws std::bad_alloc when the engine has no room for it.
+    GuardCondition();
+    ~GuardCondition() override;
+    static GuardCondition *of(DDS_GuardCondition *self);
+
+    DDS_GuardCondition *handle() { return &handle_; }
+    dds_entity_t watched() const override { return engine_; }
+    DDS_ReturnCode_t set(bool value);
+
+  private:
+    DDS_GuardCondition handle_{{this}};
+    dds_entity_t engine_ = 0;
+};
+
+}  // namespace kolt::engine
+
+struct DDS_WaitSet {};  // what the application holds a pointer to
+
+namespace kolt::engine {
+
+class WaitSet final : public DDS_WaitSet {
+  public:
+    WaitSet();
+    ~WaitSet();
+    WaitSet(const WaitSet &) = delete;
+    WaitSet &operator=(const WaitSet &) = delete;
+    static WaitSet *of(DDS_WaitSet *self) { return static_cast<WaitSet *>(self); }
+
+    DDS_ReturnCode_t attach(Condition &condition);
+    DDS_ReturnCode_t detach(Condition &condition);
+    DDS_ReturnCode_t get_conditions(DDS_ConditionSeq *conditions) const;
+    // PRECONDITION_NOT_MET when another thread waits.
+    DDS_ReturnCode_t wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout);
+    bool is_waited_on() const { return waiting_.load(); }
+
+  private:
+    friend struct ::KOLT_ConditionImpl;
+
+    DDS_ReturnCode_t wait_for_trigger(const DDS_Duration_t &timeout,
+                                      std::vector<Condition *> *active);
+    void collect(const std::vector<dds_attach_t> &triggered, std::vector<Condition *> *active);
+
+    dds_entity_t engine_ = 0;
+    dds_entity_t wake_up_ = 0;  // an engine guard condition that keeps the engine's set non-empty
+    std::atomic<bool> waiting_{false};
+    std::vector<Condition *> conditions_;  // guarded by the process-wide mutex
+};
+
+// Copies `conditions` into the caller's sequence.
+DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_ConditionSeq *seq,
+                               const char *method);
+
+}  // namespace kolt::engine

@@ -1,0 +1,181 @@
+#include "engine/cyclone/convert.hpp"
+
+#include <array>
+#include <limits>
+#include <utility>
+
+namespace kolt::engine {
+
+namespace {
+
+namespace api = cyclone;
+
+constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+
+constexpr std::array<std::pair<dds_return_t, DDS_ReturnCode_t>, 14> kReturnCodes = {{
+    {api::kOk, DDS_RETCODE_OK},
+    {api::kError, DDS_RETCODE_ERROR},
+    {api::kUnsupported, DDS_RETCODE_UNSUPPORTED},
+    {api::kBadParameter, DDS_RETCODE_BAD_PARAMETER},
+    {api::kPreconditionNotMet, DDS_RETCODE_PRECONDITION_NOT_MET},
+    {api::kOutOfResources, DDS_RETCODE_OUT_OF_RESOURCES},
+    {api::kNotEnabled, DDS_RETCODE_NOT_ENABLED},
+    {api::kImmutablePolicy, DDS_RETCODE_IMMUTABLE_POLICY},
+    {api::kInconsistentPolicy, DDS_RETCODE_INCONSISTENT_POLICY},
+    {api::kAlreadyDeleted, DDS_RETCODE_ALREADY_DELETED},
+    {api::kTimeout, DDS_RETCODE_TIMEOUT},
+    {api::kNoData, DDS_RETCODE_NO_DATA},
+    {api::kIllegalOperation, DDS_RETCODE_ILLEGAL_OPERATION},
+    {api::kNotAllowedBySecurity, DDS_RETCODE_PRECONDITION_NOT_MET},
+}};
+
+constexpr std::array<std::pair<DDS_StatusMask, std::uint32_t>, 13> kStatuses = {{
+    {DDS_INCONSISTENT_TOPIC_STATUS, api::kInconsistentTopicStatus},
+    {DDS_OFFERED_DEADLINE_MISSED_STATUS, api::kOfferedDeadlineMissedStatus},
+    {DDS_REQUESTED_DEADLINE_MISSED_STATUS, api::kRequestedDeadlineMissedStatus},
+    {DDS_OFFERED_INCOMPATIBLE_QOS_STATUS, api::kOfferedIncompatibleQosStatus},
+    {DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS, api::kRequestedIncompatibleQosStatus},
+    {DDS_SAMPLE_LOST_STATUS, api::kSampleLostStatus},
+    {DDS_SAMPLE_REJECTED_STATUS, api::kSampleRejectedStatus},
+    {DDS_DATA_ON_READERS_STATUS, api::kDataOnReadersStatus},
+    {DDS_DATA_AVAILABLE_STATUS, api::kDataAvailableStatus},
+    {DDS_LIVELINESS_LOST_STATUS, api::kLivelinessLostStatus},
+    {DDS_LIVELINESS_CHANGED_STATUS, api::kLivelinessChangedStatus},
+    {DDS_PUBLICATION_MATCHED_STATUS, api::kPublicationMatchedStatus},
+    {DDS_SUBSCRIPTION_MATCHED_STATUS, api::kSubscriptionMatchedStatus},
+}};
+
+struct StateBit {
+    std::uint32_t standard;
+    std::uint32_t engine;
+};
+constexpr std::array<StateBit, 2> kSampleStates = {{
+    {DDS_READ_SAMPLE_STATE, api::kReadState},
+    {DDS_NOT_READ_SAMPLE_STATE, api::kNotReadState},
+}};
+constexpr std::array<StateBit, 2> kViewStates = {{
+    {DDS_NEW_VIEW_STATE, api::kNewView},
+    {DDS_NOT_NEW_VIEW_STATE, api::kNotNewView},
+}};
+constexpr std::array<StateBit, 3> kInstanceStates = {{
+    {DDS_ALIVE_INSTANCE_STATE, api::kAlive},
+    {DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE, api::kNotAliveDisposed},
+    {DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE, api::kNotAliveNoWriters},
+}};
+
+template <std::size_t N>
+std::uint32_t translate_states(const std::array<StateBit, N> &table, std::uint32_t mask) {
+    std::uint32_t result = 0;
+    for (const StateBit &bit : table) {
+        if ((mask & bit.standard) != 0) {
+            result |= bit.engine;
+        }
+    }
+    return result;
+}
+
+template <std::size_t N>
+std::uint32_t state_from_engine(const std::array<StateBit, N> &table, std::uint32_t state) {
+    for (const StateBit &bit : table) {
+        if (bit.engine == state) {
+            return bit.standard;
+        }
+    }
+    return table[0].standard;
+}
+
+}  // namespace
+
+DDS_ReturnCode_t to_return_code(dds_return_t result) {
+    if (result >= 0) {
+        return DDS_RETCODE_OK;
+    }
+    for (const auto &[engine_code, code] : kReturnCodes) {
+        if (engine_code == result) {
+            return code;
+        }
+    }
+    return DDS_RETCODE_ERROR;
+}
+
+dds_duration_t to_engine(const DDS_Duration_t &duration) {
+    if (DDS_Duration_is_infinite(&duration)) {
+        return api::kInfinity;
+    }
+    return static_cast<std::int64_t>(duration.sec) * kNanosecondsPerSecond + duration.nanosec;
+}
+
+DDS_Duration_t from_engine_duration(dds_duration_t duration) {
+    constexpr std::int64_t kLongest = std::numeric_limits<DDS_Long>::max();
+    if (duration == api::kInfinity || duration / kNanosecondsPerSecond > kLongest) {
+        return DDS_DURATION_INFINITE;
+    }
+    return {static_cast<DDS_Long>(duration / kNanosecondsPerSecond),
+            static_cast<DDS_UnsignedLong>(duration % kNanosecondsPerSecond)};
+}
+
+bool is_valid_time(const DDS_Time_t &time) {
+    constexpr std::int64_t kLatest =
+        std::numeric_limits<std::int64_t>::max() / kNanosecondsPerSecond - 1;
+    return time.sec >= 0 && time.sec <= kLatest && time.nanosec < kNanosecondsPerSecond;
+}
+
+dds_time_t to_engine(const DDS_Time_t &time) {
+    return time.sec * kNanosecondsPerSecond + time.nanosec;
+}
+
+DDS_Time_t from_engine_time(dds_time_t time) {
+    if (time < 0) {
+        return DDS_TIME_INVALID;
+    }
+    return {time / kNanosecondsPerSecond,
+            static_cast<DDS_UnsignedLong>(time % kNanosecondsPerSecond)};
+}
+
+std::uint32_t status_to_engine(DDS_StatusMask mask) {
+    std::uint32_t result = 0;
+    for (const auto &[standard, engine] : kStatuses) {
+        if ((mask & standard) != 0) {
+            result |= engine;
+        }
+    }
+    return result;
+}
+
+DDS_StatusMask status_from_engine(std::uint32_t mask) {
+    DDS_StatusMask result = 0;
+    for (const auto &[standard, engine] : kStatuses) {
+        if ((mask & engine) != 0) {
+            result |= standard;
+        }
+    }
+    return result;
+}
+
+bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
+                      DDS_InstanceStateMask instance_states, std::uint32_t *mask) {
+    const std::uint32_t sample = translate_states(kSampleStates, sample_states);
+    const std::uint32_t view = translate_states(kViewStates, view_states);
+    const std::uint32_t instance = translate_states(kInstanceStates, instance_states);
+    *mask = sample | view | instance;
+    return sample != 0 && view != 0 && instance != 0;
+}
+
+DDS_SampleInfo to_sample_info(const dds_sample_info_t &info) {
+    DDS_SampleInfo result{};
+    result.sample_state = state_from_engine(kSampleStates, info.sample_state);
+    result.view_state = state_from_engine(kViewStates, info.view_state);
+    result.instance_state = state_from_engine(kInstanceStates, info.instance_state);
+    result.source_timestamp = from_engine_time(info.source_timestamp);
+    result.instance_handle = info.instance_handle;
+    result.publication_handle = info.publication_handle;
+    result.disposed_generation_count = static_cast<DDS_Long>(info.disposed_generation_count);
+    result.no_writers_generation_count = static_cast<DDS_Long>(info.no_writers_generation_count);
+    result.sample_rank = static_cast<DDS_Long>(info.sample_rank);
+    result.generation_rank = static_cast<DDS_Long>(info.generation_rank);
+    result.absolute_generation_rank = static_cast<DDS_Long>(info.absolute_generation_rank);
+    result.valid_data = info.valid_data ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
+    return result;
+}
+
+}  // namespace kolt::engine

@@ -1,0 +1,32 @@
+// Values of the standard, from KOLT's types to the engine's and back.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/cyclone/cyclone.hpp"
+#include "kolt/status.h"
+
+namespace kolt::engine {
+
+// The standard's return code for an engine result; positive results are OK.
+DDS_ReturnCode_t to_return_code(dds_return_t result);
+
+// Durations in nanoseconds; the infinite one is the engine's. Beyond 292 years is infinite, too.
+dds_duration_t to_engine(const DDS_Duration_t &duration);
+DDS_Duration_t from_engine_duration(dds_duration_t duration);
+
+// True for a point in time that a sample can carry (DDS 1.4, 2.3.3).
+bool is_valid_time(const DDS_Time_t &time);
+dds_time_t to_engine(const DDS_Time_t &time);
+DDS_Time_t from_engine_time(dds_time_t time);
+
+std::uint32_t status_to_engine(DDS_StatusMask mask);
+DDS_StatusMask status_from_engine(std::uint32_t mask);
+
+// One engine mask of the three state masks. False when one of them selects nothing.
+bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
+                      DDS_InstanceStateMask instance_states, std::uint32_t *mask);
+
+DDS_SampleInfo to_sample_info(const dds_sample_info_t &info);
+
+}  // namespace kolt::engine

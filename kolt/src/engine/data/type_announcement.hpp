@@ -1,0 +1,33 @@
+// What the engine is told of a type beyond its name: the description that goes out with the
+// discovery data of writers and readers, and that type lookups are answered from.
+#pragma once
+
+#include <memory>
+
+#include "engine/cyclone/cyclone.hpp"
+#include "kolt/typecode.h"
+#include "type/type_object.hpp"
+
+namespace kolt::engine {
+
+class TypeAnnouncement {
+  public:
+    // Made once for a registered type. nullptr, with a log message of level STATUS_LOCAL, for a
+    // type that goes by its name alone: one that cannot be described, one that the engine refuses,
+    // and one that holds a mutable union.
+    static std::shared_ptr<const TypeAnnouncement> create(const DDS_TypeCode &type,
+                                                          const char *registered_name);
+
+    // New ones, which the caller frees with the engine's functions.
+    ddsi_typeinfo_t *type_info() const;
+    ddsi_typemap_t *type_map() const;
+
+  private:
+    explicit TypeAnnouncement(kolt::type::TypeDescription description)
+        : description_(std::move(description)) {}
+    bool is_accepted() const;
+
+    const kolt::type::TypeDescription description_;
+};
+
+}  // namespace kolt::engine

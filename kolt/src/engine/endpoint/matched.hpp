@@ -1,0 +1,41 @@
+// The handles of the endpoints that an endpoint is matched with.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "engine/barrier/barrier.hpp"
+#include "engine/cyclone/convert.hpp"
+#include "kolt/sequence.h"
+
+namespace kolt::engine {
+
+// `get` is the engine's function for a writer or a reader, which fills an array and returns how
+// many there are.
+inline DDS_ReturnCode_t get_matched(dds_entity_t entity,
+                                    dds_return_t (*get)(dds_entity_t, dds_instance_handle_t *,
+                                                        std::size_t),
+                                    DDS_InstanceHandleSeq *handles, const char *method) {
+    std::vector<dds_instance_handle_t> found(8);
+    while (true) {
+        const dds_return_t count = get(entity, found.data(), found.size());
+        if (count < 0) {
+            return to_return_code(count);
+        }
+        if (static_cast<std::size_t>(count) <= found.size()) {
+            found.resize(static_cast<std::size_t>(count));
+            break;
+        }
+        found.resize(static_cast<std::size_t>(count));
+    }
+    const auto length = static_cast<DDS_Long>(found.size());
+    if (DDS_InstanceHandleSeq_ensure_length(handles, length, length) == DDS_BOOLEAN_FALSE) {
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "the sequence has no room");
+    }
+    for (DDS_Long i = 0; i < length; ++i) {
+        *DDS_InstanceHandleSeq_get_reference(handles, i) = found[static_cast<std::size_t>(i)];
+    }
+    return DDS_RETCODE_OK;
+}
+
+}  // namespace kolt::engine

@@ -1,0 +1,98 @@
+// What stands behind every entity of the C API.
+//
+// An entity of the engine exists from the moment when the KOLT entity is enabled; the engine has no
+// disabled ones. Until then the engine handle is 0. Structure (who contains whom, QoS records) is
+// guarded by one mutex per participant tree, which is never held across a call that may wait for
+// the engine's threads. Events are handled by the engine's threads without it.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "engine/barrier/barrier.hpp"
+#include "engine/cyclone/cyclone.hpp"
+#include "kolt/entity.h"
+
+namespace kolt::engine {
+
+enum class EntityKind {
+    kParticipant,
+    kTopic,
+    kContentFilteredTopic,
+    kPublisher,
+    kSubscriber,
+    kDataWriter,
+    kDataReader,
+};
+
+class Participant;
+class StatusCondition;
+
+}  // namespace kolt::engine
+
+struct KOLT_EntityImpl {
+  public:
+    // `self` is the derived object's C record, which that object makes point back to itself.
+    // `valid_statuses` are those that the kind of entity has.
+    KOLT_EntityImpl(kolt::engine::EntityKind kind, DDS_Entity *self, DDS_StatusMask valid_statuses);
+    virtual ~KOLT_EntityImpl();
+    KOLT_EntityImpl(const KOLT_EntityImpl &) = delete;
+    KOLT_EntityImpl &operator=(const KOLT_EntityImpl &) = delete;
+
+    kolt::engine::EntityKind kind() const { return kind_; }
+    DDS_Entity *self() const { return self_; }
+    // The engine's entity; 0 while this one is disabled.
+    dds_entity_t engine() const { return engine_.load(std::memory_order_acquire); }
+    bool is_enabled() const { return engine() != 0; }
+    DDS_StatusMask valid_statuses() const { return valid_statuses_; }
+    kolt::engine::StatusCondition &status_condition() { return *status_condition_; }
+    DDS_InstanceHandle_t instance_handle() const;
+
+    // Makes the engine's entity. Called for a disabled entity only.
+    virtual DDS_ReturnCode_t enable(const char *method) = 0;
+
+  protected:
+    // The engine's entity was made: waitsets can watch it.
+    void set_engine(dds_entity_t engine);
+    // Lets go of waitsets and deletes the engine's entity. When it returns no event of the entity
+    // is being handled any more.
+    void delete_engine(const char *method);
+    // The engine's entity is not ours to delete.
+    void release_engine();
+
+  private:
+    const kolt::engine::EntityKind kind_;
+    DDS_Entity *const self_;
+    const DDS_StatusMask valid_statuses_;
+    std::atomic<dds_entity_t> engine_{0};
+    std::unique_ptr<kolt::engine::StatusCondition> status_condition_;
+};
+
+namespace kolt::engine {
+
+using Entity = KOLT_EntityImpl;
+
+// Checks `self`, runs `body(implementation)` behind the exception barrier.
+template <typename Impl, typename Handle, typename Body>
+auto with(Handle *self, const char *method, Body &&body) noexcept
+    -> decltype(body(std::declval<Impl &>())) {
+    using Result = decltype(body(std::declval<Impl &>()));
+    Impl *const impl = Impl::of(self);
+    if (impl == nullptr) {
+        bad_parameter(method, "self");
+        if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
+            return DDS_RETCODE_BAD_PARAMETER;
+        } else {
+            return Result{};
+        }
+    }
+    return guarded(method, [&] { return body(*impl); });
+}
+
+// Logs and returns NOT_ENABLED.
+DDS_ReturnCode_t not_enabled(const char *method);
+
+// The engine is ready to be called: its log goes to KOLT's.
+void prepare_engine();
+
+}  // namespace kolt::engine

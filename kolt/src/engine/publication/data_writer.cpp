@@ -1,0 +1,490 @@
+#include "engine/publication/data_writer.hpp"
+
+#include <new>
+
+#include "engine/cyclone/convert.hpp"
+#include "engine/domain/participant.hpp"
+#include "engine/entity/statuses.hpp"
+#include "engine/publication/publisher.hpp"
+#include "engine/qos/qos_check.hpp"
+#include "engine/qos/qos_map.hpp"
+#include "engine/topic/topic.hpp"
+
+namespace kolt::engine {
+
+namespace {
+
+constexpr const char *kDeferredWriteProperty = "dds.data_writer.enable_deferred_write";
+constexpr DDS_StatusMask kStatuses = DDS_OFFERED_DEADLINE_MISSED_STATUS |
+                                     DDS_OFFERED_INCOMPATIBLE_QOS_STATUS |
+                                     DDS_LIVELINESS_LOST_STATUS | DDS_PUBLICATION_MATCHED_STATUS;
+
+template <typename Kind>
+void on_engine_event(dds_entity_t, const typename Kind::EngineStatus, void *writer) {
+    static_cast<DataWriter *>(writer)->on_event<Kind>();
+}
+
+}  // namespace
+
+DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
+    : Entity(EntityKind::kDataWriter, &handle_._entity, kStatuses),
+      publisher_(publisher),
+      topic_(topic),
+      type_(topic.registered_type()),
+      qos_(publisher.participant().tree(), qos) {
+    note_qos();
+    const std::lock_guard lock(publisher.participant().tree());
+    ++topic.users;
+}
+
+DataWriter::~DataWriter() {
+    listener_.set(nullptr, 0);
+    delete_engine("DDS_Publisher_delete_datawriter");
+    const std::lock_guard lock(publisher_.participant().tree());
+    --topic_.users;
+}
+
+void DataWriter::note_qos() {
+    qos_.read([this](const DDS_DataWriterQos &qos) {
+        deferred_write_ = has_property(qos.property, kDeferredWriteProperty, "true");
+        autodispose_ = qos.writer_data_lifecycle.autodispose_unregistered_instances != 0;
+    });
+}
+
+DDS_ReturnCode_t DataWriter::attach_type(const char *method) {
+    DDS_DataRepresentationId_t representation = DDS_AUTO_DATA_REPRESENTATION;
+    if (!qos_.read([&](const DDS_DataWriterQos &qos) {
+            return writer_representation(qos, *type_, &representation);
+        })) {
+        return fail(DDS_RETCODE_INCONSISTENT_POLICY, method,
+                    "inconsistent QoS: representation: the type %s does not allow it",
+                    type_->name().c_str());
+    }
+    encapsulation_ = DDS_TypeCode_get_native_encapsulation(type_->type_code(), representation);
+    endpoint_ = TypeEndpoint::create(type_, {KOLT_TYPE_PLUGIN_WRITER, representation, 0U});
+    if (endpoint_ == nullptr) {
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the type plugin of %s cannot be attached", type_->name().c_str());
+    }
+    return DDS_RETCODE_OK;
+}
+
+// ---- Enabling and QoS ---------------------------------------------------------------------------
+
+DDS_ReturnCode_t DataWriter::enable(const char *method) {
+    if (!publisher_.is_enabled() || !topic_.is_enabled()) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the publisher or the topic is not enabled");
+    }
+    const EngineQos engine_qos =
+        qos_.read([&](const DDS_DataWriterQos &qos) { return to_engine(qos, *type_); });
+    const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
+        dds_create_listener(this), dds_delete_listener);
+    dds_lset_offered_deadline_missed_arg(listener.get(), on_engine_event<OfferedDeadlineMissed>,
+                                         this, false);
+    dds_lset_offered_incompatible_qos_arg(listener.get(), on_engine_event<OfferedIncompatibleQos>,
+                                          this, false);
+    dds_lset_liveliness_lost_arg(listener.get(), on_engine_event<LivelinessLost>, this, false);
+    dds_lset_publication_matched_arg(listener.get(), on_engine_event<PublicationMatched>, this,
+                                     false);
+    const dds_entity_t entity =
+        dds_create_writer(publisher_.engine(), topic_.engine(), engine_qos.get(), listener.get());
+    if (entity < 0) {
+        return fail(to_return_code(entity), method, "the engine refuses a writer of %s",
+                    topic_.name().c_str());
+    }
+    // Events that came before this point were kept by the engine: nobody could be told yet.
+    set_engine(entity);
+    dispatch_pending(DDS_STATUS_MASK_ALL);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t DataWriter::set_qos(const DDS_DataWriterQos &qos, const char *method) {
+    const DDS_ReturnCode_t result =
+        qos_.set(qos, *this, method, [&](const auto &q) { return to_engine(q, *type_); });
+    if (result != DDS_RETCODE_OK) {
+        return result;
+    }
+    note_qos();
+    // Before it is enabled the representation may still change.
+    return is_enabled() ? DDS_RETCODE_OK : attach_type(method);
+}
+
+// ---- Events -------------------------------------------------------------------------------------
+
+// The writer's own listener comes first, then the publisher's, then the participant's.
+template <typename Kind>
+void DataWriter::dispatch() {
+    const auto call = [this](const DDS_DataWriterListener &l) {
+        typename Kind::Status status{};
+        if (Kind::take_changed(engine(), &status)) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
+        }
+    };
+    const auto has = [](const DDS_DataWriterListener &l) { return l.*Kind::kCallback != nullptr; };
+    if (listener_.handle(Kind::kBit, has, call)) {
+        return;
+    }
+    if (publisher_.listener().handle(Kind::kBit, has, call)) {
+        return;
+    }
+    publisher_.participant().listener().handle(
+        Kind::kBit,
+        [&](const DDS_DomainParticipantListener &l) { return has(l.publisher_listener); },
+        [&](const DDS_DomainParticipantListener &l) { call(l.publisher_listener); });
+}
+
+void DataWriter::dispatch_pending(DDS_StatusMask mask) {
+    std::uint32_t engine_mask = 0;
+    if (dds_get_status_changes(engine(), &engine_mask) < 0) {
+        return;
+    }
+    const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
+    for_each_writer_status([&]<typename Kind>() {
+        if ((changed & Kind::kBit) != 0) {
+            dispatch<Kind>();
+        }
+    });
+}
+
+void DataWriter::set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask) {
+    listener_.set(listener, mask);
+    if (listener != nullptr && is_enabled()) {
+        dispatch_pending(mask);
+    }
+}
+
+// ---- Serialisation ------------------------------------------------------------------------------
+
+const Sertype &DataWriter::sertype() const {
+    return topic_.sertype();
+}
+
+SerdataRef DataWriter::serialize(const void *sample, const char *method, DDS_ReturnCode_t *result) {
+    const KOLT_TypePlugin &plugin = endpoint_->plugin();
+    KOLT_TypePluginEndpointData *const data = endpoint_->data();
+    const DDS_UnsignedLong size =
+        plugin.get_serialized_sample_size(data, DDS_BOOLEAN_TRUE, encapsulation_, 0U, sample);
+    if (size == 0) {
+        *result = fail(DDS_RETCODE_ERROR, method,
+                       "the sample cannot be serialised: a string is NULL, or a string or sequence "
+                       "exceeds its bound");
+        return nullptr;
+    }
+    // Up to three bytes of padding follow the sample.
+    KOLT_CdrStream stream{};
+    if (plugin.get_buffer(data, &stream, (size + 3U) & ~3U) == DDS_BOOLEAN_FALSE) {
+        *result = fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "no buffer for %u bytes", size);
+        return nullptr;
+    }
+    SerdataRef serdata;
+    try {
+        serdata.reset(Serdata::adopt(sertype(), endpoint_, stream));
+    } catch (...) {
+        plugin.return_buffer(data, &stream);
+        throw;
+    }
+    if (plugin.serialize(data, sample, &stream, DDS_BOOLEAN_TRUE, encapsulation_, DDS_BOOLEAN_TRUE,
+                         nullptr) == DDS_BOOLEAN_FALSE ||
+        !serdata->set_key_from_record(sertype(), sample)) {
+        *result = fail(DDS_RETCODE_ERROR, method, "the sample cannot be serialised");
+        return nullptr;
+    }
+    serdata->seal(stream.position);
+    return serdata;
+}
+
+SerdataRef DataWriter::key_of(const void *sample) {
+    KeyBytes key;
+    if (!key.fill([&](DDS_Octet *buffer, std::size_t *length) {
+            return KOLT_Cdr_key_of_record(type_->programs(), sample, buffer, length) != 0;
+        })) {
+        return nullptr;
+    }
+    return SerdataRef(Serdata::from_key(&sertype(), key.data(), key.size()));
+}
+
+SerdataRef DataWriter::key_payload(const void *sample, const char *method,
+                                   DDS_ReturnCode_t *result) {
+    const DDS_UnsignedLong size =
+        KOLT_Cdr_serialized_key_size(type_->programs(), encapsulation_, sample);
+    SerdataRef serdata;
+    if (size != 0) {
+        serdata.reset(Serdata::allocate(sertype(), SDK_KEY, size));
+        KOLT_CdrStream stream{};
+        KOLT_CdrStream_set(&stream, serdata->bytes(), size);
+        const KOLT_TypePlugin &plugin = endpoint_->plugin();
+        if (plugin.serialize_key(endpoint_->data(), sample, &stream, DDS_BOOLEAN_TRUE,
+                                 encapsulation_, DDS_BOOLEAN_TRUE, nullptr) != DDS_BOOLEAN_FALSE &&
+            serdata->set_key_from_record(sertype(), sample)) {
+            serdata->seal(stream.position);
+            return serdata;
+        }
+    }
+    *result = fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
+    return nullptr;
+}
+
+SerdataRef DataWriter::key_payload_of_instance(const KeyBytes &key, const char *method,
+                                               DDS_ReturnCode_t *result) {
+    const SerdataRef canonical(Serdata::from_key(&sertype(), key.data(), key.size()));
+    void *pool_handle = nullptr;
+    const KOLT_TypePlugin &plugin = endpoint_->plugin();
+    void *const holder = plugin.get_key(endpoint_->data(), &pool_handle);
+    if (holder == nullptr) {
+        throw std::bad_alloc();
+    }
+    SerdataRef payload;
+    if (KOLT_Cdr_deserialize_key(type_->programs(), canonical->bytes(), canonical->size(),
+                                 holder) != DDS_BOOLEAN_FALSE) {
+        try {
+            payload = key_payload(holder, method, result);
+        } catch (...) {
+            plugin.return_key(endpoint_->data(), holder, pool_handle);
+            throw;
+        }
+    } else {
+        *result = fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
+    }
+    plugin.return_key(endpoint_->data(), holder, pool_handle);
+    return payload;
+}
+
+// ---- Instances ----------------------------------------------------------------------------------
+
+DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
+    const DDS_InstanceHandle_t known = instances_.handle_of(serdata.key().view());
+    if (known != DDS_HANDLE_NIL) {
+        return known;
+    }
+    const SerdataView view(&serdata);
+    dds_instance_handle_t handle = DDS_HANDLE_NIL;
+    // The engine keeps an instance that was registered until the domain goes, and its handle with
+    // it; one that was only written may be forgotten between writes.
+    if (dds_register_instance(engine(), &handle, &view) < 0) {
+        return DDS_HANDLE_NIL;
+    }
+    instances_.add(serdata.key().view());
+    instances_.set_handle(serdata.key().view(), handle);
+    return handle;
+}
+
+// Instances that were only written have no handle yet; a reader in this process may have told it.
+bool DataWriter::find_instance(DDS_InstanceHandle_t handle, KeyBytes *key) {
+    if (instances_.find(handle, key)) {
+        return true;
+    }
+    KeyBytes candidate;
+    while (instances_.find_without_handle(&candidate)) {
+        const SerdataRef serdata(Serdata::from_key(&sertype(), candidate.data(), candidate.size()));
+        if (pin_instance(*serdata) == DDS_HANDLE_NIL) {
+            return false;
+        }
+    }
+    return instances_.find(handle, key);
+}
+
+DDS_ReturnCode_t DataWriter::check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
+                                          const char *method) {
+    if (handle == DDS_HANDLE_NIL || !type_->is_keyed()) {
+        return DDS_RETCODE_OK;
+    }
+    KeyBytes key;
+    if (find_instance(handle, &key) && key.view() == serdata.key().view()) {
+        return DDS_RETCODE_OK;
+    }
+    return fail(DDS_RETCODE_BAD_PARAMETER, method,
+                "the handle is not that of the sample's instance");
+}
+
+DDS_InstanceHandle_t DataWriter::register_instance(const void *sample, const DDS_WriteParams_t &,
+                                                   const char *method) {
+    if (!is_enabled()) {
+        not_enabled(method);
+        return DDS_HANDLE_NIL;
+    }
+    if (!type_->is_keyed()) {
+        return DDS_HANDLE_NIL;
+    }
+    const SerdataRef key = key_of(sample);
+    if (key == nullptr) {
+        fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
+        return DDS_HANDLE_NIL;
+    }
+    const DDS_InstanceHandle_t handle = pin_instance(*key);
+    if (handle == DDS_HANDLE_NIL) {
+        fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "the engine does not register the instance");
+    }
+    return handle;
+}
+
+DDS_InstanceHandle_t DataWriter::lookup_instance(const void *key_holder) {
+    if (!is_enabled() || !type_->is_keyed()) {
+        return DDS_HANDLE_NIL;
+    }
+    const SerdataRef key = key_of(key_holder);
+    if (key == nullptr || !instances_.contains(key->key().view())) {
+        return DDS_HANDLE_NIL;
+    }
+    return pin_instance(*key);
+}
+
+DDS_ReturnCode_t DataWriter::get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
+                                           const char *method) {
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
+    KeyBytes key;
+    if (handle == DDS_HANDLE_NIL || !find_instance(handle, &key)) {
+        return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is no instance of this writer");
+    }
+    const SerdataRef serdata(Serdata::from_key(&sertype(), key.data(), key.size()));
+    return KOLT_Cdr_deserialize_key(type_->programs(), serdata->bytes(), serdata->size(),
+                                    key_holder) != DDS_BOOLEAN_FALSE
+               ? DDS_RETCODE_OK
+               : fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
+}
+
+// ---- Writing ------------------------------------------------------------------------------------
+
+DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
+                                  const DDS_Time_t &source_timestamp, const char *method) {
+    const bool stamped = source_timestamp.sec >= 0;
+    if (stamped && !is_valid_time(source_timestamp)) {
+        return fail(DDS_RETCODE_BAD_PARAMETER, method, "bad parameter: source_timestamp");
+    }
+    serdata->statusinfo = status_info;
+    serdata->timestamp.v = stamped ? to_engine(source_timestamp) : dds_time();
+    const dds_return_t result = dds_forwardcdr(engine(), serdata.release());
+    const DDS_ReturnCode_t code = to_return_code(result);
+    if (code == DDS_RETCODE_OK) {
+        return code;
+    }
+    if (code == DDS_RETCODE_TIMEOUT) {  // readers that are slow: no fault of the caller's
+        KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
+                         method, "no reader made room for the sample within max_blocking_time");
+        return code;
+    }
+    return fail(code, method, "the engine does not write");
+}
+
+DDS_ReturnCode_t DataWriter::write_now(const void *sample, const DDS_WriteParams_t &params,
+                                       const char *method) {
+    DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
+    SerdataRef serdata = serialize(sample, method, &result);
+    if (serdata == nullptr) {
+        return result;
+    }
+    if (type_->is_keyed()) {
+        result = check_handle(*serdata, params.handle, method);
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
+        instances_.add(serdata->key().view());
+    }
+    return send(std::move(serdata), 0, params.source_timestamp, method);
+}
+
+DDS_ReturnCode_t DataWriter::write_deferred(const DDS_WriteParams_t &params, const char *method) {
+    const DDS_DataWriterListener l = listener_.get();
+    if (l.on_data_request == nullptr) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "a deferred write needs a listener with on_data_request");
+    }
+    void *const sample = l.on_data_request(l.listener_data, &handle_, &params.cookie);
+    if (sample == nullptr) {
+        return fail(DDS_RETCODE_ERROR, method, "on_data_request gave no sample");
+    }
+    const DDS_ReturnCode_t result =
+        guarded(method, [&] { return write_now(sample, params, method); });
+    if (l.on_data_return != nullptr) {
+        l.on_data_return(l.listener_data, &handle_, sample, &params.cookie);
+    }
+    return result;
+}
+
+DDS_ReturnCode_t DataWriter::write(const void *sample, const DDS_WriteParams_t &params,
+                                   const char *method) {
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
+    if (deferred_write_ && params.cookie.length != 0) {
+        return write_deferred(params, method);
+    }
+    if (sample == nullptr) {
+        return bad_parameter(method, "sample");
+    }
+    return write_now(sample, params, method);
+}
+
+DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *sample,
+                                             const DDS_WriteParams_t &params, const char *method) {
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
+    if (!type_->is_keyed()) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the type has no key");
+    }
+    DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
+    SerdataRef payload;
+    if (sample != nullptr) {
+        payload = key_payload(sample, method, &result);
+        if (payload == nullptr) {
+            return result;
+        }
+        result = check_handle(*payload, params.handle, method);
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
+    } else {
+        if (params.handle == DDS_HANDLE_NIL) {
+            return bad_parameter(method, "sample and handle");
+        }
+        KeyBytes key;
+        if (!find_instance(params.handle, &key)) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the handle is no registered instance");
+        }
+        payload = key_payload_of_instance(key, method, &result);
+        if (payload == nullptr) {
+            return result;
+        }
+    }
+    const std::string key(payload->key().view());
+    if (change == InstanceChange::kDispose) {
+        instances_.add(key);
+        return send(std::move(payload), NN_STATUSINFO_DISPOSE, params.source_timestamp, method);
+    }
+    if (!instances_.contains(key)) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the instance is not registered");
+    }
+    const std::uint32_t status_info =
+        NN_STATUSINFO_UNREGISTER | (autodispose_.load() ? NN_STATUSINFO_DISPOSE : 0U);
+    result = send(std::move(payload), status_info, params.source_timestamp, method);
+    if (result == DDS_RETCODE_OK) {
+        instances_.remove(key);
+    }
+    return result;
+}
+
+DDS_ReturnCode_t DataWriter::wait_for_acknowledgments(const DDS_Duration_t &max_wait) {
+    if (!is_enabled()) {
+        return not_enabled("DDS_DataWriter_wait_for_acknowledgments");
+    }
+    return to_return_code(dds_wait_for_acks(engine(), to_engine(max_wait)));
+}
+
+void *DataWriter::create_data() {
+    return endpoint_->plugin().create_sample(endpoint_->data());
+}
+
+void DataWriter::delete_data(void *sample) {
+    endpoint_->plugin().destroy_sample(endpoint_->data(), sample);
+}
+
+template void DataWriter::on_event<OfferedDeadlineMissed>();
+template void DataWriter::on_event<OfferedIncompatibleQos>();
+template void DataWriter::on_event<LivelinessLost>();
+template void DataWriter::on_event<PublicationMatched>();
+
+}  // namespace kolt::engine

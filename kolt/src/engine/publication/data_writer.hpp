@@ -1,0 +1,108 @@
+// Data writers: instances, serialisation, the way to the engine.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "engine/data/serdata.hpp"
+#include "engine/entity/entity.hpp"
+#include "engine/entity/entity_qos.hpp"
+#include "engine/entity/listener_slot.hpp"
+#include "engine/publication/instance_registry.hpp"
+#include "kolt/publication.h"
+
+namespace kolt::engine {
+
+class Publisher;
+class Topic;
+
+struct SerdataDeleter {
+    void operator()(Serdata *serdata) const { serdata->unref(); }
+};
+using SerdataRef = std::unique_ptr<Serdata, SerdataDeleter>;
+
+// What becomes of an instance.
+enum class InstanceChange { kDispose, kUnregister };
+
+class DataWriter final : public Entity {
+  public:
+    DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos);
+    ~DataWriter() override;
+    static DataWriter *of(DDS_DataWriter *self) {
+        return self != nullptr ? static_cast<DataWriter *>(self->_entity._impl) : nullptr;
+    }
+
+    DDS_DataWriter *handle() { return &handle_; }
+    Publisher &publisher() const { return publisher_; }
+    Topic &topic() const { return topic_; }
+    const RegisteredType &type() const { return *type_; }
+
+    // The representation is one that the type allows and the plugin has made its data.
+    DDS_ReturnCode_t attach_type(const char *method);
+    DDS_ReturnCode_t enable(const char *method) override;
+    DDS_ReturnCode_t get_qos(DDS_DataWriterQos *qos) { return qos_.get(qos); }
+    DDS_ReturnCode_t set_qos(const DDS_DataWriterQos &qos, const char *method);
+
+    DDS_DataWriterListener listener() const { return listener_.get(); }
+    void set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask);
+    // The engine has an event of this kind. Called on its threads.
+    template <typename Kind>
+    void on_event() {
+        if (is_enabled()) {
+            dispatch<Kind>();
+        }
+    }
+
+    DDS_ReturnCode_t write(const void *sample, const DDS_WriteParams_t &params, const char *method);
+    DDS_ReturnCode_t change_instance(InstanceChange change, const void *sample,
+                                     const DDS_WriteParams_t &params, const char *method);
+    DDS_InstanceHandle_t register_instance(const void *sample, const DDS_WriteParams_t &params,
+                                           const char *method);
+    DDS_InstanceHandle_t lookup_instance(const void *key_holder);
+    DDS_ReturnCode_t get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
+                                   const char *method);
+    DDS_ReturnCode_t wait_for_acknowledgments(const DDS_Duration_t &max_wait);
+    void *create_data();
+    void delete_data(void *sample);
+
+  private:
+    template <typename Kind>
+    void dispatch();
+    // Tells the listeners of what happened before they were installed.
+    void dispatch_pending(DDS_StatusMask mask);
+
+    // Takes over what writing looks at all the time.
+    void note_qos();
+
+    const Sertype &sertype() const;
+    SerdataRef serialize(const void *sample, const char *method, DDS_ReturnCode_t *result);
+    SerdataRef key_of(const void *sample);
+    // The key alone, in the writer's encapsulation, as it goes over the wire.
+    SerdataRef key_payload(const void *sample, const char *method, DDS_ReturnCode_t *result);
+    SerdataRef key_payload_of_instance(const KeyBytes &key, const char *method,
+                                       DDS_ReturnCode_t *result);
+    DDS_ReturnCode_t write_deferred(const DDS_WriteParams_t &params, const char *method);
+    DDS_ReturnCode_t write_now(const void *sample, const DDS_WriteParams_t &params,
+                               const char *method);
+    DDS_ReturnCode_t send(SerdataRef serdata, std::uint32_t status_info,
+                          const DDS_Time_t &source_timestamp, const char *method);
+    DDS_ReturnCode_t check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
+                                  const char *method);
+    // The engine's handle of the instance, which stays valid as long as the domain.
+    DDS_InstanceHandle_t pin_instance(const Serdata &serdata);
+    bool find_instance(DDS_InstanceHandle_t handle, KeyBytes *key);
+
+    DDS_DataWriter handle_{{this}};
+    Publisher &publisher_;
+    Topic &topic_;
+    std::shared_ptr<RegisteredType> type_;
+    std::shared_ptr<TypeEndpoint> endpoint_;
+    DDS_UnsignedShort encapsulation_ = KOLT_ENCAPSULATION_INVALID;
+    std::atomic<bool> deferred_write_{false};
+    std::atomic<bool> autodispose_{true};
+    InstanceRegistry instances_;
+    ListenerSlot<DDS_DataWriterListener> listener_;
+    EntityQos<DDS_DataWriterQos> qos_;
+};
+
+}  // namespace kolt::engine

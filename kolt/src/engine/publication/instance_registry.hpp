@@ -1,0 +1,91 @@
+// The instances that a writer has registered, by itself or by writing them.
+#pragma once
+
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "engine/data/key_bytes.hpp"
+
+namespace kolt::engine {
+
+class InstanceRegistry {
+  public:
+    // The instance of this key is registered from now on.
+    void add(std::string_view key) {
+        const std::lock_guard lock(mutex_);
+        if (by_key_.find(key) == by_key_.end()) {
+            by_key_.emplace(std::string(key), DDS_HANDLE_NIL);
+        }
+    }
+    bool contains(std::string_view key) const {
+        const std::lock_guard lock(mutex_);
+        return by_key_.find(key) != by_key_.end();
+    }
+    // The handle that was set for the instance; DDS_HANDLE_NIL when there is none.
+    DDS_InstanceHandle_t handle_of(std::string_view key) const {
+        const std::lock_guard lock(mutex_);
+        const auto found = by_key_.find(key);
+        return found != by_key_.end() ? found->second : DDS_HANDLE_NIL;
+    }
+    void set_handle(std::string_view key, DDS_InstanceHandle_t handle) {
+        const std::lock_guard lock(mutex_);
+        const auto found = by_key_.find(key);
+        if (found == by_key_.end()) {
+            return;
+        }
+        by_handle_.insert_or_assign(handle, found->first);
+        found->second = handle;
+    }
+    bool find(DDS_InstanceHandle_t handle, KeyBytes *key) const {
+        const std::lock_guard lock(mutex_);
+        const auto found = by_handle_.find(handle);
+        if (found == by_handle_.end()) {
+            return false;
+        }
+        assign(found->second, key);
+        return true;
+    }
+    // Any one instance whose handle is not known yet.
+    bool find_without_handle(KeyBytes *key) const {
+        const std::lock_guard lock(mutex_);
+        for (const auto &[bytes, handle] : by_key_) {
+            if (handle != DDS_HANDLE_NIL) {
+                continue;
+            }
+            assign(bytes, key);
+            return true;
+        }
+        return false;
+    }
+    void remove(std::string_view key) {
+        const std::lock_guard lock(mutex_);
+        const auto found = by_key_.find(key);
+        if (found == by_key_.end()) {
+            return;
+        }
+        by_handle_.erase(found->second);
+        by_key_.erase(found);
+    }
+
+  private:
+    // Lets a string_view be looked up without making a string of it.
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view key) const {
+            return std::hash<std::string_view>()(key);
+        }
+    };
+
+    static void assign(const std::string &bytes, KeyBytes *key) {
+        key->assign(reinterpret_cast<const DDS_Octet *>(bytes.data()), bytes.size());
+    }
+
+    mutable std::mutex mutex_;
+    std::unordered_map<std::string, DDS_InstanceHandle_t, Hash, std::equal_to<>> by_key_;
+    std::unordered_map<DDS_InstanceHandle_t, std::string> by_handle_;
+};
+
+}  // namespace kolt::engine

@@ -1,0 +1,42 @@
+// The QoS that a create function uses when the caller gives none.
+#pragma once
+
+#include "engine/barrier/barrier.hpp"
+#include "qos/profile_store.hpp"
+#include "qos/qos_values.hpp"
+
+namespace kolt::engine {
+
+// A default that the application may set. Until it does, the loaded profiles decide.
+template <typename Qos>
+class DefaultQos {
+  public:
+    bool is_set() const { return set_; }
+    // Into an initialised record. False when memory runs out.
+    bool get(Qos *qos) const { return kolt::qos::copy(*qos, *value_); }
+    bool set(const Qos &qos) {
+        if (!kolt::qos::copy(*value_, qos)) {
+            return false;
+        }
+        set_ = true;
+        return true;
+    }
+    void reset() { set_ = false; }
+
+  private:
+    kolt::qos::OwnedQos<Qos> value_;
+    bool set_ = false;
+};
+
+// The standard's default, or what the default profile says, for this topic (which may be nullptr).
+template <typename Qos>
+bool profile_default(Qos *qos, const char *topic_name) {
+    kolt::qos::OwnedQos<Qos> standard;
+    if (!kolt::qos::copy(*qos, *standard)) {
+        return false;
+    }
+    kolt::qos::profile_store().default_qos(*qos, topic_name);
+    return true;
+}
+
+}  // namespace kolt::engine

@@ -1,0 +1,288 @@
+#include "engine/subscription/data_reader.hpp"
+
+#include <algorithm>
+#include <new>
+
+#include "engine/cyclone/convert.hpp"
+#include "engine/domain/participant.hpp"
+#include "engine/entity/statuses.hpp"
+#include "engine/qos/qos_check.hpp"
+#include "engine/qos/qos_map.hpp"
+#include "engine/subscription/subscriber.hpp"
+#include "engine/topic/topic.hpp"
+
+namespace kolt::engine {
+
+namespace {
+
+namespace api = cyclone;
+
+constexpr DDS_StatusMask kStatuses =
+    DDS_REQUESTED_DEADLINE_MISSED_STATUS | DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS |
+    DDS_SAMPLE_LOST_STATUS | DDS_SAMPLE_REJECTED_STATUS | DDS_DATA_AVAILABLE_STATUS |
+    DDS_LIVELINESS_CHANGED_STATUS | DDS_SUBSCRIPTION_MATCHED_STATUS;
+
+template <typename Kind>
+void on_engine_event(dds_entity_t, const typename Kind::EngineStatus, void *reader) {
+    static_cast<DataReader *>(reader)->on_event<Kind>();
+}
+
+void on_engine_data(dds_entity_t, void *reader) {
+    static_cast<DataReader *>(reader)->on_data_available();
+}
+
+}  // namespace
+
+DataReader::DataReader(Subscriber &subscriber, TopicDescription &topic,
+                       const DDS_DataReaderQos &qos)
+    : Entity(EntityKind::kDataReader, &handle_._entity, kStatuses),
+      subscriber_(subscriber),
+      topic_(topic),
+      type_(topic.topic().registered_type()),
+      qos_(subscriber.participant().tree(), qos) {
+    const std::lock_guard lock(subscriber.participant().tree());
+    ++topic.users;
+}
+
+DataReader::~DataReader() {
+    listener_.set(nullptr, 0);
+    conditions_.clear();
+    delete_engine("DDS_Subscriber_delete_datareader");
+    const std::lock_guard lock(subscriber_.participant().tree());
+    --topic_.users;
+}
+
+DDS_ReturnCode_t DataReader::attach_type(const char *method) {
+    const bool allowed = qos_.read([&](const DDS_DataReaderQos &qos) {
+        const DDS_ShortSeq &ids = qos.representation.value;
+        const auto count = static_cast<DDS_Long>(DDS_ShortSeq_get_length(&ids));
+        for (DDS_Long i = 0; i < count; ++i) {
+            DDS_DataRepresentationId_t id = *DDS_ShortSeq_get_reference(&ids, i);
+            if (!type_->resolve_representation(&id)) {
+                return false;
+            }
+        }
+        return true;
+    });
+    if (!allowed) {
+        return fail(DDS_RETCODE_INCONSISTENT_POLICY, method,
+                    "inconsistent QoS: representation: the type %s does not allow it",
+                    type_->name().c_str());
+    }
+    endpoint_ =
+        TypeEndpoint::create(type_, {KOLT_TYPE_PLUGIN_READER, DDS_AUTO_DATA_REPRESENTATION, 0U});
+    if (endpoint_ == nullptr) {
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the type plugin of %s cannot be attached", type_->name().c_str());
+    }
+    return DDS_RETCODE_OK;
+}
+
+// ---- Enabling and QoS ---------------------------------------------------------------------------
+
+DDS_ReturnCode_t DataReader::enable(const char *method) {
+    if (!subscriber_.is_enabled() || !topic_.is_enabled()) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the subscriber or the topic is not enabled");
+    }
+    const EngineQos engine_qos =
+        qos_.read([&](const DDS_DataReaderQos &qos) { return to_engine(qos, *type_); });
+    const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
+        dds_create_listener(this), dds_delete_listener);
+    dds_listener_t *const l = listener.get();
+    dds_lset_requested_deadline_missed_arg(l, on_engine_event<RequestedDeadlineMissed>, this,
+                                           false);
+    dds_lset_requested_incompatible_qos_arg(l, on_engine_event<RequestedIncompatibleQos>, this,
+                                            false);
+    dds_lset_sample_rejected_arg(l, on_engine_event<SampleRejected>, this, false);
+    dds_lset_liveliness_changed_arg(l, on_engine_event<LivelinessChanged>, this, false);
+    dds_lset_subscription_matched_arg(l, on_engine_event<SubscriptionMatched>, this, false);
+    dds_lset_sample_lost_arg(l, on_engine_event<SampleLost>, this, false);
+    dds_lset_data_available_arg(l, on_engine_data, this, false);
+    const dds_entity_t entity =
+        dds_create_reader(subscriber_.engine(), topic_.engine(), engine_qos.get(), l);
+    if (entity < 0) {
+        return fail(to_return_code(entity), method, "the engine refuses a reader of %s",
+                    topic_.name().c_str());
+    }
+    // Events that came before this point were kept by the engine: nobody could be told yet.
+    set_engine(entity);
+    dispatch_pending(DDS_STATUS_MASK_ALL);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t DataReader::set_qos(const DDS_DataReaderQos &qos, const char *method) {
+    const DDS_ReturnCode_t result =
+        qos_.set(qos, *this, method, [&](const auto &q) { return to_engine(q, *type_); });
+    // Before it is enabled the representations may still change.
+    return result != DDS_RETCODE_OK || is_enabled() ? result : attach_type(method);
+}
+
+// ---- Events -------------------------------------------------------------------------------------
+
+template <typename HasCallback, typename Call>
+void DataReader::tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call) {
+    if (listener_.handle(status, has_callback, call)) {
+        return;
+    }
+    if (subscriber_.listener().handle(
+            status,
+            [&](const DDS_SubscriberListener &l) { return has_callback(l.reader_listener); },
+            [&](const DDS_SubscriberListener &l) { call(l.reader_listener); })) {
+        return;
+    }
+    subscriber_.participant().listener().handle(
+        status,
+        [&](const DDS_DomainParticipantListener &l) {
+            return has_callback(l.subscriber_listener.reader_listener);
+        },
+        [&](const DDS_DomainParticipantListener &l) {
+            call(l.subscriber_listener.reader_listener);
+        });
+}
+
+template <typename Kind>
+void DataReader::dispatch() {
+    const auto has = [](const DDS_DataReaderListener &l) { return l.*Kind::kCallback != nullptr; };
+    tell_listener(Kind::kBit, has, [this](const DDS_DataReaderListener &l) {
+        typename Kind::Status status{};
+        if (Kind::take_changed(engine(), &status)) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
+        }
+    });
+}
+
+void DataReader::dispatch_data_available() {
+    const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
+    tell_listener(DDS_DATA_AVAILABLE_STATUS, has, [this](const DDS_DataReaderListener &l) {
+        std::uint32_t taken = 0;
+        dds_take_status(engine(), &taken, api::kDataAvailableStatus);
+        l.on_data_available(l.listener_data, &handle_);
+    });
+}
+
+// A subscriber that wants to know about all of its readers' data is told first, and decides by
+// itself whether its readers' listeners are (DDS 1.4, 2.2.4.2.3.2).
+void DataReader::on_data_available() {
+    if (!is_enabled()) {
+        return;
+    }
+    if (!subscriber_.dispatch_data_on_readers()) {
+        dispatch_data_available();
+    }
+}
+
+bool DataReader::has_data_available() const {
+    std::uint32_t status = 0;
+    return is_enabled() && dds_read_status(engine(), &status, api::kDataAvailableStatus) >= 0 &&
+           status != 0;
+}
+
+void DataReader::dispatch_pending(DDS_StatusMask mask) {
+    std::uint32_t engine_mask = 0;
+    if (dds_get_status_changes(engine(), &engine_mask) < 0) {
+        return;
+    }
+    const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
+    for_each_reader_status([&]<typename Kind>() {
+        if ((changed & Kind::kBit) != 0) {
+            dispatch<Kind>();
+        }
+    });
+    if ((changed & DDS_DATA_AVAILABLE_STATUS) != 0) {
+        on_data_available();
+    }
+}
+
+void DataReader::set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask) {
+    listener_.set(listener, mask);
+    if (listener != nullptr && is_enabled()) {
+        dispatch_pending(mask);
+    }
+}
+
+// ---- Conditions ---------------------------------------------------------------------------------
+
+DDS_ReadCondition *DataReader::create_read_condition(std::uint32_t engine_mask,
+                                                     const ReadStates &states, const char *method) {
+    if (!is_enabled()) {
+        not_enabled(method);
+        return nullptr;
+    }
+    auto condition = std::make_unique<ReadCondition>(*this, engine_mask, states);
+    DDS_ReadCondition *const handle = condition->handle();
+    const std::lock_guard lock(contents_);
+    conditions_.push_back(std::move(condition));
+    return handle;
+}
+
+DDS_QueryCondition *DataReader::create_query_condition(std::uint32_t engine_mask,
+                                                       const ReadStates &states,
+                                                       const char *expression,
+                                                       const DDS_StringSeq *parameters,
+                                                       const char *method) {
+    if (!is_enabled()) {
+        not_enabled(method);
+        return nullptr;
+    }
+    auto filter = ContentFilter::create(type_, expression, parameters, method);
+    if (filter == nullptr) {
+        return nullptr;
+    }
+    // The lock spans the creation, so that the engine's limit is never passed.
+    const std::lock_guard lock(contents_);
+    const auto queries = std::count_if(conditions_.begin(), conditions_.end(),
+                                       [](const auto &c) { return c->is_query(); });
+    if (static_cast<std::size_t>(queries) >= kMaxQueryConditions) {
+        fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+             "a reader has room for %zu query conditions only", kMaxQueryConditions);
+        return nullptr;
+    }
+    auto condition = QueryCondition::create(*this, engine_mask, states, std::move(filter), method);
+    if (condition == nullptr) {
+        return nullptr;
+    }
+    DDS_QueryCondition *const handle = condition->handle();
+    conditions_.push_back(std::move(condition));
+    return handle;
+}
+
+DDS_ReturnCode_t DataReader::delete_read_condition(ReadCondition *condition, const char *method) {
+    std::unique_ptr<ReadCondition> removed;
+    const std::lock_guard lock(contents_);
+    if (!contains_pointer(conditions_, condition)) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the condition is not this reader's");
+    }
+    if (condition->is_attached()) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the condition is attached to a waitset");
+    }
+    removed = extract(conditions_, condition);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t DataReader::delete_conditions(const char *method, bool attached_too) {
+    const std::lock_guard lock(contents_);
+    for (const auto &condition : conditions_) {
+        if (!attached_too && condition->is_attached()) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "a condition is attached to a waitset");
+        }
+    }
+    conditions_.clear();
+    return DDS_RETCODE_OK;
+}
+
+bool DataReader::has_conditions() const {
+    const std::lock_guard lock(contents_);
+    return !conditions_.empty();
+}
+
+template void DataReader::on_event<RequestedDeadlineMissed>();
+template void DataReader::on_event<RequestedIncompatibleQos>();
+template void DataReader::on_event<SampleRejected>();
+template void DataReader::on_event<LivelinessChanged>();
+template void DataReader::on_event<SubscriptionMatched>();
+template void DataReader::on_event<SampleLost>();
+
+}  // namespace kolt::engine

@@ -1,0 +1,141 @@
+// Data readers: events, conditions, and the way from the engine's cache to an application's
+// records.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/data/serdata.hpp"
+#include "engine/entity/entity.hpp"
+#include "engine/entity/entity_qos.hpp"
+#include "engine/entity/listener_slot.hpp"
+#include "engine/subscription/read_condition.hpp"
+#include "kolt/subscription.h"
+
+namespace kolt::engine {
+
+class Subscriber;
+class TopicDescription;
+
+// What a read or take of the engine brought: serialised samples and what is known of each.
+struct Batch {
+    std::vector<SerdataView> views;
+    std::vector<void *> pointers;  // to the views, as the engine wants them
+    std::vector<dds_sample_info_t> infos;
+
+    void resize(std::size_t capacity);
+    std::size_t capacity() const { return infos.size(); }
+};
+
+// Samples that an application holds.
+struct Loan {
+    std::vector<void *> samples;
+    std::vector<void *> pool_handles;
+    std::vector<DDS_SampleInfo> infos;
+};
+
+class DataReader final : public Entity {
+  public:
+    DataReader(Subscriber &subscriber, TopicDescription &topic, const DDS_DataReaderQos &qos);
+    ~DataReader() override;
+    static DataReader *of(DDS_DataReader *self) {
+        return self != nullptr ? static_cast<DataReader *>(self->_entity._impl) : nullptr;
+    }
+
+    DDS_DataReader *handle() { return &handle_; }
+    Subscriber &subscriber() const { return subscriber_; }
+    TopicDescription &topic() const { return topic_; }
+    const std::shared_ptr<RegisteredType> &type() const { return type_; }
+
+    DDS_ReturnCode_t attach_type(const char *method);
+    DDS_ReturnCode_t enable(const char *method) override;
+    DDS_ReturnCode_t get_qos(DDS_DataReaderQos *qos) { return qos_.get(qos); }
+    DDS_ReturnCode_t set_qos(const DDS_DataReaderQos &qos, const char *method);
+
+    DDS_DataReaderListener listener() const { return listener_.get(); }
+    void set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask);
+    // The engine has an event of this kind. Called on its threads.
+    template <typename Kind>
+    void on_event() {
+        if (is_enabled()) {
+            dispatch<Kind>();
+        }
+    }
+    void on_data_available();
+    // Calls on_data_available of whichever listener handles it.
+    void dispatch_data_available();
+    bool has_data_available() const;
+
+    DDS_ReadCondition *create_read_condition(std::uint32_t engine_mask, const ReadStates &states,
+                                             const char *method);
+    DDS_QueryCondition *create_query_condition(std::uint32_t engine_mask, const ReadStates &states,
+                                               const char *expression,
+                                               const DDS_StringSeq *parameters, const char *method);
+    DDS_ReturnCode_t delete_read_condition(ReadCondition *condition, const char *method);
+    DDS_ReturnCode_t delete_conditions(const char *method, bool attached_too);
+    bool has_conditions() const;
+
+    // Reading (reader_access.cpp).
+    DDS_ReturnCode_t read_loaned(const KOLT_ReadSelection &selection, void ***loan,
+                                 DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
+                                 const char *method);
+    DDS_ReturnCode_t read_copied(const KOLT_ReadSelection &selection, DDS_UnsignedLong maximum,
+                                 void *buffer, std::size_t element_size, DDS_UnsignedLong *count,
+                                 DDS_SampleInfoSeq *info_seq, const char *method);
+    DDS_ReturnCode_t read_next_sample(bool take, void *sample, DDS_SampleInfo *info,
+                                      const char *method);
+    DDS_ReturnCode_t return_loan(void **samples, DDS_UnsignedLong count,
+                                 DDS_SampleInfoSeq *info_seq, const char *method);
+    bool has_loans() const;
+    DDS_ReturnCode_t get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
+                                   const char *method);
+    DDS_InstanceHandle_t lookup_instance(const void *key_holder);
+
+  private:
+    // Lets the first listener that wants the status have it: the reader's own, then the
+    // subscriber's, then the participant's (DDS 1.4, 2.2.4.2.3).
+    template <typename HasCallback, typename Call>
+    void tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call);
+    template <typename Kind>
+    void dispatch();
+    void dispatch_pending(DDS_StatusMask mask);
+
+    // Fills `batch` with at most `limit` samples. OK with at least one, or NO_DATA.
+    DDS_ReturnCode_t fetch(const KOLT_ReadSelection &selection, std::size_t limit, Batch *batch,
+                           std::size_t *count);
+    DDS_ReturnCode_t fetch_next_instance(const KOLT_ReadSelection &selection, std::size_t limit,
+                                         Batch *batch, std::size_t *count);
+    // `locked`: the calling thread has locked the cache, which this unlocks.
+    dds_return_t engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
+                             std::size_t room, bool locked, Batch *batch);
+    bool is_instance_known(const KOLT_ReadSelection &selection);
+    // The handles of the instances in the cache, ascending.
+    std::vector<DDS_InstanceHandle_t> cached_instances();
+    // Builds the record of a serialised sample, or sets the key members of one without data. False,
+    // and a log message, when it is malformed.
+    bool deserialize(const Serdata &serdata, bool valid_data, void *record);
+    void reset(void *record);
+    // Gives the loan, which has samples, to the caller.
+    DDS_ReturnCode_t hand_out(std::unique_ptr<Loan> loan, void ***samples, DDS_UnsignedLong *count,
+                              DDS_SampleInfoSeq *info_seq, const char *method);
+    void free_loan(Loan &loan);
+
+    DDS_DataReader handle_{{this}};
+    Subscriber &subscriber_;
+    TopicDescription &topic_;
+    std::shared_ptr<RegisteredType> type_;
+    std::shared_ptr<TypeEndpoint> endpoint_;
+    ListenerSlot<DDS_DataReaderListener> listener_;
+    EntityQos<DDS_DataReaderQos> qos_;
+
+    mutable std::mutex contents_;
+    // Guarded by contents_:
+    std::unordered_map<void **, std::unique_ptr<Loan>> loans_;
+    std::vector<std::unique_ptr<ReadCondition>> conditions_;
+};
+
+}  // namespace kolt::engine

@@ -1,0 +1,410 @@
+// Reading and taking: from the engine's cache to loaned or caller-owned records.
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "engine/cyclone/convert.hpp"
+#include "engine/domain/participant.hpp"
+#include "engine/subscription/data_reader.hpp"
+#include "engine/subscription/subscriber.hpp"
+#include "engine/topic/topic.hpp"
+
+namespace kolt::engine {
+
+namespace {
+
+namespace api = cyclone;
+
+// Room for a read before it is known how much there is.
+constexpr std::size_t kFirstGuess = 32;
+// The engine's limit of one read.
+constexpr std::size_t kMaxSamples = std::numeric_limits<std::int32_t>::max();
+
+// What the function below has seen, with a reference on each.
+struct SeenKeys {
+    std::vector<const Serdata *> keys;
+
+    SeenKeys() = default;
+    ~SeenKeys() {
+        for (const Serdata *const key : keys) {
+            key->unref();
+        }
+    }
+    SeenKeys(const SeenKeys &) = delete;
+    SeenKeys &operator=(const SeenKeys &) = delete;
+};
+
+// Where it goes, on the thread that asks.
+thread_local SeenKeys *t_seen = nullptr;
+
+// A query condition that nothing matches. The engine shows it every instance of the cache when the
+// condition is made, on the thread that makes it, as a key without data.
+bool collect_keys(const void *view) {
+    const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
+    if (t_seen != nullptr && serdata != nullptr && !serdata->has_data()) {
+        try {
+            t_seen->keys.push_back(serdata);
+            serdata->ref();
+        } catch (...) {
+            return false;  // the instance is missed, as if it had come later
+        }
+    }
+    return false;
+}
+
+// The result of a read, with a log message unless there simply is nothing to read.
+DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
+    if (result == DDS_RETCODE_OK || result == DDS_RETCODE_NO_DATA) {
+        return result;
+    }
+    return fail(result, method,
+                result == DDS_RETCODE_BAD_PARAMETER ? "the handle is no instance"
+                                                    : "the engine does not read");
+}
+
+}  // namespace
+
+void Batch::resize(std::size_t capacity) {
+    if (capacity <= infos.size()) {
+        return;
+    }
+    std::vector<SerdataView> larger(capacity);
+    infos.resize(capacity);
+    pointers.resize(capacity);
+    views.swap(larger);
+    for (std::size_t i = 0; i < capacity; ++i) {
+        pointers[i] = &views[i];
+    }
+}
+
+// ---- From the engine ----------------------------------------------------------------------------
+
+dds_return_t DataReader::engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
+                                     std::size_t room, bool locked, Batch *batch) {
+    ReadCondition *const condition = ReadCondition::of(selection.condition);
+    const dds_entity_t source = condition != nullptr ? condition->watched() : engine();
+    const std::uint32_t limit = locked ? api::kReadLocked : static_cast<std::uint32_t>(room);
+    void **const views = batch->pointers.data();
+    dds_sample_info_t *const infos = batch->infos.data();
+    if (selection.scope == KOLT_READ_ALL) {
+        const auto read = selection.take != DDS_BOOLEAN_FALSE ? dds_take_mask : dds_read_mask;
+        return read(source, views, infos, room, limit, mask);
+    }
+    const auto read =
+        selection.take != DDS_BOOLEAN_FALSE ? dds_take_instance_mask : dds_read_instance_mask;
+    return read(source, views, infos, room, limit, selection.handle, mask);
+}
+
+DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::size_t limit,
+                                   Batch *batch, std::size_t *count) {
+    *count = 0;
+    if (selection.scope == KOLT_READ_NEXT_INSTANCE) {
+        return fetch_next_instance(selection, limit, batch, count);
+    }
+    ReadCondition *const condition = ReadCondition::of(selection.condition);
+    std::uint32_t mask = api::kNoStateMask;
+    if (condition == nullptr && !states_to_engine(selection.sample_states, selection.view_states,
+                                                  selection.instance_states, &mask)) {
+        return DDS_RETCODE_NO_DATA;
+    }
+    const auto held = condition != nullptr ? condition->hold() : std::unique_lock<std::mutex>();
+
+    batch->resize(std::min(limit, kFirstGuess));
+    std::size_t room = std::min(limit, batch->capacity());
+    std::uint32_t available = 0;
+    if (room < limit) {
+        // Locks the cache, unless it is empty. Only a read unlocks it: without memory that read
+        // brings as many samples as there is room for.
+        available = dds_reader_lock_samples(engine());
+        try {
+            batch->resize(std::min<std::size_t>(limit, available));
+        } catch (const std::bad_alloc &) {
+            *count = 0;
+        }
+        room = std::min(limit, batch->capacity());
+    }
+    const dds_return_t result = engine_read(selection, mask, room, available != 0, batch);
+    if (result > 0) {
+        *count = static_cast<std::size_t>(result);
+        return DDS_RETCODE_OK;
+    }
+    if (result == 0 || is_instance_known(selection)) {
+        return DDS_RETCODE_NO_DATA;
+    }
+    return result == api::kPreconditionNotMet ? DDS_RETCODE_BAD_PARAMETER : to_return_code(result);
+}
+
+// An instance without samples is one that the engine's cache does not know.
+bool DataReader::is_instance_known(const KOLT_ReadSelection &selection) {
+    SerdataView key;
+    return selection.scope == KOLT_READ_INSTANCE &&
+           dds_instance_get_key(engine(), selection.handle, &key) >= 0;
+}
+
+std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
+    SeenKeys seen;
+    t_seen = &seen;
+    const dds_entity_t condition =
+        dds_create_querycondition(engine(), api::kNoStateMask - 1U, collect_keys);
+    t_seen = nullptr;
+    if (condition > 0) {
+        dds_delete(condition);
+    }
+    std::vector<DDS_InstanceHandle_t> handles;
+    handles.reserve(seen.keys.size());
+    for (const Serdata *const key : seen.keys) {
+        const SerdataView view(key);
+        const dds_instance_handle_t handle = dds_lookup_instance(engine(), &view);
+        if (handle != DDS_HANDLE_NIL) {
+            handles.push_back(handle);
+        }
+    }
+    std::sort(handles.begin(), handles.end());
+    handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
+    return handles;
+}
+
+// The engine has no order of instances; here it is that of their handles.
+DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selection,
+                                                 std::size_t limit, Batch *batch,
+                                                 std::size_t *count) {
+    std::vector<DDS_InstanceHandle_t> handles;
+    {
+        const std::lock_guard lock(contents_);  // the engine's limit of query conditions
+        handles = cached_instances();
+    }
+    KOLT_ReadSelection one = selection;
+    one.scope = KOLT_READ_INSTANCE;
+    for (auto it = std::upper_bound(handles.begin(), handles.end(), selection.handle);
+         it != handles.end(); ++it) {
+        one.handle = *it;
+        if (fetch(one, limit, batch, count) == DDS_RETCODE_OK) {
+            return DDS_RETCODE_OK;
+        }
+    }
+    return DDS_RETCODE_NO_DATA;
+}
+
+// ---- To records ---------------------------------------------------------------------------------
+
+// A record that was used before holds what it was used for; without data only the key is set.
+void DataReader::reset(void *record) {
+    const DDS_TypeAllocationParams_t keep_buffers = {DDS_BOOLEAN_TRUE, DDS_BOOLEAN_FALSE,
+                                                     DDS_BOOLEAN_FALSE};
+    KOLT_Record_initialize_w_params(type_->type_code(), record, &keep_buffers);
+}
+
+bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *record) {
+    const KOLT_TypePlugin &plugin = endpoint_->plugin();
+    KOLT_CdrStream stream{};
+    KOLT_CdrStream_set(&stream, const_cast<DDS_Octet *>(serdata.bytes()), serdata.size());
+    DDS_Boolean drop = DDS_BOOLEAN_FALSE;
+    DDS_Boolean done = DDS_BOOLEAN_TRUE;
+    if (valid_data) {
+        done = plugin.deserialize(endpoint_->data(), &record, &drop, &stream, DDS_BOOLEAN_TRUE,
+                                  DDS_BOOLEAN_TRUE, nullptr);
+    } else if (type_->is_keyed()) {
+        reset(record);
+        done = plugin.deserialize_key(endpoint_->data(), &record, &drop, &stream, DDS_BOOLEAN_TRUE,
+                                      DDS_BOOLEAN_TRUE, nullptr);
+    }
+    if (done != DDS_BOOLEAN_FALSE && drop == DDS_BOOLEAN_FALSE) {
+        return true;
+    }
+    KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
+                     "DDS_DataReader_read_or_take",
+                     "a sample of the topic %s cannot be deserialised and is dropped",
+                     topic_.name().c_str());
+    return false;
+}
+
+void DataReader::free_loan(Loan &loan) {
+    const KOLT_TypePlugin &plugin = endpoint_->plugin();
+    for (std::size_t i = 0; i < loan.samples.size(); ++i) {
+        plugin.return_sample(endpoint_->data(), loan.samples[i], loan.pool_handles[i]);
+    }
+    loan.samples.clear();
+}
+
+DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, void ***samples,
+                                         DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
+                                         const char *method) {
+    Batch batch;
+    std::size_t fetched = 0;
+    const std::size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
+                                  ? kMaxSamples
+                                  : static_cast<std::size_t>(selection.max_samples);
+    const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
+    if (result != DDS_RETCODE_OK) {
+        return report(result, method);
+    }
+
+    auto loan = std::make_unique<Loan>();
+    loan->samples.reserve(fetched);
+    loan->pool_handles.reserve(fetched);
+    loan->infos.reserve(fetched);
+    const KOLT_TypePlugin &plugin = endpoint_->plugin();
+    bool starved = false;
+    for (std::size_t i = 0; i < fetched; ++i) {
+        const dds_sample_info_t &info = batch.infos[i];
+        void *pool_handle = nullptr;
+        void *const record = plugin.get_sample(endpoint_->data(), &pool_handle);
+        if (record == nullptr) {
+            starved = true;
+            break;
+        }
+        if (!deserialize(*batch.views[i].get(), info.valid_data, record)) {
+            plugin.return_sample(endpoint_->data(), record, pool_handle);
+            continue;
+        }
+        loan->samples.push_back(record);
+        loan->pool_handles.push_back(pool_handle);
+        loan->infos.push_back(to_sample_info(info));
+    }
+    if (loan->samples.empty()) {
+        return starved ? fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "no record for a sample")
+                       : DDS_RETCODE_NO_DATA;
+    }
+    return hand_out(std::move(loan), samples, count, info_seq, method);
+}
+
+DDS_ReturnCode_t DataReader::hand_out(std::unique_ptr<Loan> loan, void ***samples,
+                                      DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
+                                      const char *method) {
+    const auto length = static_cast<DDS_Long>(loan->samples.size());
+    if (DDS_SampleInfoSeq_loan_contiguous(info_seq, loan->infos.data(), length, length) ==
+        DDS_BOOLEAN_FALSE) {
+        free_loan(*loan);
+        return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no loan");
+    }
+    *samples = loan->samples.data();
+    *count = static_cast<DDS_UnsignedLong>(length);
+    try {
+        const std::lock_guard lock(contents_);
+        loans_[loan->samples.data()].swap(loan);
+    } catch (...) {
+        DDS_SampleInfoSeq_unloan(info_seq);
+        free_loan(*loan);
+        throw;
+    }
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
+                                         DDS_UnsignedLong maximum, void *buffer,
+                                         std::size_t element_size, DDS_UnsignedLong *count,
+                                         DDS_SampleInfoSeq *info_seq, const char *method) {
+    const std::size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
+                                  ? maximum
+                                  : static_cast<std::size_t>(selection.max_samples);
+    Batch batch;
+    std::size_t fetched = 0;
+    const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
+    if (result != DDS_RETCODE_OK) {
+        return report(result, method);
+    }
+    if (DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(fetched)) ==
+        DDS_BOOLEAN_FALSE) {
+        return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no %zu elements", fetched);
+    }
+    std::size_t copied = 0;
+    for (std::size_t i = 0; i < fetched; ++i) {
+        void *const record = static_cast<char *>(buffer) + copied * element_size;
+        if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record)) {
+            continue;
+        }
+        *DDS_SampleInfoSeq_get_reference(info_seq, static_cast<DDS_Long>(copied)) =
+            to_sample_info(batch.infos[i]);
+        ++copied;
+    }
+    DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(copied));
+    *count = static_cast<DDS_UnsignedLong>(copied);
+    return copied != 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA;
+}
+
+DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_SampleInfo *info,
+                                              const char *method) {
+    KOLT_ReadSelection selection{};
+    selection.take = take ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
+    selection.sample_states = DDS_NOT_READ_SAMPLE_STATE;
+    selection.view_states = DDS_ANY_VIEW_STATE;
+    selection.instance_states = DDS_ANY_INSTANCE_STATE;
+    Batch batch;
+    std::size_t fetched = 0;
+    // A malformed sample is passed over.
+    while (true) {
+        const DDS_ReturnCode_t result = fetch(selection, 1, &batch, &fetched);
+        if (result != DDS_RETCODE_OK) {
+            return report(result, method);
+        }
+        if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample)) {
+            continue;
+        }
+        *info = to_sample_info(batch.infos[0]);
+        return DDS_RETCODE_OK;
+    }
+}
+
+// ---- Loans and keys -----------------------------------------------------------------------------
+
+DDS_ReturnCode_t DataReader::return_loan(void **samples, DDS_UnsignedLong count,
+                                         DDS_SampleInfoSeq *info_seq, const char *method) {
+    std::unique_ptr<Loan> loan;
+    {
+        const std::lock_guard lock(contents_);
+        const auto found = loans_.find(samples);
+        if (found == loans_.end() || found->second->samples.size() != count) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "no such loan of this reader");
+        }
+        if (DDS_SampleInfoSeq_get_contiguous_buffer(info_seq) != found->second->infos.data()) {
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the info sequence belongs to another loan");
+        }
+        loan = std::move(found->second);
+        loans_.erase(found);
+    }
+    DDS_SampleInfoSeq_unloan(info_seq);
+    free_loan(*loan);
+    return DDS_RETCODE_OK;
+}
+
+bool DataReader::has_loans() const {
+    const std::lock_guard lock(contents_);
+    return !loans_.empty();
+}
+
+DDS_ReturnCode_t DataReader::get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
+                                           const char *method) {
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
+    SerdataView key;
+    if (handle == DDS_HANDLE_NIL || !type_->is_keyed() ||
+        dds_instance_get_key(engine(), handle, &key) < 0 || key.get() == nullptr) {
+        return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is no instance");
+    }
+    return KOLT_Cdr_deserialize_key(type_->programs(), key.get()->bytes(), key.get()->size(),
+                                    key_holder) != DDS_BOOLEAN_FALSE
+               ? DDS_RETCODE_OK
+               : fail(DDS_RETCODE_BAD_PARAMETER, method,
+                      "the handle is no instance of the reader's type");
+}
+
+DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {
+    if (!is_enabled() || !type_->is_keyed()) {
+        return DDS_HANDLE_NIL;
+    }
+    KeyBytes key;
+    if (!key.fill([&](DDS_Octet *buffer, std::size_t *length) {
+            return KOLT_Cdr_key_of_record(type_->programs(), key_holder, buffer, length) != 0;
+        })) {
+        return DDS_HANDLE_NIL;
+    }
+    Serdata *const serdata = Serdata::from_key(&topic_.topic().sertype(), key.data(), key.size());
+    const SerdataView view(serdata);
+    serdata->unref();
+    return dds_lookup_instance(engine(), &view);
+}
+
+}  // namespace kolt::engine

@@ -1,0 +1,454 @@
+// The C functions of subscribers and data readers.
+#include "engine/cyclone/convert.hpp"
+#include "engine/domain/participant.hpp"
+#include "engine/endpoint/matched.hpp"
+#include "engine/entity/statuses.hpp"
+#include "engine/publication/publisher.hpp"
+#include "engine/subscription/data_reader.hpp"
+#include "engine/subscription/subscriber.hpp"
+#include "engine/topic/topic.hpp"
+
+using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
+
+extern "C" {
+// Compared by address only.
+const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT = {};
+const DDS_DataReaderQos DDS_DATAREADER_QOS_USE_TOPIC_QOS = {};
+}
+
+// ---- Subscriber ---------------------------------------------------------------------------------
+
+DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self, DDS_TopicDescription *topic,
+                                                 const DDS_DataReaderQos *qos,
+                                                 const DDS_DataReaderListener *listener,
+                                                 DDS_StatusMask mask) {
+    if (topic == nullptr) {
+        bad_parameter(__func__, "topic");
+        return nullptr;
+    }
+    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
+        return subscriber.create(TopicDescription::of(topic), qos, listener, mask, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self, DDS_DataReader *reader) {
+    if (reader == nullptr) {
+        return bad_parameter(__func__, "reader");
+    }
+    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
+        return subscriber.remove(DataReader::of(reader), method);
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_delete_contained_entities(DDS_Subscriber *self) {
+    return with<Subscriber>(self, __func__, [method = __func__](Subscriber &subscriber) {
+        return subscriber.delete_contained_entities(method);
+    });
+}
+
+DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self, const char *topic_name) {
+    if (topic_name == nullptr) {
+        bad_parameter(__func__, "topic_name");
+        return nullptr;
+    }
+    return with<Subscriber>(self, __func__,
+                            [&](Subscriber &subscriber) { return subscriber.lookup(topic_name); });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos) {
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
+    return with<Subscriber>(self, __func__,
+                            [&](Subscriber &subscriber) { return subscriber.get_qos(qos); });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_set_qos(DDS_Subscriber *self, const DDS_SubscriberQos *qos) {
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
+    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
+        return subscriber.set_qos(*qos, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_set_listener(DDS_Subscriber *self,
+                                             const DDS_SubscriberListener *listener,
+                                             DDS_StatusMask mask) {
+    return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
+        subscriber.listener().set(listener, mask);
+        return DDS_RETCODE_OK;
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
+                                                           DDS_DataReaderQos *qos) {
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
+    return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
+        return subscriber.get_default_qos(qos, nullptr);
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self,
+                                                           const DDS_DataReaderQos *qos) {
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
+    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
+        return subscriber.set_default_qos(*qos, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
+                                                    DDS_DataReaderQos *reader_qos,
+                                                    const DDS_TopicQos *topic_qos) {
+    if (reader_qos == nullptr) {
+        return bad_parameter(__func__, "reader_qos");
+    }
+    if (topic_qos == nullptr) {
+        return bad_parameter(__func__, "topic_qos");
+    }
+    return with<Subscriber>(self, __func__, [&](Subscriber &) {
+        return copy_from_topic_qos(reader_qos, *topic_qos) ? DDS_RETCODE_OK
+                                                           : DDS_RETCODE_OUT_OF_RESOURCES;
+    });
+}
+
+DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self) {
+    return with<Subscriber>(self, __func__, [method = __func__](Subscriber &subscriber) {
+        if (!subscriber.is_enabled()) {
+            return not_enabled(method);
+        }
+        subscriber.notify_readers();
+        return DDS_RETCODE_OK;
+    });
+}
+
+DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self) {
+    return with<Subscriber>(
+        self, __func__, [](Subscriber &subscriber) { return subscriber.participant().handle(); });
+}
+
+// ---- Data reader --------------------------------------------------------------------------------
+
+DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_DataReaderQos *qos) {
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
+    return with<DataReader>(self, __func__,
+                            [&](DataReader &reader) { return reader.get_qos(qos); });
+}
+
+DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self, const DDS_DataReaderQos *qos) {
+    if (qos == nullptr) {
+        return bad_parameter(__func__, "qos");
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        return reader.set_qos(*qos, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
+                                             const DDS_DataReaderListener *listener,
+                                             DDS_StatusMask mask) {
+    if (self == nullptr) {
+        return DDS_RETCODE_OK;
+    }
+    return with<DataReader>(self, __func__, [&](DataReader &reader) {
+        reader.set_listener(listener, mask);
+        return DDS_RETCODE_OK;
+    });
+}
+
+DDS_DataReaderListener DDS_DataReader_get_listener(DDS_DataReader *self) {
+    return with<DataReader>(self, __func__, [](DataReader &reader) { return reader.listener(); });
+}
+
+DDS_TopicDescription *DDS_DataReader_get_topicdescription(DDS_DataReader *self) {
+    return with<DataReader>(self, __func__,
+                            [](DataReader &reader) { return reader.topic().description(); });
+}
+
+DDS_Subscriber *DDS_DataReader_get_subscriber(DDS_DataReader *self) {
+    return with<DataReader>(self, __func__,
+                            [](DataReader &reader) { return reader.subscriber().handle(); });
+}
+
+const char *DDS_DataReader_get_endpoint_type_name(DDS_DataReader *self) {
+    return with<DataReader>(self, __func__, [](DataReader &reader) {
+        return reader.type()->plugin().endpoint_type_name;
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_delete_contained_entities(DDS_DataReader *self) {
+    return with<DataReader>(self, __func__, [method = __func__](DataReader &reader) {
+        return reader.delete_conditions(method, false);
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
+                                                         const DDS_Duration_t *max_wait) {
+    if (max_wait == nullptr || to_engine(*max_wait) < 0) {
+        return bad_parameter(__func__, "max_wait");
+    }
+    return with<DataReader>(self, __func__, [method = __func__](DataReader &reader) {
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
+        kolt::qos::OwnedQos<DDS_DataReaderQos> qos;
+        const DDS_ReturnCode_t result = reader.get_qos(qos.get());
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
+        if ((*qos).durability.kind == DDS_VOLATILE_DURABILITY_QOS) {
+            return DDS_RETCODE_OK;
+        }
+        return fail(DDS_RETCODE_UNSUPPORTED, method,
+                    "the engine does not tell when the history has arrived");
+    });
+}
+
+#define KOLT_DEFINE_GET_STATUS(function, Kind)                                                 \
+    DDS_ReturnCode_t DDS_DataReader_get_##function##_status(DDS_DataReader *self,              \
+                                                            Kind::Status *status) {            \
+        if (status == nullptr) return bad_parameter(__func__, "status");                       \
+        return with<DataReader>(self, __func__, [&](DataReader &reader) {                      \
+            *status = {};                                                                      \
+            return reader.is_enabled() ? Kind::take(reader.engine(), status) : DDS_RETCODE_OK; \
+        });                                                                                    \
+    }
+KOLT_DEFINE_GET_STATUS(sample_rejected, SampleRejected)
+KOLT_DEFINE_GET_STATUS(liveliness_changed, LivelinessChanged)
+KOLT_DEFINE_GET_STATUS(requested_deadline_missed, RequestedDeadlineMissed)
+KOLT_DEFINE_GET_STATUS(requested_incompatible_qos, RequestedIncompatibleQos)
+KOLT_DEFINE_GET_STATUS(subscription_matched, SubscriptionMatched)
+KOLT_DEFINE_GET_STATUS(sample_lost, SampleLost)
+#undef KOLT_DEFINE_GET_STATUS
+
+DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader *self,
+                                                         DDS_InstanceHandleSeq *handles) {
+    if (handles == nullptr) {
+        return bad_parameter(__func__, "handles");
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
+        return get_matched(reader.engine(), dds_get_matched_publications, handles, method);
+    });
+}
+
+// ---- Conditions ---------------------------------------------------------------------------------
+
+DDS_ReadCondition *DDS_DataReader_create_readcondition(DDS_DataReader *self,
+                                                       DDS_SampleStateMask sample_states,
+                                                       DDS_ViewStateMask view_states,
+                                                       DDS_InstanceStateMask instance_states) {
+    std::uint32_t mask = 0;
+    if (!states_to_engine(sample_states, view_states, instance_states, &mask)) {
+        bad_parameter(__func__, "states");
+        return nullptr;
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        return reader.create_read_condition(mask, {sample_states, view_states, instance_states},
+                                            method);
+    });
+}
+
+DDS_QueryCondition *DDS_DataReader_create_querycondition(DDS_DataReader *self,
+                                                         DDS_SampleStateMask sample_states,
+                                                         DDS_ViewStateMask view_states,
+                                                         DDS_InstanceStateMask instance_states,
+                                                         const char *query_expression,
+                                                         const DDS_StringSeq *query_parameters) {
+    std::uint32_t mask = 0;
+    if (!states_to_engine(sample_states, view_states, instance_states, &mask)) {
+        bad_parameter(__func__, "states");
+        return nullptr;
+    }
+    if (query_expression == nullptr) {
+        bad_parameter(__func__, "query_expression");
+        return nullptr;
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        return reader.create_query_condition(mask, {sample_states, view_states, instance_states},
+                                             query_expression, query_parameters, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader *self,
+                                                     DDS_ReadCondition *condition) {
+    if (condition == nullptr) {
+        return bad_parameter(__func__, "condition");
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        return reader.delete_read_condition(ReadCondition::of(condition), method);
+    });
+}
+
+// ---- Reading ------------------------------------------------------------------------------------
+
+namespace {
+
+DDS_ReturnCode_t check_selection(const DataReader &reader, const KOLT_ReadSelection &selection,
+                                 const char *method) {
+    if (selection.max_samples < 1 && selection.max_samples != DDS_LENGTH_UNLIMITED) {
+        return bad_parameter(method, "max_samples");
+    }
+    if (selection.scope == KOLT_READ_INSTANCE && selection.handle == DDS_HANDLE_NIL) {
+        return bad_parameter(method, "handle");
+    }
+    if (selection.condition != nullptr &&
+        &ReadCondition::of(selection.condition)->reader() != &reader) {
+        return bad_parameter(method, "condition");
+    }
+    return DDS_RETCODE_OK;
+}
+
+// DDS 1.4, 2.2.2.5.3.8: both sequences are alike, and either own room or take a loan.
+DDS_ReturnCode_t check_sequences(const DDS_SampleInfoSeq *info_seq, DDS_UnsignedLong length,
+                                 DDS_UnsignedLong maximum, DDS_Boolean owned, DDS_Long max_samples,
+                                 const char *method) {
+    const bool info_owned = DDS_SampleInfoSeq_has_ownership(info_seq) != DDS_BOOLEAN_FALSE;
+    if (DDS_SampleInfoSeq_get_length(info_seq) != length ||
+        DDS_SampleInfoSeq_get_maximum(info_seq) != maximum ||
+        info_owned != (owned != DDS_BOOLEAN_FALSE)) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the data and the info sequence differ in length, maximum or ownership");
+    }
+    if (!info_owned) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the sequences hold a loan");
+    }
+    if (maximum != 0 && max_samples != DDS_LENGTH_UNLIMITED &&
+        static_cast<DDS_UnsignedLong>(max_samples) > maximum) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "max_samples exceeds the maximum of the sequences");
+    }
+    return DDS_RETCODE_OK;
+}
+
+}  // namespace
+
+DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
+    DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
+    DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
+    std::size_t element_size, void ***loan, DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq) {
+    if (selection == nullptr) {
+        return bad_parameter(__func__, "selection");
+    }
+    if (loan == nullptr || count == nullptr) {
+        return bad_parameter(__func__, "received_data");
+    }
+    if (info_seq == nullptr) {
+        return bad_parameter(__func__, "info_seq");
+    }
+    *loan = nullptr;
+    *count = 0;
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
+        DDS_ReturnCode_t result = check_selection(reader, *selection, method);
+        if (result == DDS_RETCODE_OK) {
+            result = check_sequences(info_seq, data_length, data_maximum, data_owned,
+                                     selection->max_samples, method);
+        }
+        if (result != DDS_RETCODE_OK) {
+            return result;
+        }
+        if (data_maximum == 0) {
+            return reader.read_loaned(*selection, loan, count, info_seq, method);
+        }
+        if (data_contiguous_buffer == nullptr || element_size == 0) {
+            return bad_parameter(method, "received_data");
+        }
+        result = reader.read_copied(*selection, data_maximum, data_contiguous_buffer, element_size,
+                                    count, info_seq, method);
+        if (result != DDS_RETCODE_OK) {
+            DDS_SampleInfoSeq_set_length(info_seq, 0);
+        }
+        return result;
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
+                                                     DDS_UnsignedLong count,
+                                                     DDS_SampleInfoSeq *info_seq) {
+    if (info_seq == nullptr) {
+        return bad_parameter(__func__, "info_seq");
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        return reader.return_loan(loan, count, info_seq, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DDS_DataReader *self,
+                                                                  DDS_Boolean take, void *sample,
+                                                                  DDS_SampleInfo *info) {
+    if (sample == nullptr) {
+        return bad_parameter(__func__, "received_data");
+    }
+    if (info == nullptr) {
+        return bad_parameter(__func__, "info");
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        if (!reader.is_enabled()) {
+            return not_enabled(method);
+        }
+        return reader.read_next_sample(take != DDS_BOOLEAN_FALSE, sample, info, method);
+    });
+}
+
+DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
+                                              DDS_InstanceHandle_t handle) {
+    if (key_holder == nullptr) {
+        return bad_parameter(__func__, "key_holder");
+    }
+    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+        return reader.get_key_value(key_holder, handle, method);
+    });
+}
+
+DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self, const void *key_holder) {
+    if (key_holder == nullptr) {
+        bad_parameter(__func__, "key_holder");
+        return DDS_HANDLE_NIL;
+    }
+    return with<DataReader>(self, __func__,
+                            [&](DataReader &reader) { return reader.lookup_instance(key_holder); });
+}
+
+DDS_ReturnCode_t DDS_DataReader_is_data_consistent(DDS_DataReader *self,
+                                                   DDS_Boolean *is_data_consistent,
+                                                   const void *sample, const DDS_SampleInfo *info) {
+    if (is_data_consistent == nullptr) {
+        return bad_parameter(__func__, "is_data_consistent");
+    }
+    if (sample == nullptr) {
+        return bad_parameter(__func__, "sample");
+    }
+    if (info == nullptr) {
+        return bad_parameter(__func__, "info");
+    }
+    return with<DataReader>(self, __func__, [&](DataReader &) {
+        *is_data_consistent = DDS_BOOLEAN_TRUE;
+        return DDS_RETCODE_OK;
+    });
+}
+
+#define KOLT_DEFINE_ADD_TO_QUEUE(function)                                               \
+    DDS_ReturnCode_t DDS_DataReader_##function(DDS_DataReader *self, const void *sample, \
+                                               const DDS_WriteParams_t *params) {        \
+        if (sample == nullptr) return bad_parameter(__func__, "sample");                 \
+        if (params == nullptr) return bad_parameter(__func__, "params");                 \
+        return with<DataReader>(self, __func__, [method = __func__](DataReader &) {      \
+            return fail(DDS_RETCODE_UNSUPPORTED, method,                                 \
+                        "samples cannot be injected on behalf of remote writers");       \
+        });                                                                              \
+    }
+KOLT_DEFINE_ADD_TO_QUEUE(add_sample_to_remote_writer_queue)
+KOLT_DEFINE_ADD_TO_QUEUE(add_dispose_to_remote_writer_queue)
+KOLT_DEFINE_ADD_TO_QUEUE(add_unregister_to_remote_writer_queue)
+#undef KOLT_DEFINE_ADD_TO_QUEUE

@@ -1,0 +1,45 @@
+// The filter of a content-filtered topic or a query condition, over serialised samples.
+#pragma once
+
+#include <memory>
+
+#include "engine/data/registered_type.hpp"
+#include "engine/data/serdata.hpp"
+#include "kolt/sequence.h"
+
+namespace kolt::filter {
+class Filter;
+}
+
+namespace kolt::engine {
+
+class ContentFilter {
+  public:
+    // nullptr, and a log message that tells where, for an expression or parameters that are wrong
+    // for the type.
+    static std::unique_ptr<ContentFilter> create(std::shared_ptr<RegisteredType> type,
+                                                 const char *expression,
+                                                 const DDS_StringSeq *parameters,
+                                                 const char *method);
+    ~ContentFilter();
+    ContentFilter(const ContentFilter &) = delete;
+    ContentFilter &operator=(const ContentFilter &) = delete;
+
+    // A key without data passes: it tells that an instance is gone, which whoever was interested in
+    // the instance must learn. A malformed sample does not. May run while parameters are being set.
+    bool accepts(const Serdata &serdata) const noexcept;
+
+    const char *expression() const;
+    DDS_ReturnCode_t get_parameters(DDS_StringSeq *parameters) const;
+    // BAD_PARAMETER, and a log message, when they do not fit; the old ones then stay.
+    DDS_ReturnCode_t set_parameters(const DDS_StringSeq &parameters, const char *method);
+
+  private:
+    ContentFilter(std::shared_ptr<RegisteredType> type,
+                  std::unique_ptr<kolt::filter::Filter> filter);
+
+    std::shared_ptr<RegisteredType> type_;
+    std::unique_ptr<kolt::filter::Filter> filter_;
+};
+
+}  // namespace kolt::engine

@@ -1,0 +1,146 @@
+#include "engine/topic/topic.hpp"
+
+#include <mutex>
+
+#include "engine/cyclone/convert.hpp"
+#include "engine/domain/participant.hpp"
+#include "engine/entity/statuses.hpp"
+#include "engine/qos/qos_check.hpp"
+#include "engine/qos/qos_map.hpp"
+
+namespace kolt::engine {
+
+namespace {
+
+// Makes an engine topic. The engine hands back the sertype that it uses, which may be an older
+// equal one.
+dds_entity_t create_engine_topic(Participant &participant, const Topic &topic, const dds_qos_t *qos,
+                                 const dds_listener_t *listener, ddsi_sertype **sertype) {
+    *sertype = Sertype::create(*topic.registered_type());
+    const dds_entity_t entity = dds_create_topic_sertype(participant.engine(), topic.name().c_str(),
+                                                         sertype, qos, listener, nullptr);
+    if (entity < 0) {
+        ddsi_sertype_unref(*sertype);
+    }
+    return entity;
+}
+
+void inconsistent_topic(dds_entity_t, const dds_inconsistent_topic_status_t, void *topic) {
+    static_cast<Topic *>(topic)->on_inconsistent_topic();
+}
+
+bool accepts(const void *view, void *filter) {
+    const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
+    return serdata != nullptr && static_cast<const ContentFilter *>(filter)->accepts(*serdata);
+}
+
+}  // namespace
+
+// ---- Topic --------------------------------------------------------------------------------------
+
+Topic::Topic(Participant &participant, const char *name, std::shared_ptr<RegisteredType> type,
+             const DDS_TopicQos &qos)
+    : TopicDescription(EntityKind::kTopic, &handle_._description, participant, name,
+                       DDS_INCONSISTENT_TOPIC_STATUS),
+      type_(std::move(type)),
+      qos_(participant.tree(), qos) {}
+
+Topic::~Topic() {
+    listener_.set(nullptr, 0);
+    delete_engine("DDS_DomainParticipant_delete_topic");
+}
+
+DDS_ReturnCode_t Topic::enable(const char *method) {
+    if (!participant().is_enabled()) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the participant is not enabled");
+    }
+    const EngineQos engine_qos = qos_.read([](const DDS_TopicQos &qos) { return to_engine(qos); });
+    const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
+        dds_create_listener(this), dds_delete_listener);
+    dds_lset_inconsistent_topic_arg(listener.get(), inconsistent_topic, this, false);
+    ddsi_sertype *sertype = nullptr;
+    const dds_entity_t entity =
+        create_engine_topic(participant(), *this, engine_qos.get(), listener.get(), &sertype);
+    if (entity < 0) {
+        return fail(to_return_code(entity), method, "the engine refuses the topic %s",
+                    name().c_str());
+    }
+    sertype_ = &Sertype::of(sertype);
+    set_engine(entity);
+    return DDS_RETCODE_OK;
+}
+
+DDS_ReturnCode_t Topic::set_qos(const DDS_TopicQos &qos, const char *method) {
+    return qos_.set(qos, *this, method, [](const DDS_TopicQos &q) { return to_engine(q); });
+}
+
+void Topic::on_inconsistent_topic() {
+    const auto call = [this](const DDS_TopicListener &l) {
+        DDS_InconsistentTopicStatus status{};
+        if (InconsistentTopic::take_changed(engine(), &status)) {
+            l.on_inconsistent_topic(l.listener_data, &handle_, &status);
+        }
+    };
+    if (!is_enabled()) {
+        return;
+    }
+    if (listener_.handle(
+            DDS_INCONSISTENT_TOPIC_STATUS,
+            [](const DDS_TopicListener &l) { return l.on_inconsistent_topic != nullptr; }, call)) {
+        return;
+    }
+    participant().listener().handle(
+        DDS_INCONSISTENT_TOPIC_STATUS,
+        [](const DDS_DomainParticipantListener &l) {
+            return l.topic_listener.on_inconsistent_topic != nullptr;
+        },
+        [&](const DDS_DomainParticipantListener &l) { call(l.topic_listener); });
+}
+
+// ---- Content-filtered topic ---------------------------------------------------------------------
+
+ContentFilteredTopic::ContentFilteredTopic(Participant &participant, const char *name,
+                                           Topic &related, std::unique_ptr<ContentFilter> filter)
+    : TopicDescription(EntityKind::kContentFilteredTopic, &handle_._description, participant, name,
+                       0),
+      related_(related),
+      filter_(std::move(filter)) {}
+
+ContentFilteredTopic::~ContentFilteredTopic() {
+    delete_engine("DDS_DomainParticipant_delete_contentfilteredtopic");
+}
+
+DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
+    if (!related_.is_enabled()) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the related topic is not enabled");
+    }
+    // The engine wants topics of one name to have one QoS: what it made of the related topic's.
+    const EngineQos qos(dds_create_qos());
+    if (qos == nullptr) {
+        throw std::bad_alloc();
+    }
+    dds_return_t result = dds_get_qos(related_.engine(), qos.get());
+    if (result < 0) {
+        return fail(to_return_code(result), method, "the related topic has no QoS");
+    }
+    ddsi_sertype *sertype = nullptr;
+    const dds_entity_t entity =
+        create_engine_topic(participant(), related_, qos.get(), nullptr, &sertype);
+    if (entity < 0) {
+        return fail(to_return_code(entity), method, "the engine refuses the topic %s",
+                    name().c_str());
+    }
+    dds_topic_filter filter{};
+    filter.mode = DDS_TOPIC_FILTER_SAMPLE_ARG;
+    filter.f.sample_arg = accepts;
+    filter.arg = filter_.get();
+    result = dds_set_topic_filter_extended(entity, &filter);
+    if (result < 0) {
+        dds_delete(entity);
+        return fail(to_return_code(result), method, "the engine refuses the filter");
+    }
+    set_engine(entity);
+    return DDS_RETCODE_OK;
+}
+
+}  // namespace kolt::engine

@@ -1,0 +1,98 @@
+// Topics and content-filtered topics. To the engine, a content-filtered topic is a second topic
+// entity of the same name and type that carries a filter.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "engine/data/registered_type.hpp"
+#include "engine/data/sertype.hpp"
+#include "engine/entity/entity.hpp"
+#include "engine/entity/entity_qos.hpp"
+#include "engine/entity/listener_slot.hpp"
+#include "engine/topic/content_filter.hpp"
+#include "kolt/topic.h"
+
+namespace kolt::engine {
+
+class Topic;
+
+// What a reader is created for.
+class TopicDescription : public Entity {
+  public:
+    TopicDescription(EntityKind kind, DDS_TopicDescription *handle, Participant &participant,
+                     const char *name, DDS_StatusMask valid_statuses)
+        : Entity(kind, &handle->_entity, valid_statuses), participant_(participant), name_(name) {}
+    static TopicDescription *of(DDS_TopicDescription *self) {
+        return self != nullptr ? static_cast<TopicDescription *>(self->_entity._impl) : nullptr;
+    }
+
+    Participant &participant() const { return participant_; }
+    const std::string &name() const { return name_; }
+    DDS_TopicDescription *description() const {
+        return reinterpret_cast<DDS_TopicDescription *>(self());
+    }
+    // The topic itself, or the one behind the filter.
+    virtual Topic &topic() = 0;
+
+    // Readers and writers for it, and for a topic also filters on it. Guarded by the tree's mutex.
+    int users = 0;
+
+  private:
+    Participant &participant_;
+    const std::string name_;
+};
+
+class Topic final : public TopicDescription {
+  public:
+    Topic(Participant &participant, const char *name, std::shared_ptr<RegisteredType> type,
+          const DDS_TopicQos &qos);
+    ~Topic() override;
+    static Topic *of(DDS_Topic *self) {
+        return self != nullptr ? static_cast<Topic *>(self->_description._entity._impl) : nullptr;
+    }
+
+    DDS_Topic *handle() { return &handle_; }
+    Topic &topic() override { return *this; }
+    const std::shared_ptr<RegisteredType> &registered_type() const { return type_; }
+    // The engine's; valid while the topic is enabled.
+    const Sertype &sertype() const { return *sertype_; }
+    ListenerSlot<DDS_TopicListener> &listener() { return listener_; }
+
+    DDS_ReturnCode_t enable(const char *method) override;
+    DDS_ReturnCode_t get_qos(DDS_TopicQos *qos) { return qos_.get(qos); }
+    DDS_ReturnCode_t set_qos(const DDS_TopicQos &qos, const char *method);
+    void on_inconsistent_topic();
+
+  private:
+    DDS_Topic handle_{{{this}}};
+    std::shared_ptr<RegisteredType> type_;
+    const Sertype *sertype_ = nullptr;
+    ListenerSlot<DDS_TopicListener> listener_;
+    EntityQos<DDS_TopicQos> qos_;
+};
+
+class ContentFilteredTopic final : public TopicDescription {
+  public:
+    ContentFilteredTopic(Participant &participant, const char *name, Topic &related,
+                         std::unique_ptr<ContentFilter> filter);
+    ~ContentFilteredTopic() override;
+    static ContentFilteredTopic *of(DDS_ContentFilteredTopic *self) {
+        return self != nullptr
+                   ? static_cast<ContentFilteredTopic *>(self->_description._entity._impl)
+                   : nullptr;
+    }
+
+    DDS_ContentFilteredTopic *handle() { return &handle_; }
+    Topic &topic() override { return related_; }
+    ContentFilter &filter() { return *filter_; }
+
+    DDS_ReturnCode_t enable(const char *method) override;
+
+  private:
+    DDS_ContentFilteredTopic handle_{{{this}}};
+    Topic &related_;
+    std::unique_ptr<ContentFilter> filter_;
+};
+
+}  // namespace kolt::engine
