@@ -2,7 +2,7 @@
 
 #include "vur_dl/distlog.h"
 
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 
 #define VUR_DL_DEFINE_RECORD_OPERATIONS(T, type_name)                                             \
     DDS_Boolean T##_initialize(T *self) {                                                         \

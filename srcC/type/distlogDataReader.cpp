@@ -1,6 +1,6 @@
 // Typed data readers: the untyped reader, whose samples go into typed sequences as copies or loans.
 
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 #include "type/typed_entity.hpp"
 #include "vur_dl/distlogSupport.h"
 

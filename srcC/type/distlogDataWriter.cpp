@@ -1,6 +1,6 @@
 // Typed data writers: the untyped writer with the sample's type put in.
 
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 #include "type/typed_entity.hpp"
 #include "vur_dl/distlogSupport.h"
 

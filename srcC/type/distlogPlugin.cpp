@@ -6,7 +6,7 @@
 
 #include "kolt/os.h"
 #include "type/plugin_common.hpp"
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 
 namespace vur_dl {
 namespace {

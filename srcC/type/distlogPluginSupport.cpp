@@ -6,7 +6,7 @@
 #include "kolt/dynamic_data.h"
 #include "kolt/os.h"
 #include "type/plugin_common.hpp"
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 #include "vur_dl/distlogPlugin.h"
 
 namespace vur_dl {

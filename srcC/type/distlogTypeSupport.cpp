@@ -1,6 +1,6 @@
 // Type support of the four topic types.
 
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 #include "vur_dl/distlogSupport.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The sequences of the thirteen types.
 
 #include "kolt/sequence_define.h"
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 #include "vur_dl/distlog.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <limits>
 
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 #include "vur_dl/distlog.h"
 
 static_assert(sizeof(VUR_DL_ADMIN_VURLoggerVerbosity) == sizeof(DDS_Enum) &&

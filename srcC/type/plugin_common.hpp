@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "kolt/cdr.h"
-#include "type/type_table.hpp"
+#include "type/type_list.hpp"
 
 namespace vur_dl {
 

@@ -8,8 +8,8 @@
 
 #include "dynamic/dynamic_value.hpp"
 #include "kolt/dynamic_data.h"
-#include "type/layout.hpp"
-#include "type/record.hpp"
+#include "type/record/record.hpp"
+#include "type/typecode/layout.hpp"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "dynamic/dynamic_value.hpp"
 #include "dynamic/text_writer.hpp"
 #include "kolt/dynamic_data.h"
-#include "type/layout.hpp"
-#include "type/record.hpp"
+#include "type/record/record.hpp"
+#include "type/typecode/layout.hpp"
 
 namespace kolt::dynamic {
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "dynamic/dynamic_value.hpp"
-#include "type/layout.hpp"
-#include "type/record.hpp"
+#include "type/record/record.hpp"
+#include "type/typecode/layout.hpp"
 
 namespace kolt::dynamic {
 namespace {

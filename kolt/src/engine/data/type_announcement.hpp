@@ -6,7 +6,7 @@
 
 #include "engine/cyclone/cyclone.hpp"
 #include "kolt/typecode.h"
-#include "type/type_object.hpp"
+#include "type/typeobject/type_object.hpp"
 
 namespace kolt::engine {
 
