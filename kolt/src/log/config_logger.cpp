@@ -11,7 +11,7 @@
 #include "kolt/os.h"
 #include "log/device.hpp"
 #include "log/event.hpp"
-#include "log/print_format.hpp"
+#include "log/line_format.hpp"
 #include "log/verbosity.hpp"
 
 // The state lies beside the code that uses it; the handle stands for all of it.

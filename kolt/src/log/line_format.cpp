@@ -1,7 +1,7 @@
 // Formatting: one table of bits and fields. A message is printed as the fields that its format
 // selects, in the order of the table, separated by blanks, then a colon and the text.
 
-#include "log/print_format.hpp"
+#include "log/line_format.hpp"
 
 #include <pthread.h>
 #include <unistd.h>
