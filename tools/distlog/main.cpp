@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "command.hpp"
-#include "session.hpp"
-#include "text.hpp"
+#include "net/session.hpp"
+#include "text/text.hpp"
 
 namespace {
 

@@ -1,0 +1,56 @@
+// The element `distributed_logger` of one configuration document, and what is wrong around it.
+#pragma once
+
+#include <kolt/xml.h>
+#include <vur_dl/Options.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "check/check_elements.hpp"
+#include "check/check_problem.hpp"
+
+namespace distlog::check {
+
+using ParserPtr = std::unique_ptr<DDS_XMLParser, void (*)(DDS_XMLParser *)>;
+using OptionsPtr = std::unique_ptr<VUR_DL_Options, VUR_DL_Options *(*)(VUR_DL_Options *)>;
+
+class Document {
+  public:
+    // `path` is what is read, `name` what the user calls it.
+    Document(std::string path, std::string name);
+
+    // Parses the document and reads the element. False when it is not even well formed.
+    bool read(Problems &problems);
+
+    const std::string &name() const { return name_; }
+    const std::string &path() const { return path_; }
+    // The element `dds`; valid after a successful read.
+    const DDS_XMLObject *root() const { return DDS_XMLParser_get_root(tree_.get()); }
+    // The line of the element; 0 when the document has none.
+    std::uint32_t logger_line() const { return logger_line_; }
+    // What the element says, with defaults for the rest; without the element, the defaults of code.
+    VUR_DL_Options *options() const { return options_.get(); }
+    // The line that sets an option; 0 when none does.
+    std::uint32_t line_of(const Element &element) const;
+
+  private:
+    void check_root(Problems &problems) const;
+    void check_element(const DDS_XMLObject *object, const Element *element, Problems &problems);
+    void check_children(const DDS_XMLObject *parent, bool in_force, Problems &problems);
+    void check_value(const DDS_XMLObject *object, const Element &element, Problems &problems) const;
+    void check_loggers(const DDS_XMLObject *object, const DDS_XMLObject *first, Problems &problems);
+    void read_options(Problems &problems);
+    void warn(const DDS_XMLObject *object, std::string text, Problems &problems) const;
+
+    std::string path_;
+    std::string name_;
+    ParserPtr tree_;
+    OptionsPtr options_;
+    std::uint32_t logger_line_ = 0;
+    std::map<const Element *, std::uint32_t> lines_;
+};
+
+}  // namespace distlog::check

@@ -1,0 +1,76 @@
+// The policies of a QoS record, one by one: their values, and who decided them.
+#pragma once
+
+#include <kolt/qos.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "text/output.hpp"
+
+namespace distlog::check {
+
+// A QoS record that is initialised and finalised.
+template <typename Qos, DDS_ReturnCode_t (*kInitialize)(Qos *),
+          DDS_ReturnCode_t (*kFinalize)(Qos *)>
+class Owned {
+  public:
+    Owned() {
+        std::memset(&qos_, 0, sizeof qos_);
+        kInitialize(&qos_);
+    }
+    ~Owned() { kFinalize(&qos_); }
+    Owned(const Owned &) = delete;
+    Owned &operator=(const Owned &) = delete;
+    Qos *get() { return &qos_; }
+    Qos &operator*() { return qos_; }
+    const Qos &operator*() const { return qos_; }
+    // For functions that initialise what they fill.
+    Qos *emptied() {
+        kFinalize(&qos_);
+        return &qos_;
+    }
+
+  private:
+    Qos qos_;
+};
+using ParticipantQos = Owned<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
+                             DDS_DomainParticipantQos_finalize>;
+using PublisherQos =
+    Owned<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
+using SubscriberQos =
+    Owned<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
+using TopicQos = Owned<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
+using WriterQos =
+    Owned<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
+using ReaderQos =
+    Owned<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
+
+struct Policy {
+    std::string_view name;  // the member of the record, and the element in a profile
+    bool important;         // shown even at its default
+    // Objects: the policy's members, with the names that XML has.
+    Json value;     // what the logger uses
+    Json standard;  // the standard's default
+    Json said;      // what the profile says, the logger's own needs left aside
+
+    bool is_standard() const { return value == standard; }
+    // "default", "profile" or "logger": who it is from.
+    std::string_view source() const;
+};
+
+// All policies of an entity's effective QoS. The important ones come first.
+std::vector<Policy> policies_of(const DDS_DomainParticipantQos &effective,
+                                const DDS_DomainParticipantQos &said);
+std::vector<Policy> policies_of(const DDS_PublisherQos &effective, const DDS_PublisherQos &said);
+std::vector<Policy> policies_of(const DDS_SubscriberQos &effective, const DDS_SubscriberQos &said);
+std::vector<Policy> policies_of(const DDS_TopicQos &effective, const DDS_TopicQos &said);
+std::vector<Policy> policies_of(const DDS_DataWriterQos &effective, const DDS_DataWriterQos &said);
+std::vector<Policy> policies_of(const DDS_DataReaderQos &effective, const DDS_DataReaderQos &said);
+
+// A policy's value on one line.
+std::string policy_text(std::string_view name, const Json &value);
+
+}  // namespace distlog::check

@@ -1,0 +1,66 @@
+// The command's presence in a domain.
+#include "net/session.hpp"
+
+#include <fmt/format.h>
+#include <kolt/config_logger.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "command.hpp"
+
+namespace distlog {
+namespace {
+
+void write_to_standard_error(KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
+    const std::size_t length = std::strlen(message->text);
+    const bool ended = length > 0 && message->text[length - 1] == '\n';
+    std::fprintf(stderr, "%s%s", message->text, ended ? "" : "\n");
+}
+
+}  // namespace
+
+void divert_middleware_log() {
+    static KOLT_Config_LoggerDevice device{nullptr, write_to_standard_error, nullptr};
+    KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device);
+}
+
+Session::Session(int domain_id) : domain_(domain_id) {
+    DDS_DomainParticipantFactory *factory = DDS_DomainParticipantFactory_get_instance();
+    participant_ = DDS_DomainParticipantFactory_create_participant(factory, domain_id, nullptr,
+                                                                   nullptr, DDS_STATUS_MASK_NONE);
+    if (participant_ == nullptr) {
+        throw Failure(fmt::format("unable to join domain {}", domain_id));
+    }
+    publisher_ = DDS_DomainParticipant_create_publisher(participant_, nullptr, nullptr,
+                                                        DDS_STATUS_MASK_NONE);
+    subscriber_ = DDS_DomainParticipant_create_subscriber(participant_, nullptr, nullptr,
+                                                          DDS_STATUS_MASK_NONE);
+    if (publisher_ == nullptr || subscriber_ == nullptr) {
+        DDS_DomainParticipant_delete_contained_entities(participant_);
+        DDS_DomainParticipantFactory_delete_participant(factory, participant_);
+        throw Failure(fmt::format("unable to create entities in domain {}", domain_id));
+    }
+}
+
+Session::~Session() {
+    DDS_DomainParticipant_delete_contained_entities(participant_);
+    DDS_DomainParticipantFactory_delete_participant(DDS_DomainParticipantFactory_get_instance(),
+                                                    participant_);
+    DDS_DomainParticipantFactory_finalize_instance();
+}
+
+Identity Session::self() const {
+    DDS_DomainParticipantQos qos;
+    DDS_DomainParticipantQos_initialize(&qos);
+    const DDS_ReturnCode_t result = DDS_DomainParticipant_get_qos(participant_, &qos);
+    const Identity identity(static_cast<std::int32_t>(qos.wire_protocol.rtps_host_id),
+                            static_cast<std::int32_t>(qos.wire_protocol.rtps_app_id));
+    DDS_DomainParticipantQos_finalize(&qos);
+    if (result != DDS_RETCODE_OK) {
+        throw Failure("unable to read the participant's identity");
+    }
+    return identity;
+}
+
+}  // namespace distlog
