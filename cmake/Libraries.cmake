@@ -27,9 +27,7 @@ function(vur_dl_add_library name source_dir include_dir building)
   # No -Bsymbolic and no -fno-semantic-interposition: a program that defines one of the platform's
   # functions itself gets the calls that libvur_dl makes, and the fault tests live on that.
   target_link_options(${name} PRIVATE "-Wl,--version-script=${version_script}" -Wl,--as-needed)
-  if(VUR_DL_ALLOW_UNDEFINED)
-    target_link_options(${name} PRIVATE -Wl,-z,lazy)
-  elseif(NOT VUR_DL_SANITIZE)
+  if(NOT VUR_DL_SANITIZE)
     target_link_options(${name} PRIVATE -Wl,-z,defs)
   endif()
 endfunction()

@@ -59,9 +59,5 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:C>:-Wmissing-prototypes>
             $<$<BOOL:${VUR_DL_WERROR}>:-Werror>)
 
-# A program or library may still have holes while its parts are being written.
+# A program needs only the libraries that it calls.
 set(VUR_DL_EXECUTABLE_LINK_OPTIONS -Wl,--as-needed)
-if(VUR_DL_ALLOW_UNDEFINED)
-  list(APPEND VUR_DL_EXECUTABLE_LINK_OPTIONS -Wl,--unresolved-symbols=ignore-in-shared-libs
-       -Wl,--warn-unresolved-symbols -Wl,-z,lazy)
-endif()
