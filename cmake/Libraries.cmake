@@ -35,7 +35,7 @@ endfunction()
 vur_dl_add_library(kolt "${PROJECT_SOURCE_DIR}/kolt/src" "${PROJECT_SOURCE_DIR}/kolt/include"
                    KOLT_BUILDING)
 target_link_libraries(kolt PRIVATE $<BUILD_INTERFACE:vur_dl_warnings> CycloneDDS::ddsc
-                                   EXPAT::EXPAT fmt::fmt-header-only Threads::Threads
+                                   EXPAT::EXPAT Threads::Threads
                                    "${LIBMD_LIBRARY}")
 target_include_directories(kolt SYSTEM PRIVATE "${LIBMD_INCLUDE_DIR}")
 add_library(kolt::kolt ALIAS kolt)
