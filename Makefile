@@ -18,7 +18,8 @@ help:
 	@echo 'make test     build, and run every test'
 	@echo 'make bench    build, and run the benchmarks (BENCH_FILTER=<regular expression>)'
 	@echo 'make format   format all sources'
-	@echo 'make tidy     run clang-tidy over all sources'
+	@echo 'make tidy     run clang-tidy over all sources; its findings are errors'
+	@echo 'make layers   check that no file includes a layer above its own'
 	@echo 'make clean    remove all build folders'
 	@echo
 	@echo 'PRESET=asan|tsan|dev|... takes another preset, JOBS=<n> another number of processors.'
@@ -65,10 +66,18 @@ format:
 	@scripts/install-packages.sh format
 	@scripts/format.sh
 
+# clang's own build tells clang-tidy how to read the sources; it needs what is generated, and compiles the public
+# headers one by one.
 .PHONY: tidy
-tidy: configure
-	@scripts/install-packages.sh check
-	@run-clang-tidy-14 -quiet -p $(build_dir)
+tidy:
+	@scripts/install-packages.sh build check
+	@cmake --preset release-clang $(CMAKE_ARGS)
+	@cmake --build --preset release-clang --parallel $(JOBS) --target interop_idl header_check
+	@scripts/tidy.sh build/release-clang
+
+.PHONY: layers
+layers:
+	@scripts/check-layers.sh
 
 .PHONY: clean
 clean:
