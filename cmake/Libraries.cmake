@@ -32,11 +32,15 @@ function(vur_dl_add_library name source_dir include_dir building)
   endif()
 endfunction()
 
+# What the C++ of the libraries, the command and the tests shares. Not installed.
+add_library(kolt_internal INTERFACE)
+target_include_directories(kolt_internal INTERFACE "${PROJECT_SOURCE_DIR}/kolt/internal")
+
 vur_dl_add_library(kolt "${PROJECT_SOURCE_DIR}/kolt/src" "${PROJECT_SOURCE_DIR}/kolt/include"
                    KOLT_BUILDING)
-target_link_libraries(kolt PRIVATE $<BUILD_INTERFACE:vur_dl_warnings> CycloneDDS::ddsc
-                                   EXPAT::EXPAT Threads::Threads
-                                   "${LIBMD_LIBRARY}")
+target_link_libraries(
+  kolt PRIVATE $<BUILD_INTERFACE:vur_dl_warnings> $<BUILD_INTERFACE:kolt_internal> CycloneDDS::ddsc
+               EXPAT::EXPAT Threads::Threads "${LIBMD_LIBRARY}")
 target_include_directories(kolt SYSTEM PRIVATE "${LIBMD_INCLUDE_DIR}")
 add_library(kolt::kolt ALIAS kolt)
 
@@ -45,5 +49,5 @@ vur_dl_add_library(vur_dl "${PROJECT_SOURCE_DIR}/srcC" "${PROJECT_SOURCE_DIR}/in
 target_link_libraries(
   vur_dl
   PUBLIC kolt
-  PRIVATE $<BUILD_INTERFACE:vur_dl_warnings>)
+  PRIVATE $<BUILD_INTERFACE:vur_dl_warnings> $<BUILD_INTERFACE:kolt_internal>)
 add_library(vur_dl::vur_dl ALIAS vur_dl)

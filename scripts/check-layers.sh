@@ -43,7 +43,7 @@ git -c safe.directory='*' ls-files -z --cached --others --exclude-standard --ded
         FNR == 1 {
             files++
             own = FILENAME
-            sub("^(kolt/)?include/", "", own)
+            sub("^(kolt/)?(include|internal)/", "", own)
             layer = layer_of(own)
             if (!(layer in rank)) fail("is in no layer")
         }

@@ -5,6 +5,7 @@
 #include "DDSEntitiesRecord.hpp"
 #include "DistLoggerRecord.hpp"
 #include "kolt/os.h"
+#include "kolt_internal/owned_qos.hpp"
 #include "levels.hpp"
 #include "relaxed.hpp"
 
@@ -21,22 +22,12 @@ bool fail(const char *message) {
     return false;
 }
 
-// A QoS record that is finalised when it goes out of scope. It is filled by a getter of this
-// family, which initialises it.
-template <typename Qos, DDS_ReturnCode_t (*kFinalize)(Qos *)>
-struct ScopedQos {
-    ScopedQos() { std::memset(&value, 0, sizeof value); }
-    ~ScopedQos() { kFinalize(&value); }
-    ScopedQos(const ScopedQos &) = delete;
-    ScopedQos &operator=(const ScopedQos &) = delete;
-    Qos value;
-};
-using ParticipantQos = ScopedQos<DDS_DomainParticipantQos, DDS_DomainParticipantQos_finalize>;
-using TopicQos = ScopedQos<DDS_TopicQos, DDS_TopicQos_finalize>;
-using PublisherQos = ScopedQos<DDS_PublisherQos, DDS_PublisherQos_finalize>;
-using SubscriberQos = ScopedQos<DDS_SubscriberQos, DDS_SubscriberQos_finalize>;
-using WriterQos = ScopedQos<DDS_DataWriterQos, DDS_DataWriterQos_finalize>;
-using ReaderQos = ScopedQos<DDS_DataReaderQos, DDS_DataReaderQos_finalize>;
+using kolt::qos::ParticipantQos;
+using kolt::qos::PublisherQos;
+using kolt::qos::ReaderQos;
+using kolt::qos::SubscriberQos;
+using kolt::qos::TopicQos;
+using kolt::qos::WriterQos;
 
 bool create_participant(VUR_DL_DDSEntities &self, const VUR_DL_Options &options) {
     if (options.domainParticipant != nullptr) {
@@ -44,11 +35,12 @@ bool create_participant(VUR_DL_DDSEntities &self, const VUR_DL_Options &options)
         return true;
     }
     ParticipantQos qos;
-    if (VUR_DL_DDSEntities_getDomainParticipantQos(&self, &qos.value, &options) != DDS_RETCODE_OK) {
+    if (VUR_DL_DDSEntities_getDomainParticipantQos(&self, qos.emptied(), &options) !=
+        DDS_RETCODE_OK) {
         return fail("Unable to get Domain Participant QoS");
     }
     self.domainParticipant = DDS_DomainParticipantFactory_create_participant(
-        self.factory, static_cast<DDS_DomainId_t>(options.domainId), &qos.value, nullptr,
+        self.factory, static_cast<DDS_DomainId_t>(options.domainId), qos.get(), nullptr,
         DDS_STATUS_MASK_NONE);
     if (self.domainParticipant == nullptr) {
         return fail("Unable to create Domain Participant");
@@ -60,12 +52,11 @@ bool create_participant(VUR_DL_DDSEntities &self, const VUR_DL_Options &options)
 // The ids of the participant in use, created or handed in, are what readers see.
 bool read_ids(VUR_DL_DDSEntities &self) {
     ParticipantQos qos;
-    DDS_DomainParticipantQos_initialize(&qos.value);
-    if (DDS_DomainParticipant_get_qos(self.domainParticipant, &qos.value) != DDS_RETCODE_OK) {
+    if (DDS_DomainParticipant_get_qos(self.domainParticipant, qos.get()) != DDS_RETCODE_OK) {
         return fail("Unable to get Domain Participant QoS to create update HostId and AppId:");
     }
-    self.rtpsHostId = static_cast<int>(qos.value.wire_protocol.rtps_host_id);
-    self.rtpsAppId = static_cast<int>(qos.value.wire_protocol.rtps_app_id);
+    self.rtpsHostId = static_cast<int>(qos->wire_protocol.rtps_host_id);
+    self.rtpsAppId = static_cast<int>(qos->wire_protocol.rtps_app_id);
     return true;
 }
 
@@ -128,12 +119,12 @@ bool obtain_topic(VUR_DL_DDSEntities &self, const TopicRecipe &recipe) {
         return fail(recipe.register_failure);
     }
     TopicQos qos;
-    if (VUR_DL_DDSEntities_getTopicQos(&self, &qos.value, recipe.name) != DDS_RETCODE_OK) {
+    if (VUR_DL_DDSEntities_getTopicQos(&self, qos.emptied(), recipe.name) != DDS_RETCODE_OK) {
         return fail(recipe.qos_failure);
     }
     DDS_Topic *topic =
         DDS_DomainParticipant_create_topic(self.domainParticipant, recipe.name, recipe.type_name,
-                                           &qos.value, nullptr, DDS_STATUS_MASK_NONE);
+                                           qos.get(), nullptr, DDS_STATUS_MASK_NONE);
     if (topic == nullptr) {
         return fail(recipe.create_failure);
     }
@@ -144,20 +135,20 @@ bool obtain_topic(VUR_DL_DDSEntities &self, const TopicRecipe &recipe) {
 
 bool create_publisher(VUR_DL_DDSEntities &self) {
     PublisherQos qos;
-    if (VUR_DL_DDSEntities_getPublisherQos(&self, &qos.value) != DDS_RETCODE_OK) {
+    if (VUR_DL_DDSEntities_getPublisherQos(&self, qos.emptied()) != DDS_RETCODE_OK) {
         return fail("Unable to get publisher QoS");
     }
-    self.publisher = DDS_DomainParticipant_create_publisher(self.domainParticipant, &qos.value,
+    self.publisher = DDS_DomainParticipant_create_publisher(self.domainParticipant, qos.get(),
                                                             nullptr, DDS_STATUS_MASK_NONE);
     return self.publisher != nullptr || fail("Unable to create publisher");
 }
 
 bool create_subscriber(VUR_DL_DDSEntities &self) {
     SubscriberQos qos;
-    if (VUR_DL_DDSEntities_getSubscriberQos(&self, &qos.value) != DDS_RETCODE_OK) {
+    if (VUR_DL_DDSEntities_getSubscriberQos(&self, qos.emptied()) != DDS_RETCODE_OK) {
         return fail("Unable to get Subscriber QoS");
     }
-    self.subscriber = DDS_DomainParticipant_create_subscriber(self.domainParticipant, &qos.value,
+    self.subscriber = DDS_DomainParticipant_create_subscriber(self.domainParticipant, qos.get(),
                                                               nullptr, DDS_STATUS_MASK_NONE);
     return self.subscriber != nullptr || fail("Unable to create Subscriber");
 }
@@ -170,11 +161,11 @@ DDS_DataWriter *create_writer(VUR_DL_DDSEntities &self, DDS_Topic *topic,
 
 bool create_log_writer(VUR_DL_DDSEntities &self) {
     WriterQos qos;
-    if (VUR_DL_DDSEntities_getDataWriterQos(&self, &qos.value, VUR_DL_LOG_TOPIC_NAME) !=
+    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.emptied(), VUR_DL_LOG_TOPIC_NAME) !=
         DDS_RETCODE_OK) {
         return fail("Unable to get QoS for LogMessage DataWriter");
     }
-    DDS_DataWriter *writer = create_writer(self, self.logTopic, qos.value);
+    DDS_DataWriter *writer = create_writer(self, self.logTopic, *qos);
     if (writer != nullptr) {
         self.logMessageWriter = VUR_DL_LogMessageDataWriter_narrow(writer);
     }
@@ -185,19 +176,19 @@ enum class StateWriterResult { kCreated, kFailed, kFailedLeavingAll };
 
 StateWriterResult create_state_writer(VUR_DL_DDSEntities &self) {
     WriterQos qos;
-    if (VUR_DL_DDSEntities_getDataWriterQos(&self, &qos.value, VUR_DL_STATE_TOPIC_NAME) !=
+    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.emptied(), VUR_DL_STATE_TOPIC_NAME) !=
         DDS_RETCODE_OK) {
         fail("Unable to get QoS of State's DataWriter");
         return StateWriterResult::kFailed;
     }
-    if (DDS_PropertyQosPolicyHelper_assert_property(&qos.value.property, kDeferredWriteProperty,
-                                                    "true", DDS_BOOLEAN_FALSE) != DDS_RETCODE_OK) {
+    if (DDS_PropertyQosPolicyHelper_assert_property(&qos->property, kDeferredWriteProperty, "true",
+                                                    DDS_BOOLEAN_FALSE) != DDS_RETCODE_OK) {
         fail(
             "Unable to set PROPERTY_NAME_DDS_DATA_WRITER_ENABLE_DEFERRED_WRITE property in State "
             "DataWriter QoS");
         return StateWriterResult::kFailedLeavingAll;
     }
-    DDS_DataWriter *writer = create_writer(self, self.stateTopic, qos.value);
+    DDS_DataWriter *writer = create_writer(self, self.stateTopic, *qos);
     if (writer != nullptr) {
         self.stateWriter = VUR_DL_ADMIN_StateDataWriter_narrow(writer);
     }
@@ -256,14 +247,14 @@ bool create_command_filter(VUR_DL_DDSEntities &self) {
 
 bool create_command_reader(VUR_DL_DDSEntities &self) {
     ReaderQos qos;
-    if (VUR_DL_DDSEntities_getDataReaderQos(&self, &qos.value, VUR_DL_COMMAND_REQUEST_TOPIC_NAME) !=
-        DDS_RETCODE_OK) {
+    if (VUR_DL_DDSEntities_getDataReaderQos(&self, qos.emptied(),
+                                            VUR_DL_COMMAND_REQUEST_TOPIC_NAME) != DDS_RETCODE_OK) {
         return fail("Unable to get QoS for CommandRequest Reader");
     }
     DDS_DataReader *reader = DDS_Subscriber_create_datareader(
         self.subscriber,
         DDS_ContentFilteredTopic_as_topicdescription(self.commandRequestContentFilteredTopic),
-        &qos.value, nullptr, DDS_STATUS_MASK_NONE);
+        qos.get(), nullptr, DDS_STATUS_MASK_NONE);
     if (reader != nullptr) {
         self.commandRequestReader = VUR_DL_ADMIN_CommandRequestDataReader_narrow(reader);
     }
@@ -273,11 +264,11 @@ bool create_command_reader(VUR_DL_DDSEntities &self) {
 
 bool create_response_writer(VUR_DL_DDSEntities &self) {
     WriterQos qos;
-    if (VUR_DL_DDSEntities_getDataWriterQos(&self, &qos.value,
+    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.emptied(),
                                             VUR_DL_COMMAND_RESPONSE_TOPIC_NAME) != DDS_RETCODE_OK) {
         return fail("Unable to get QoS for CommandResponse DataWriter");
     }
-    DDS_DataWriter *writer = create_writer(self, self.commandResponseTopic, qos.value);
+    DDS_DataWriter *writer = create_writer(self, self.commandResponseTopic, *qos);
     if (writer != nullptr) {
         self.commandResponseWriter = VUR_DL_ADMIN_CommandResponseDataWriter_narrow(writer);
     }

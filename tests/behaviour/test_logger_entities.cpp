@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "kolt_internal/owned_qos.hpp"
 #include "support/logger.h"
 #include "support/process.h"
 
@@ -53,18 +54,12 @@ DDS_DataWriter *log_writer() {
         VUR_DL_DistLogger_getLogMessageWriteThread()->logMessageWriter);
 }
 
-struct WriterQos {
-    explicit WriterQos(const char *topic_name) {
-        DDS_DataWriterQos_initialize(&value);
-        DDS_DataWriter *writer =
-            DDS_Publisher_lookup_datawriter(DDS_DataWriter_get_publisher(log_writer()), topic_name);
-        EXPECT_EQ(DDS_RETCODE_OK, DDS_DataWriter_get_qos(writer, &value)) << topic_name;
-    }
-    ~WriterQos() { DDS_DataWriterQos_finalize(&value); }
-    WriterQos(const WriterQos &) = delete;
-    WriterQos &operator=(const WriterQos &) = delete;
-    DDS_DataWriterQos value;
-};
+// Reads the QoS of the logger's writer of a topic.
+void read_writer_qos(const char *topic_name, kolt::qos::WriterQos &qos) {
+    DDS_DataWriter *writer =
+        DDS_Publisher_lookup_datawriter(DDS_DataWriter_get_publisher(log_writer()), topic_name);
+    EXPECT_EQ(DDS_RETCODE_OK, DDS_DataWriter_get_qos(writer, qos.get())) << topic_name;
+}
 
 TEST(LoggerEntities, WritersHaveTheQosOfTheirTopic) {
     const Logger logger({.domain = 155, .kind = "pump"});
@@ -79,18 +74,18 @@ TEST(LoggerEntities, WritersHaveTheQosOfTheirTopic) {
         {VUR_DL_COMMAND_RESPONSE_TOPIC_NAME, DDS_VOLATILE_DURABILITY_QOS, 10},
     };
     for (const auto &expected : cases) {
-        const WriterQos qos(expected.topic);
-        EXPECT_EQ(DDS_RELIABLE_RELIABILITY_QOS, qos.value.reliability.kind) << expected.topic;
-        EXPECT_EQ(expected.durability, qos.value.durability.kind) << expected.topic;
-        EXPECT_EQ(DDS_KEEP_LAST_HISTORY_QOS, qos.value.history.kind) << expected.topic;
-        EXPECT_EQ(expected.depth, qos.value.history.depth) << expected.topic;
-        EXPECT_EQ(0, qos.value.latency_budget.duration.sec);
-        EXPECT_EQ(0U, qos.value.latency_budget.duration.nanosec);
-        EXPECT_EQ(DDS_SHARED_OWNERSHIP_QOS, qos.value.ownership.kind);
-        EXPECT_EQ(DDS_AUTOMATIC_LIVELINESS_QOS, qos.value.liveliness.kind);
-        EXPECT_EQ(DDS_BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS,
-                  qos.value.destination_order.kind);
-        EXPECT_TRUE(qos.value.protocol.vendor_specific_entity);
+        kolt::qos::WriterQos qos;
+        read_writer_qos(expected.topic, qos);
+        EXPECT_EQ(DDS_RELIABLE_RELIABILITY_QOS, qos->reliability.kind) << expected.topic;
+        EXPECT_EQ(expected.durability, qos->durability.kind) << expected.topic;
+        EXPECT_EQ(DDS_KEEP_LAST_HISTORY_QOS, qos->history.kind) << expected.topic;
+        EXPECT_EQ(expected.depth, qos->history.depth) << expected.topic;
+        EXPECT_EQ(0, qos->latency_budget.duration.sec);
+        EXPECT_EQ(0U, qos->latency_budget.duration.nanosec);
+        EXPECT_EQ(DDS_SHARED_OWNERSHIP_QOS, qos->ownership.kind);
+        EXPECT_EQ(DDS_AUTOMATIC_LIVELINESS_QOS, qos->liveliness.kind);
+        EXPECT_EQ(DDS_BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS, qos->destination_order.kind);
+        EXPECT_TRUE(qos->protocol.vendor_specific_entity);
     }
 }
 
@@ -181,8 +176,9 @@ TEST_P(LoggerMissingProfile, IsAWarningAndDefaultsApply) {
         StdoutCapture capture;
         ASSERT_NE(nullptr, VUR_DL_DistLogger_getInstance());
         EXPECT_EQ(1, capture.count(kMissingProfile)) << capture.text();
-        const WriterQos qos(VUR_DL_LOG_TOPIC_NAME);
-        EXPECT_EQ(10, qos.value.history.depth);
+        kolt::qos::WriterQos qos;
+        read_writer_qos(VUR_DL_LOG_TOPIC_NAME, qos);
+        EXPECT_EQ(10, qos->history.depth);
     }
     EXPECT_EQ(0, VUR_DL_DistLogger_finalizeInstance());
 }

@@ -8,10 +8,19 @@
 #include <string>
 #include <vector>
 
+#include "kolt_internal/owned_qos.hpp"
 #include "support/process.h"
 #include "support/test_types.h"
 
 namespace support {
+
+using kolt::qos::FactoryQos;
+using kolt::qos::ParticipantQos;
+using kolt::qos::PublisherQos;
+using kolt::qos::ReaderQos;
+using kolt::qos::SubscriberQos;
+using kolt::qos::TopicQos;
+using kolt::qos::WriterQos;
 
 constexpr const char *kMessageTypeName = "test::Message";
 
@@ -97,31 +106,5 @@ class Strings {
   private:
     DDS_StringSeq seq_{};
 };
-
-// A QoS record that frees itself.
-template <typename T, auto kInitialize, auto kFinalize>
-class Qos {
-  public:
-    Qos() { kInitialize(&value_); }
-    ~Qos() { kFinalize(&value_); }
-    Qos(const Qos &) = delete;
-    Qos &operator=(const Qos &) = delete;
-    T *get() { return &value_; }
-    T *operator->() { return &value_; }
-    T &operator*() { return value_; }
-
-  private:
-    T value_;
-};
-using ParticipantQos = Qos<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
-                           DDS_DomainParticipantQos_finalize>;
-using FactoryQos = Qos<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
-                       DDS_DomainParticipantFactoryQos_finalize>;
-using TopicQos = Qos<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
-using PublisherQos = Qos<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
-using SubscriberQos =
-    Qos<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
-using WriterQos = Qos<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
-using ReaderQos = Qos<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
 
 }  // namespace support

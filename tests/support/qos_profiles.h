@@ -14,41 +14,22 @@
 #include <string>
 #include <vector>
 
+#include "kolt_internal/owned_qos.hpp"
+
 namespace support {
+
+using kolt::qos::FactoryQos;
+using kolt::qos::ParticipantQos;
+using kolt::qos::PublisherQos;
+using kolt::qos::ReaderQos;
+using kolt::qos::SubscriberQos;
+using kolt::qos::TopicQos;
+using kolt::qos::WriterQos;
+using Strings = std::vector<std::string>;
 
 inline DDS_DomainParticipantFactory *factory() {
     return DDS_DomainParticipantFactory_get_instance();
 }
-
-// A QoS record and its functions.
-template <typename Qos, auto initialize, auto finalize>
-class Owned {
-  public:
-    Owned() { EXPECT_EQ(initialize(&qos_), DDS_RETCODE_OK); }
-    ~Owned() { EXPECT_EQ(finalize(&qos_), DDS_RETCODE_OK); }
-    Owned(const Owned &) = delete;
-    Owned &operator=(const Owned &) = delete;
-    Qos *operator->() { return &qos_; }
-    Qos *get() { return &qos_; }
-
-  private:
-    Qos qos_;
-};
-using FactoryQos =
-    Owned<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
-          DDS_DomainParticipantFactoryQos_finalize>;
-using ParticipantQos = Owned<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
-                             DDS_DomainParticipantQos_finalize>;
-using PublisherQos =
-    Owned<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
-using SubscriberQos =
-    Owned<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
-using TopicQos = Owned<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
-using WriterQos =
-    Owned<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
-using ReaderQos =
-    Owned<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
-using Strings = std::vector<std::string>;
 
 // Every test has a working directory of its own, and the factory as it is at the start of a
 // process.

@@ -5,6 +5,14 @@
 #include <limits>
 
 namespace kolt::qos {
+
+// A property is owned like a record.
+template <>
+struct RecordFunctions<DDS_Property_t> {
+    static void initialize(DDS_Property_t *self) { kolt::qos::initialize(*self); }
+    static void finalize(DDS_Property_t *self) { kolt::qos::finalize(*self); }
+};
+
 namespace {
 
 std::string quoted(const DDS_XMLObject *element) {

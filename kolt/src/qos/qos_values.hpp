@@ -5,6 +5,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "kolt_internal/owned_qos.hpp"
 #include "qos/qos_description.hpp"
 
 namespace kolt::qos {
@@ -113,21 +114,5 @@ bool equals(const T &left, const T &right) {
         return left == right;
     }
 }
-
-// A QoS record that frees itself.
-template <Described Qos>
-class OwnedQos {
-  public:
-    OwnedQos() { initialize(qos_); }
-    ~OwnedQos() { finalize(qos_); }
-    OwnedQos(const OwnedQos &) = delete;
-    OwnedQos &operator=(const OwnedQos &) = delete;
-    Qos &operator*() { return qos_; }
-    const Qos &operator*() const { return qos_; }
-    Qos *get() { return &qos_; }
-
-  private:
-    Qos qos_;
-};
 
 }  // namespace kolt::qos

@@ -8,6 +8,8 @@
 #include <array>
 #include <tuple>
 
+#include "kolt_internal/owned_qos.hpp"
+
 namespace distlog::check {
 namespace {
 
@@ -237,9 +239,9 @@ Json members_of(const DDS_OwnershipStrengthQosPolicy &policy) {
     return Json{{"value", policy.value}};
 }
 
-template <typename OwnedQos, typename Qos>
+template <typename Qos>
 std::vector<Policy> compare(const Qos &effective, const Qos &said) {
-    const OwnedQos standard;
+    const kolt::qos::OwnedQos<Qos> standard;
     std::vector<Policy> policies;
     for_each_row<Qos>([&](const auto &row) {
         policies.push_back({row.name, row.important, members_of(effective.*row.place),
@@ -289,22 +291,22 @@ std::string_view Policy::source() const {
 
 std::vector<Policy> policies_of(const DDS_DomainParticipantQos &effective,
                                 const DDS_DomainParticipantQos &said) {
-    return compare<ParticipantQos>(effective, said);
+    return compare(effective, said);
 }
 std::vector<Policy> policies_of(const DDS_PublisherQos &effective, const DDS_PublisherQos &said) {
-    return compare<PublisherQos>(effective, said);
+    return compare(effective, said);
 }
 std::vector<Policy> policies_of(const DDS_SubscriberQos &effective, const DDS_SubscriberQos &said) {
-    return compare<SubscriberQos>(effective, said);
+    return compare(effective, said);
 }
 std::vector<Policy> policies_of(const DDS_TopicQos &effective, const DDS_TopicQos &said) {
-    return compare<TopicQos>(effective, said);
+    return compare(effective, said);
 }
 std::vector<Policy> policies_of(const DDS_DataWriterQos &effective, const DDS_DataWriterQos &said) {
-    return compare<WriterQos>(effective, said);
+    return compare(effective, said);
 }
 std::vector<Policy> policies_of(const DDS_DataReaderQos &effective, const DDS_DataReaderQos &said) {
-    return compare<ReaderQos>(effective, said);
+    return compare(effective, said);
 }
 
 std::string policy_text(std::string_view name, const Json &value) {

@@ -3,7 +3,6 @@
 
 #include <kolt/qos.h>
 
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,42 +10,6 @@
 #include "text/output.hpp"
 
 namespace distlog::check {
-
-// A QoS record that is initialised and finalised.
-template <typename Qos, DDS_ReturnCode_t (*kInitialize)(Qos *),
-          DDS_ReturnCode_t (*kFinalize)(Qos *)>
-class Owned {
-  public:
-    Owned() {
-        std::memset(&qos_, 0, sizeof qos_);
-        kInitialize(&qos_);
-    }
-    ~Owned() { kFinalize(&qos_); }
-    Owned(const Owned &) = delete;
-    Owned &operator=(const Owned &) = delete;
-    Qos *get() { return &qos_; }
-    Qos &operator*() { return qos_; }
-    const Qos &operator*() const { return qos_; }
-    // For functions that initialise what they fill.
-    Qos *emptied() {
-        kFinalize(&qos_);
-        return &qos_;
-    }
-
-  private:
-    Qos qos_;
-};
-using ParticipantQos = Owned<DDS_DomainParticipantQos, DDS_DomainParticipantQos_initialize,
-                             DDS_DomainParticipantQos_finalize>;
-using PublisherQos =
-    Owned<DDS_PublisherQos, DDS_PublisherQos_initialize, DDS_PublisherQos_finalize>;
-using SubscriberQos =
-    Owned<DDS_SubscriberQos, DDS_SubscriberQos_initialize, DDS_SubscriberQos_finalize>;
-using TopicQos = Owned<DDS_TopicQos, DDS_TopicQos_initialize, DDS_TopicQos_finalize>;
-using WriterQos =
-    Owned<DDS_DataWriterQos, DDS_DataWriterQos_initialize, DDS_DataWriterQos_finalize>;
-using ReaderQos =
-    Owned<DDS_DataReaderQos, DDS_DataReaderQos_initialize, DDS_DataReaderQos_finalize>;
 
 struct Policy {
     std::string_view name;  // the member of the record, and the element in a profile

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "command.hpp"
+#include "kolt_internal/owned_qos.hpp"
 #include "net/endpoints.hpp"
 
 namespace distlog::check {
@@ -29,9 +30,8 @@ constexpr TopicRow kRequest = kRowOf<VUR_DL_ADMIN_CommandRequest>;
 constexpr TopicRow kResponse = kRowOf<VUR_DL_ADMIN_CommandResponse>;
 
 // How the QoS of one kind of entity is asked for: of the logger, of a profile, of the defaults.
-template <typename OwnedQos, typename Qos>
+template <typename Qos>
 struct Family {
-    using Owned = OwnedQos;
     std::string_view kind;
     DDS_ReturnCode_t (*effective)(VUR_DL_DDSEntities *, Qos *, const char *topic);
     DDS_ReturnCode_t (*of_profile)(DDS_DomainParticipantFactory *, Qos *, const char *library,
@@ -54,23 +54,23 @@ DDS_ReturnCode_t without_topic(DDS_DomainParticipantFactory *factory, Qos *qos, 
     return kFunction(factory, qos, library, profile);
 }
 
-constexpr Family<PublisherQos, DDS_PublisherQos> kPublisher{
+constexpr Family<DDS_PublisherQos> kPublisher{
     "publisher", without_topic<DDS_PublisherQos, VUR_DL_DDSEntities_getPublisherQos>,
     without_topic<DDS_PublisherQos, DDS_DomainParticipantFactory_get_publisher_qos_from_profile>,
     without_topic<DDS_PublisherQos, DDS_DomainParticipant_get_default_publisher_qos>};
-constexpr Family<SubscriberQos, DDS_SubscriberQos> kSubscriber{
+constexpr Family<DDS_SubscriberQos> kSubscriber{
     "subscriber", without_topic<DDS_SubscriberQos, VUR_DL_DDSEntities_getSubscriberQos>,
     without_topic<DDS_SubscriberQos, DDS_DomainParticipantFactory_get_subscriber_qos_from_profile>,
     without_topic<DDS_SubscriberQos, DDS_DomainParticipant_get_default_subscriber_qos>};
-constexpr Family<TopicQos, DDS_TopicQos> kTopic{
+constexpr Family<DDS_TopicQos> kTopic{
     "topic", VUR_DL_DDSEntities_getTopicQos,
     DDS_DomainParticipantFactory_get_topic_qos_from_profile_w_topic_name,
     DDS_DomainParticipant_get_default_topic_qos_w_topic_name};
-constexpr Family<WriterQos, DDS_DataWriterQos> kWriter{
+constexpr Family<DDS_DataWriterQos> kWriter{
     "datawriter", VUR_DL_DDSEntities_getDataWriterQos,
     DDS_DomainParticipantFactory_get_datawriter_qos_from_profile_w_topic_name,
     DDS_DomainParticipant_get_default_datawriter_qos_w_topic_name};
-constexpr Family<ReaderQos, DDS_DataReaderQos> kReader{
+constexpr Family<DDS_DataReaderQos> kReader{
     "datareader", VUR_DL_DDSEntities_getDataReaderQos,
     DDS_DomainParticipantFactory_get_datareader_qos_from_profile_w_topic_name,
     DDS_DomainParticipant_get_default_datareader_qos_w_topic_name};
@@ -87,9 +87,9 @@ class DryRun {
   public:
     DryRun(VUR_DL_Options &options, MiddlewareLog &log) : options_(options), log_(log) {
         log_.take();
-        FactoryQos qos;
+        kolt::qos::FactoryQos qos;
         demand(DDS_DomainParticipantFactory_get_qos(factory_, qos.get()), "the factory's QoS");
-        (*qos).entity_factory.autoenable_created_entities = DDS_BOOLEAN_FALSE;
+        qos->entity_factory.autoenable_created_entities = DDS_BOOLEAN_FALSE;
         demand(DDS_DomainParticipantFactory_set_qos(factory_, qos.get()), "the factory's QoS");
         renew_record();
         from_profile_ = VUR_DL_DDSEntities_doesQosLibraryAndProfileExist(
@@ -128,9 +128,6 @@ class DryRun {
     }
 
   private:
-    using FactoryQos =
-        Owned<DDS_DomainParticipantFactoryQos, DDS_DomainParticipantFactoryQos_initialize,
-              DDS_DomainParticipantFactoryQos_finalize>;
     using RecordPtr = std::unique_ptr<VUR_DL_DDSEntities, void (*)(VUR_DL_DDSEntities *)>;
 
     void renew_record() {
@@ -157,8 +154,8 @@ class DryRun {
     }
 
     void add_participant() {
-        ParticipantQos effective;
-        ParticipantQos said;
+        kolt::qos::ParticipantQos effective;
+        kolt::qos::ParticipantQos said;
         demand(VUR_DL_DDSEntities_getDomainParticipantQos(record_.get(), effective.emptied(),
                                                           &options_),
                "the participant's QoS");
@@ -175,10 +172,10 @@ class DryRun {
 
     // One entity; `create(qos)` returns it. What needs an entity that was refused is not tried,
     // and does not count as refused itself: `possible` is false.
-    template <typename OwnedQos, typename Qos, typename Create>
-    auto add(const Family<OwnedQos, Qos> &family, const char *topic, bool possible, Create create) {
-        OwnedQos effective;
-        OwnedQos said;
+    template <typename Qos, typename Create>
+    auto add(const Family<Qos> &family, const char *topic, bool possible, Create create) {
+        kolt::qos::OwnedQos<Qos> effective;
+        kolt::qos::OwnedQos<Qos> said;
         demand(family.effective(record_.get(), effective.emptied(), topic), family.kind);
         demand(from_profile_ ? family.of_profile(factory_, said.get(), options_.qosLibrary,
                                                  options_.qosProfile, topic)

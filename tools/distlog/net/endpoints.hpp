@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "command.hpp"
+#include "kolt_internal/owned_qos.hpp"
 #include "net/session.hpp"
 
 namespace distlog {
@@ -82,17 +83,15 @@ class Reader {
     // Throws Failure.
     Reader(const Session &session, const ReaderSettings &settings)
         : subscriber_(session.subscriber()) {
-        DDS_DataReaderQos qos;
-        DDS_DataReaderQos_initialize(&qos);
-        qos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
-        qos.durability.kind = settings.durability;
-        qos.history.kind = settings.history;
-        qos.history.depth = settings.depth;
-        qos.resource_limits.max_samples = settings.max_samples;
+        kolt::qos::ReaderQos qos;
+        qos->reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
+        qos->durability.kind = settings.durability;
+        qos->history.kind = settings.history;
+        qos->history.depth = settings.depth;
+        qos->resource_limits.max_samples = settings.max_samples;
         untyped_ = DDS_Subscriber_create_datareader(
-            subscriber_, DDS_Topic_as_topicdescription(topic_of<T>(session)), &qos, nullptr,
+            subscriber_, DDS_Topic_as_topicdescription(topic_of<T>(session)), qos.get(), nullptr,
             DDS_STATUS_MASK_NONE);
-        DDS_DataReaderQos_finalize(&qos);
         typed_ = Type::kNarrowReader(untyped_);
         condition_ = typed_ == nullptr ? nullptr
                                        : DDS_DataReader_create_readcondition(
@@ -165,14 +164,12 @@ class Writer {
 
     // Throws Failure.
     explicit Writer(const Session &session) : publisher_(session.publisher()) {
-        DDS_DataWriterQos qos;
-        DDS_DataWriterQos_initialize(&qos);
-        qos.reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
-        qos.reliability.max_blocking_time = DDS_Duration_t{1, 0};
-        qos.history.kind = DDS_KEEP_ALL_HISTORY_QOS;
-        untyped_ = DDS_Publisher_create_datawriter(publisher_, topic_of<T>(session), &qos, nullptr,
-                                                   DDS_STATUS_MASK_NONE);
-        DDS_DataWriterQos_finalize(&qos);
+        kolt::qos::WriterQos qos;
+        qos->reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
+        qos->reliability.max_blocking_time = DDS_Duration_t{1, 0};
+        qos->history.kind = DDS_KEEP_ALL_HISTORY_QOS;
+        untyped_ = DDS_Publisher_create_datawriter(publisher_, topic_of<T>(session), qos.get(),
+                                                   nullptr, DDS_STATUS_MASK_NONE);
         typed_ = Type::kNarrowWriter(untyped_);
         if (typed_ == nullptr) {
             throw Failure(fmt::format("unable to write topic {}", Type::kTopicName));

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "command.hpp"
+#include "kolt_internal/owned_qos.hpp"
 
 namespace distlog {
 namespace {
@@ -51,16 +52,12 @@ Session::~Session() {
 }
 
 Identity Session::self() const {
-    DDS_DomainParticipantQos qos;
-    DDS_DomainParticipantQos_initialize(&qos);
-    const DDS_ReturnCode_t result = DDS_DomainParticipant_get_qos(participant_, &qos);
-    const Identity identity(static_cast<std::int32_t>(qos.wire_protocol.rtps_host_id),
-                            static_cast<std::int32_t>(qos.wire_protocol.rtps_app_id));
-    DDS_DomainParticipantQos_finalize(&qos);
-    if (result != DDS_RETCODE_OK) {
+    kolt::qos::ParticipantQos qos;
+    if (DDS_DomainParticipant_get_qos(participant_, qos.get()) != DDS_RETCODE_OK) {
         throw Failure("unable to read the participant's identity");
     }
-    return identity;
+    return {static_cast<std::int32_t>(qos->wire_protocol.rtps_host_id),
+            static_cast<std::int32_t>(qos->wire_protocol.rtps_app_id)};
 }
 
 }  // namespace distlog
