@@ -40,7 +40,7 @@ vur_dl_add_library(kolt "${PROJECT_SOURCE_DIR}/kolt/src" "${PROJECT_SOURCE_DIR}/
                    KOLT_BUILDING)
 target_link_libraries(
   kolt PRIVATE $<BUILD_INTERFACE:vur_dl_warnings> $<BUILD_INTERFACE:kolt_internal> CycloneDDS::ddsc
-               EXPAT::EXPAT Threads::Threads "${LIBMD_LIBRARY}")
+               EXPAT::EXPAT Threads::Threads utf8cpp "${LIBMD_LIBRARY}")
 target_include_directories(kolt SYSTEM PRIVATE "${LIBMD_INCLUDE_DIR}")
 add_library(kolt::kolt ALIAS kolt)
 

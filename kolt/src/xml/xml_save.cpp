@@ -1,6 +1,9 @@
 // Writing documents: the save context and the helpers for common elements.
 
+#include <utf8/unchecked.h>
+
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -50,32 +53,12 @@ void write(DDS_XMLSaveContext *self, std::string_view text) {
     self->_text[self->_length] = '\0';
 }
 
-// The length of the UTF-8 sequence of one XML character at the start of `text`, which is not empty;
-// 0 when there is none (XML 1.0, 2.2).
-std::size_t character_length(std::string_view text) {
-    const auto byte = [&](std::size_t i) -> std::uint32_t {
-        return static_cast<unsigned char>(text[i]);
-    };
-    const std::uint32_t first = byte(0);
-    if (first < 0x80U) {
-        return first >= 0x20U || first == '\t' || first == '\n' || first == '\r' ? 1 : 0;
+// True for a character that may stand in a document (XML 1.0, 2.2).
+bool is_xml_character(std::uint32_t character) {
+    if (character < 0x20U) {
+        return character == '\t' || character == '\n' || character == '\r';
     }
-    const std::size_t length = first >= 0xF0U ? 4 : first >= 0xE0U ? 3 : 2;
-    if (first < 0xC2U || first > 0xF4U || text.size() < length) {
-        return 0;
-    }
-    std::uint32_t code = first & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U) {
-            return 0;
-        }
-        code = (code << 6U) | (byte(i) & 0x3FU);
-    }
-    constexpr std::uint32_t kSmallest[] = {0, 0, 0x80U, 0x800U, 0x10000U};
-    const bool surrogate = code >= 0xD800U && code <= 0xDFFFU;
-    const bool character = code >= kSmallest[length] && code <= 0x10FFFFU && !surrogate &&
-                           code != 0xFFFEU && code != 0xFFFFU;
-    return character ? length : 0;
+    return character != 0xFFFEU && character != 0xFFFFU;
 }
 
 const char *escape_of(char character, bool in_attribute) {
@@ -99,16 +82,22 @@ const char *escape_of(char character, bool in_attribute) {
     }
 }
 
+// Stops with an error at the first byte that is not part of an XML character in UTF-8.
 void write_escaped(DDS_XMLSaveContext *self, std::string_view text, bool in_attribute) {
-    while (!text.empty()) {
-        const std::size_t length = character_length(text);
-        if (length == 0) {
+    const char *next = text.data();
+    const char *const end = next + text.size();
+    const char *const end_of_valid = utf8::find_invalid(next, end);
+    while (next != end_of_valid) {
+        const char *const start = next;
+        if (!is_xml_character(utf8::unchecked::next(next))) {
             self->error = 1;
             return;
         }
-        const char *escape = escape_of(text.front(), in_attribute);
-        write(self, escape != nullptr ? std::string_view(escape) : text.substr(0, length));
-        text.remove_prefix(length);
+        const char *const escape = escape_of(*start, in_attribute);
+        write(self, escape != nullptr ? std::string_view(escape) : std::string_view(start, next));
+    }
+    if (next != end) {
+        self->error = 1;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <utf8/unchecked.h>
 
 #include <ctime>
 
@@ -10,38 +11,6 @@ namespace distlog {
 namespace {
 
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
-
-struct CodePoint {
-    std::uint32_t value = 0;
-    std::size_t length = 0;  // bytes; 0 when the bytes are not UTF-8
-};
-
-// Decodes one sequence as RFC 3629 defines it: no overlong forms, no surrogates, nothing above
-// U+10FFFF.
-CodePoint decode(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(0);
-    if (lead < 0x80) {
-        return {lead, 1};
-    }
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
-        return {};
-    }
-    std::uint32_t value = lead & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) {
-            return {};
-        }
-        value = (value << 6) | (byte(i) & 0x3FU);
-    }
-    constexpr std::uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
-    if (value < kSmallest[length] || surrogate || value > 0x10FFFF) {
-        return {};
-    }
-    return {value, length};
-}
 
 // Characters that act on the terminal instead of appearing on it.
 bool is_control(std::uint32_t c) {
@@ -85,16 +54,23 @@ std::string printable(std::string_view text) {
     }
     std::string out;
     out.reserve(text.size());
-    while (!text.empty()) {
-        const CodePoint c = decode(text);
-        if (c.length == 0) {
-            out += fmt::format("\\x{:02x}", static_cast<unsigned char>(text.front()));
-        } else if (is_control(c.value)) {
-            append_control(out, c.value);
-        } else {
-            out += text.substr(0, c.length);
+    const char *next = text.data();
+    const char *const end = next + text.size();
+    while (next != end) {
+        const char *const end_of_valid = utf8::find_invalid(next, end);
+        while (next != end_of_valid) {
+            const char *const start = next;
+            const std::uint32_t c = utf8::unchecked::next(next);
+            if (is_control(c)) {
+                append_control(out, c);
+            } else {
+                out.append(start, next);
+            }
         }
-        text.remove_prefix(c.length == 0 ? 1 : c.length);
+        if (next != end) {
+            out += fmt::format("\\x{:02x}", static_cast<unsigned char>(*next));
+            ++next;
+        }
     }
     return out;
 }
