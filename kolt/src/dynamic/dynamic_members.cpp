@@ -158,11 +158,11 @@ DDS_ReturnCode_t set_number(DDS_DynamicData *self, const char *name, DDS_Dynamic
 // Elements that come into sight hold what earlier ones left: they start afresh, buffers kept.
 bool reset_elements(const DDS_TypeCode &content, const KOLT_Sequence *sequence,
                     DDS_UnsignedLong first) {
-    const type::TypeCodeElementOps ops(content);
+    const std::size_t size = type::value_size(content);
     DDS_TypeAllocationParams_t params = type::kDefaultAllocation;
     params.allocate_memory = DDS_BOOLEAN_FALSE;
     for (DDS_UnsignedLong i = first; i < sequence->_length; ++i) {
-        if (!type::initialize_value(content, nullptr, type::sequence_element(sequence, ops, i),
+        if (!type::initialize_value(content, nullptr, type::sequence_element(sequence, size, i),
                                     params)) {
             return false;
         }

@@ -107,11 +107,11 @@ std::string full_name(const Label &label) {
 void Formatter::sequence(const DDS_TypeCode &code, const void *value, const Label &label) {
     const DDS_TypeCode &content = *code.content_type;
     const auto *const sequence = static_cast<const KOLT_Sequence *>(value);
-    const type::TypeCodeElementOps ops(content);
+    const std::size_t size = type::value_size(content);
     const std::string name = full_name(label);
     writer_.open(label, Group::kElements);
     for (std::size_t i = 0; i < sequence->_length; ++i) {
-        this->value(content, type::sequence_element(sequence, ops, i), {name, true, i});
+        this->value(content, type::sequence_element(sequence, size, i), {name, true, i});
     }
     writer_.close(label, Group::kElements);
 }

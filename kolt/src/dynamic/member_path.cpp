@@ -182,7 +182,7 @@ DDS_ReturnCode_t enter_sequence(std::string_view *indexes, Place *place) {
         return DDS_RETCODE_BAD_PARAMETER;
     }
     place->type = &content;
-    place->value = type::sequence_element(sequence, type::TypeCodeElementOps(content), index);
+    place->value = type::sequence_element(sequence, type::value_size(content), index);
     return DDS_RETCODE_OK;
 }
 

@@ -97,7 +97,7 @@ bool initialize_sequence(const DDS_TypeCode &type, void *value,
         return true;
     }
     const auto bound = static_cast<DDS_Long>(type.bound);
-    return sequence_set_absolute_maximum(sequence, ops, bound) &&
+    return sequence_set_absolute_maximum(sequence, ops.sequence_name(), bound) &&
            sequence_set_maximum(sequence, ops, bound);
 }
 

@@ -141,10 +141,10 @@ bool equal_sequences(const DDS_TypeCode &type, const void *left, const void *rig
     if (left_sequence->_length != right_sequence->_length) {
         return false;
     }
-    const TypeCodeElementOps ops(*type.content_type);
+    const std::size_t size = value_size(*type.content_type);
     for (std::size_t i = 0; i < left_sequence->_length; ++i) {
-        const void *const left_element = sequence_element(left_sequence, ops, i);
-        const void *const right_element = sequence_element(right_sequence, ops, i);
+        const void *const left_element = sequence_element(left_sequence, size, i);
+        const void *const right_element = sequence_element(right_sequence, size, i);
         if (left_element == nullptr || right_element == nullptr) {
             return false;
         }

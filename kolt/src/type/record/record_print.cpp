@@ -92,9 +92,9 @@ void print_elements(const DDS_TypeCode &type, const void *value, const std::stri
     }
     const auto *const sequence = static_cast<const KOLT_Sequence *>(value);
     sequence_ensure_initialized(sequence);
-    const TypeCodeElementOps ops(content);
+    const std::size_t size = value_size(content);
     for (std::size_t i = 0; i < sequence->_length; ++i) {
-        print_value(content, sequence_element(sequence, ops, i),
+        print_value(content, sequence_element(sequence, size, i),
                     name + "[" + std::to_string(i) + "]", indent);
     }
 }

@@ -17,8 +17,8 @@ constexpr KOLT_Config_LogLevel kLevel = KOLT_CONFIG_LOG_LEVEL_ERROR;
 // "<sequence name>_<operation>". Made only where something is reported.
 class MethodName {
   public:
-    MethodName(const ElementOps &ops, const char *operation) {
-        std::snprintf(text_, sizeof(text_), "%s_%s", ops.sequence_name(), operation);
+    MethodName(const char *sequence_name, const char *operation) {
+        std::snprintf(text_, sizeof(text_), "%s_%s", sequence_name, operation);
     }
     const char *text() const { return text_; }
 
@@ -26,12 +26,12 @@ class MethodName {
     char text_[160];
 };
 
-void log_insufficient_space(const ElementOps &ops, const char *operation,
+void log_insufficient_space(const char *sequence_name, const char *operation,
                             DDS_UnsignedLong available, DDS_Long requested) {
     if (!KOLT_Log_is_enabled(kCategory, kLevel)) {
         return;
     }
-    KOLT_Log_message(kCategory, kLevel, MethodName(ops, operation).text(),
+    KOLT_Log_message(kCategory, kLevel, MethodName(sequence_name, operation).text(),
                      "insufficient space: %u available, %d requested", available, requested);
 }
 
@@ -41,8 +41,8 @@ DDS_TypeAllocationParams_t allocation_params(const KOLT_Sequence *self) {
             self->_elementAllocParams.allocate_memory};
 }
 
-bool check_invariants(const KOLT_Sequence *self, const ElementOps &ops, const char *operation) {
-    return sequence_check_invariants(self, MethodName(ops, operation).text());
+bool check_invariants(const KOLT_Sequence *self, const char *sequence_name, const char *operation) {
+    return sequence_check_invariants(self, MethodName(sequence_name, operation).text());
 }
 
 // What _set_maximum refuses before it touches anything.
@@ -70,7 +70,8 @@ char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, std::size_t c
     auto *const buffer = static_cast<char *>(std::calloc(count, ops.size()));
     if (buffer == nullptr) {
         if (KOLT_Log_is_enabled(kCategory, kLevel)) {
-            KOLT_Log_message(kCategory, kLevel, MethodName(ops, "set_maximum").text(),
+            KOLT_Log_message(kCategory, kLevel,
+                             MethodName(ops.sequence_name(), "set_maximum").text(),
                              "out of memory: %zu elements of %zu bytes", count, ops.size());
         }
         return nullptr;
@@ -81,7 +82,7 @@ char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, std::size_t c
     const DDS_TypeAllocationParams_t params = allocation_params(self);
     for (std::size_t i = 0; i < count; ++i) {
         if (!ops.initialize(buffer + i * ops.size(), params)) {
-            log_sequence_error(ops, "set_maximum", "initialize_w_params");
+            log_sequence_error(ops.sequence_name(), "set_maximum", "initialize_w_params");
             // The elements after the failing one are zero bytes, which finalise to nothing.
             sequence_delete_buffer(self, ops, buffer, count);
             return nullptr;
@@ -95,13 +96,13 @@ bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, s
         return true;
     }
     if (self->_contiguous_buffer == nullptr) {
-        log_sequence_error(ops, "set_maximum", "inconsistent buffer state");
+        log_sequence_error(ops.sequence_name(), "set_maximum", "inconsistent buffer state");
         return false;
     }
     const auto *const old = static_cast<const char *>(self->_contiguous_buffer);
     for (std::size_t i = 0; i < kept; ++i) {
         if (!ops.copy(buffer + i * ops.size(), old + i * ops.size())) {
-            log_sequence_error(ops, "set_maximum", "copy contiguous buffer");
+            log_sequence_error(ops.sequence_name(), "set_maximum", "copy contiguous buffer");
             return false;
         }
     }
@@ -110,11 +111,11 @@ bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, s
 
 }  // namespace
 
-void log_sequence_error(const ElementOps &ops, const char *operation, const char *text) {
+void log_sequence_error(const char *sequence_name, const char *operation, const char *text) {
     if (!KOLT_Log_is_enabled(kCategory, kLevel)) {
         return;
     }
-    KOLT_Log_message(kCategory, kLevel, MethodName(ops, operation).text(), "%s", text);
+    KOLT_Log_message(kCategory, kLevel, MethodName(sequence_name, operation).text(), "%s", text);
 }
 
 void sequence_reset(KOLT_Sequence *self) {
@@ -155,11 +156,11 @@ bool sequence_check_invariants(const KOLT_Sequence *self, const char *function_n
 }
 
 bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_maximum) {
-    if (!check_invariants(self, ops, "set_maximum")) {
+    if (!check_invariants(self, ops.sequence_name(), "set_maximum")) {
         return false;
     }
     if (const char *const problem = maximum_problem(self, new_maximum)) {
-        log_sequence_error(ops, "set_maximum", problem);
+        log_sequence_error(ops.sequence_name(), "set_maximum", problem);
         return false;
     }
     const auto maximum = static_cast<DDS_UnsignedLong>(new_maximum);
@@ -185,12 +186,13 @@ bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long n
     self->_maximum = maximum;
     self->_length = kept;
     sequence_delete_buffer(self, ops, old_buffer, old_maximum);
-    return check_invariants(self, ops, "set_maximum");
+    return check_invariants(self, ops.sequence_name(), "set_maximum");
 }
 
 bool sequence_set_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length) {
     if (new_length < 0 || static_cast<DDS_UnsignedLong>(new_length) > self->_absolute_maximum) {
-        log_insufficient_space(ops, "set_length", self->_absolute_maximum, new_length);
+        log_insufficient_space(ops.sequence_name(), "set_length", self->_absolute_maximum,
+                               new_length);
         return false;
     }
     if (static_cast<DDS_UnsignedLong>(new_length) <= self->_maximum) {
@@ -203,7 +205,7 @@ bool sequence_set_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long ne
 bool sequence_ensure_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
                             DDS_Long maximum) {
     if (length < 0 || length > maximum) {
-        log_insufficient_space(ops, "ensure_length",
+        log_insufficient_space(ops.sequence_name(), "ensure_length",
                                static_cast<DDS_UnsignedLong>(std::max(maximum, DDS_Long{0})),
                                length);
         return false;
@@ -211,11 +213,12 @@ bool sequence_ensure_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long
     const auto wanted = static_cast<DDS_UnsignedLong>(length);
     if (wanted > self->_maximum) {
         if (!self->_owned) {
-            log_sequence_error(ops, "ensure_length", "sequence does not own its buffer");
+            log_sequence_error(ops.sequence_name(), "ensure_length",
+                               "sequence does not own its buffer");
             return false;
         }
         if (!sequence_set_maximum(self, ops, maximum)) {
-            log_insufficient_space(ops, "ensure_length", self->_maximum, maximum);
+            log_insufficient_space(ops.sequence_name(), "ensure_length", self->_maximum, maximum);
             return false;
         }
     }
@@ -223,9 +226,9 @@ bool sequence_ensure_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long
     return true;
 }
 
-bool sequence_set_absolute_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit) {
+bool sequence_set_absolute_maximum(KOLT_Sequence *self, const char *sequence_name, DDS_Long limit) {
     if (limit < 0 || static_cast<DDS_UnsignedLong>(limit) < self->_maximum) {
-        log_sequence_error(ops, "set_absolute_maximum",
+        log_sequence_error(sequence_name, "set_absolute_maximum",
                            "new absolute max cannot be smaller than max");
         return false;
     }
@@ -233,9 +236,9 @@ bool sequence_set_absolute_maximum(KOLT_Sequence *self, const ElementOps &ops, D
     return true;
 }
 
-void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, std::size_t index) {
+void *sequence_element(const KOLT_Sequence *self, std::size_t element_size, std::size_t index) {
     if (self->_discontiguous_buffer == nullptr) {
-        return static_cast<char *>(self->_contiguous_buffer) + index * ops.size();
+        return static_cast<char *>(self->_contiguous_buffer) + index * element_size;
     }
     // The array holds typed pointers, which may not be read as untyped ones.
     void *element = nullptr;
@@ -253,15 +256,15 @@ bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
         return false;
     }
     for (std::size_t i = 0; i < source->_length; ++i) {
-        void *const to = sequence_element(self, ops, i);
-        const void *const from = sequence_element(source, ops, i);
+        void *const to = sequence_element(self, ops.size(), i);
+        const void *const from = sequence_element(source, ops.size(), i);
         if (to == nullptr || from == nullptr) {
-            log_sequence_error(ops, "copy_no_alloc",
+            log_sequence_error(ops.sequence_name(), "copy_no_alloc",
                                "Unexpected NULL discontiguous buffer in the sequence");
             return false;
         }
         if (to != from && !ops.copy(to, from)) {
-            log_sequence_error(ops, "copy_no_alloc", "copy element");
+            log_sequence_error(ops.sequence_name(), "copy_no_alloc", "copy element");
             return false;
         }
     }
@@ -271,7 +274,8 @@ bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
 bool sequence_copy_no_alloc(KOLT_Sequence *self, const ElementOps &ops,
                             const KOLT_Sequence *source) {
     if (!self->_owned && self->_maximum < source->_length) {
-        log_sequence_error(ops, "copy_no_alloc", "sequence does not own its buffer");
+        log_sequence_error(ops.sequence_name(), "copy_no_alloc",
+                           "sequence does not own its buffer");
         return false;
     }
     return sequence_copy_elements(self, ops, source);
@@ -287,7 +291,7 @@ bool sequence_copy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequen
 
 namespace {
 
-bool check_loan(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
+bool check_loan(const KOLT_Sequence *self, const char *sequence_name, const char *operation,
                 const void *buffer, DDS_Long new_length, DDS_Long new_maximum) {
     const char *problem = nullptr;
     if (self->_maximum != 0) {
@@ -295,7 +299,7 @@ bool check_loan(const KOLT_Sequence *self, const ElementOps &ops, const char *op
     } else if (new_length < 0 || new_maximum < 0) {
         problem = "negative argument";
     } else if (new_length > new_maximum) {
-        log_insufficient_space(ops, operation, static_cast<DDS_UnsignedLong>(new_maximum),
+        log_insufficient_space(sequence_name, operation, static_cast<DDS_UnsignedLong>(new_maximum),
                                new_length);
         return false;
     } else if (buffer == nullptr && new_maximum > 0) {
@@ -306,39 +310,39 @@ bool check_loan(const KOLT_Sequence *self, const ElementOps &ops, const char *op
     if (problem == nullptr) {
         return true;
     }
-    log_sequence_error(ops, operation, problem);
+    log_sequence_error(sequence_name, operation, problem);
     return false;
 }
 
-bool install_loan(KOLT_Sequence *self, const ElementOps &ops, const char *operation,
+bool install_loan(KOLT_Sequence *self, const char *sequence_name, const char *operation,
                   void *contiguous, void **discontiguous, DDS_Long length, DDS_Long maximum) {
     self->_contiguous_buffer = contiguous;
     self->_discontiguous_buffer = discontiguous;
     self->_length = static_cast<DDS_UnsignedLong>(length);
     self->_maximum = static_cast<DDS_UnsignedLong>(maximum);
     self->_owned = DDS_BOOLEAN_FALSE;
-    return check_invariants(self, ops, operation);
+    return check_invariants(self, sequence_name, operation);
 }
 
 }  // namespace
 
-bool sequence_loan_contiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+bool sequence_loan_contiguous(KOLT_Sequence *self, const char *sequence_name, void *buffer,
                               DDS_Long new_length, DDS_Long new_maximum) {
     constexpr const char *kOperation = "loan_contiguous";
-    return check_loan(self, ops, kOperation, buffer, new_length, new_maximum) &&
-           install_loan(self, ops, kOperation, buffer, nullptr, new_length, new_maximum);
+    return check_loan(self, sequence_name, kOperation, buffer, new_length, new_maximum) &&
+           install_loan(self, sequence_name, kOperation, buffer, nullptr, new_length, new_maximum);
 }
 
-bool sequence_loan_discontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
+bool sequence_loan_discontiguous(KOLT_Sequence *self, const char *sequence_name, void **buffer,
                                  DDS_Long new_length, DDS_Long new_maximum) {
     constexpr const char *kOperation = "loan_discontiguous";
-    return check_loan(self, ops, kOperation, buffer, new_length, new_maximum) &&
-           install_loan(self, ops, kOperation, nullptr, buffer, new_length, new_maximum);
+    return check_loan(self, sequence_name, kOperation, buffer, new_length, new_maximum) &&
+           install_loan(self, sequence_name, kOperation, nullptr, buffer, new_length, new_maximum);
 }
 
-bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops) {
+bool sequence_unloan(KOLT_Sequence *self, const char *sequence_name) {
     if (self->_owned) {
-        log_sequence_error(ops, "unloan", "buffer must be loaned");
+        log_sequence_error(sequence_name, "unloan", "buffer must be loaned");
         return false;
     }
     self->_contiguous_buffer = nullptr;

@@ -40,24 +40,25 @@ bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long n
 bool sequence_set_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long new_length);
 bool sequence_ensure_length(KOLT_Sequence *self, const ElementOps &ops, DDS_Long length,
                             DDS_Long maximum);
-bool sequence_set_absolute_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long limit);
+bool sequence_set_absolute_maximum(KOLT_Sequence *self, const char *sequence_name, DDS_Long limit);
 bool sequence_copy_elements(KOLT_Sequence *self, const ElementOps &ops,
                             const KOLT_Sequence *source);
 bool sequence_copy_no_alloc(KOLT_Sequence *self, const ElementOps &ops,
                             const KOLT_Sequence *source);
 bool sequence_copy(KOLT_Sequence *self, const ElementOps &ops, const KOLT_Sequence *source);
-bool sequence_loan_contiguous(KOLT_Sequence *self, const ElementOps &ops, void *buffer,
+bool sequence_loan_contiguous(KOLT_Sequence *self, const char *sequence_name, void *buffer,
                               DDS_Long new_length, DDS_Long new_maximum);
-bool sequence_loan_discontiguous(KOLT_Sequence *self, const ElementOps &ops, void **buffer,
+bool sequence_loan_discontiguous(KOLT_Sequence *self, const char *sequence_name, void **buffer,
                                  DDS_Long new_length, DDS_Long new_maximum);
-bool sequence_unloan(KOLT_Sequence *self, const ElementOps &ops);
+bool sequence_unloan(KOLT_Sequence *self, const char *sequence_name);
 void sequence_delete_buffer(const KOLT_Sequence *self, const ElementOps &ops, void *buffer,
                             std::size_t count);
 
-// Element `index` of either kind of buffer. The buffer holds more than `index` elements.
-void *sequence_element(const KOLT_Sequence *self, const ElementOps &ops, std::size_t index);
+// Returns element `index` of either kind of buffer, which holds more than `index` elements of
+// `element_size` bytes.
+void *sequence_element(const KOLT_Sequence *self, std::size_t element_size, std::size_t index);
 
-// Reports `text` under "<sequence name>_<operation>".
-void log_sequence_error(const ElementOps &ops, const char *operation, const char *text);
+// Reports `text` under "<sequence_name>_<operation>".
+void log_sequence_error(const char *sequence_name, const char *operation, const char *text);
 
 }  // namespace kolt::type

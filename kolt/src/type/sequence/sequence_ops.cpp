@@ -41,7 +41,8 @@ class DescribedElementOps final : public ElementOps {
 };
 
 // False, reported, for a NULL argument called `name`.
-bool require(const void *argument, const ElementOps &ops, const char *operation, const char *name) {
+bool require(const void *argument, const KOLT_SequenceElementType *type, const char *operation,
+             const char *name) {
     if (argument != nullptr) {
         return true;
     }
@@ -49,42 +50,41 @@ bool require(const void *argument, const ElementOps &ops, const char *operation,
     char text[64] = {};
     std::strncpy(text, kPrefix, sizeof(text) - 1);
     std::strncat(text, name, sizeof(text) - sizeof(kPrefix));
-    log_sequence_error(ops, operation, text);
+    log_sequence_error(type->sequence_name, operation, text);
     return false;
 }
 
 // The start of every public operation: `self` is there, and initialised.
-bool open(const KOLT_Sequence *self, const ElementOps &ops, const char *operation) {
-    if (!require(self, ops, operation, "self")) {
+bool open(const KOLT_Sequence *self, const KOLT_SequenceElementType *type, const char *operation) {
+    if (!require(self, type, operation, "self")) {
         return false;
     }
     kolt::type::sequence_ensure_initialized(self);
     return true;
 }
 
-bool index_in_range(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
-                    DDS_Long index) {
+bool index_in_range(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
+                    const char *operation, DDS_Long index) {
     if (index >= 0 && static_cast<DDS_UnsignedLong>(index) < self->_length) {
         return true;
     }
-    log_sequence_error(ops, operation, "index out of bounds");
+    log_sequence_error(type->sequence_name, operation, "index out of bounds");
     return false;
 }
 
-bool params_settable(const KOLT_Sequence *self, const ElementOps &ops, const char *operation,
-                     const char *problem) {
+bool params_settable(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
+                     const char *operation, const char *problem) {
     if (self->_maximum == 0) {
         return true;
     }
-    log_sequence_error(ops, operation, problem);
+    log_sequence_error(type->sequence_name, operation, problem);
     return false;
 }
 
 }  // namespace
 
 DDS_Boolean KOLT_Sequence_initialize(KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    if (!require(self, ops, "initialize", "self")) {
+    if (!require(self, type, "initialize", "self")) {
         return DDS_BOOLEAN_FALSE;
     }
     kolt::type::sequence_reset(self);
@@ -92,58 +92,52 @@ DDS_Boolean KOLT_Sequence_initialize(KOLT_Sequence *self, const KOLT_SequenceEle
 }
 
 DDS_Boolean KOLT_Sequence_finalize(KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "finalize") && kolt::type::sequence_set_maximum(self, ops, 0);
+    return open(self, type, "finalize") &&
+           kolt::type::sequence_set_maximum(self, DescribedElementOps(type), 0);
 }
 
 DDS_UnsignedLong KOLT_Sequence_get_maximum(const KOLT_Sequence *self,
                                            const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "get_maximum") ? self->_maximum : 0;
+    return open(self, type, "get_maximum") ? self->_maximum : 0;
 }
 
 DDS_Boolean KOLT_Sequence_set_maximum(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                       DDS_Long new_maximum) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "set_maximum") &&
-           kolt::type::sequence_set_maximum(self, ops, new_maximum);
+    return open(self, type, "set_maximum") &&
+           kolt::type::sequence_set_maximum(self, DescribedElementOps(type), new_maximum);
 }
 
 DDS_UnsignedLong KOLT_Sequence_get_length(const KOLT_Sequence *self,
                                           const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "get_length") ? self->_length : 0;
+    return open(self, type, "get_length") ? self->_length : 0;
 }
 
 DDS_Boolean KOLT_Sequence_set_length(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                      DDS_Long new_length) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "set_length") && kolt::type::sequence_set_length(self, ops, new_length);
+    return open(self, type, "set_length") &&
+           kolt::type::sequence_set_length(self, DescribedElementOps(type), new_length);
 }
 
 DDS_Boolean KOLT_Sequence_ensure_length(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                         DDS_Long length, DDS_Long maximum) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "ensure_length") &&
-           kolt::type::sequence_ensure_length(self, ops, length, maximum);
+    return open(self, type, "ensure_length") &&
+           kolt::type::sequence_ensure_length(self, DescribedElementOps(type), length, maximum);
 }
 
 DDS_Boolean KOLT_Sequence_set_absolute_maximum(KOLT_Sequence *self,
                                                const KOLT_SequenceElementType *type,
                                                DDS_Long absolute_maximum) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "set_absolute_maximum") &&
-           kolt::type::sequence_set_absolute_maximum(self, ops, absolute_maximum);
+    return open(self, type, "set_absolute_maximum") &&
+           kolt::type::sequence_set_absolute_maximum(self, type->sequence_name, absolute_maximum);
 }
 
 void *KOLT_Sequence_get(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                         DDS_Long index) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "get")) {
+    if (!open(self, type, "get")) {
         return nullptr;
     }
-    if (index_in_range(self, ops, "get", index)) {
-        return kolt::type::sequence_element(self, ops, static_cast<std::size_t>(index));
+    if (index_in_range(self, type, "get", index)) {
+        return kolt::type::sequence_element(self, type->size, static_cast<std::size_t>(index));
     }
     // Element 0, valid or not; the pointers of a loan are good for valid elements only.
     if (self->_contiguous_buffer == nullptr && self->_length == 0) {
@@ -152,70 +146,65 @@ void *KOLT_Sequence_get(const KOLT_Sequence *self, const KOLT_SequenceElementTyp
     if (self->_maximum == 0) {
         return nullptr;
     }
-    return kolt::type::sequence_element(self, ops, 0);
+    return kolt::type::sequence_element(self, type->size, 0);
 }
 
 void *KOLT_Sequence_get_reference(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                   DDS_Long index) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_reference")) {
+    if (!open(self, type, "get_reference")) {
         return nullptr;
     }
-    if (!index_in_range(self, ops, "get_reference", index)) {
+    if (!index_in_range(self, type, "get_reference", index)) {
         return nullptr;
     }
-    return kolt::type::sequence_element(self, ops, static_cast<std::size_t>(index));
+    return kolt::type::sequence_element(self, type->size, static_cast<std::size_t>(index));
 }
 
 KOLT_Sequence *KOLT_Sequence_copy(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                   const KOLT_Sequence *source) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "copy") || !require(source, ops, "copy", "src")) {
+    if (!open(self, type, "copy") || !require(source, type, "copy", "src")) {
         return nullptr;
     }
     kolt::type::sequence_ensure_initialized(source);
-    return kolt::type::sequence_copy(self, ops, source) ? self : nullptr;
+    return kolt::type::sequence_copy(self, DescribedElementOps(type), source) ? self : nullptr;
 }
 
 DDS_Boolean KOLT_Sequence_copy_no_alloc(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                         const KOLT_Sequence *source) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "copy_no_alloc") || !require(source, ops, "copy_no_alloc", "src")) {
+    if (!open(self, type, "copy_no_alloc") || !require(source, type, "copy_no_alloc", "src")) {
         return DDS_BOOLEAN_FALSE;
     }
     kolt::type::sequence_ensure_initialized(source);
-    return kolt::type::sequence_copy_no_alloc(self, ops, source);
+    return kolt::type::sequence_copy_no_alloc(self, DescribedElementOps(type), source);
 }
 
 DDS_Boolean KOLT_Sequence_copy_no_allocI(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                          const KOLT_Sequence *source) {
-    const DescribedElementOps ops(type);
-    return require(self, ops, "copy_no_allocI", "self") &&
-           require(source, ops, "copy_no_allocI", "src") &&
-           kolt::type::sequence_copy_elements(self, ops, source);
+    return require(self, type, "copy_no_allocI", "self") &&
+           require(source, type, "copy_no_allocI", "src") &&
+           kolt::type::sequence_copy_elements(self, DescribedElementOps(type), source);
 }
 
 DDS_Boolean KOLT_Sequence_from_array(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                      const void *array, DDS_Long length) {
     constexpr const char *kOperation = "from_array";
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation)) {
+    if (!open(self, type, kOperation)) {
         return DDS_BOOLEAN_FALSE;
     }
     KOLT_Sequence loan = DDS_SEQUENCE_INITIALIZER;
     // The loan is only read.
-    if (!kolt::type::sequence_loan_contiguous(&loan, ops, const_cast<void *>(array), length,
-                                              length)) {
-        log_sequence_error(ops, kOperation, "loan contiguous array");
+    if (!kolt::type::sequence_loan_contiguous(&loan, type->sequence_name, const_cast<void *>(array),
+                                              length, length)) {
+        log_sequence_error(type->sequence_name, kOperation, "loan contiguous array");
         return DDS_BOOLEAN_FALSE;
     }
-    const bool copied = kolt::type::sequence_copy(self, ops, &loan);
+    const bool copied = kolt::type::sequence_copy(self, DescribedElementOps(type), &loan);
     if (!copied) {
-        log_sequence_error(ops, kOperation, "copy array sequence");
+        log_sequence_error(type->sequence_name, kOperation, "copy array sequence");
     }
-    const bool returned = kolt::type::sequence_unloan(&loan, ops);
+    const bool returned = kolt::type::sequence_unloan(&loan, type->sequence_name);
     if (!returned) {
-        log_sequence_error(ops, kOperation, "unloan contiguous array");
+        log_sequence_error(type->sequence_name, kOperation, "unloan contiguous array");
     }
     return copied && returned;
 }
@@ -223,62 +212,57 @@ DDS_Boolean KOLT_Sequence_from_array(KOLT_Sequence *self, const KOLT_SequenceEle
 DDS_Boolean KOLT_Sequence_to_array(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                    void *array, DDS_Long length) {
     constexpr const char *kOperation = "to_array";
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation)) {
+    if (!open(self, type, kOperation)) {
         return DDS_BOOLEAN_FALSE;
     }
     KOLT_Sequence loan = DDS_SEQUENCE_INITIALIZER;
-    if (!kolt::type::sequence_loan_contiguous(&loan, ops, array, length, length)) {
-        log_sequence_error(ops, kOperation, "loan contiguous array");
+    if (!kolt::type::sequence_loan_contiguous(&loan, type->sequence_name, array, length, length)) {
+        log_sequence_error(type->sequence_name, kOperation, "loan contiguous array");
         return DDS_BOOLEAN_FALSE;
     }
-    const bool copied = kolt::type::sequence_copy_no_alloc(&loan, ops, self);
+    const bool copied = kolt::type::sequence_copy_no_alloc(&loan, DescribedElementOps(type), self);
     if (!copied) {
-        log_sequence_error(ops, kOperation, "copying array sequence");
+        log_sequence_error(type->sequence_name, kOperation, "copying array sequence");
     }
-    const bool returned = kolt::type::sequence_unloan(&loan, ops);
+    const bool returned = kolt::type::sequence_unloan(&loan, type->sequence_name);
     if (!returned) {
-        log_sequence_error(ops, kOperation, "unloan contiguous array");
+        log_sequence_error(type->sequence_name, kOperation, "unloan contiguous array");
     }
     return copied && returned;
 }
 
 DDS_Boolean KOLT_Sequence_loan_contiguous(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                           void *buffer, DDS_Long new_length, DDS_Long new_maximum) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "loan_contiguous") &&
-           kolt::type::sequence_loan_contiguous(self, ops, buffer, new_length, new_maximum);
+    return open(self, type, "loan_contiguous") &&
+           kolt::type::sequence_loan_contiguous(self, type->sequence_name, buffer, new_length,
+                                                new_maximum);
 }
 
 DDS_Boolean KOLT_Sequence_loan_discontiguous(KOLT_Sequence *self,
                                              const KOLT_SequenceElementType *type, void **buffer,
                                              DDS_Long new_length, DDS_Long new_maximum) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "loan_discontiguous") &&
-           kolt::type::sequence_loan_discontiguous(self, ops, buffer, new_length, new_maximum);
+    return open(self, type, "loan_discontiguous") &&
+           kolt::type::sequence_loan_discontiguous(self, type->sequence_name, buffer, new_length,
+                                                   new_maximum);
 }
 
 DDS_Boolean KOLT_Sequence_unloan(KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "unloan") && kolt::type::sequence_unloan(self, ops);
+    return open(self, type, "unloan") && kolt::type::sequence_unloan(self, type->sequence_name);
 }
 
 void *KOLT_Sequence_get_contiguous_buffer(const KOLT_Sequence *self,
                                           const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "get_contiguous_buffer") ? self->_contiguous_buffer : nullptr;
+    return open(self, type, "get_contiguous_buffer") ? self->_contiguous_buffer : nullptr;
 }
 
 void **KOLT_Sequence_get_discontiguous_buffer(const KOLT_Sequence *self,
                                               const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "get_discontiguous_buffer") ? self->_discontiguous_buffer : nullptr;
+    return open(self, type, "get_discontiguous_buffer") ? self->_discontiguous_buffer : nullptr;
 }
 
 void *KOLT_Sequence_get_contiguous_bufferI(const KOLT_Sequence *self,
                                            const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    if (!require(self, ops, "get_contiguous_bufferI", "self")) {
+    if (!require(self, type, "get_contiguous_bufferI", "self")) {
         return nullptr;
     }
     return self->_contiguous_buffer;
@@ -286,8 +270,7 @@ void *KOLT_Sequence_get_contiguous_bufferI(const KOLT_Sequence *self,
 
 void **KOLT_Sequence_get_discontiguous_bufferI(const KOLT_Sequence *self,
                                                const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    if (!require(self, ops, "get_discontiguous_bufferI", "self")) {
+    if (!require(self, type, "get_discontiguous_bufferI", "self")) {
         return nullptr;
     }
     return self->_discontiguous_buffer;
@@ -295,17 +278,15 @@ void **KOLT_Sequence_get_discontiguous_bufferI(const KOLT_Sequence *self,
 
 DDS_Boolean KOLT_Sequence_has_ownership(const KOLT_Sequence *self,
                                         const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    return open(self, ops, "has_ownership") && self->_owned;
+    return open(self, type, "has_ownership") && self->_owned;
 }
 
 DDS_Boolean KOLT_Sequence_set_element_pointers_allocation(KOLT_Sequence *self,
                                                           const KOLT_SequenceElementType *type,
                                                           DDS_Boolean allocate) {
     constexpr const char *kOperation = "set_element_pointers_allocation";
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation) ||
-        !params_settable(self, ops, kOperation,
+    if (!open(self, type, kOperation) ||
+        !params_settable(self, type, kOperation,
                          "Pointers allocation policy can be configured only when the maximum size "
                          "of the sequence is 0")) {
         return DDS_BOOLEAN_FALSE;
@@ -316,8 +297,7 @@ DDS_Boolean KOLT_Sequence_set_element_pointers_allocation(KOLT_Sequence *self,
 
 DDS_Boolean KOLT_Sequence_get_element_pointers_allocation(const KOLT_Sequence *self,
                                                           const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_element_pointers_allocation")) {
+    if (!open(self, type, "get_element_pointers_allocation")) {
         return DDS_BOOLEAN_FALSE;
     }
     return self->_elementAllocParams.allocate_pointers;
@@ -327,10 +307,9 @@ DDS_Boolean KOLT_Sequence_set_element_allocation_params(
     KOLT_Sequence *self, const KOLT_SequenceElementType *type,
     const DDS_SeqElementTypeAllocationParams_t *params) {
     constexpr const char *kOperation = "set_element_allocation_params";
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation) || !require(params, ops, kOperation, "params") ||
+    if (!open(self, type, kOperation) || !require(params, type, kOperation, "params") ||
         !params_settable(
-            self, ops, kOperation,
+            self, type, kOperation,
             "Member allocation parameters can be configured only when the maximum size "
             "of the sequence is 0")) {
         return DDS_BOOLEAN_FALSE;
@@ -341,8 +320,7 @@ DDS_Boolean KOLT_Sequence_set_element_allocation_params(
 
 const DDS_SeqElementTypeAllocationParams_t *KOLT_Sequence_get_element_allocation_params(
     const KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_element_allocation_params")) {
+    if (!open(self, type, "get_element_allocation_params")) {
         return nullptr;
     }
     return &self->_elementAllocParams;
@@ -352,8 +330,7 @@ DDS_Boolean KOLT_Sequence_set_element_deallocation_params(
     KOLT_Sequence *self, const KOLT_SequenceElementType *type,
     const DDS_SeqElementTypeDeallocationParams_t *params) {
     constexpr const char *kOperation = "set_element_deallocation_params";
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, kOperation) || !require(params, ops, kOperation, "params")) {
+    if (!open(self, type, kOperation) || !require(params, type, kOperation, "params")) {
         return DDS_BOOLEAN_FALSE;
     }
     self->_elementDeallocParams = *params;
@@ -362,8 +339,7 @@ DDS_Boolean KOLT_Sequence_set_element_deallocation_params(
 
 const DDS_SeqElementTypeDeallocationParams_t *KOLT_Sequence_get_element_deallocation_params(
     const KOLT_Sequence *self, const KOLT_SequenceElementType *type) {
-    const DescribedElementOps ops(type);
-    if (!open(self, ops, "get_element_deallocation_params")) {
+    if (!open(self, type, "get_element_deallocation_params")) {
         return nullptr;
     }
     return &self->_elementDeallocParams;
@@ -373,12 +349,11 @@ DDS_Boolean KOLT_Sequence_get_read_tokenI(const KOLT_Sequence *self,
                                           const KOLT_SequenceElementType *type, void **token1,
                                           void **token2) {
     constexpr const char *kOperation = "get_read_tokenI";
-    const DescribedElementOps ops(type);
-    if (!require(self, ops, kOperation, "self")) {
+    if (!require(self, type, kOperation, "self")) {
         return DDS_BOOLEAN_FALSE;
     }
     if (token1 == nullptr || token2 == nullptr) {
-        log_sequence_error(ops, kOperation, "token (NULL)");
+        log_sequence_error(type->sequence_name, kOperation, "token (NULL)");
         return DDS_BOOLEAN_FALSE;
     }
     *token1 = self->_read_token1;
@@ -388,8 +363,7 @@ DDS_Boolean KOLT_Sequence_get_read_tokenI(const KOLT_Sequence *self,
 
 DDS_Boolean KOLT_Sequence_set_read_tokenI(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                           void *token1, void *token2) {
-    const DescribedElementOps ops(type);
-    if (!require(self, ops, "set_read_tokenI", "self")) {
+    if (!require(self, type, "set_read_tokenI", "self")) {
         return DDS_BOOLEAN_FALSE;
     }
     self->_read_token1 = token1;
@@ -399,17 +373,15 @@ DDS_Boolean KOLT_Sequence_set_read_tokenI(KOLT_Sequence *self, const KOLT_Sequen
 
 void KOLT_Sequence_delete_bufferI(KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                   void *buffer, DDS_UnsignedLong count) {
-    const DescribedElementOps ops(type);
-    if (!require(self, ops, "delete_bufferI", "self")) {
+    if (!require(self, type, "delete_bufferI", "self")) {
         return;
     }
-    kolt::type::sequence_delete_buffer(self, ops, buffer, count);
+    kolt::type::sequence_delete_buffer(self, DescribedElementOps(type), buffer, count);
 }
 
 DDS_Boolean KOLT_Sequence_check_invariantsI(const KOLT_Sequence *self,
                                             const KOLT_SequenceElementType *type,
                                             const char *function_name) {
-    const DescribedElementOps ops(type);
-    return require(self, ops, "check_invariantsI", "self") &&
+    return require(self, type, "check_invariantsI", "self") &&
            kolt::type::sequence_check_invariants(self, function_name);
 }
