@@ -1,11 +1,9 @@
-// Type codes: the primitive ones, getters, native encapsulations.
+// Type codes: the primitive ones, and the getters.
 #include "kolt/typecode.h"
 
 #include <array>
-#include <bit>
 #include <cstring>
 
-#include "kolt/cdr.h"
 #include "type/typecode/layout.hpp"
 
 namespace {
@@ -39,22 +37,6 @@ static_assert(kPrimitives[DDS_TK_DOUBLE - DDS_TK_BOOLEAN].kind == DDS_TK_DOUBLE)
 
 bool has_members(const DDS_TypeCode *type) {
     return type != nullptr && type->members != nullptr;
-}
-
-DDS_UnsignedShort big_endian_encapsulation(const DDS_TypeCode &type, bool xcdr2) {
-    // Only structures and unions have an extensibility that shows; the rest is plain.
-    const bool aggregated = type.kind == DDS_TK_STRUCT || type.kind == DDS_TK_UNION;
-    const DDS_ExtensibilityKind extensibility =
-        aggregated ? type.extensibility : DDS_FINAL_EXTENSIBILITY;
-    switch (extensibility) {
-        case DDS_MUTABLE_EXTENSIBILITY:
-            return xcdr2 ? KOLT_ENCAPSULATION_PL_CDR2_BE : KOLT_ENCAPSULATION_PL_CDR_BE;
-        case DDS_APPENDABLE_EXTENSIBILITY:
-            return xcdr2 ? KOLT_ENCAPSULATION_D_CDR2_BE : KOLT_ENCAPSULATION_CDR_BE;
-        case DDS_FINAL_EXTENSIBILITY:
-            break;
-    }
-    return xcdr2 ? KOLT_ENCAPSULATION_CDR2_BE : KOLT_ENCAPSULATION_CDR_BE;
 }
 
 }  // namespace
@@ -109,26 +91,4 @@ const DDS_TypeCodeMember *DDS_TypeCode_find_member_by_id(const DDS_TypeCode *sel
 
 DDS_Boolean DDS_TypeCode_is_keyed(const DDS_TypeCode *self) {
     return self != nullptr && kolt::type::is_keyed(*self);
-}
-
-DDS_UnsignedShort DDS_TypeCode_get_native_encapsulation(const DDS_TypeCode *self,
-                                                        DDS_DataRepresentationId_t representation) {
-    if (self == nullptr) {
-        return KOLT_ENCAPSULATION_INVALID;
-    }
-    const bool xcdr1 = (self->representations & DDS_DATA_REPRESENTATION_MASK_XCDR) != 0;
-    const bool xcdr2 = (self->representations & DDS_DATA_REPRESENTATION_MASK_XCDR2) != 0;
-    bool second = false;
-    if (representation == DDS_AUTO_DATA_REPRESENTATION) {
-        second = !xcdr1;
-    } else if (representation == DDS_XCDR2_DATA_REPRESENTATION) {
-        second = true;
-    } else if (representation != DDS_XCDR_DATA_REPRESENTATION) {
-        return KOLT_ENCAPSULATION_INVALID;
-    }
-    if (second ? !xcdr2 : !xcdr1) {
-        return KOLT_ENCAPSULATION_INVALID;
-    }
-    constexpr DDS_UnsignedShort kNativeBit = std::endian::native == std::endian::little ? 1 : 0;
-    return static_cast<DDS_UnsignedShort>(big_endian_encapsulation(*self, second) | kNativeBit);
 }
