@@ -64,9 +64,9 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Types, Refuses,
     testing::Values(
-        Wrong{"nothing = 1", 1, "'nothing' is no member of Record"},
-        Wrong{"1 = nothing", 5, "'nothing' is no member of Record"},
-        Wrong{"long_ = 1 AND point.z = 1", 21, "'z' is no member of Point"},
+        Wrong{"nothing = 1", 1, "'nothing' is not a member of Record"},
+        Wrong{"1 = nothing", 5, "'nothing' is not a member of Record"},
+        Wrong{"long_ = 1 AND point.z = 1", 21, "'z' is not a member of Point"},
         Wrong{"long_.x = 1", 7, "has no members"}, Wrong{"point = 1", 1, "constructed type"},
         Wrong{"list = 1", 1, "constructed type"}, Wrong{"long_[0] = 1", 6, "has no elements"},
         Wrong{"list[5] = 1", 5, "past the sequence's bound"},
@@ -78,8 +78,8 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{"flag = 2", 8, "cannot compare a boolean"},
         Wrong{"flag = 'TRUE'", 8, "cannot compare a boolean"},
         Wrong{"letter = 'qq'", 10, "cannot compare a character"},
-        Wrong{"color = 'PINK'", 9, "'PINK' is no enumerator of Color"},
-        Wrong{"color = PINK", 9, "'PINK' is no enumerator of Color"},
+        Wrong{"color = 'PINK'", 9, "'PINK' is not an enumerator of Color"},
+        Wrong{"color = PINK", 9, "'PINK' is not an enumerator of Color"},
         Wrong{"color = 1.5", 9, "cannot compare an enumeration"},
         Wrong{"text = long_", 6, "cannot compare a string with a number"},
         Wrong{"flag = long_", 6, "cannot compare a boolean with a number"},

@@ -144,7 +144,7 @@ TEST(XmlBoolean, AcceptsFourSpellings) {
     DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
     EXPECT_FALSE(DDS_XMLHelper_str_to_boolean(&value, "maybe", &context));
     EXPECT_STREQ(DDS_XMLContext_get_error_message(&context),
-                 "\"maybe\" is no boolean; expected: true, false, 1, 0");
+                 "\"maybe\" is not a boolean; expected: true, false, 1, 0");
 }
 
 }  // namespace

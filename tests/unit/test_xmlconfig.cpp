@@ -157,7 +157,7 @@ TEST(XmlConfigParse, WrongBooleanFailsTheParse) {
         const std::string name = tag;
         EXPECT_EQ(document.parse_element("\n<" + name + ">yes</" + name + ">"), DDS_RETCODE_ERROR);
         EXPECT_EQ(document.message(),
-                  "<" + name + ">: \"yes\" is no boolean; expected: true, false, 1, 0");
+                  "<" + name + ">: \"yes\" is not a boolean; expected: true, false, 1, 0");
         EXPECT_EQ(document.line(), 4U);
     }
 }

@@ -61,7 +61,7 @@ void FieldPath::enter_member(const std::string &name, std::size_t column) {
         }
     }
     const std::string owner = type_->name != nullptr ? type_->name : "the type";
-    throw Error{"'" + name + "' is no member of " + owner, column};
+    throw Error{"'" + name + "' is not a member of " + owner, column};
 }
 
 void FieldPath::enter_element(const std::vector<std::uint64_t> &indices, std::size_t column) {

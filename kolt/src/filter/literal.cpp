@@ -32,7 +32,7 @@ std::optional<Value> number_of(const Token &token) {
 
 std::optional<Constant> to_number(const Token &token, DDS_TCKind kind) {
     if (token.kind == TokenKind::kReal && kind == DDS_TK_FLOAT) {
-        // 0.1 in the expression means what 0.1 in the field is.
+        // Rounds 0.1 in the expression to the float that 0.1 in the field is.
         return make_number(double{static_cast<float>(token.real_value)});
     }
     const auto number = number_of(token);
@@ -66,8 +66,9 @@ std::optional<Constant> to_enumerator(const Token &token, const DDS_TypeCode &ty
     const DDS_TypeCodeMember *member = DDS_TypeCode_find_member_by_name(&type, token.text.c_str());
     if (member == nullptr) {
         const char *name = DDS_TypeCode_name(&type);
-        throw Error{"'" + token.text + "' is no enumerator of " + (name != nullptr ? name : "it"),
-                    token.column};
+        throw Error{
+            "'" + token.text + "' is not an enumerator of " + (name != nullptr ? name : "it"),
+            token.column};
     }
     return make_number(std::int64_t{member->ordinal});
 }

@@ -63,8 +63,8 @@ DDS_Boolean DDS_XMLHelper_str_to_boolean(DDS_Boolean *boolean, const char *text,
     } else if (equals_ignoring_case(value, "false") || value == "0") {
         *boolean = DDS_BOOLEAN_FALSE;
     } else {
-        DDS_XMLContext_report_error(context, "\"%.64s\" is no boolean; expected: true, false, 1, 0",
-                                    text);
+        DDS_XMLContext_report_error(
+            context, "\"%.64s\" is not a boolean; expected: true, false, 1, 0", text);
         return DDS_BOOLEAN_FALSE;
     }
     return DDS_BOOLEAN_TRUE;
