@@ -189,23 +189,22 @@ const DDS_Char *text_of(const Place &place) {
     return text == nullptr ? "" : text;
 }
 
-// A new string with room for the type's bound, so that the record stays one that can be copied
-// into.
+// Returns a new copy of `text` with room for the type's bound, so that other strings can be copied
+// into the record later.
 DDS_Char *make_string(const DDS_TypeCode &code, const DDS_Char *text) {
     if (code.bound == 0) {
         return DDS_String_dup(text);
     }
     DDS_Char *const copy = DDS_String_alloc(code.bound);
     if (copy != nullptr) {
-        std::strcpy(copy, text);
+        std::memcpy(copy, text, std::strlen(text) + 1);
     }
     return copy;
 }
 
 }  // namespace
 
-// ---- Numbers
-// --------------------------------------------------------------------------------------
+// ---- Numbers -----------------------------------------------------------------------------------
 
 #define KOLT_DYNAMIC_DATA_DEFINE_ACCESS(suffix, T, kind)                                          \
     DDS_ReturnCode_t DDS_DynamicData_get_##suffix(const DDS_DynamicData *self, T *value,          \
@@ -229,8 +228,7 @@ KOLT_DYNAMIC_DATA_DEFINE_ACCESS(ulonglong, DDS_UnsignedLongLong, DDS_TK_ULONGLON
 KOLT_DYNAMIC_DATA_DEFINE_ACCESS(float, DDS_Float, DDS_TK_FLOAT)
 KOLT_DYNAMIC_DATA_DEFINE_ACCESS(double, DDS_Double, DDS_TK_DOUBLE)
 
-// ---- In general
-// -----------------------------------------------------------------------------------
+// ---- In general --------------------------------------------------------------------------------
 
 DDS_Boolean DDS_DynamicData_member_exists(const DDS_DynamicData *self, const char *name,
                                           DDS_DynamicDataMemberId id) {
@@ -301,8 +299,7 @@ DDS_ReturnCode_t DDS_DynamicData_set_discriminator(DDS_DynamicData *self, DDS_Lo
                : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
-// ---- Nested values
-// --------------------------------------------------------------------------------
+// ---- Nested values -----------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DynamicData_get_complex_member(const DDS_DynamicData *self,
                                                     DDS_DynamicData *value, const char *name,
@@ -344,8 +341,7 @@ DDS_ReturnCode_t DDS_DynamicData_set_complex_member(DDS_DynamicData *self,
                                                                      : DDS_RETCODE_OUT_OF_RESOURCES;
 }
 
-// ---- Strings
-// --------------------------------------------------------------------------------------
+// ---- Strings -----------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DynamicData_get_string(const DDS_DynamicData *self, DDS_Char **value,
                                             DDS_UnsignedLong *size, const char *name,

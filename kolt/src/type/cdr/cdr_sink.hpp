@@ -1,4 +1,4 @@
-// Where a write program writes to: a buffer in either byte order, or a counter.
+// The sinks of a write program: a buffer in either byte order, and a counter.
 #pragma once
 
 #include <bit>
@@ -10,23 +10,23 @@
 
 namespace kolt::type {
 
-inline std::uint16_t SwapBytes(std::uint16_t value) {
+inline std::uint16_t swap_bytes(std::uint16_t value) {
     return __builtin_bswap16(value);
 }
-inline std::uint32_t SwapBytes(std::uint32_t value) {
+inline std::uint32_t swap_bytes(std::uint32_t value) {
     return __builtin_bswap32(value);
 }
-inline std::uint64_t SwapBytes(std::uint64_t value) {
+inline std::uint64_t swap_bytes(std::uint64_t value) {
     return __builtin_bswap64(value);
 }
 
-// Copies `count` numbers of `width` bytes and turns each of them round.
+// Copies `count` numbers of `width` bytes and swaps the bytes of each.
 template <typename Word>
 void copy_swapped_words(std::uint8_t *to, const std::uint8_t *from, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         Word word;
         std::memcpy(&word, from + i * sizeof(word), sizeof(word));
-        word = SwapBytes(word);
+        word = swap_bytes(word);
         std::memcpy(to + i * sizeof(word), &word, sizeof(word));
     }
 }
@@ -118,7 +118,7 @@ class BufferSink {
         return align(4) && word32(size) && words(text, size, 1);
     }
 
-    // Room for a byte count that CloseCount fills in.
+    // Leaves room for a byte count that close_count fills in.
     bool open_count(std::size_t *mark) {
         *mark = position_;
         if (4 > capacity_ - position_) {

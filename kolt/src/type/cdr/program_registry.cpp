@@ -1,4 +1,4 @@
-// The process-wide list of compiled programs.
+// The process-wide registry of compiled programs.
 #include <list>
 #include <memory>
 #include <mutex>
@@ -13,18 +13,18 @@ using kolt::type::compile_write;
 using kolt::type::CompileOptions;
 using kolt::type::XcdrVersion;
 
-struct ProgramList {
+struct ProgramRegistry {
     std::mutex mutex;
     std::list<std::unique_ptr<KOLT_TypePrograms>> programs;  // guarded by mutex
 };
 
 // Never destroyed: endpoints may still let go of their programs while the process ends.
-ProgramList &process_list() {
-    static ProgramList *const kList = new ProgramList;
-    return *kList;
+ProgramRegistry &process_registry() {
+    static ProgramRegistry *const kRegistry = new ProgramRegistry;
+    return *kRegistry;
 }
 
-// A value of the type is more than plain bytes.
+// True when a value of the type is more than plain bytes.
 bool owns_memory(const DDS_TypeCode &type) {
     switch (type.kind) {
         case DDS_TK_STRING:
@@ -45,7 +45,8 @@ bool owns_memory(const DDS_TypeCode &type) {
     }
 }
 
-// Who reads the key members gets all of their values, also what is no key in them.
+// True when the key members own memory. Reading a key member reads all of its value, also the
+// parts that are not keys themselves.
 bool key_owns_memory(const DDS_TypeCode &type) {
     for (DDS_UnsignedLong i = 0; i < type.member_count; ++i) {
         if (type.members[i].is_key && owns_memory(*type.members[i].type)) {
@@ -96,9 +97,9 @@ const KOLT_TypePrograms *KOLT_TypePrograms_acquire(const DDS_TypeCode *type) {
         return nullptr;
     }
     try {
-        ProgramList &list = process_list();
-        const std::lock_guard lock(list.mutex);
-        for (const auto &programs : list.programs) {
+        ProgramRegistry &registry = process_registry();
+        const std::lock_guard lock(registry.mutex);
+        for (const auto &programs : registry.programs) {
             if (programs->type == type) {
                 ++programs->references;
                 return programs.get();
@@ -107,9 +108,9 @@ const KOLT_TypePrograms *KOLT_TypePrograms_acquire(const DDS_TypeCode *type) {
         if (!kolt::type::validate_type_code(*type)) {
             return nullptr;
         }
-        list.programs.push_front(compile(*type));
-        list.programs.front()->references = 1;
-        return list.programs.front().get();
+        registry.programs.push_front(compile(*type));
+        registry.programs.front()->references = 1;
+        return registry.programs.front().get();
     } catch (...) {  // out of memory
         return nullptr;
     }
@@ -120,15 +121,15 @@ void KOLT_TypePrograms_release(const KOLT_TypePrograms *self) {
         return;
     }
     std::unique_ptr<KOLT_TypePrograms> last;
-    ProgramList &list = process_list();
-    const std::lock_guard lock(list.mutex);
-    for (auto entry = list.programs.begin(); entry != list.programs.end(); ++entry) {
+    ProgramRegistry &registry = process_registry();
+    const std::lock_guard lock(registry.mutex);
+    for (auto entry = registry.programs.begin(); entry != registry.programs.end(); ++entry) {
         if (entry->get() != self) {
             continue;
         }
         if (--(*entry)->references == 0) {
             last = std::move(*entry);
-            list.programs.erase(entry);
+            registry.programs.erase(entry);
         }
         return;
     }
