@@ -9,19 +9,19 @@
  * that is not one of the type's (unknown, a representation that the type does not allow, another
  * extensibility) fails.
  *
- * What is written where the standard leaves a choice:
+ * The standard leaves a choice in writing, which is made as follows:
  *  - XCDR1 parameters have the short header when id <= 0x3f00 and length <= 65535, the extended
  *    one otherwise; lengths are those of the values, without padding; the list ends with
  *    PID_SENTINEL (0x3f02), length 0, no flags.
  *  - XCDR2 members have length code 0 to 3 for one primitive or enumeration, 5 to 7 where the value
  *    begins with a count that serves as NEXTINT, 4 otherwise.
  *  - Members go in the order of their declaration; absent optional members of mutable types are
- * left out. Key members, members that say so, and the discriminator of a mutable union (member 0)
- *    carry the must-understand flag.
+ *    left out. Key members, members that say so, and the discriminator of a mutable union
+ *    (member 0) carry the must-understand flag.
  *  - The options tell how many bytes of padding make the payload a multiple of 4. The padding
- * itself is not written: it is added where a payload leaves for the wire. Readers take both.
+ *    itself is not written: it is added where a payload leaves for the wire. Readers take both.
  *
- * What is read where the standard leaves a choice:
+ * The standard leaves a choice in reading, too:
  *  - An enumeration may hold a value without an enumerator, and a discriminator may select no
  *    branch: both arrive as they came, with no branch read.
  *  - A branch of a mutable union that is not the selected one is passed over.

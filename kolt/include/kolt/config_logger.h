@@ -2,7 +2,7 @@
  *
  * Sources are KOLT's own layer and the engine's log, which is mapped to levels and categories in
  * one table (kolt/src/log). A message passes when the verbosity of its category includes its level;
- * what does not pass costs next to nothing. There is one logger a process.
+ * one that does not pass costs one load and one test. A process has one logger.
  */
 #pragma once
 
@@ -92,16 +92,15 @@ typedef struct KOLT_Config_LogMessage {
     KOLT_Config_LogFacility facility;
 } KOLT_Config_LogMessage;
 
-/* Where messages go. The record must live as long as it is installed.
+/* Receives the messages. The record must live as long as it is installed.
  *
- * `write` runs on the thread that logs, whatever that is doing: an application's thread, a thread
- * of the engine, also inside KOLT functions and listeners; possibly on several threads at once. The
- * logger holds no lock of its own meanwhile. So `write` may log, replace the device and change
- * verbosities.
+ * `write` runs on the thread that logs: an application's thread or a thread of the engine, also
+ * inside KOLT functions and listeners. Several threads may run it at once. The logger holds no lock
+ * of its own meanwhile, so that `write` may log, replace the device and change verbosities.
  *  - A device that a thread is writing to is not entered again by that thread: messages that its
- * write causes go to standard output.
- *  - `write` must not wait for something that a logging thread may hold: a lock that it takes must
- * be one under which nobody logs (or one that answers a second take with an error, as
+ *    write causes go to standard output.
+ *  - `write` must not wait for something that a logging thread may hold. A lock that it takes must
+ *    never be held while something is logged (or must answer a second take with an error, as
  *    KOLT_GlobalLock_take does).
  *  - It must not call the engine: the engine may hold locks of its own.
  *

@@ -75,8 +75,8 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DynamicData_to_cdr_buffer_ex(
 
 /* ---- Members: in general -------------------------------------------------------------------- */
 
-/* True when the member can be read: it is in the type and, if that says more, selected or present.
- */
+/* True when the member can be read: it is in the type, a branch is selected, an optional member is
+ * present. */
 KOLT_EXPORT DDS_Boolean DDS_DynamicData_member_exists(const DDS_DynamicData *self, const char *name,
                                                       DDS_DynamicDataMemberId id);
 /* Elements of a sequence or array, characters of a string. */
@@ -106,7 +106,7 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DynamicData_set_complex_member(DDS_DynamicData 
 /* ---- Members: numbers ----------------------------------------------------------------------- */
 
 /* One pair a primitive type. Enumerations are read and set with the integral ones; setting one to a
- * value that is no enumerator is BAD_PARAMETER. Integral values do not go into floating-point
+ * value without an enumerator is BAD_PARAMETER. Integral values do not go into floating-point
  * members or the other way round, and a DDS_Double fits a DDS_Float member when it is finite and in
  * its range, NaN, or infinite. */
 #define KOLT_DYNAMIC_DATA_DECLARE_ACCESS(suffix, T)                                           \
@@ -145,14 +145,14 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DynamicData_set_string(DDS_DynamicData *self, c
 
 /* Renders the value into `string`, a buffer of `*length` bytes. `*length` becomes the size of the
  * whole text, the NUL included. OUT_OF_RESOURCES when it does not fit (the buffer is then
- * unchanged) or memory runs out. With a NULL string nothing but the size is found. BAD_PARAMETER
+ * unchanged) or memory runs out. With a NULL string only the size is determined. BAD_PARAMETER
  * for a NULL value, length or format.
  *
- * Of a union the discriminator ("_d") and the selected branch are rendered; optional members that
+ * A union is rendered as its discriminator ("_d") and the selected branch; optional members that
  * are absent are left out. The text is UTF-8 and has no line feed at its end. In strings, bytes
- * that are no UTF-8, and control characters that XML cannot hold, become U+FFFD; what must be
- * escaped is escaped. An enumeration whose value is no enumerator is a number. NaN and infinities
- * are null in JSON. */
+ * that are not UTF-8, and control characters that XML cannot hold, become U+FFFD; characters that
+ * the format reserves are escaped. An enumeration whose value has no enumerator is a number. NaN
+ * and infinities are null in JSON. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DynamicDataFormatter_to_string_w_format(
     const DDS_DynamicData *data, DDS_Char *string, DDS_UnsignedLong *length,
     const DDS_PrintFormat *format);

@@ -1,5 +1,5 @@
-/* Content filters: expressions over the fields of a sample, as of content-filtered topics and query
- * conditions (DDS 1.4, Annex B), evaluated on serialised samples.
+/* Content filters: expressions over the fields of a sample, evaluated on serialised samples. They
+ * serve content-filtered topics and query conditions (DDS 1.4, Annex B).
  *
  * Grammar, keywords in any letter case:
  *
@@ -11,8 +11,8 @@
  *   field       member names joined by dots, with [n] behind arrays ([n][m] for each dimension) and
  *               sequences, counted from 0: command.filterLevel, vurLoggerVerbosities[2].category
  *   constant    integer 5, -5, 0x1F; real 0.5, 1e3; 'string' or 'c', a quote doubled: 'it''s';
- * TRUE, FALSE; an enumerator, quoted or (where no member has its name) bare parameter   %0 to %99:
- * a text that is given with the expression and may be replaced
+ *               TRUE, FALSE; an enumerator, quoted or (where no member has its name) bare
+ *   parameter   %0 to %99: a text that is given with the expression and may be replaced
  *
  * Numbers compare by value, whatever their types; enumerations also with integers; booleans also
  * with 0 and 1; strings and characters by their bytes. A real constant is rounded to single
@@ -23,9 +23,8 @@
  * branch of a union that is not selected, an element past the end of a sequence) is false, <> and
  * NOT LIKE included.
  *
- * A parameter's text is what could stand in the expression in its place; for strings, characters
- * and enumerations the quotes may be left out, and the text is then taken as it stands, blanks
- * included.
+ * A parameter's text is written as it would be in the expression. For strings, characters and
+ * enumerations the quotes may be left out; the text is then taken as it stands, blanks included.
  */
 #pragma once
 
@@ -35,9 +34,9 @@ KOLT_EXTERN_C_BEGIN
 
 typedef struct KOLT_Filter KOLT_Filter;
 
-/* What is wrong with an expression or a parameter. */
+/* Says why an expression or a parameter was refused. */
 typedef struct KOLT_FilterError {
-    DDS_UnsignedLong column; /* in the expression, from 1; 0: concerns no place in it */
+    DDS_UnsignedLong column; /* in the expression, from 1; 0: the error has no place in it */
     DDS_Char text[244];      /* terminated; cut when longer */
 } KOLT_FilterError;
 

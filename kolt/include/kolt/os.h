@@ -1,11 +1,12 @@
-/* Operating-system services: what KOLT and its users need of the system, in one contract.
+/* Operating-system services: heap, locks, semaphore, buffers, list, threads and time.
  *
  *  1. Every name here is an ordinary exported function of libkolt, so that a program may put one of
- * its own in its place (a test that makes the n-th allocation fail). The list alone is inline.
+ *     its own in its place (a test that makes the n-th allocation fail). The list alone is inline.
  *  2. Functions that return an int give 0 on success and an error number (errno.h) otherwise.
  *     Functions that create give NULL on failure. Functions that delete accept NULL.
- *  3. Nothing here is signal-safe, nothing here is a cancellation point that would be safe to use,
- * and only KOLT_Thread_new and KOLT_Thread_delete log (kolt/config_logger.h, category PLATFORM).
+ *  3. No function may be called from a signal handler, and none is safe against cancellation of its
+ *     thread. Only KOLT_Thread_new and KOLT_Thread_delete log (kolt/config_logger.h, category
+ *     PLATFORM).
  *  4. An object may be deleted only when no thread is inside one of its functions.
  *
  * Linux only: the locks and the semaphore stand on futex(2).
@@ -61,10 +62,10 @@ KOLT_EXPORT int KOLT_Mutex_give(KOLT_Mutex *self);
 /* ---- Counting semaphore ------------------------------------------------------------------- */
 
 /* A counting semaphore that is cheap for the thread that gives. A waiter that has just been busy
- * does not go to sleep at once: for about two milliseconds it naps in slices of tens of
- * microseconds, growing, and looks again after each. A giver enters the kernel only when a waiter
- * is really asleep, or when so many tokens lie there (the backlog, below) that a napping one had
- * better come now. Nobody spins, and a waiter that finds nothing costs no processor time. */
+ * does not go to sleep at once: for about two milliseconds it naps in growing slices of tens of
+ * microseconds and looks again after each. A giver enters the kernel only when a waiter is asleep,
+ * or when so many tokens lie there (the backlog, below) that a napping waiter must come at once.
+ * No thread spins, and a waiter that finds nothing costs no processor time. */
 typedef struct KOLT_Semaphore KOLT_Semaphore;
 
 typedef enum KOLT_SemaphoreResult KOLT_ENUM_BASE {
@@ -92,7 +93,8 @@ KOLT_EXPORT void KOLT_Semaphore_set_backlog(KOLT_Semaphore *self, DDS_Long token
  * its give has happened before the take returns KOLT_SEMAPHORE_OK. */
 KOLT_EXPORT KOLT_SemaphoreResult KOLT_Semaphore_take(KOLT_Semaphore *self,
                                                      const DDS_Duration_t *timeout);
-/* Puts a token in and, if a waiter sleeps, wakes one. Never blocks. */
+/* Puts a token in and, if a waiter sleeps, wakes one. Never blocks. KOLT_SEMAPHORE_ERROR for NULL
+ * and when the count is KOLT_SEMAPHORE_MAXIMUM_COUNT already. Thread-safe. */
 KOLT_EXPORT KOLT_SemaphoreResult KOLT_Semaphore_give(KOLT_Semaphore *self);
 /* The number of tokens at this moment; 0 for NULL. For tests and statistics. */
 KOLT_EXPORT DDS_Long KOLT_Semaphore_get_count(const KOLT_Semaphore *self);
@@ -211,8 +213,8 @@ typedef void *(*KOLT_ThreadFunction)(void *argument);
  *              Linux); without it, the urgency within SCHED_OTHER, -19 to 20, which is the negated
  *              nice value. In both a larger number is more urgent.
  *  options     bits of DDS_ThreadSettingsKindMask (kolt/thread_settings.h). FLOATING_POINT and
- * STDIO ask for what every thread has on this platform. REALTIME_PRIORITY with the default priority
- *              asks for the lowest SCHED_FIFO priority. Other bits are ignored.
+ *              STDIO ask for what every thread has on this platform. REALTIME_PRIORITY with the
+ *              default priority asks for the lowest SCHED_FIFO priority. Other bits are ignored.
  *  stack_size  in bytes, rounded up to whole pages; -1: the system's default.
  *
  * A priority that the system refuses (out of range, or no permission) fails the creation when
@@ -237,7 +239,7 @@ KOLT_EXPORT DDS_UnsignedLongLong KOLT_Thread_current_id(void);
 
 /* ---- Time --------------------------------------------------------------------------------- */
 
-/* The system clock: wall time, may be set back and forth by the administrator. */
+/* The system clock: wall time, which the administrator may set back and forth. */
 typedef struct KOLT_Clock KOLT_Clock;
 
 /* A new clock. NULL when memory runs out. Delete it with KOLT_Clock_delete. */

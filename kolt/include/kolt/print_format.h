@@ -1,4 +1,4 @@
-/* Print formats: how data are rendered as text (kolt/dynamic_data.h). */
+/* Print formats: the ways in which data are rendered as text (kolt/dynamic_data.h). */
 #pragma once
 
 #include "kolt/infrastructure.h"
@@ -11,7 +11,7 @@ typedef enum DDS_PrintFormatKind KOLT_ENUM_BASE {
     DDS_JSON_PRINT_FORMAT = 2     /* RFC 8259, one object a structure */
 } DDS_PrintFormatKind;
 
-/* What a caller asks for. */
+/* The format that a caller asks for. */
 typedef struct DDS_PrintFormatProperty {
     DDS_PrintFormatKind kind;
     DDS_Boolean pretty_print; /* new lines and indentation; without it everything is on one line */

@@ -169,13 +169,13 @@ KOLT_SEQUENCE_DECLARE(DDS_PropertySeq, DDS_Property_t, KOLT_EXPORT);
 typedef struct DDS_PropertyQosPolicy {
     DDS_PropertySeq value;
 } DDS_PropertyQosPolicy;
-/* (K) The participant's name, sent with discovery; NULL is no name. */
+/* (K) The participant's name, sent with discovery; NULL: none. */
 typedef struct DDS_EntityNameQosPolicy {
     DDS_Char *name;
 } DDS_EntityNameQosPolicy;
 /* (K) The participant's place in the RTPS GUID space. Set by the engine: what a QoS says at
- * creation is ignored, what DDS_DomainParticipant_get_qos returns is in force. The host id is the
- * first, the app id the second group of 4 bytes of the GUID prefix, big-endian. */
+ * creation is ignored, and DDS_DomainParticipant_get_qos returns the ids in force. The host id is
+ * the first, the app id the second group of 4 bytes of the GUID prefix, big-endian. */
 typedef struct DDS_WireProtocolQosPolicy {
     DDS_UnsignedLong rtps_host_id;
     DDS_UnsignedLong rtps_app_id;

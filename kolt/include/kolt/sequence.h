@@ -54,7 +54,7 @@ typedef struct DDS_SeqElementTypeDeallocationParams_t {
     }
 
 /* The typed family. Seq: name of the sequence type; T: element type; EXPORT: visibility macro of
- * the library that defines it. What each operation does is told at its untyped form in
+ * the library that defines it. Each operation is described at its untyped form in
  * kolt/sequence_ops.h. */
 #define KOLT_SEQUENCE_DECLARE(Seq, T, EXPORT)                                                   \
     typedef struct Seq {                                                                        \
@@ -110,7 +110,7 @@ typedef struct KOLT_MAY_ALIAS KOLT_Sequence {
     KOLT_SEQUENCE_FIELDS(void);
 } KOLT_Sequence;
 
-/* What the operations must know of an element type. With NULL functions an element is plain
+/* Describes an element type to the operations. With NULL functions an element is plain
  * memory: initialised to zero, copied byte by byte, nothing to free. */
 typedef struct KOLT_SequenceElementType {
     const char *sequence_name; /* "VUR_DL_LogMessageSeq"; names the function in log messages */

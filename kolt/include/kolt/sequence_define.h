@@ -21,7 +21,7 @@
 #define KOLT_SEQUENCE_UNTYPED_CONST(self) reinterpret_cast<const KOLT_Sequence *>(self)
 
 #define KOLT_SEQUENCE_DEFINE(Seq, T, E)                                                            \
-    static_assert(sizeof(Seq) == sizeof(KOLT_Sequence), #Seq " is no sequence record");            \
+    static_assert(sizeof(Seq) == sizeof(KOLT_Sequence), #Seq " is not a sequence record");         \
     DDS_Boolean Seq##_initialize(Seq *self) {                                                      \
         return KOLT_Sequence_initialize(KOLT_SEQUENCE_UNTYPED(self), (E));                         \
     }                                                                                              \
@@ -155,6 +155,6 @@
         return KOLT_Sequence_check_invariantsI(KOLT_SEQUENCE_UNTYPED_CONST(self), (E),             \
                                                function_name);                                     \
     }                                                                                              \
-    static_assert(sizeof(Seq) == sizeof(KOLT_Sequence), #Seq " is no sequence record")
+    static_assert(sizeof(Seq) == sizeof(KOLT_Sequence), #Seq " is not a sequence record")
 
 #endif /* __cplusplus */

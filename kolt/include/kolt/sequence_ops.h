@@ -5,11 +5,11 @@
  *
  * Conventions of the family:
  *  1. `self` is any typed sequence record, seen as a KOLT_Sequence; `type` describes its elements
- * and is never NULL.
+ *     and is never NULL.
  *  2. An operation that finds a sequence uninitialised (`_sequence_init` is not
  *     KOLT_SEQUENCE_MAGIC, whatever the other bytes hold) first makes it an empty owning one. That
  *     holds for operations that take the sequence as const, too. The operations whose names end in
- *     a capital I do not.
+ *     a capital I do not do so.
  *  3. A failure is reported through the middleware logger (category API, level ERROR) under the
  *     name `<sequence_name>_<operation>` with the text that is given here in double quotes; the
  *     result is false, 0 or NULL. A NULL argument is reported as "bad parameter: <name>".
@@ -65,10 +65,10 @@ KOLT_EXPORT DDS_Boolean KOLT_Sequence_set_absolute_maximum(KOLT_Sequence *self,
                                                            const KOLT_SequenceElementType *type,
                                                            DDS_Long absolute_maximum);
 
-/* Where the element that the typed `_get` copies out lies: element `index`; for an index that is
- * negative or not below the length ("index out of bounds") element 0. NULL for "self" and when
- * there is no element 0, for which `_get` returns an element of zero bytes. The copy that `_get`
- * returns is shallow: what it points to still belongs to the sequence. */
+/* Returns the place of the element that the typed `_get` copies out: element `index`, or element 0
+ * for an index that is negative or not below the length ("index out of bounds"). NULL for "self"
+ * and when there is no element 0, for which `_get` returns an element of zero bytes. The copy that
+ * `_get` returns is shallow: the memory that it points to still belongs to the sequence. */
 KOLT_EXPORT void *KOLT_Sequence_get(const KOLT_Sequence *self, const KOLT_SequenceElementType *type,
                                     DDS_Long index);
 /* A pointer to element `index`, valid until the buffer changes, in either kind of buffer; NULL for

@@ -1,4 +1,4 @@
-/* The settings of a thread: what a configuration may say about a thread that the library starts. */
+/* Thread settings: priority, stack size and processors of the threads that a library starts. */
 #pragma once
 
 #include "kolt/infrastructure.h"
@@ -6,7 +6,7 @@
 
 KOLT_EXTERN_C_BEGIN
 
-/* Bits of DDS_ThreadSettingsKindMask. What they do is told at KOLT_Thread_new (kolt/os.h). */
+/* Bits of DDS_ThreadSettingsKindMask. KOLT_Thread_new (kolt/os.h) describes them. */
 typedef enum DDS_ThreadSettingsKind KOLT_ENUM_BASE {
     DDS_THREAD_SETTINGS_FLOATING_POINT = 0x01,
     DDS_THREAD_SETTINGS_STDIO = 0x02,

@@ -1,10 +1,10 @@
 /* Type plugins: the table of operations through which KOLT's entities handle samples of a type.
  *
- * A type is registered with a participant by handing over a plugin (DDS_DomainParticipant_
- * register_type copies the record). KOLT calls the operations when a participant or endpoint of the
- * type comes and goes, when it needs a sample, a key or a buffer, and when a sample or key crosses
- * the wire. Operations that the type does not need to decide itself are KOLT's generic ones,
- * declared below, which interpret the plugin's type code.
+ * A type is registered with a participant by handing over a plugin, whose record
+ * DDS_DomainParticipant_register_type copies. KOLT calls the operations when a participant or
+ * endpoint of the type comes and goes, when it needs a sample, a key or a buffer, and when a sample
+ * or key crosses the wire. Operations that the type does not need to decide itself are KOLT's
+ * generic ones, declared below, which interpret the plugin's type code.
  */
 #pragma once
 

@@ -1,11 +1,9 @@
-/* Type codes: the description of a type that everything else interprets.
+/* Type codes: the description of a type that all generic operations interpret.
  *
- * A type code is a static tree. The codec compiles it once into programs (kolt/cdr.h); records are
- * initialised, copied, finalised, compared, printed, serialised, keyed and filtered by it. No type
+ * A type code is a static tree, written as tables and never freed. It is read-only once a program
+ * was made from it: the codec compiles it once into programs (kolt/cdr.h). Records are initialised,
+ * copied, finalised, compared, printed, serialised, keyed and filtered by their type codes; no type
  * has code of its own for any of these. Terms are those of DDS-XTypes 1.3, clause 7.2.
- *
- * Type codes are written as static tables (see kolt/typecode.h users) and are never freed. They
- * are read-only once a program was made from them.
  */
 #pragma once
 

@@ -5,16 +5,18 @@
  * registered for becomes the object that the class makes, and what stands inside that element goes
  * to the class's callbacks instead of into the tree.
  *
- *  1. What is refused, with file, line and reason: anything that is not well formed, another root
- *     element, encodings other than UTF-8, UTF-16, ISO-8859-1 and US-ASCII, document type
- *     declarations with content (entities above all), references to undeclared entities, and
- *     documents beyond the limits below. A parse needs memory in proportion to the document, never
- *     more than these limits allow. Nothing outside the document is ever read on its behalf.
- *  2. The first error ends the parse; no callback is called after it, and there is no tree.
+ *  1. A document is refused, with file, line and reason, when it
+ *      - is not well formed, or has another root element;
+ *      - has an encoding other than UTF-8, UTF-16, ISO-8859-1 and US-ASCII;
+ *      - has a document type declaration with content (entities above all), or refers to an
+ *        undeclared entity;
+ *      - exceeds the limits below.
+ *     A parse needs memory in proportion to the document, never more than these limits allow.
+ *     Nothing outside the document is ever read on its behalf.
+ *  2. The first error ends the parse; no callback is called after it, and the tree is dropped.
  *  3. A parser and all that it made belong to one thread at a time.
- *  4. Texts are in UTF-8 and are handed over as they stand, white space included. What an XML
- *     parser does by itself (line ends become line feeds, character references are replaced) is
- *     done.
+ *  4. Texts are in UTF-8 and are handed over as they stand, white space included. Line ends become
+ *     line feeds and character references are replaced, as in every XML parser.
  */
 #pragma once
 
@@ -34,7 +36,7 @@ KOLT_EXTERN_C_BEGIN
 
 /* ---- Parse context ------------------------------------------------------------------------- */
 
-/* What a callback knows about the parse in progress. A callback that finds something wrong either
+/* Tells a callback about the parse in progress. A callback that finds something wrong either
  * sets `error` to 1, having reported the reason in its own way, or calls
  * DDS_XMLContext_report_error; the parse then ends. Code that calls such a callback itself makes a
  * context with DDS_XML_CONTEXT_INITIALIZER. */
@@ -65,9 +67,9 @@ KOLT_EXPORT const char *DDS_XMLContext_get_error_message(const DDS_XMLContext *c
 
 /* ---- Save context -------------------------------------------------------------------------- */
 
-/* Where a document is written: into memory or into a file of the caller's. Writers keep `depth`
- * (the number of open elements), write each element on a line of its own at that depth, and set
- * `error` to 1 when what they are to write cannot be written. */
+/* Receives a document that is written: in memory or in a file of the caller's. Writers keep
+ * `depth` (the number of open elements), write each element on a line of its own at that depth, and
+ * set `error` to 1 when something cannot be written. */
 typedef struct DDS_XMLSaveContext {
     DDS_Long depth;
     int error;
@@ -87,8 +89,8 @@ KOLT_EXPORT DDS_Boolean DDS_XMLSaveContext_initialize(DDS_XMLSaveContext *self);
 KOLT_EXPORT DDS_Boolean DDS_XMLSaveContext_initialize_w_file(DDS_XMLSaveContext *self, FILE *file);
 /* Frees the text. False for NULL. */
 KOLT_EXPORT DDS_Boolean DDS_XMLSaveContext_finalize(DDS_XMLSaveContext *self);
-/* What was written, owned by the context and valid until the next write; "" when nothing was, and
- * for a context with a file. */
+/* Returns the text written so far, owned by the context and valid until the next write; "" when
+ * nothing was written, and for a context with a file. */
 KOLT_EXPORT const char *DDS_XMLSaveContext_get_text(const DDS_XMLSaveContext *self);
 /* Writes the indentation for the present depth; none when it is negative. */
 KOLT_EXPORT void DDS_XMLSaveContext_indent(DDS_XMLSaveContext *self);
@@ -199,7 +201,7 @@ KOLT_EXPORT DDS_XMLExtensionClass *DDS_XMLExtensionClass_new(
     DDS_XMLExtensionClass_DeleteFunction delete_object, DDS_XMLExtensionClass_SaveFunction save);
 /* NULL is ignored. */
 KOLT_EXPORT void DDS_XMLExtensionClass_delete(DDS_XMLExtensionClass *self);
-/* What DDS_XMLExtensionClass_new was given; NULL for NULL. */
+/* Return the arguments of DDS_XMLExtensionClass_new; NULL for NULL. */
 KOLT_EXPORT void *DDS_XMLExtensionClass_get_user_data(const DDS_XMLExtensionClass *self);
 KOLT_EXPORT const char *DDS_XMLExtensionClass_get_tag_name(const DDS_XMLExtensionClass *self);
 
@@ -216,10 +218,9 @@ KOLT_EXPORT void DDS_XMLParser_delete(DDS_XMLParser *self);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_XMLParser_register_extension_class(DDS_XMLParser *self, DDS_XMLExtensionClass *extension_class);
 /* Parses a document, in place of the one that the parser held before. `path` is a path or a file
- * URL
- * ("file://" and an absolute path, %xx decoded). ERROR when the document cannot be read or is
- * wrong: the getters below then say why, a message (category PLATFORM) is logged, and there is no
- * root. OUT_OF_RESOURCES when memory runs out. */
+ * URL ("file://" and an absolute path, %xx decoded). ERROR when the document cannot be read or is
+ * wrong: the getters below then say why, a message (category PLATFORM) is logged, and the root is
+ * NULL. OUT_OF_RESOURCES when memory runs out. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_XMLParser_parse_file(DDS_XMLParser *self, const char *path);
 /* The same with a document in memory: `length` bytes, or up to the terminator when `length` is
  * negative. `source_name` takes the place of the path in messages; NULL: "string". */
@@ -242,7 +243,7 @@ KOLT_EXPORT DDS_UnsignedLong DDS_XMLParser_get_error_line(const DDS_XMLParser *s
 KOLT_EXPORT DDS_Boolean DDS_XMLHelper_str_to_boolean(DDS_Boolean *boolean, const char *text,
                                                      DDS_XMLContext *context);
 
-/* What DDS_XMLHelper_save_tag does, as a set of bits. */
+/* The actions of DDS_XMLHelper_save_tag, as a set of bits. */
 #define DDS_XML_TAG_INDENT 0x01  /* write the indentation before the tag */
 #define DDS_XML_TAG_NEWLINE 0x02 /* write a line feed after the tag */
 #define DDS_XML_TAG_OPEN 0x04    /* write a start tag, then raise the depth */

@@ -15,8 +15,8 @@ struct DDS_DynamicData {
 
 namespace kolt::dynamic {
 
-// Where a value is. `value` is NULL when an optional member on the way is absent. The value of a
-// union's discriminator also names the union, whose branch changes with it.
+// The place of a value. `value` is NULL when an optional member on the way is absent. The place of
+// a union's discriminator also names the union, whose branch changes with it.
 struct Place {
     const DDS_TypeCode *type = nullptr;
     void *value = nullptr;

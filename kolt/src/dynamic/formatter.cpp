@@ -95,7 +95,8 @@ void Formatter::value(const DDS_TypeCode &code, const void *value, const Label &
     }
 }
 
-// What an element is called whose own elements need a name.
+// Returns the name for the elements of a value: "member", or "member[3]" when the value is itself
+// an element.
 std::string full_name(const Label &label) {
     std::string name(label.name);
     if (label.is_element) {
@@ -170,7 +171,7 @@ void Formatter::scalar(const DDS_TypeCode &code, const void *value, const Label 
     }
 }
 
-// A value that is no enumerator is a number.
+// Writes the enumerator's name, or the number for a value without an enumerator.
 void Formatter::enumeration(const DDS_TypeCode &code, const void *value, const Label &label) {
     const std::int64_t ordinal = type::load_integer(DDS_TK_ENUM, value);
     for (DDS_UnsignedLong i = 0; !enum_as_int_ && i < code.member_count; ++i) {

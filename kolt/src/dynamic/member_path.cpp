@@ -137,7 +137,7 @@ DDS_ReturnCode_t enter_named(std::string_view name, Access access, Place *place)
     return enter_member(member_by_name(code, name), access, place);
 }
 
-// Reads "[<digits>]" off the front of `path`. False when there is no such thing.
+// Reads "[<digits>]" off the front of `path`. False when `path` does not begin so.
 bool take_index(std::string_view *path, std::size_t *index) {
     const std::size_t end = path->find(']');
     if (path->empty() || path->front() != '[' || end == std::string_view::npos || end == 1) {

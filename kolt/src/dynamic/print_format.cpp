@@ -1,4 +1,4 @@
-// Print formats: from what a caller asks for to what the formatter works with.
+// Print formats: makes the formatter's format of the property that a caller gives.
 
 #include "kolt/print_format.h"
 

@@ -6,7 +6,7 @@
 
 namespace kolt::dynamic {
 
-// Both append to `text`. A byte that is no part of a UTF-8 character becomes U+FFFD.
+// Both append to `text`. A byte that is not part of a UTF-8 character becomes U+FFFD.
 
 // In double quotes, with the escapes of JSON (RFC 8259, clause 7).
 void append_json_string(std::string &text, std::string_view characters);

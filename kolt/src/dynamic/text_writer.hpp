@@ -1,4 +1,4 @@
-// Text formats: what the formatter tells a writer.
+// Text formats: the calls by which the formatter tells a writer about a value.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,7 @@
 
 namespace kolt::dynamic {
 
-// What a value is called where it stands: by a member's name, or as an element of what is called
-// so.
+// The label of a value: a member's name, with the index for an element of that member.
 struct Label {
     std::string_view name;
     bool is_element = false;

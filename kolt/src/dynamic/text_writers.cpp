@@ -103,7 +103,7 @@ class JsonWriter final : public BracketWriter {
     const char *gap() const override { return ""; }
 };
 
-// What both default formats make of a value.
+// Appends a value as both default formats write it.
 void append_plain(std::string &text, Scalar scalar, std::string_view value) {
     switch (scalar) {
         case Scalar::kLiteral:

@@ -1,4 +1,4 @@
-// What is wrong with a filter expression or a parameter, and where.
+// The reason why a filter expression or a parameter is refused, and its place.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace kolt::filter {
 // Thrown inside this folder only; Filter's functions catch it and give it as a value.
 struct Error {
     std::string text;
-    std::size_t column = 0;  // in the expression, from 1; 0: concerns no place in it
+    std::size_t column = 0;  // in the expression, from 1; 0: the error has no place in it
 };
 
 }  // namespace kolt::filter

@@ -1,4 +1,4 @@
-// The C face of content filters.
+// The C functions of content filters.
 
 #include "kolt/filter.h"
 

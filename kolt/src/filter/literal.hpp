@@ -21,12 +21,13 @@ struct Constant {
 // True for a token that can be a constant: a number, a string, TRUE, FALSE, an enumerator's name.
 bool is_literal(const Token &token);
 
-// The constant in a comparison with a field of type `type`. Throws Error (with the token's column)
-// when the two do not go together.
+// Converts a constant for a comparison with a field of type `type`. Throws Error (with the token's
+// column) when the two do not go together.
 Constant to_constant(const Token &token, const DDS_TypeCode &type);
 
-// The text of a parameter, in the same role: what could stand in the expression, or, for strings,
-// characters and enumerators, the text itself without quotes. Throws Error without a column.
+// Converts the text of a parameter for the same use. The text is written as in the expression; for
+// strings, characters and enumerators it may also be the bare text without quotes. Throws Error
+// without a column.
 Constant parameter_to_constant(std::string_view text, const DDS_TypeCode &type);
 
 // "a long", "an enumeration": a type in a message.

@@ -3,10 +3,13 @@
 //   or        := and { OR and }
 //   and       := not { AND not }
 //   not       := NOT not | ( or ) | predicate
-//   predicate := term relation term | term [NOT] LIKE term | field [NOT] BETWEEN constant AND
-//   constant term      := field | constant | %n field     := name { . name | [ index ] }
+//   predicate := term relation term
+//              | term [NOT] LIKE term
+//              | field [NOT] BETWEEN constant AND constant
+//   term      := field | constant | %n
+//   field     := name { . name | [ index ] }
 //
-// AND and OR become forward jumps over what need not be evaluated.
+// AND and OR become forward jumps over the parts that need not be evaluated.
 
 #include <algorithm>
 #include <optional>
@@ -223,7 +226,7 @@ class Parser {
                        "a comparison needs a field");
     }
 
-    // A name that is no field says more than the general message.
+    // Complains of a name that is not a field, where there is one: that says more than `message`.
     [[noreturn]] void throw_no_field(const Term &term, const char *message) {
         if (term.token.kind == TokenKind::kName) {
             FieldPath(type_).enter_member(term.token.text, term.token.column);

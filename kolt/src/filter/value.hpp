@@ -14,7 +14,7 @@ namespace kolt::filter {
 struct Absent {};
 
 // Booleans are 0 and 1, characters their codes (0 to 255), enumerators their values. Strings point
-// to memory of somebody else: the sample, the program, the parameters.
+// into the sample, the program or the parameters.
 using Value = std::variant<Absent, std::int64_t, std::uint64_t, double, std::string_view>;
 
 // Numbers compare by their mathematical values, whatever their types; strings byte by byte. A

@@ -1,4 +1,4 @@
-// The output device: who may write to it, and when it may be closed.
+// The output device: which threads may write to it, and when it may be closed.
 #pragma once
 
 #include "kolt/config_logger.h"

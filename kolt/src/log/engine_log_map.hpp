@@ -1,4 +1,4 @@
-// The engine's log categories, and what becomes of them in the middleware's log.
+// The engine's log categories, and their levels and categories in the middleware's log.
 #pragma once
 
 #include <cstdint>

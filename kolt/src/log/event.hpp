@@ -1,4 +1,4 @@
-// What is known of a message before it is formatted.
+// A message before it is formatted.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace kolt::log {
 
-// Who reports.
+// The software that reports.
 enum class Module { kKolt, kEngine };
 
 struct Event {

@@ -1,4 +1,4 @@
-// Print formats: which fields of a message are printed, and how.
+// Line formats: which fields of a message are printed, and how.
 #pragma once
 
 #include <cstdint>

@@ -10,7 +10,7 @@
 
 namespace {
 
-// What a buffer holds while nobody has it.
+// The content of a buffer that is not handed out.
 struct FreeBuffer {
     FreeBuffer *next;
 };

@@ -1,4 +1,5 @@
-// futex(2): waiting for a 32-bit word to change, and waking those who wait. Private to the process.
+// futex(2): waiting for a 32-bit word to change, and waking the threads that wait. Private to the
+// process.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// KOLT_GlobalLock and KOLT_Mutex: one lock, two ways to come by it.
+// KOLT_GlobalLock and KOLT_Mutex: one lock, static or created.
 
 #include <cerrno>
 #include <new>

@@ -1,9 +1,9 @@
 // The lock behind KOLT_GlobalLock and KOLT_Mutex: a futex word and the thread that holds it.
 //
 // The word is 0 (free), 1 (taken) or 2 (taken, somebody may be waiting); U. Drepper, "Futexes Are
-// Tricky", second mutex. The owner is there to answer a thread that takes the lock twice with an
-// error where it would otherwise wait for itself for ever: it is written by the holder alone, so a
-// thread that reads its own identifier there does hold the lock, whatever the others do.
+// Tricky", second mutex. The owner's identifier lets a thread that takes the lock twice get an
+// error instead of waiting for itself for ever. Only the holder writes it, so a thread that reads
+// its own identifier there does hold the lock, whatever the others do.
 #pragma once
 
 #include <atomic>
@@ -74,8 +74,8 @@ class OwnedLock {
             }
             pause();
         }
-        // Who once announced that it waits takes the lock as contended: there may be others who
-        // announced the same and whose wake it would otherwise swallow.
+        // A thread that announced that it waits takes the lock as contended: others may have
+        // announced the same, and it would otherwise swallow their wake.
         while (state_.exchange(kContended, std::memory_order_acquire) != kFree) {
             futex_wait(word_, kContended, kNever);
         }

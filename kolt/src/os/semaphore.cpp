@@ -3,14 +3,17 @@
 // Two words. `count_` holds the tokens. `waiting_` is the word that waiters sleep on: an epoch, a
 // bit that says "somebody sleeps", a bit that says "somebody naps". A waiter sets its bit with
 // fetch_or; a giver that wakes clears both bits and moves the epoch on in one step, and wakes all
-// who sleep on the word. Whoever wakes in vain sets the bit again.
+// threads that sleep on the word. A waiter that wakes in vain sets the bit again.
 //
-// Why no wake-up is lost. A waiter W
-//     (1) sets its bit and remembers the word w, (2) finds count_ = 0, (3) sleeps if the word is
-//     still w.
+// No wake-up is lost. A waiter W
+//   (1) sets its bit and remembers the word w,
+//   (2) finds count_ = 0,
+//   (3) sleeps if the word is still w.
 // A giver G
-//     (a) increments count_, (b) reads the word, (c) if a bit is set moves the word on, (d) wakes
-//     all.
+//   (a) increments count_,
+//   (b) reads the word,
+//   (c) moves the word on if a bit is set,
+//   (d) wakes all.
 // All four accesses (1), (2), (a), (b) are sequentially consistent. If (a) comes before (2), W sees
 // the token, or some other waiter has taken it. If (a) comes after (2), then (b) comes after (1),
 // and G finds either W's bit set, and moves the word on in (c), or W's bit cleared, which only

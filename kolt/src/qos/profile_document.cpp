@@ -147,7 +147,8 @@ const ProfileElement *Profile::find(EntityKind kind, const char *topic_name) con
     return nullptr;
 }
 
-// What stands beside the libraries belongs to others (extension classes, other parts of DDS-XML).
+// Reads the libraries. Elements beside them belong to others (extension classes, other parts of
+// DDS-XML) and are passed over.
 bool ProfileDocument::read(xml::ObjectPtr root, const FindProfile &find_other, ReadError &error) {
     root_ = std::move(root);
     const DDS_XMLObject *child = DDS_XMLObject_get_first_child(root_.get());

@@ -58,7 +58,7 @@ bool ProfileReader::read_boolean(const DDS_XMLObject *element, DDS_Boolean &valu
     return true;
 }
 
-// What is absent is zero. Seconds that are infinite make the duration infinite.
+// Reads a duration. Absent parts are zero; infinite seconds make the whole duration infinite.
 bool ProfileReader::read_duration(const DDS_XMLObject *element, DDS_Duration_t &value) {
     long long seconds = 0;
     long long nanoseconds = 0;

@@ -15,8 +15,8 @@ class ProfileReader {
   public:
     explicit ProfileReader(ReadError &error) : error_(error) {}
 
-    // False when something is wrong, which error() of the caller then says. The value is then
-    // partly set.
+    // Reads a value. False when something is wrong, which the caller's `error` then says; the value
+    // is then partly set.
     template <typename T>
     bool read(const DDS_XMLObject *element, T &value) {
         if constexpr (std::is_same_v<T, DDS_Duration_t>) {
@@ -32,7 +32,7 @@ class ProfileReader {
         }
     }
 
-    // True when a member may stand in a document. What only the engine sets may not.
+    // True when a member may stand in a document. Members that only the engine sets may not.
     template <typename T>
     static constexpr bool kReadable = !std::is_same_v<T, DDS_WireProtocolQosPolicy>;
 

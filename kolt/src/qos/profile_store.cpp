@@ -18,21 +18,21 @@ namespace {
 constexpr const char *kEnvironmentVariable = "KOLT_QOS_PROFILES";
 constexpr const char *kUserFile = "KOLT_QOS_PROFILES.xml";
 
-// Under which name messages about documents are logged. Whoever causes a load by a look-up sees
-// those of the load.
+// The names under which messages about documents are logged. A look-up that causes a load logs
+// under the name of the load.
 constexpr const char *kLoadMethod = "DDS_DomainParticipantFactory_load_profiles";
 constexpr const char *kReloadMethod = "DDS_DomainParticipantFactory_reload_profiles";
 constexpr const char *kAddMethod = "KOLT_DomainParticipantFactory_add_profiles";
 
 const std::vector<std::string> kNoStrings;
 
-// Where a document comes from.
+// The origin of a document.
 struct Source {
     bool is_text;      // the document itself, not its path
     bool is_optional;  // no error when the file is not there
     std::string value;
 
-    // What tells whether it was loaded: two paths of one file are one source.
+    // Identifies the document: two paths of one file are one source.
     std::string key() const {
         if (is_text) {
             return "text:" + value;
@@ -109,7 +109,7 @@ bool set_strings(DDS_StringSeq &sequence, const std::vector<std::string> &string
 }  // namespace
 
 struct ProfileStore::State {
-    // What went wrong, logged only when the lock is free: a log device may come back to the store.
+    // An error, logged only when the lock is free: a log device may come back to the store.
     struct Problem {
         KOLT_Config_LogCategory category;
         std::string text;
@@ -139,7 +139,7 @@ struct ProfileStore::State {
 
     DDS_ReturnCode_t load(Problems &problems);
     DDS_ReturnCode_t load_source(const Source &source, Problems &problems);
-    // Loads when nobody has yet. What is wrong is reported, and does not count.
+    // Loads the sources that were not loaded yet. A wrong document is reported and left out.
     void load_if_new(Problems &problems) {
         if (is_new) {
             load(problems);
@@ -251,7 +251,7 @@ void ProfileStore::State::insert(std::string key, std::unique_ptr<ProfileDocumen
 }
 
 DDS_ReturnCode_t ProfileStore::State::add(const char *path_or_url, Problems &problems) {
-    // What was named before comes first, so that this document can refer to it.
+    // Documents that were named before come first, so that this one can refer to them.
     load_if_new(problems);
     const DDS_ReturnCode_t result = load_source({false, false, path_or_url}, problems);
     const bool is_known =

@@ -1,5 +1,5 @@
-// The process's QoS profiles: what the documents say that the factory's profile QoS and the
-// environment name. Every function may be called from any thread.
+// The process's QoS profiles, from the documents that the factory's profile QoS and the environment
+// name. Every function may be called from any thread.
 //
 // Documents are loaded on the first look-up, or by load(), in this order: those that the
 // environment variable KOLT_QOS_PROFILES names (paths or file:// URLs, separated by semicolons),
@@ -22,12 +22,12 @@ class ProfileStore {
     ProfileStore(const ProfileStore &) = delete;
     ProfileStore &operator=(const ProfileStore &) = delete;
 
-    // Remembers where profiles come from. What is new is loaded at the next look-up or load(); what
-    // was loaded from a source that is no longer named stays until reload().
+    // Remembers the sources of profiles. New ones are loaded at the next look-up or load();
+    // profiles of a source that is not named any more stay until reload().
     DDS_ReturnCode_t set_sources(const DDS_ProfileQosPolicy &sources);
 
-    // Adds a document to the sources, behind all others, and loads it. When it is wrong it is not
-    // added. What was added stays among the sources until unload().
+    // Adds a document to the sources, behind all others, and loads it. A document that is wrong is
+    // not added. An added one stays among the sources until unload().
     DDS_ReturnCode_t add_source(const char *path_or_url);
 
     // Loads what is not loaded yet. ERROR when a document is wrong; the others are loaded all the

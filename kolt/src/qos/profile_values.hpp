@@ -12,7 +12,7 @@
 
 namespace kolt::qos {
 
-// What is wrong in a document, and where.
+// The error in a document, and its place.
 struct ReadError : xml::ParseError {
     // Always false, so that a reader can return what this returns.
     bool set(DDS_UnsignedLong at_line, std::string what) {

@@ -26,7 +26,7 @@ constexpr KOLT_SequenceElementType kPropertyElement = {"DDS_PropertySeq", sizeof
                                                        initialize_property, finalize_property,
                                                        copy_property};
 
-// The property's index; -1 when there is none of that name.
+// Returns the index of the property with that name; -1 when the sequence has none.
 DDS_Long find_property(const DDS_PropertySeq &properties, const char *name) {
     const auto length = static_cast<DDS_Long>(DDS_PropertySeq_get_length(&properties));
     for (DDS_Long i = 0; i < length; ++i) {

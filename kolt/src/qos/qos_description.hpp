@@ -1,7 +1,7 @@
 // The description of every QoS policy and record: one row per member with its name, its place and,
 // where it is not zero, its default (DDS 1.4, 2.2.3). The operations on records (qos_values.hpp)
-// and the reader of XML profiles (profile_reader.cpp) interpret these tables; nothing else knows
-// what a policy consists of.
+// and the reader of XML profiles (profile_reader.cpp) interpret these tables; no other code knows
+// the members of a policy.
 #pragma once
 
 #include <tuple>
@@ -17,7 +17,7 @@ template <typename Record, typename T, typename Default>
 struct Member {
     const char *name;
     T Record::*place;
-    Default default_value;  // NoDefault: what the member's own type says
+    Default default_value;  // NoDefault: the default of the member's own type
 };
 
 template <typename Record, typename T>

@@ -45,7 +45,7 @@ void warn(const char *what, DDS_Long value, int error) {
                          "thread %s %d refused (%s), using the default", what, value,
                          std::generic_category().message(error).c_str());
     } catch (const std::bad_alloc &) {
-        // Without memory for its text the warning is what is left out.
+        // The warning is left out when memory for its text runs out.
     }
 }
 
@@ -57,7 +57,8 @@ void log_failure(const char *what, int error) {
     }
 }
 
-// What is asked of the system; what it refuses is taken out and the rest tried again.
+// The wishes that are put to the system. One that it refuses is taken out, and the rest tried
+// again.
 struct Request {
     Scheduling scheduling;
     int urgency;  // a SCHED_FIFO priority or a negated nice value

@@ -1,4 +1,4 @@
-// What the files of the XML facility share about objects and extension classes.
+// Functions on objects and extension classes that the files of the XML facility share.
 #pragma once
 
 #include <string>

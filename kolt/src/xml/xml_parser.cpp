@@ -15,8 +15,8 @@ std::string ParseError::text(const std::string &source_name) const {
     return source_name + (line == 0 ? "" : ":" + std::to_string(line)) + ": " + message;
 }
 
-// Nothing may be thrown through the XML library, and nothing more is done after the first error
-// (the library may call a few handlers more after it was stopped).
+// Keeps exceptions out of the XML library, and does nothing after the first error: the library may
+// call a few handlers more after it was stopped.
 struct DocumentParser::Handlers {
     template <typename Call>
     static void guard(void *user_data, Call call) noexcept {
@@ -104,7 +104,7 @@ ObjectPtr DocumentParser::end() {
 
 ObjectPtr DocumentParser::parse_text(std::string_view text, const std::string &source_name) {
     if (begin(source_name)) {
-        // Of a text that is too large no more is looked at than of a file.
+        // A text that is too large is parsed up to the limit, as a file is.
         const bool is_whole = text.size() <= DDS_XML_MAX_DOCUMENT_SIZE;
         if (feed(text.substr(0, DDS_XML_MAX_DOCUMENT_SIZE), is_whole) && !is_whole) {
             fail_too_large();
@@ -205,7 +205,7 @@ DDS_XMLObject *DocumentParser::make_extension_object(DDS_XMLExtensionClass *exte
     if (object == nullptr) {
         context_.error = 1;
     } else {
-        // What the parser relies on, whatever the class's function did.
+        // Sets the fields that the parser relies on, whatever the class's function did.
         object->_extension_class = extension_class;
         if (object->_parent == nullptr) {
             append_child(parent, object);

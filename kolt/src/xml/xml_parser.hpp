@@ -1,4 +1,4 @@
-// The parser of configuration documents, without logging: what is wrong is a value. The public
+// The parser of configuration documents, which returns its errors and logs nothing. The public
 // functions (xml_parser_functions.cpp) and the store of QoS profiles use it.
 #pragma once
 

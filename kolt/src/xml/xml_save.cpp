@@ -117,7 +117,7 @@ void write_plain_object(const DDS_XMLObject *self, DDS_XMLSaveContext *context) 
     } else {
         write(context, "\n");
         ++context->depth;
-        // Text between elements has lost its places; what is left of it comes first.
+        // Text between elements has lost its places; all of it comes first.
         const std::string_view text = DDS_XMLObject_get_text(self);
         if (text.find_first_not_of(" \t\r\n") != std::string_view::npos) {
             write_escaped(context, text, false);

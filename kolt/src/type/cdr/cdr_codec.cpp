@@ -1,4 +1,4 @@
-// Bodies to bytes and back: which program runs, in which byte order.
+// Bodies to bytes and back: chooses the program and the byte order.
 #include "type/cdr/cdr_codec.hpp"
 
 #include <bit>
@@ -164,7 +164,7 @@ bool read_header(const DDS_Octet *bytes, std::size_t length, DDS_UnsignedShort *
     }
     *identifier = static_cast<DDS_UnsignedShort>((bytes[0] << 8) | bytes[1]);
     *body_length = length - KOLT_ENCAPSULATION_HEADER_SIZE;
-    // Bytes that are no multiple of 4 have not got their padding yet, or have lost it already.
+    // Other lengths mean that the padding was not added yet or was taken off already.
     if (*body_length % 4 == 0) {
         const std::size_t padding = bytes[3] & 3U;
         if (padding > *body_length) {

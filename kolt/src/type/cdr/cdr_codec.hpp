@@ -48,7 +48,7 @@ bool encode_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsu
                  const void *record, DDS_Octet *buffer, std::size_t capacity, std::size_t *length);
 bool measure_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation, Part part,
                   const void *record, std::size_t start, std::size_t *length);
-// What KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED stands for is UINT64_MAX here.
+// Return the size of a body; UINT64_MAX where KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED will stand.
 std::uint64_t largest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
                            Part part, std::size_t start);
 std::uint64_t smallest_body(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,

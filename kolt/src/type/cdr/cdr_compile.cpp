@@ -1,4 +1,4 @@
-// What both compilers need: framing, alignment, member selection, well-formedness.
+// The parts that both compilers share: framing, alignment, member selection, well-formedness.
 #include <algorithm>
 
 #include "kolt/config_logger.h"

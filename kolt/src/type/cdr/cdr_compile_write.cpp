@@ -94,8 +94,8 @@ std::uint32_t constant_size(const std::vector<Op> &ops) {
     return size < kNone ? static_cast<std::uint32_t>(size) : kNone;
 }
 
-// What may be part of a stretch: a few numbers of 4 or 8 bytes that need no padding behind others
-// of their kind.
+// True for an operation that may be part of a stretch: a few numbers of 4 or 8 bytes that need no
+// padding behind others of their kind.
 bool fits_stretch(const Op &op) {
     constexpr std::uint32_t kMostBytes = 64;
     if (op.code == OpCode::kConstants) {

@@ -63,7 +63,7 @@ class Cursor {
     }
     bool word32(std::uint32_t *value) { return align(4) && words(value, 1, 4); }
 
-    // A byte count and the frame that it opens. `*outer` is what CloseFrame gives back.
+    // Reads a byte count and opens a frame of that size. close_frame takes `*outer` back.
     bool open_count(const std::uint8_t **outer) {
         std::uint32_t size = 0;
         return word32(&size) && open_frame(size, outer);
@@ -88,13 +88,13 @@ class Cursor {
     const std::uint8_t *origin_;
 };
 
-// The header of a member of a mutable type: what follows is `size` bytes of value.
+// The header of a member of a mutable type; `size` bytes of value follow it.
 struct MemberHeader {
     std::uint32_t id = 0;
     std::size_t size = 0;
     bool must_understand = false;
     bool sentinel = false;  // XCDR1: the end of the list
-    bool ignored = false;   // XCDR1: no member
+    bool ignored = false;   // XCDR1: a parameter that carries no member
 };
 
 // XTypes 7.4.1.2: a 16-bit id and length, or the extended form of both.

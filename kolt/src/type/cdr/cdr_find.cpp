@@ -6,7 +6,7 @@ namespace {
 
 using namespace kolt::type;
 
-// What is left of a default value in a field of single precision.
+// Returns a default value as a field of single precision holds it.
 DDS_Double round_to_float(DDS_Double real) {
     return static_cast<DDS_Double>(static_cast<DDS_Float>(real));
 }
@@ -241,7 +241,7 @@ class Finder {
         return open && cursor_.at_end(member.op.alignment) ? take_absent() : at(member.op);
     }
 
-    // What stands before the discriminator of a mutable union is passed over.
+    // Finds the discriminator of a mutable union, passing over the members that stand before it.
     bool find_discriminator(const Aggregate &aggregate, MemberHeader *header) {
         const bool list1 = aggregate.framing == Framing::kParameterList1;
         for (;;) {

@@ -1,5 +1,5 @@
-// What the codec compiles a type code into: one program that writes and one that reads, for each
-// representation and for each form of the key.
+// The programs that the codec compiles a type code into: one that writes and one that reads, for
+// each representation and for each form of the key.
 //
 // A write program is flat: nested structures are inlined, headers of a constant value are
 // constants, neighbouring primitives of one size are one run, and headers with the small primitives
@@ -50,7 +50,7 @@ enum OpFlag : std::uint8_t {
     kOpExactString = 2,     // the string fits its buffer exactly and is replaced, not filled
     kOpMustUnderstand = 4,  // kParameter: the flag of that name
     kOpOptional = 8,        // kParameter: `offset` holds a pointer; absent is an empty parameter
-    kOpOptionalOmitted = 16  // kParameter: the same, but absent is no parameter at all
+    kOpOptionalOmitted = 16  // kParameter: the same, but an absent one is left out
 };
 
 struct Op {

@@ -33,7 +33,7 @@ class SeenMembers {
 
 enum class ReadMode {
     kAll,
-    kKeys,       // the key members of a sample; what else it holds is passed over
+    kKeys,       // the key members of a sample; its other members are passed over
     kStrictKeys  // a key-only payload: all keys must be there, and nothing be cut off
 };
 
@@ -172,7 +172,7 @@ class Reader {
         const TypeCodeElementOps ops(*program_.elements[op.index].type);
         sequence_ensure_initialized(sequence);
         if (count > sequence->_maximum) {
-            // What is there need not be copied into the new buffer.
+            // The old elements need not be copied into the new buffer.
             if (!sequence_set_length(sequence, ops, 0)) {
                 return false;
             }
@@ -445,7 +445,7 @@ class Reader {
                 ++found;
             }
             seen.set(place);
-            // The first of several values counts, as it does for who looks for one field.
+            // The first of several values counts, as it does where one field is looked for.
             if (repeated || (keys_only && !member.is_key)) {
                 if (!cursor_.skip(header.size)) {
                     return false;

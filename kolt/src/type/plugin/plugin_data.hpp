@@ -1,4 +1,4 @@
-// What the default participant and endpoint data hold.
+// The default participant and endpoint data.
 #pragma once
 
 #include <memory>

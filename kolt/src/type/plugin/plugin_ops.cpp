@@ -85,7 +85,7 @@ DDS_Boolean read(KOLT_TypePluginEndpointData *endpoint_data, void **sample,
         !decode(*programs, encapsulation, stream->buffer + stream->position, body, *sample)) {
         return DDS_BOOLEAN_FALSE;
     }
-    // What the type does not know of is passed over, too.
+    // Passes over bytes that the type does not know of, too.
     stream->position = stream->length;
     return DDS_BOOLEAN_TRUE;
 }

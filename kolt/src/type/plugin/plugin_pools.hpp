@@ -41,11 +41,12 @@ class BufferPool {
   public:
     // No buffer is larger than `largest` bytes, if that is not 0. NULL when memory runs out.
     static BufferPool *create(std::size_t largest);
-    // The owner's farewell.
+    // Ends the owner's use of the pool; called once. Deletes the pool when no buffer is out;
+    // otherwise the last buffer to come back deletes it.
     void release();
 
-    // At least `size` bytes, `*capacity` in fact. NULL when memory runs out or `size` is more than
-    // the largest.
+    // Returns a buffer of at least `size` bytes and sets `*capacity` to its real size. NULL when
+    // memory runs out or `size` is more than the largest.
     DDS_Octet *get(std::size_t size, std::size_t *capacity);
     // Gives back a buffer of any pool.
     static void give_back(DDS_Octet *buffer);

@@ -153,7 +153,7 @@ void print_record(const DDS_TypeCode &type, const void *record, const char *desc
         std::puts("NULL");
         return;
     }
-    if (type.kind == DDS_TK_ENUM) {  // a record without members: what it is
+    if (type.kind == DDS_TK_ENUM) {  // a record without members: its value
         print_indent(indent + 1);
         print_enumeration(type, record);
         std::putchar('\n');

@@ -45,7 +45,7 @@ bool check_invariants(const KOLT_Sequence *self, const char *sequence_name, cons
     return sequence_check_invariants(self, MethodName(sequence_name, operation).text());
 }
 
-// What _set_maximum refuses before it touches anything.
+// Returns the reason why _set_maximum refuses before it touches anything; NULL when it does not.
 const char *maximum_problem(const KOLT_Sequence *self, DDS_Long new_maximum) {
     if (!self->_elementAllocParams.allocate_memory) {
         return "allocate_memory must be true";

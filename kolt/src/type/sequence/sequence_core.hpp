@@ -7,8 +7,8 @@
 
 namespace kolt::type {
 
-// What sequences must know of their elements. An implementation for which plain() holds has
-// elements that are bytes: zero when new, nothing to free.
+// Initialises, copies and finalises the elements of a sequence. Elements for which plain() holds
+// are bytes: zero when new, nothing to free.
 class ElementOps {
   public:
     ElementOps(const char *sequence_name, std::size_t size, bool plain)
@@ -32,7 +32,8 @@ class ElementOps {
     bool plain_;
 };
 
-// The operations of kolt/sequence_ops.h; `self` is never NULL here.
+// The operations of kolt/sequence_ops.h; `self` is never NULL here. Those that touch no element
+// take the sequence's name alone, for their messages.
 void sequence_reset(KOLT_Sequence *self);
 void sequence_ensure_initialized(const KOLT_Sequence *self);
 bool sequence_check_invariants(const KOLT_Sequence *self, const char *function_name);

@@ -10,7 +10,7 @@ namespace {
 using kolt::type::ElementOps;
 using kolt::type::log_sequence_error;
 
-// Elements as the public description tells them.
+// Elements with the functions of the public description.
 class DescribedElementOps final : public ElementOps {
   public:
     explicit DescribedElementOps(const KOLT_SequenceElementType *type)

@@ -1,3 +1,4 @@
+// Moving qualified names from one module into another.
 #include "type/typeobject/type_names.hpp"
 
 #include <algorithm>

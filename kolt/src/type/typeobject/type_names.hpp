@@ -9,7 +9,7 @@
 namespace kolt::type {
 
 // A type is announced by the name that it is registered under, and the types that it consists of
-// follow it: what lies in the modules of the type's own name is moved into those of the registered
+// follow it: names in the modules of the type's own name move into the modules of the registered
 // one. Modules correspond from the innermost to the outermost; when there are more in the
 // registered name, the outermost module stands for all of the rest. So when "A::B::T" is registered
 // as "x::y::b::T", "A::B::U" becomes "x::y::b::U", "A::V" becomes "x::y::V", and "C::W" stays.

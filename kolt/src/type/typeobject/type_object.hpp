@@ -1,4 +1,4 @@
-// What DDS-XTypes 1.3 has to say about a type: type objects (7.3.4), the identifiers made of them,
+// Descriptions of a type as in DDS-XTypes 1.3: type objects (7.3.4), the identifiers made of them,
 // and the two forms in which they are handed out, TypeInformation (7.6.3.2) and TypeMapping.
 //
 // Where the standard and the engine's IDL compiler differ, the compiler is followed, because types
@@ -23,7 +23,7 @@ namespace kolt::type {
 struct TypeDescription {
     // Minimal and complete identifier of the type and of those that it consists of.
     Bytes information;
-    // The type objects: what each identifier stands for.
+    // The type objects that the identifiers stand for.
     Bytes mapping;
 };
 

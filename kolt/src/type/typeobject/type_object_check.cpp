@@ -1,4 +1,4 @@
-// What keeps a type that the codec handles from having a type object.
+// Finds the reason why a type that the codec handles cannot have a type object.
 #include <algorithm>
 #include <cstring>
 #include <set>

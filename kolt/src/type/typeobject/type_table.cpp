@@ -1,3 +1,4 @@
+// Collecting the parts of a type, and writing their identifiers.
 #include "type/typeobject/type_table.hpp"
 
 #include <md5.h>

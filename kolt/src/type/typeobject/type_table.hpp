@@ -12,9 +12,9 @@
 
 namespace kolt::type {
 
-// What two types have in common that have one identifier (XTypes 7.3.4.7): all that matters when
-// one reads the other, or also their names and annotations, or both because there is nothing to
-// leave out.
+// Says how equal two types with one identifier are (XTypes 7.3.4.7): kMinimal in all that matters
+// when one reads the other, kComplete also in names and annotations. kBoth is for identifiers that
+// are the same in both forms, because they leave nothing out.
 enum class Equivalence : std::uint8_t { kMinimal = 0xf1, kComplete = 0xf2, kBoth = 0xf3 };
 
 // A type object as it stands in a TypeMapping, and the first 14 bytes of its MD5.
@@ -23,7 +23,7 @@ struct TypeObject {
     std::array<std::uint8_t, 14> hash;
 };
 
-// A structure, union or enumeration: what is identified by the hash of its type object.
+// A structure, union or enumeration, which is identified by the hash of its type object.
 struct HashedType {
     const DDS_TypeCode *type = nullptr;
     TypeObject minimal{};
@@ -44,7 +44,7 @@ inline bool is_collection(const DDS_TypeCode &type) {
 
 class TypeTable {
   public:
-    // `type` is well-formed and describable (FindObjection).
+    // `type` is well-formed and describable (find_objection).
     TypeTable(const DDS_TypeCode &type, const ModuleMove &names);
 
     // The type itself, then the others in the order in which a walk through the members meets them.
@@ -68,8 +68,8 @@ class TypeTable {
 Bytes write_type_object(const DDS_TypeCode &type, Equivalence kind, const TypeTable &table,
                         const ModuleMove &names);
 
-// Why a well-formed type cannot be described; empty when it can. What the standard forbids and the
-// engine would therefore refuse as part of a topic's type.
+// Returns the reason why a well-formed type cannot be described; empty when it can. The reasons are
+// rules of the standard, for which the engine would refuse the type as part of a topic's type.
 std::string find_objection(const DDS_TypeCode &type, const ModuleMove &names);
 
 // The MD5 of some bytes (RFC 1321).

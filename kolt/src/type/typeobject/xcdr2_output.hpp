@@ -33,8 +33,8 @@ class Xcdr2Output {
             bytes_.push_back(0);
         }
     }
-    // What `body` writes, behind a 32-bit length: an appendable type, a sequence whose elements are
-    // not primitive, the value of a member of a mutable type.
+    // Writes a 32-bit length and then what `body` writes: an appendable type, a sequence whose
+    // elements are not primitive, the value of a member of a mutable type.
     template <typename Body>
     void write_delimited(Body &&body) {
         write32(0);
