@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-#include "support/topic_types.h"
+#include "support/types/topic_types.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <kolt/os.h>
 #include <vur_dl/DDSEntities.h>
 
-#include "support/process.h"
+#include "support/platform/process.h"
 
 namespace {
 bool no_memory = false;

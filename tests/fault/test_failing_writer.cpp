@@ -5,8 +5,8 @@
 
 #include <atomic>
 
-#include "support/logger.h"
-#include "support/process.h"
+#include "support/logger/logger.h"
+#include "support/platform/process.h"
 
 namespace {
 std::atomic<int> writes{0};

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/process.h"
+#include "support/platform/process.h"
 #include "vur_dl/LogMessageWriteThread.h"
 
 namespace {

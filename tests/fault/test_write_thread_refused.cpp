@@ -1,7 +1,7 @@
 // A write thread whose thread cannot be created: the queue goes, nothing is joined.
 #include <gtest/gtest.h>
 
-#include "support/process.h"
+#include "support/platform/process.h"
 #include "vur_dl/LogMessageWriteThread.h"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include <string>
 
-#include "support/process.h"
+#include "support/platform/process.h"
 
 namespace {
 

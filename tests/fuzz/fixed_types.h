@@ -7,7 +7,7 @@
 #include <vector>
 
 // The targets of this folder link the libraries and nothing else.
-#include "../support/test_types.cpp"
+#include "../support/types/test_types.cpp"
 
 namespace fuzz {
 

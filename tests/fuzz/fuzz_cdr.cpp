@@ -14,8 +14,8 @@
 #include "fixed_types.h"
 
 // The targets of this folder link the libraries and nothing else.
-#include "../support/cdr_checks.cpp"
-#include "../support/random_types.cpp"
+#include "../support/cdr/cdr_checks.cpp"
+#include "../support/cdr/random_types.cpp"
 
 namespace {
 

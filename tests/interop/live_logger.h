@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "support/monitor.h"
-#include "support/process.h"
+#include "support/logger/monitor.h"
+#include "support/platform/process.h"
 
 namespace interop {
 

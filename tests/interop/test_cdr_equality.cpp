@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "cdr_equality_types.h"
-#include "support/coverage.h"
+#include "support/types/coverage.h"
 
 namespace {
 

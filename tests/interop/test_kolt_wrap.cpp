@@ -1,7 +1,7 @@
 // Participants that the application created with the engine itself.
 #include <gtest/gtest.h>
 
-#include "support/pubsub.h"
+#include "support/platform/pubsub.h"
 
 #include <cstdint>
 

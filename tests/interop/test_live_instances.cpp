@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "live_logger.h"
-#include "support/pubsub.h"
+#include "support/platform/pubsub.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "live_logger.h"
-#include "support/pubsub.h"
+#include "support/platform/pubsub.h"
 #include "type_kinds.h"
 
 namespace {

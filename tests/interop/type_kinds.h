@@ -1,7 +1,7 @@
 // The types of type_kinds_idlc.idl as type codes.
 #pragma once
 
-#include "support/type_book.h"
+#include "support/types/type_book.h"
 
 namespace interop {
 

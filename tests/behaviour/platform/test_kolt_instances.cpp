@@ -1,0 +1,121 @@
+// Instances of keyed topics: handles, keys, disposing and unregistering.
+#include <gtest/gtest.h>
+
+#include "support/platform/pubsub.h"
+
+namespace {
+
+using namespace support;
+
+TEST(KoltInstances, DisposeTellsTheKeyAlone) {
+    Node here(1);
+    Node there(1);
+    DDS_DataWriter *const writer = here.writer();
+    DDS_DataReader *const reader = there.reader();
+    ASSERT_TRUE(is_matched(writer));
+    ASSERT_EQ(write(writer, 5, 6, 1, "data"), DDS_RETCODE_OK);
+    ASSERT_EQ(take_at_least(reader, 1).size(), 1U);
+    Record<Message> key(message_type());
+    key->id = {5, 1};
+    key->level = 6;
+    key->number = 99;
+    set_text(key->text, "ignored");
+    ASSERT_EQ(DDS_DataWriter_dispose(writer, key.get(), DDS_HANDLE_NIL), DDS_RETCODE_OK);
+    const auto got = take_at_least(reader, 1);
+    ASSERT_EQ(got.size(), 1U);
+    EXPECT_FALSE(got[0].info.valid_data);
+    EXPECT_EQ(got[0].info.instance_state, DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE);
+    EXPECT_EQ(got[0].host, 5);
+    EXPECT_EQ(got[0].level, 6);
+    EXPECT_EQ(got[0].number, 0);
+    EXPECT_EQ(got[0].text, "");
+}
+
+TEST(KoltInstances, DisposeByHandleAlone) {
+    Node here(1);
+    Node there(1);
+    DDS_DataWriter *const writer = here.writer();
+    DDS_DataReader *const reader = there.reader();
+    ASSERT_TRUE(is_matched(writer));
+    Record<Message> message(message_type());
+    message->id = {5, 1};
+    message->level = 6;
+    const DDS_InstanceHandle_t handle = DDS_DataWriter_register_instance(writer, message.get());
+    ASSERT_NE(handle, DDS_HANDLE_NIL);
+    ASSERT_EQ(DDS_DataWriter_write(writer, message.get(), handle), DDS_RETCODE_OK);
+    ASSERT_EQ(take_at_least(reader, 1).size(), 1U);
+    ASSERT_EQ(DDS_DataWriter_dispose(writer, nullptr, handle), DDS_RETCODE_OK);
+    const auto got = take_at_least(reader, 1);
+    ASSERT_EQ(got.size(), 1U);
+    EXPECT_FALSE(got[0].info.valid_data);
+    EXPECT_EQ(got[0].host, 5);
+    EXPECT_EQ(got[0].level, 6);
+    EXPECT_EQ(DDS_DataWriter_dispose(writer, nullptr, DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DataWriter_dispose(writer, nullptr, handle + 1000),
+              DDS_RETCODE_PRECONDITION_NOT_MET);
+}
+
+TEST(KoltInstances, UnregisterDisposesUnlessToldOtherwise) {
+    for (const bool autodispose : {true, false}) {
+        Node here(1);
+        Node there(1);
+        DDS_DataWriter *const writer = here.writer([&](DDS_DataWriterQos &qos) {
+            qos.writer_data_lifecycle.autodispose_unregistered_instances = autodispose;
+        });
+        DDS_DataReader *const reader = there.reader();
+        ASSERT_TRUE(is_matched(writer));
+        ASSERT_EQ(write(writer, 5, 6, 1), DDS_RETCODE_OK);
+        ASSERT_EQ(take_at_least(reader, 1).size(), 1U);
+        Record<Message> key(message_type());
+        key->id = {5, 1};
+        key->level = 6;
+        ASSERT_EQ(DDS_DataWriter_unregister_instance(writer, key.get(), DDS_HANDLE_NIL),
+                  DDS_RETCODE_OK);
+        const auto got = take_at_least(reader, 1);
+        ASSERT_EQ(got.size(), 1U);
+        EXPECT_FALSE(got[0].info.valid_data);
+        EXPECT_EQ(got[0].info.instance_state, autodispose
+                                                  ? DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE
+                                                  : DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE);
+        EXPECT_EQ(DDS_DataWriter_unregister_instance(writer, key.get(), DDS_HANDLE_NIL),
+                  DDS_RETCODE_PRECONDITION_NOT_MET);
+    }
+}
+
+TEST(KoltInstances, HandlesNameInstances) {
+    Node node(1);
+    DDS_DataWriter *const writer = node.writer();
+    DDS_DataReader *const reader = node.reader();
+    ASSERT_TRUE(is_matched(writer));
+    Record<Message> one(message_type());
+    one->level = 1;
+    Record<Message> two(message_type());
+    two->level = 2;
+    EXPECT_EQ(DDS_DataWriter_lookup_instance(writer, one.get()), DDS_HANDLE_NIL);
+    const DDS_InstanceHandle_t handle = DDS_DataWriter_register_instance(writer, one.get());
+    ASSERT_NE(handle, DDS_HANDLE_NIL);
+    EXPECT_EQ(DDS_DataWriter_register_instance(writer, one.get()), handle);
+    EXPECT_EQ(DDS_DataWriter_lookup_instance(writer, one.get()), handle);
+    EXPECT_EQ(DDS_DataWriter_write(writer, one.get(), handle), DDS_RETCODE_OK);
+    EXPECT_EQ(DDS_DataWriter_write(writer, two.get(), handle), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DataWriter_write(writer, two.get(), DDS_HANDLE_NIL), DDS_RETCODE_OK);
+    const DDS_InstanceHandle_t implicit = DDS_DataWriter_lookup_instance(writer, two.get());
+    EXPECT_NE(implicit, DDS_HANDLE_NIL);
+    EXPECT_NE(implicit, handle);
+
+    Record<Message> key(message_type());
+    EXPECT_EQ(DDS_DataWriter_get_key_value(writer, key.get(), implicit), DDS_RETCODE_OK);
+    EXPECT_EQ(key->level, 2);
+    EXPECT_EQ(DDS_DataWriter_get_key_value(writer, key.get(), implicit + 1000),
+              DDS_RETCODE_BAD_PARAMETER);
+
+    ASSERT_EQ(take_at_least(reader, 2).size(), 2U);
+    EXPECT_EQ(DDS_DataReader_lookup_instance(reader, one.get()), handle);
+    Record<Message> readers(message_type());
+    EXPECT_EQ(DDS_DataReader_get_key_value(reader, readers.get(), implicit), DDS_RETCODE_OK);
+    EXPECT_EQ(readers->level, 2);
+    EXPECT_EQ(DDS_DataReader_get_key_value(reader, readers.get(), implicit + 1000),
+              DDS_RETCODE_BAD_PARAMETER);
+}
+
+}  // namespace

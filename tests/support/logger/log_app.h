@@ -1,0 +1,41 @@
+// The application of helper_log_app in a process of its own.
+#pragma once
+
+#include <string>
+
+#include "support/platform/process.h"
+
+namespace support {
+
+class LogApp {
+  public:
+    LogApp() : process_({helper_path("helper_log_app")}) {}
+
+    // Has the application carry out a line; false when it failed or has gone.
+    bool run(const std::string &line) {
+        process_.say(line);
+        // Echoed messages may come before the answer.
+        for (;;) {
+            const std::optional<std::string> answer = process_.read_line();
+            if (!answer || *answer == "failed") {
+                return false;
+            }
+            if (*answer == "ok") {
+                return true;
+            }
+        }
+    }
+    // The same for a line that ends the application: nothing answers.
+    void say(const std::string &line) { process_.say(line); }
+    ChildProcess &process() { return process_; }
+    // Ends the application in good order; its exit code.
+    std::optional<int> end() {
+        process_.close_input();
+        return process_.wait();
+    }
+
+  private:
+    ChildProcess process_;
+};
+
+}  // namespace support
