@@ -1,83 +1,48 @@
 // The logger's types when the middleware cannot give what they ask for: each failure is a result,
 // and what was made before it is undone.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <kolt/dynamic_data.h>
 #include <kolt/os.h>
 
-#include <map>
-#include <string>
-
+#include "support/platform/faults.h"
 #include "support/types/topic_types.h"
 
-namespace {
-
-// How many more calls of a replaced function work; without an entry, all.
-std::map<std::string, int> g_fuses;
-// How often the functions that undo were called.
-int g_participants_deleted = 0;
-int g_endpoints_deleted = 0;
-
-bool blows(const char *function) {
-    const auto fuse = g_fuses.find(function);
-    if (fuse == g_fuses.end()) {
-        return false;
-    }
-    return fuse->second-- == 0;
-}
-
-}  // namespace
-
-// The middleware's function, but when its fuse blows `failure`.
-#define REPLACE(Result, function, parameters, arguments, failure)                         \
-    extern "C" Result function parameters {                                               \
-        using Function = Result(*) parameters;                                            \
-        static const auto real = reinterpret_cast<Function>(dlsym(RTLD_NEXT, #function)); \
-        if (blows(#function)) return failure;                                             \
-        return real arguments;                                                            \
-    }
-
-REPLACE(void *, KOLT_Heap_allocate, (std::size_t size), (size), nullptr)
-REPLACE(void *, KOLT_Heap_allocate_zeroed, (std::size_t size), (size), nullptr)
-REPLACE(const KOLT_TypePrograms *, KOLT_TypePrograms_acquire, (const DDS_TypeCode *type), (type),
-        nullptr)
+FAULT_POINT(void *, KOLT_Heap_allocate, (std::size_t size), (size), nullptr)
+FAULT_POINT(void *, KOLT_Heap_allocate_zeroed, (std::size_t size), (size), nullptr)
+FAULT_POINT(const KOLT_TypePrograms *, KOLT_TypePrograms_acquire, (const DDS_TypeCode *type),
+            (type), nullptr)
 // What was initialised before the failure is there to be freed.
-REPLACE(DDS_Boolean, KOLT_Record_initialize_w_params,
-        (const DDS_TypeCode *type, void *record, const DDS_TypeAllocationParams_t *params),
-        (type, record, params), (real(type, record, params), DDS_BOOLEAN_FALSE))
-REPLACE(KOLT_TypePluginParticipantData *, KOLT_TypePlugin_ParticipantData_new,
-        (const KOLT_TypePluginParticipantInfo *info), (info), nullptr)
-REPLACE(KOLT_TypePluginEndpointData *, KOLT_TypePlugin_EndpointData_new,
-        (KOLT_TypePluginParticipantData * participant, const KOLT_TypePluginEndpointInfo *info,
-         void *(*create)(void), void (*destroy)(void *), void *(*create_key)(void),
-         void (*destroy_key)(void *)),
-        (participant, info, create, destroy, create_key, destroy_key), nullptr)
-REPLACE(DDS_Boolean, KOLT_TypePlugin_EndpointData_create_md5_stream,
-        (KOLT_TypePluginEndpointData * data, DDS_UnsignedLong key, DDS_UnsignedLong keyhash),
-        (data, key, keyhash), DDS_BOOLEAN_FALSE)
-REPLACE(DDS_Boolean, KOLT_TypePlugin_EndpointData_create_writer_pool,
-        (KOLT_TypePluginEndpointData * data,
-         DDS_UnsignedLong (*max_size)(KOLT_TypePluginEndpointData *, DDS_Boolean, DDS_UnsignedShort,
-                                      DDS_UnsignedLong),
-         DDS_UnsignedLong (*size)(KOLT_TypePluginEndpointData *, DDS_Boolean, DDS_UnsignedShort,
-                                  DDS_UnsignedLong, const void *)),
-        (data, max_size, size), DDS_BOOLEAN_FALSE)
-REPLACE(DDS_DynamicData *, DDS_DynamicData_new,
-        (const DDS_TypeCode *type, const DDS_DynamicDataProperty_t *property), (type, property),
-        nullptr)
-REPLACE(DDS_ReturnCode_t, DDS_DynamicData_from_cdr_buffer,
-        (DDS_DynamicData * data, const DDS_Char *buffer, DDS_UnsignedLong length),
-        (data, buffer, length), DDS_RETCODE_OUT_OF_RESOURCES)
-// What undoes always works, and is counted.
-#define COUNT(function, Data, counter)                                                            \
-    extern "C" void function(Data *data) {                                                        \
-        static const auto real = reinterpret_cast<void (*)(Data *)>(dlsym(RTLD_NEXT, #function)); \
-        ++(counter);                                                                              \
-        real(data);                                                                               \
-    }
-COUNT(KOLT_TypePlugin_ParticipantData_delete, KOLT_TypePluginParticipantData,
-      g_participants_deleted)
-COUNT(KOLT_TypePlugin_EndpointData_delete, KOLT_TypePluginEndpointData, g_endpoints_deleted)
+FAULT_POINT(DDS_Boolean, KOLT_Record_initialize_w_params,
+            (const DDS_TypeCode *type, void *record, const DDS_TypeAllocationParams_t *params),
+            (type, record, params), (real(type, record, params), DDS_BOOLEAN_FALSE))
+FAULT_POINT(KOLT_TypePluginParticipantData *, KOLT_TypePlugin_ParticipantData_new,
+            (const KOLT_TypePluginParticipantInfo *info), (info), nullptr)
+FAULT_POINT(KOLT_TypePluginEndpointData *, KOLT_TypePlugin_EndpointData_new,
+            (KOLT_TypePluginParticipantData * participant, const KOLT_TypePluginEndpointInfo *info,
+             void *(*create)(void), void (*destroy)(void *), void *(*create_key)(void),
+             void (*destroy_key)(void *)),
+            (participant, info, create, destroy, create_key, destroy_key), nullptr)
+FAULT_POINT(DDS_Boolean, KOLT_TypePlugin_EndpointData_create_md5_stream,
+            (KOLT_TypePluginEndpointData * data, DDS_UnsignedLong key, DDS_UnsignedLong keyhash),
+            (data, key, keyhash), DDS_BOOLEAN_FALSE)
+FAULT_POINT(DDS_Boolean, KOLT_TypePlugin_EndpointData_create_writer_pool,
+            (KOLT_TypePluginEndpointData * data,
+             DDS_UnsignedLong (*max_size)(KOLT_TypePluginEndpointData *, DDS_Boolean,
+                                          DDS_UnsignedShort, DDS_UnsignedLong),
+             DDS_UnsignedLong (*size)(KOLT_TypePluginEndpointData *, DDS_Boolean, DDS_UnsignedShort,
+                                      DDS_UnsignedLong, const void *)),
+            (data, max_size, size), DDS_BOOLEAN_FALSE)
+FAULT_POINT(DDS_DynamicData *, DDS_DynamicData_new,
+            (const DDS_TypeCode *type, const DDS_DynamicDataProperty_t *property), (type, property),
+            nullptr)
+FAULT_POINT(DDS_ReturnCode_t, DDS_DynamicData_from_cdr_buffer,
+            (DDS_DynamicData * data, const DDS_Char *buffer, DDS_UnsignedLong length),
+            (data, buffer, length), DDS_RETCODE_OUT_OF_RESOURCES)
+// What undoes always works. Its calls are counted.
+FAULT_POINT(void, KOLT_TypePlugin_ParticipantData_delete, (KOLT_TypePluginParticipantData * data),
+            (data), void())
+FAULT_POINT(void, KOLT_TypePlugin_EndpointData_delete, (KOLT_TypePluginEndpointData * data), (data),
+            void())
 
 namespace {
 
@@ -86,14 +51,13 @@ using namespace support;  // NOLINT
 template <typename T>
 class DistlogTypesFault : public testing::Test {
   protected:
-    void SetUp() override {
-        g_fuses.clear();
-        g_participants_deleted = 0;
-        g_endpoints_deleted = 0;
+    void SetUp() override { Faults::clear(); }
+    void TearDown() override { Faults::clear(); }
+    // The next call of the function fails, and no other of any function.
+    static void fail(const char *function) {
+        Faults::heal();
+        Faults::fail_call(function);
     }
-    void TearDown() override { g_fuses.clear(); }
-    // The next call of the function fails, and no other.
-    static void fail(const char *function) { g_fuses = {{function, 0}}; }
 };
 TYPED_TEST_SUITE(DistlogTypesFault, TopicTypes, TopicTypeName);
 
@@ -165,10 +129,11 @@ TYPED_TEST(DistlogTypesFault, ParticipantsThatCannotBeAttached) {
     Attachment<TypeParam> attachment;
     this->fail("KOLT_TypePlugin_ParticipantData_new");
     EXPECT_FALSE(attachment.attach());
-    EXPECT_EQ(g_participants_deleted, 0);
+    EXPECT_EQ(Faults::calls("KOLT_TypePlugin_ParticipantData_delete"), 0);
     this->fail("KOLT_TypePrograms_acquire");
     EXPECT_FALSE(attachment.attach());
-    EXPECT_EQ(g_participants_deleted, 1) << "participant data without programs are of no use";
+    EXPECT_EQ(Faults::calls("KOLT_TypePlugin_ParticipantData_delete"), 1)
+        << "participant data without programs are of no use";
     EXPECT_TRUE(attachment.attach());
 }
 
@@ -177,10 +142,10 @@ TYPED_TEST(DistlogTypesFault, EndpointsThatCannotBeAttached) {
     ASSERT_TRUE(attachment.attach());
     for (const auto kind : {KOLT_TYPE_PLUGIN_WRITER, KOLT_TYPE_PLUGIN_READER}) {
         SCOPED_TRACE(kind);
-        g_endpoints_deleted = 0;
+        Faults::clear();
         this->fail("KOLT_TypePlugin_EndpointData_new");
         EXPECT_FALSE(attachment.attach(kind));
-        EXPECT_EQ(g_endpoints_deleted, 0);
+        EXPECT_EQ(Faults::calls("KOLT_TypePlugin_EndpointData_delete"), 0);
         this->fail("KOLT_TypePlugin_EndpointData_create_md5_stream");
         EXPECT_EQ(attachment.attach(kind), !TopicType<TypeParam>::kKeyed)
             << "only keyed types have one";
@@ -188,7 +153,8 @@ TYPED_TEST(DistlogTypesFault, EndpointsThatCannotBeAttached) {
         EXPECT_EQ(attachment.attach(kind), kind == KOLT_TYPE_PLUGIN_READER)
             << "only writers have one";
         EXPECT_TRUE(attachment.attach(kind));
-        EXPECT_EQ(g_endpoints_deleted, 3) << "by the plugin itself, or detached";
+        EXPECT_EQ(Faults::calls("KOLT_TypePlugin_EndpointData_delete"), 3)
+            << "by the plugin itself, or detached";
     }
 }
 
@@ -215,16 +181,16 @@ TEST(DistlogTypesFaultPrograms, ThatCannotBeHadAreAskedForAgain) {
     VUR_DL_HostAndAppId identity = {1, 2};
     DDS_UnsignedLong length = 0;
     const DDS_PrintFormatProperty property = DDS_PRINT_FORMAT_PROPERTY_DEFAULT;
-    g_fuses = {{"KOLT_TypePrograms_acquire", 0}};
+    Faults::fail_call("KOLT_TypePrograms_acquire");
     EXPECT_EQ(VUR_DL_HostAndAppIdPlugin_get_programs(), nullptr);
-    g_fuses = {{"KOLT_TypePrograms_acquire", 0}};
+    Faults::fail_call("KOLT_TypePrograms_acquire");
     EXPECT_FALSE(VUR_DL_HostAndAppIdPlugin_serialize_to_cdr_buffer(nullptr, &length, &identity));
-    g_fuses = {{"KOLT_TypePrograms_acquire", 0}};
+    Faults::fail_call("KOLT_TypePrograms_acquire");
     EXPECT_FALSE(VUR_DL_HostAndAppIdPlugin_deserialize_from_cdr_buffer(&identity, "", 0));
-    g_fuses = {{"KOLT_TypePrograms_acquire", 0}};
+    Faults::fail_call("KOLT_TypePrograms_acquire");
     EXPECT_EQ(VUR_DL_HostAndAppIdPlugin_data_to_string(&identity, nullptr, &length, &property),
               DDS_RETCODE_ERROR);
-    g_fuses.clear();
+    Faults::clear();
     EXPECT_TRUE(VUR_DL_HostAndAppIdPlugin_serialize_to_cdr_buffer(nullptr, &length, &identity));
     EXPECT_NE(VUR_DL_HostAndAppIdPlugin_get_programs(), nullptr);
 }

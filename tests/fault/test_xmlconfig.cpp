@@ -1,6 +1,5 @@
 // The element `distributed_logger` when memory runs out or the platform fails: each failure has its
 // message and leaves nothing behind.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <kolt/os.h>
 #include <kolt/xml.h>
@@ -9,106 +8,51 @@
 
 #include <string>
 
+#include "support/platform/faults.h"
 #include "support/platform/process.h"
 
-namespace {
+FAULT_POINT(void *, KOLT_Heap_allocate, (std::size_t size), (size), nullptr)
+// The caller does not take its listener back when this fails.
+FAULT_POINT(DDS_XMLExtensionClass *, DDS_XMLExtensionClass_new,
+            (const char *tag, void *data, const char *const *parents, DDS_UnsignedLong count,
+             DDS_XMLExtensionClass_OnStartElementFunction on_start,
+             DDS_XMLExtensionClass_OnEndElementFunction on_end,
+             DDS_XMLExtensionClass_NewFunction make, DDS_XMLExtensionClass_DeleteFunction release,
+             DDS_XMLExtensionClass_SaveFunction save),
+            (tag, data, parents, count, on_start, on_end, make, release, save),
+            (KOLT_Heap_free(data), nullptr))
+FAULT_POINT(DDS_Boolean, DDS_XMLObject_initialize,
+            (DDS_XMLObject * self, DDS_XMLExtensionClass *extension, DDS_XMLObject *parent,
+             const char *tag, const char *const *attributes),
+            (self, extension, parent, tag, attributes), DDS_BOOLEAN_FALSE)
+FAULT_POINT(VUR_DL_Options *, VUR_DL_Options_createDefault, (), (), nullptr)
+FAULT_POINT(DDS_ReturnCode_t, VUR_DL_Options_setApplicationKind,
+            (VUR_DL_Options * self, const char *kind), (self, kind), DDS_RETCODE_ERROR)
+FAULT_POINT(DDS_ReturnCode_t, VUR_DL_Options_setDomainParticipant,
+            (VUR_DL_Options * self, DDS_DomainParticipant *participant), (self, participant),
+            DDS_RETCODE_ERROR)
 
-// What the next calls of the replaced functions do.
-struct Faults {
-    bool active = false;
-    std::size_t allocation_size = 0;  // an allocation of this size fails
-    bool extension_class = false;
-    bool options = false;
-    bool object = false;
-    bool application_kind = false;
-    bool set_options = false;
-    bool instance = false;
-    bool running = false;
-    bool set_participant = false;
-};
-Faults faults;
-
-template <typename Function>
-Function *real(const char *name) {
-    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
-}
-
-}  // namespace
-
+// A logger that is never started. It runs when isDistLoggerRunning shall "fail".
 extern "C" {
 
-void *KOLT_Heap_allocate(std::size_t size) {
-    if (faults.allocation_size == size) {
-        return nullptr;
-    }
-    static auto *const function = real<void *(std::size_t)>("KOLT_Heap_allocate");
-    return function(size);
-}
-
-DDS_XMLExtensionClass *DDS_XMLExtensionClass_new(
-    const char *tag, void *data, const char *const *parents, DDS_UnsignedLong count,
-    DDS_XMLExtensionClass_OnStartElementFunction on_start,
-    DDS_XMLExtensionClass_OnEndElementFunction on_end, DDS_XMLExtensionClass_NewFunction make,
-    DDS_XMLExtensionClass_DeleteFunction release, DDS_XMLExtensionClass_SaveFunction save) {
-    if (faults.extension_class) {
-        // The caller does not take its listener back when this fails.
-        KOLT_Heap_free(data);
-        return nullptr;
-    }
-    static auto *const function =
-        real<decltype(DDS_XMLExtensionClass_new)>("DDS_XMLExtensionClass_new");
-    return function(tag, data, parents, count, on_start, on_end, make, release, save);
-}
-
-DDS_Boolean DDS_XMLObject_initialize(DDS_XMLObject *self, DDS_XMLExtensionClass *extension,
-                                     DDS_XMLObject *parent, const char *tag,
-                                     const char *const *attributes) {
-    if (faults.object) {
-        return DDS_BOOLEAN_FALSE;
-    }
-    static auto *const function =
-        real<decltype(DDS_XMLObject_initialize)>("DDS_XMLObject_initialize");
-    return function(self, extension, parent, tag, attributes);
-}
-
-VUR_DL_Options *VUR_DL_Options_createDefault() {
-    if (faults.options) {
-        return nullptr;
-    }
-    static auto *const function =
-        real<decltype(VUR_DL_Options_createDefault)>("VUR_DL_Options_createDefault");
-    return function();
-}
-
-DDS_ReturnCode_t VUR_DL_Options_setApplicationKind(VUR_DL_Options *, const char *) {
-    return faults.application_kind ? DDS_RETCODE_ERROR : DDS_RETCODE_OK;
-}
-
-DDS_ReturnCode_t VUR_DL_Options_setDomainParticipant(VUR_DL_Options *self,
-                                                     DDS_DomainParticipant *participant) {
-    if (faults.set_participant) {
-        return DDS_RETCODE_ERROR;
-    }
-    self->domainParticipant = participant;
-    return DDS_RETCODE_OK;
-}
-
 int VUR_DL_DistLogger_isDistLoggerRunning() {
-    return faults.running ? 1 : 0;
+    return support::Faults::strikes("VUR_DL_DistLogger_isDistLoggerRunning") ? 1 : 0;
 }
 int VUR_DL_DistLogger_setOptions(const VUR_DL_Options *) {
-    return faults.set_options ? 0 : 1;
+    return support::Faults::strikes("VUR_DL_DistLogger_setOptions") ? 0 : 1;
 }
-
 VUR_DL_DistLogger *VUR_DL_DistLogger_getInstance() {
     static int logger;
-    return faults.instance ? nullptr : reinterpret_cast<VUR_DL_DistLogger *>(&logger);
+    return support::Faults::strikes("VUR_DL_DistLogger_getInstance")
+               ? nullptr
+               : reinterpret_cast<VUR_DL_DistLogger *>(&logger);
 }
 
 }  // extern "C"
 
 namespace {
 
+using support::Faults;
 using support::StdoutCapture;
 
 std::string &reported() {
@@ -123,25 +67,25 @@ void log_error(const char *message, const char *method, DDS_UnsignedLong line) {
 class XmlConfigFault : public testing::Test {
   protected:
     void SetUp() override {
-        faults = {};
+        Faults::clear();
         reported().clear();
     }
-    void TearDown() override { faults = {}; }
+    void TearDown() override { Faults::clear(); }
 
-    // Calls the callback that makes an object, below a root, as a parser does. Everything that the
-    // call should have released is found by the leak detector.
-    static bool makes_object() {
-        const Faults wanted = faults;
-        faults = {};
+    // Calls the callback that makes an object, below a root, as a parser does; the first call of
+    // `failing` fails. The leak detector finds whatever the callback should have released.
+    static bool makes_object(const char *failing = nullptr) {
         DDS_XMLExtensionClass *extension = VUR_DL_XMLConfig_createXMLExtensionClass(log_error);
         DDS_XMLObject root;
         EXPECT_TRUE(DDS_XMLObject_initialize(&root, nullptr, nullptr, "dds", nullptr));
         DDS_XMLContext context = DDS_XML_CONTEXT_INITIALIZER;
         context._line_number = 7;
         const char *none = nullptr;
-        faults = wanted;
+        if (failing != nullptr) {
+            Faults::fail_call(failing);
+        }
         DDS_XMLObject *object = VUR_DL_XMLConfig_new(extension, &root, &none, &context);
-        faults = {};
+        Faults::clear();
         if (object != nullptr) {
             EXPECT_EQ(DDS_XMLObject_get_first_child(&root), object);
             VUR_DL_XMLConfig_delete(object);
@@ -162,7 +106,7 @@ TEST_F(XmlConfigFault, NothingFails) {
 
 TEST_F(XmlConfigFault, ListenerCannotBeAllocated) {
     StdoutCapture capture;
-    faults.allocation_size = sizeof(VUR_DL_XMLConfig_ExtensionClassListener);
+    Faults::fail_call("KOLT_Heap_allocate");
     EXPECT_EQ(VUR_DL_XMLConfig_createXMLExtensionClass(log_error), nullptr);
     EXPECT_EQ(capture.text(),
               "DL Error: VUR_DL_XMLConfig_createXMLExtensionClass: could not allocate extension "
@@ -171,7 +115,7 @@ TEST_F(XmlConfigFault, ListenerCannotBeAllocated) {
 
 TEST_F(XmlConfigFault, ExtensionClassCannotBeMade) {
     StdoutCapture capture;
-    faults.extension_class = true;
+    Faults::fail_call("DDS_XMLExtensionClass_new");
     EXPECT_EQ(VUR_DL_XMLConfig_createXMLExtensionClass(log_error), nullptr);
     EXPECT_EQ(capture.text(),
               "DL Error: VUR_DL_XMLConfig_createXMLExtensionClass: creation of XML extension class "
@@ -180,48 +124,45 @@ TEST_F(XmlConfigFault, ExtensionClassCannotBeMade) {
 
 TEST_F(XmlConfigFault, ObjectCannotBeAllocated) {
     StdoutCapture capture;
-    faults.allocation_size = sizeof(VUR_DL_XMLConfig);
-    EXPECT_FALSE(makes_object());
+    EXPECT_FALSE(makes_object("KOLT_Heap_allocate"));
     EXPECT_EQ(capture.text(),
               "DL Error: VUR_DL_XMLConfig_create: could not allocate XML options object\n"
               "DL Error: VUR_DL_XMLConfig_new: XML object creation failed\n");
 }
 
 TEST_F(XmlConfigFault, OptionsCannotBeMade) {
-    faults.options = true;
-    EXPECT_FALSE(makes_object());
+    EXPECT_FALSE(makes_object("VUR_DL_Options_createDefault"));
     EXPECT_EQ(reported(), "7 VUR_DL_XMLConfig_new: default options creation failed\n");
 }
 
 TEST_F(XmlConfigFault, BaseObjectCannotBeInitialised) {
-    faults.object = true;
-    EXPECT_FALSE(makes_object());
+    EXPECT_FALSE(makes_object("DDS_XMLObject_initialize"));
     EXPECT_EQ(reported(), "7 VUR_DL_XMLConfig_new: XML object initialization failed\n");
 }
 
 TEST_F(XmlConfigFault, StartSaysWhichStepFailed) {
     struct Row {
-        bool Faults::*fault;
+        const char *failing;
         const char *message;
     };
     const Row rows[] = {
-        {&Faults::application_kind, "could not set the application kind"},
-        {&Faults::set_options, "could not set DL options; instance already created"},
-        {&Faults::instance, "Distributed Logger could not be started"}};
+        {"VUR_DL_Options_setApplicationKind", "could not set the application kind"},
+        {"VUR_DL_DistLogger_setOptions", "could not set DL options; instance already created"},
+        {"VUR_DL_DistLogger_getInstance", "Distributed Logger could not be started"}};
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
     DDS_DomainParticipant participant = {};
     for (const Row &row : rows) {
-        faults = {};
-        faults.*(row.fault) = true;
+        Faults::clear();
+        Faults::fail_call(row.failing);
         StdoutCapture capture;
         EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, "kind"), 0);
         EXPECT_EQ(capture.text(),
                   std::string("DL Error: VUR_DL_XMLConfig_startWithXMLConfiguration: ") +
                       row.message + "\n");
     }
-    faults = {};
-    faults.application_kind = true;  // not asked for without a kind
+    Faults::clear();
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, nullptr), 1);
+    EXPECT_EQ(Faults::calls("VUR_DL_Options_setApplicationKind"), 0) << "there is no kind to set";
     EXPECT_EQ(options->domainParticipant, &participant);
     VUR_DL_Options_delete(options);
 }
@@ -229,14 +170,14 @@ TEST_F(XmlConfigFault, StartSaysWhichStepFailed) {
 TEST_F(XmlConfigFault, RunningLoggerIsLeftAlone) {
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
     DDS_DomainParticipant participant = {};
-    faults.running = true;
-    faults.set_options = true;  // not reached
+    Faults::fail_every_call("VUR_DL_DistLogger_isDistLoggerRunning");
     StdoutCapture capture;
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, "kind"), 1);
     EXPECT_EQ(
         capture.text(),
         "DL Info: VUR_DL_XMLConfig_startWithXMLConfiguration: DL already running. XML Options "
         "don't apply\n");
+    EXPECT_EQ(Faults::calls("VUR_DL_DistLogger_setOptions"), 0);
     EXPECT_EQ(options->domainParticipant, nullptr);
     VUR_DL_Options_delete(options);
 }
@@ -244,7 +185,7 @@ TEST_F(XmlConfigFault, RunningLoggerIsLeftAlone) {
 TEST_F(XmlConfigFault, ParticipantThatCannotBeSetDoesNotCount) {
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
     DDS_DomainParticipant participant = {};
-    faults.set_participant = true;
+    Faults::fail_call("VUR_DL_Options_setDomainParticipant");
     StdoutCapture capture;
     EXPECT_EQ(VUR_DL_XMLConfig_startWithXMLConfiguration(&participant, options, nullptr), 1);
     EXPECT_EQ(capture.text(), "");
@@ -260,8 +201,8 @@ TEST_F(XmlConfigFault, LoggerThatIsGoneWhileSavingDoesNotCount) {
     const char *none = nullptr;
     DDS_XMLObject *object = VUR_DL_XMLConfig_new(extension, &root, &none, &context);
     ASSERT_NE(object, nullptr);
-    faults.running = true;
-    faults.instance = true;
+    Faults::fail_every_call("VUR_DL_DistLogger_isDistLoggerRunning");
+    Faults::fail_every_call("VUR_DL_DistLogger_getInstance");
     DDS_XMLSaveContext save_context;
     DDS_XMLSaveContext_initialize(&save_context);
     EXPECT_TRUE(DDS_XMLObject_save(object, &save_context));
@@ -269,7 +210,7 @@ TEST_F(XmlConfigFault, LoggerThatIsGoneWhileSavingDoesNotCount) {
                   .find("<filter_level>INFO</filter_level>"),
               std::string::npos);
     DDS_XMLSaveContext_finalize(&save_context);
-    faults = {};
+    Faults::clear();
     DDS_XMLObject_finalize(&root);
     VUR_DL_XMLConfig_destroyXMLExtensionClass(extension);
 }
