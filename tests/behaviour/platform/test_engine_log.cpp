@@ -10,10 +10,11 @@
 #include <kolt/dds_c.h>
 
 #include <cstdint>
-#include <mutex>
-#include <string>
+#include <optional>
 #include <thread>
 #include <vector>
+
+#include "support/logger/log_capture.h"
 
 namespace {
 
@@ -21,13 +22,6 @@ constexpr DDS_DomainId_t kDomain = 163;
 
 using EngineLog = void (*)(std::uint32_t category, const char *file, std::uint32_t line,
                            const char *function, const char *format, ...);
-
-struct Line {
-    std::string text;
-    KOLT_Config_LogLevel level;
-    bool is_security;
-    std::thread::id thread;
-};
 
 class EngineLogTest : public testing::Test {
   protected:
@@ -39,13 +33,12 @@ class EngineLogTest : public testing::Test {
         ASSERT_NE(participant_, nullptr);
         log_ = reinterpret_cast<EngineLog>(dlsym(RTLD_DEFAULT, "dds_log"));
         ASSERT_NE(log_, nullptr);
-        auto *logger = KOLT_Config_Logger_get_instance();
-        KOLT_Config_Logger_set_print_format(logger, KOLT_CONFIG_LOG_PRINT_FORMAT_MINIMAL);
-        KOLT_Config_Logger_set_output_device(logger, &device_);
+        KOLT_Config_Logger_set_print_format(KOLT_Config_Logger_get_instance(),
+                                            KOLT_CONFIG_LOG_PRINT_FORMAT_MINIMAL);
+        capture_.emplace();
     }
     void TearDown() override {
-        auto *logger = KOLT_Config_Logger_get_instance();
-        KOLT_Config_Logger_set_output_device(logger, nullptr);
+        capture_.reset();
         DDS_DomainParticipantFactory_delete_participant(DDS_DomainParticipantFactory_get_instance(),
                                                         participant_);
     }
@@ -59,32 +52,14 @@ class EngineLogTest : public testing::Test {
                                                      verbosity);
     }
 
-    // What of this test's own messages arrived; the engine's other threads may log, too.
-    std::vector<Line> marked() const {
-        const std::lock_guard lock(mutex_);
-        std::vector<Line> lines;
-        for (const auto &line : lines_) {
-            if (line.text.find("marked") != std::string::npos) {
-                lines.push_back(line);
-            }
-        }
-        return lines;
-    }
-
-    static void write(KOLT_Config_LoggerDevice *device, const KOLT_Config_LogMessage *message) {
-        auto *self = static_cast<EngineLogTest *>(device->device_data);
-        const std::lock_guard lock(self->mutex_);
-        self->lines_.push_back({message->text, message->level, message->is_security_message != 0,
-                                std::this_thread::get_id()});
-    }
+    // Returns this test's own messages that arrived; the engine's other threads may log, too.
+    std::vector<support::LogLine> marked() const { return capture_->lines("marked"); }
 
     EngineLog log_ = nullptr;
 
   private:
     DDS_DomainParticipant *participant_ = nullptr;
-    mutable std::mutex mutex_;
-    std::vector<Line> lines_;
-    KOLT_Config_LoggerDevice device_{this, write, nullptr};
+    std::optional<support::LogCapture> capture_;
 };
 
 struct Mapping {

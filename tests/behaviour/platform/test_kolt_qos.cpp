@@ -3,35 +3,12 @@
 
 #include <atomic>
 
+#include "support/logger/log_capture.h"
 #include "support/platform/pubsub.h"
 
 namespace {
 
 using namespace support;
-
-// The text of the last message of the middleware's logger.
-class LogCapture {
-  public:
-    LogCapture() {
-        device_.device_data = this;
-        device_.write = [](KOLT_Config_LoggerDevice *device,
-                           const KOLT_Config_LogMessage *message) {
-            static_cast<LogCapture *>(device->device_data)->text_ += message->text;
-        };
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device_);
-    }
-    ~LogCapture() {
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
-    }
-    LogCapture(const LogCapture &) = delete;
-    LogCapture &operator=(const LogCapture &) = delete;
-    bool has(const char *part) const { return text_.find(part) != std::string::npos; }
-    const std::string &text() const { return text_; }
-
-  private:
-    KOLT_Config_LoggerDevice device_{};
-    std::string text_;
-};
 
 TEST(KoltQos, InconsistentQosNamesThePolicies) {
     Node node(8);

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <kolt/config_logger.h>
 #include <kolt/domain.h>
 
 #include <unistd.h>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "kolt_internal/owned_qos.hpp"
+#include "support/logger/log_capture.h"
 
 namespace support {
 
@@ -41,36 +41,10 @@ class QosProfilesTest : public testing::Test {
         folder_ = folder;
         ASSERT_EQ(chdir(folder), 0);
         unsetenv("KOLT_QOS_PROFILES");
-        messages().clear();
-        device_.write = [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
-            messages().emplace_back(message->text);
-        };
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device_);
     }
     void TearDown() override {
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
         ASSERT_EQ(chdir("/"), 0);
         std::filesystem::remove_all(folder_);
-    }
-
-    static Strings &messages() {
-        static Strings all;
-        return all;
-    }
-    static bool logged(const std::string &part) {
-        for (const std::string &message : messages()) {
-            if (message.find(part) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-    static std::string all_messages() {
-        std::string all;
-        for (const std::string &message : messages()) {
-            all += message + "\n";
-        }
-        return all;
     }
 
     std::string write(const std::string &name, const std::string &content) const {
@@ -125,7 +99,7 @@ class QosProfilesTest : public testing::Test {
     }
 
     std::string folder_;
-    KOLT_Config_LoggerDevice device_ = {};
+    mutable LogCapture log_;
 };
 
 }  // namespace support

@@ -18,6 +18,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/logger/log_capture.h"
+
 namespace {
 
 // What a thread sees of itself.
@@ -56,37 +58,14 @@ void *look_at_self(void *argument) {
 constexpr DDS_Long kDefaultPriority = DDS_THREAD_PRIORITY_DEFAULT;
 constexpr DDS_Long kDefaultStack = DDS_THREAD_STACK_SIZE_DEFAULT;
 
-// The warnings and errors that are logged while it lives.
-class LoggedLines {
+// The warnings and errors that are logged in a scope, without anything but their texts.
+class LoggedLines : public support::LogCapture {
   public:
     LoggedLines() {
         auto *logger = KOLT_Config_Logger_get_instance();
         KOLT_Config_Logger_set_verbosity(logger, KOLT_CONFIG_LOG_VERBOSITY_WARNING);
         KOLT_Config_Logger_set_print_format(logger, KOLT_CONFIG_LOG_PRINT_FORMAT_MINIMAL);
-        KOLT_Config_Logger_set_output_device(logger, &device_);
     }
-    ~LoggedLines() {
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
-    }
-    LoggedLines(const LoggedLines &) = delete;
-    LoggedLines &operator=(const LoggedLines &) = delete;
-
-    int count(KOLT_Config_LogLevel level, const std::string &text) const {
-        int found = 0;
-        for (const auto &[line_level, line] : lines_) {
-            found += line_level == level && line.find(text) != std::string::npos;
-        }
-        return found;
-    }
-
-  private:
-    static void write(KOLT_Config_LoggerDevice *device, const KOLT_Config_LogMessage *message) {
-        auto *self = static_cast<LoggedLines *>(device->device_data);
-        self->lines_.emplace_back(message->level, message->text);
-    }
-
-    std::vector<std::pair<KOLT_Config_LogLevel, std::string>> lines_;
-    KOLT_Config_LoggerDevice device_{this, write, nullptr};
 };
 
 TEST(OsThread, RunsWithItsNameAndWithoutSignals) {

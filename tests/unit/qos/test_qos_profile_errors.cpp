@@ -93,12 +93,12 @@ TEST_F(QosProfileErrors, WhatIsWrongIsToldWithLineAndNames) {
     };
     for (const WrongProfile &row : rows) {
         SCOPED_TRACE(row.content);
-        messages().clear();
+        log_.clear();
         EXPECT_EQ(add_library("<qos_profile name=\"P\">\n" + row.content + "</qos_profile>"),
                   DDS_RETCODE_ERROR);
         const std::string expected = "/a.xml:" + std::to_string(row.line) + ": ";
-        EXPECT_TRUE(logged(expected)) << all_messages();
-        EXPECT_TRUE(logged(row.message)) << all_messages();
+        EXPECT_TRUE(log_.has(expected)) << log_.text();
+        EXPECT_TRUE(log_.has(row.message)) << log_.text();
         EXPECT_TRUE(libraries().empty());
     }
 }
@@ -141,15 +141,15 @@ TEST_F(QosProfileErrors, WrongLibrariesAndProfilesAreRefused) {
     };
     for (const WrongProfile &row : rows) {
         SCOPED_TRACE(row.content);
-        messages().clear();
+        log_.clear();
         EXPECT_EQ(add(row.content), DDS_RETCODE_ERROR);
-        EXPECT_TRUE(logged("/a.xml:" + std::to_string(row.line) + ": " + row.message))
-            << all_messages();
+        EXPECT_TRUE(log_.has("/a.xml:" + std::to_string(row.line) + ": " + row.message))
+            << log_.text();
         EXPECT_TRUE(libraries().empty());
     }
     EXPECT_EQ(KOLT_DomainParticipantFactory_add_profiles(factory(), "/nowhere.xml"),
               DDS_RETCODE_ERROR);
-    EXPECT_TRUE(logged("/nowhere.xml: cannot open the file")) << all_messages();
+    EXPECT_TRUE(log_.has("/nowhere.xml: cannot open the file")) << log_.text();
 }
 
 TEST_F(QosProfileErrors, UnknownNamesAreToldWithTheKnownOnes) {
@@ -159,12 +159,12 @@ TEST_F(QosProfileErrors, UnknownNamesAreToldWithTheKnownOnes) {
     EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
                                                                            "M", "P"),
               DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(logged("no QoS library \"M\"; libraries: L")) << all_messages();
+    EXPECT_TRUE(log_.has("no QoS library \"M\"; libraries: L")) << log_.text();
     EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
                                                                            "L", "p"),
               DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(logged("no QoS profile \"p\" in the library \"L\"; profiles: P, Q"))
-        << all_messages();
+    EXPECT_TRUE(log_.has("no QoS profile \"p\" in the library \"L\"; profiles: P, Q"))
+        << log_.text();
     EXPECT_EQ(qos->history.depth, 77);
     EXPECT_EQ(profiles("M", DDS_RETCODE_BAD_PARAMETER), Strings{});
 }

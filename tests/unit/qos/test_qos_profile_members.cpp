@@ -275,9 +275,9 @@ struct Functions {
 
 class QosProfileMembers : public support::QosProfilesTest {
   protected:
-    static void forget() {
+    void forget() const {
         ASSERT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
-        messages().clear();
+        log_.clear();
     }
     DDS_ReturnCode_t load(const std::string &element) const {
         forget();
@@ -289,7 +289,7 @@ class QosProfileMembers : public support::QosProfilesTest {
     void expect_row(const Row<Qos> &row, const std::string &tag,
                     const Functions<Qos> &functions) const {
         SCOPED_TRACE(row.element(tag));
-        ASSERT_EQ(load(row.element(tag)), DDS_RETCODE_OK) << all_messages();
+        ASSERT_EQ(load(row.element(tag)), DDS_RETCODE_OK) << log_.text();
         for (const auto &get : functions.get) {
             Qos fresh;
             Qos qos;
@@ -316,7 +316,7 @@ class QosProfileMembers : public support::QosProfilesTest {
         }
         EXPECT_EQ(load(open + "<no_such/>" + close), DDS_RETCODE_ERROR) << open;
         const std::string marker = "; expected: ";
-        const std::string text = all_messages();
+        const std::string text = log_.text();
         const std::size_t place = text.find(marker);
         EXPECT_NE(place, std::string::npos) << text;
         if (text.find("expected: a value") != std::string::npos) {
@@ -476,14 +476,14 @@ TEST_F(QosProfileMembers, EveryEnumeratorHasItsValue) {
         for (const auto &[name, value] : enumeration.names) {
             known += (known.empty() ? "" : ", ") + name;
             support::ReaderQos qos;
-            ASSERT_EQ(load(element(name)), DDS_RETCODE_OK) << all_messages();
+            ASSERT_EQ(load(element(name)), DDS_RETCODE_OK) << log_.text();
             EXPECT_EQ(DDS_DomainParticipantFactory_get_datareader_qos_from_profile(
                           factory(), qos.get(), "L", "P"),
                       DDS_RETCODE_OK);
             EXPECT_EQ(enumeration.value(*qos.get()), value) << name;
         }
         EXPECT_EQ(load(element("DDS_" + enumeration.names[0].first)), DDS_RETCODE_ERROR);
-        EXPECT_TRUE(logged("; expected: " + known)) << all_messages();
+        EXPECT_TRUE(log_.has("; expected: " + known)) << log_.text();
     }
 }
 
@@ -496,7 +496,7 @@ TEST_F(QosProfileMembers, AccessScopesHaveTheirValues) {
         ASSERT_EQ(load("<publisher_qos><presentation><access_scope>" + std::string(name) +
                        "</access_scope></presentation></publisher_qos>"),
                   DDS_RETCODE_OK)
-            << all_messages();
+            << log_.text();
         support::PublisherQos qos;
         EXPECT_EQ(DDS_DomainParticipantFactory_get_publisher_qos_from_profile(factory(), qos.get(),
                                                                               "L", "P"),
@@ -532,7 +532,7 @@ TEST_F(QosProfileMembers, DurationsHaveSymbolicNames) {
         ASSERT_EQ(load("<datawriter_qos><latency_budget><duration>" + row.content +
                        "</duration></latency_budget></datawriter_qos>"),
                   DDS_RETCODE_OK)
-            << all_messages();
+            << log_.text();
         support::WriterQos qos;
         EXPECT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
                                                                                "L", "P"),

@@ -106,7 +106,7 @@ constexpr const char *kEverything = R"(
 </qos_profile>)";
 
 TEST_F(QosProfiles, EveryEntityAndPolicyIsRead) {
-    ASSERT_EQ(add_library(kEverything), DDS_RETCODE_OK) << all_messages();
+    ASSERT_EQ(add_library(kEverything), DDS_RETCODE_OK) << log_.text();
 
     ParticipantQos participant;
     ASSERT_EQ(DDS_DomainParticipantFactory_get_participant_qos_from_profile(
@@ -164,7 +164,7 @@ TEST_F(QosProfiles, EveryEntityAndPolicyIsRead) {
 }
 
 TEST_F(QosProfiles, EveryEndpointPolicyIsRead) {
-    ASSERT_EQ(add_library(kEverything), DDS_RETCODE_OK) << all_messages();
+    ASSERT_EQ(add_library(kEverything), DDS_RETCODE_OK) << log_.text();
 
     WriterQos writer;
     ASSERT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), writer.get(),
@@ -242,13 +242,13 @@ TEST_F(QosProfiles, BasesApplyFromTheOutermostOn) {
                     "</kind><depth>2</depth></history><ownership_strength><value>5</value>"
                     "</ownership_strength></datawriter_qos></qos_profile>"),
         DDS_RETCODE_OK)
-        << all_messages();
+        << log_.text();
     ASSERT_EQ(add("<dds><qos_library name=\"M\"><qos_profile name=\"P\" base_name=\"L::Derived\">"
                   "<datawriter_qos><ownership_strength><value>6</value></ownership_strength>"
                   "</datawriter_qos></qos_profile></qos_library></dds>",
                   "b.xml"),
               DDS_RETCODE_OK)
-        << all_messages();
+        << log_.text();
     EXPECT_EQ(depth("Base"), 2);
     EXPECT_EQ(depth("Middle"), 2);
     EXPECT_EQ(depth("Derived"), 3);
@@ -269,14 +269,14 @@ TEST_F(QosProfiles, ChainsOfBasesMayBeLong) {
                  std::to_string(i - 1) + "\"/>\n";
     }
     const std::string root = profile("name=\"0\"", 31);
-    ASSERT_EQ(add_library(chain + root), DDS_RETCODE_OK) << all_messages();
+    ASSERT_EQ(add_library(chain + root), DDS_RETCODE_OK) << log_.text();
     EXPECT_EQ(depth(std::to_string(kProfiles).c_str()), 31);
     ASSERT_EQ(DDS_DomainParticipantFactory_unload_profiles(factory()), DDS_RETCODE_OK);
-    messages().clear();
+    log_.clear();
     EXPECT_EQ(add_library(chain + "<qos_profile name=\"0\" base_name=\"" +
                           std::to_string(kProfiles) + "\"/>"),
               DDS_RETCODE_ERROR);
-    EXPECT_TRUE(logged(" is a base of itself")) << all_messages();
+    EXPECT_TRUE(log_.has(" is a base of itself")) << log_.text();
 }
 
 std::string default_name() {
@@ -297,12 +297,12 @@ TEST_F(QosProfiles, TheDefaultProfileLoadedLastHolds) {
                     named("name=\"B\" is_default_qos=\" 1 \"", "b") +
                     named("name=\"C\" is_default_qos=\"false\"", "c") + named("name=\"D\"", "d")),
         DDS_RETCODE_OK)
-        << all_messages();
+        << log_.text();
     EXPECT_EQ(default_name(), "b");
     ASSERT_EQ(
         add_library(named("name=\"E\" base_name=\"C\" is_default_qos=\"true\"", "e"), "b.xml"),
         DDS_RETCODE_OK)
-        << all_messages();
+        << log_.text();
     EXPECT_EQ(default_name(), "e");
     // One that says nothing of participants leaves them to the standard's default.
     ASSERT_EQ(add_library(profile("name=\"F\" is_default_qos=\"true\"", 9), "c.xml"),
@@ -325,7 +325,7 @@ TEST_F(QosProfiles, ListsOfABaseAreReplacedAndItsPropertiesKept) {
                   "<property><value><element><name>y</name><value>2</value></element></value>"
                   "</property></participant_qos></qos_profile>"),
               DDS_RETCODE_OK)
-        << all_messages();
+        << log_.text();
     PublisherQos publisher;
     ASSERT_EQ(DDS_DomainParticipantFactory_get_publisher_qos_from_profile(
                   factory(), publisher.get(), "L", "D"),
@@ -375,16 +375,16 @@ TEST_F(QosProfiles, EnvironmentAndUserFileAreLoadedOnTheFirstLookUp) {
     write("KOLT_QOS_PROFILES.xml", document("User"));
     setenv("KOLT_QOS_PROFILES", (one + ";; file://" + two + " ;" + one).c_str(), 1);
     EXPECT_EQ(libraries(), (Strings{"One", "Two", "User"}));
-    EXPECT_TRUE(messages().empty()) << all_messages();
+    EXPECT_TRUE(log_.lines().empty()) << log_.text();
 }
 
 TEST_F(QosProfiles, AbsentFileOfTheEnvironmentIsAnErrorOfLoadOnly) {
     setenv("KOLT_QOS_PROFILES", "/nowhere/profiles.xml", 1);
     EXPECT_EQ(libraries(), Strings{});
-    EXPECT_TRUE(logged("/nowhere/profiles.xml: cannot open the file")) << all_messages();
-    messages().clear();
+    EXPECT_TRUE(log_.has("/nowhere/profiles.xml: cannot open the file")) << log_.text();
+    log_.clear();
     EXPECT_EQ(libraries(), Strings{});
-    EXPECT_TRUE(messages().empty()) << "a look-up tries once only";
+    EXPECT_TRUE(log_.lines().empty()) << "a look-up tries once only";
     EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(factory()), DDS_RETCODE_ERROR);
     unsetenv("KOLT_QOS_PROFILES");
     EXPECT_EQ(DDS_DomainParticipantFactory_load_profiles(factory()), DDS_RETCODE_OK);
@@ -429,8 +429,8 @@ TEST_F(QosProfiles, FactoryQosNamesDocuments) {
     ASSERT_TRUE(
         DDS_StringSeq_from_array(&qos->profile.string_profile, const_cast<char **>(fragments), 2));
     ASSERT_EQ(DDS_DomainParticipantFactory_set_qos(factory(), qos.get()), DDS_RETCODE_OK);
-    EXPECT_EQ(libraries(), (Strings{"Url", "Text"})) << all_messages();
-    EXPECT_TRUE(messages().empty()) << all_messages();
+    EXPECT_EQ(libraries(), (Strings{"Url", "Text"})) << log_.text();
+    EXPECT_TRUE(log_.lines().empty()) << log_.text();
 
     qos->profile.ignore_user_profile = DDS_BOOLEAN_FALSE;
     ASSERT_TRUE(DDS_StringSeq_set_length(&qos->profile.url_profile, 0));

@@ -1,6 +1,5 @@
 // The XML facility: trees, files, errors with their lines, limits.
 #include <gtest/gtest.h>
-#include <kolt/config_logger.h>
 #include <kolt/xml.h>
 
 #include <cstdio>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "support/config/xml_document.h"
+#include "support/logger/log_capture.h"
 
 namespace {
 
@@ -245,18 +245,11 @@ TEST_F(XmlFile, LargerThanAllowedIsRefusedWithoutReadingItAll) {
 }
 
 TEST_F(XmlFile, ErrorsAreLoggedWithFileAndLine) {
-    static std::vector<std::string> messages;
-    messages.clear();
-    KOLT_Config_LoggerDevice device = {};
-    device.write = [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
-        messages.emplace_back(message->text);
-    };
-    ASSERT_TRUE(KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device));
+    const support::LogCapture log;
     const std::string path = write("wrong.xml", "<dds>\n<a>\n</dds>");
     EXPECT_EQ(parse(path), DDS_RETCODE_ERROR);
-    KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
-    ASSERT_EQ(messages.size(), 1U);
-    EXPECT_NE(messages[0].find(path + ":3: mismatched tag"), std::string::npos) << messages[0];
+    EXPECT_EQ(log.lines().size(), 1U);
+    EXPECT_TRUE(log.has(path + ":3: mismatched tag")) << log.text();
 }
 
 // ---- Objects made by hand -----------------------------------------------------------------------

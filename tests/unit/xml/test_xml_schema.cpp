@@ -2,7 +2,6 @@
 // element, attribute or name of a value that the other does not, and the examples are right. The
 // checks need xmllint (Debian package libxml2-utils) and fail without it.
 #include <gtest/gtest.h>
-#include <kolt/config_logger.h>
 #include <kolt/domain.h>
 #include <kolt/xml.h>
 #include <vur_dl/XMLConfig.h>
@@ -20,6 +19,7 @@
 #include <vector>
 
 #include "support/config/xml_config.h"
+#include "support/logger/log_capture.h"
 #include "unit/xml/xml_schema_grammar.h"
 
 namespace {
@@ -33,25 +33,14 @@ class XmlSchema : public testing::Test {
         ASSERT_NE(source, nullptr) << "run by ctest";
         source_ = source;
         unsetenv("KOLT_QOS_PROFILES");
-        last_message() = "";
-        static KOLT_Config_LoggerDevice device{
-            nullptr,
-            [](KOLT_Config_LoggerDevice *, const KOLT_Config_LogMessage *message) {
-                last_message() = message->text;
-            },
-            nullptr};
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), &device);
         path_ = "/tmp/vur_dl_schema_" + std::to_string(getpid()) + ".xml";
     }
-    void TearDown() override {
-        KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr);
-        std::filesystem::remove(path_);
-    }
+    void TearDown() override { std::filesystem::remove(path_); }
 
-    // What the middleware logged last.
-    static std::string &last_message() {
-        static std::string message;
-        return message;
+    // Returns the message that was logged last.
+    std::string last_message() const {
+        const std::vector<support::LogLine> lines = log_.lines();
+        return lines.empty() ? "" : lines.back().text;
     }
 
     std::string schema_text() const {
@@ -92,6 +81,7 @@ class XmlSchema : public testing::Test {
         EXPECT_EQ(library_accepts(path_), accepted) << "library: " << last_message();
     }
 
+    support::LogCapture log_;
     std::string source_;
     std::string path_;
 };
@@ -113,7 +103,7 @@ TEST_F(XmlSchema, ExamplesAreRight) {
 TEST_F(XmlSchema, KnowsTheSameQosAsTheLibrary) {
     const schema::Grammar known = schema::grammar_of_library([this](const std::string &document) {
         std::ofstream(path_) << document;
-        last_message() = "";
+        log_.clear();
         return profiles_are_accepted(path_) ? "" : last_message();
     });
     const schema::Grammar said = schema::grammar_of_schema(schema_text(), "qos_library");
