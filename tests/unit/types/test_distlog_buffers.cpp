@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/types/test_types.h"
+#include "support/types/type_list.h"
 
 namespace {
 
@@ -111,11 +112,9 @@ class DistlogBuffers : public testing::Test {
     Record full_;
 };
 
-using Structured =
-    testing::Types<VUR_DL_HostAndAppIdBuffers, VUR_DL_LogMessageBuffers,
-                   VUR_DL_ADMIN_VURLoggerCategoryAndVerbosityBuffers, VUR_DL_ADMIN_StateBuffers,
-                   VUR_DL_ADMIN_CommandBuffers, VUR_DL_ADMIN_CommandRequestBuffers,
-                   VUR_DL_ADMIN_CommandResponseBuffers>;
+#define BUFFERS_OF(T) T##Buffers
+using Structured = testing::Types<FOR_EACH_STRUCTURED_TYPE(BUFFERS_OF, COMMA)>;
+#undef BUFFERS_OF
 struct RecordName {
     template <typename Type>
     static std::string GetName(int) {

@@ -11,6 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/types/type_list.h"
+
 namespace {
 
 #define TYPE(T)                                                                  \
@@ -30,29 +32,12 @@ namespace {
         static constexpr auto kAccess = T##_get_sample_access_info;              \
         static constexpr auto kPlugin = T##_get_type_plugin_info;                \
     }
-TYPE(VUR_DL_HostAndAppId);
-TYPE(VUR_DL_LogMessage);
-TYPE(VUR_DL_ADMIN_VURLoggerVerbosity);
-TYPE(VUR_DL_ADMIN_VURLoggerCategory);
-TYPE(VUR_DL_ADMIN_VURLoggerPrintFormat);
-TYPE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity);
-TYPE(VUR_DL_ADMIN_StateKind);
-TYPE(VUR_DL_ADMIN_State);
-TYPE(VUR_DL_ADMIN_CommandKind);
-TYPE(VUR_DL_ADMIN_Command);
-TYPE(VUR_DL_ADMIN_CommandRequest);
-TYPE(VUR_DL_ADMIN_CommandResult);
-TYPE(VUR_DL_ADMIN_CommandResponse);
+FOR_EACH_TYPE(TYPE, SEMICOLON);
 #undef TYPE
 
-using AllTypes = testing::Types<
-    VUR_DL_HostAndAppIdOperations, VUR_DL_LogMessageOperations,
-    VUR_DL_ADMIN_VURLoggerVerbosityOperations, VUR_DL_ADMIN_VURLoggerCategoryOperations,
-    VUR_DL_ADMIN_VURLoggerPrintFormatOperations,
-    VUR_DL_ADMIN_VURLoggerCategoryAndVerbosityOperations, VUR_DL_ADMIN_StateKindOperations,
-    VUR_DL_ADMIN_StateOperations, VUR_DL_ADMIN_CommandKindOperations,
-    VUR_DL_ADMIN_CommandOperations, VUR_DL_ADMIN_CommandRequestOperations,
-    VUR_DL_ADMIN_CommandResultOperations, VUR_DL_ADMIN_CommandResponseOperations>;
+#define OPERATIONS_OF(T) T##Operations
+using AllTypes = testing::Types<FOR_EACH_TYPE(OPERATIONS_OF, COMMA)>;
+#undef OPERATIONS_OF
 
 struct RecordName {
     template <typename Type>

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/logger/log_capture.h"
+#include "support/types/type_list.h"
 
 namespace {
 
@@ -26,20 +27,12 @@ namespace {
         static constexpr auto kCopy = T##PluginSupport_copy_data;                          \
         static constexpr auto kPrograms = T##Plugin_get_programs;                          \
     }
-STRUCTURED(VUR_DL_HostAndAppId);
-STRUCTURED(VUR_DL_LogMessage);
-STRUCTURED(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity);
-STRUCTURED(VUR_DL_ADMIN_State);
-STRUCTURED(VUR_DL_ADMIN_Command);
-STRUCTURED(VUR_DL_ADMIN_CommandRequest);
-STRUCTURED(VUR_DL_ADMIN_CommandResponse);
+FOR_EACH_STRUCTURED_TYPE(STRUCTURED, SEMICOLON);
 #undef STRUCTURED
 
-using Structured =
-    testing::Types<VUR_DL_HostAndAppIdSupport, VUR_DL_LogMessageSupport,
-                   VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySupport, VUR_DL_ADMIN_StateSupport,
-                   VUR_DL_ADMIN_CommandSupport, VUR_DL_ADMIN_CommandRequestSupport,
-                   VUR_DL_ADMIN_CommandResponseSupport>;
+#define SUPPORT_OF(T) T##Support
+using Structured = testing::Types<FOR_EACH_STRUCTURED_TYPE(SUPPORT_OF, COMMA)>;
+#undef SUPPORT_OF
 
 template <typename Support>
 class DistlogPluginSamples : public testing::Test {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "support/logger/log_capture.h"
+#include "support/types/type_list.h"
 
 namespace {
 
@@ -56,29 +57,12 @@ namespace {
         static constexpr auto kDeleteBuffer = T##Seq_delete_bufferI;                     \
         static constexpr auto kCheck = T##Seq_check_invariantsI;                         \
     }
-FAMILY(VUR_DL_HostAndAppId);
-FAMILY(VUR_DL_LogMessage);
-FAMILY(VUR_DL_ADMIN_VURLoggerVerbosity);
-FAMILY(VUR_DL_ADMIN_VURLoggerCategory);
-FAMILY(VUR_DL_ADMIN_VURLoggerPrintFormat);
-FAMILY(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity);
-FAMILY(VUR_DL_ADMIN_StateKind);
-FAMILY(VUR_DL_ADMIN_State);
-FAMILY(VUR_DL_ADMIN_CommandKind);
-FAMILY(VUR_DL_ADMIN_Command);
-FAMILY(VUR_DL_ADMIN_CommandRequest);
-FAMILY(VUR_DL_ADMIN_CommandResult);
-FAMILY(VUR_DL_ADMIN_CommandResponse);
+FOR_EACH_TYPE(FAMILY, SEMICOLON);
 #undef FAMILY
 
-using Families =
-    testing::Types<VUR_DL_HostAndAppIdFamily, VUR_DL_LogMessageFamily,
-                   VUR_DL_ADMIN_VURLoggerVerbosityFamily, VUR_DL_ADMIN_VURLoggerCategoryFamily,
-                   VUR_DL_ADMIN_VURLoggerPrintFormatFamily,
-                   VUR_DL_ADMIN_VURLoggerCategoryAndVerbosityFamily, VUR_DL_ADMIN_StateKindFamily,
-                   VUR_DL_ADMIN_StateFamily, VUR_DL_ADMIN_CommandKindFamily,
-                   VUR_DL_ADMIN_CommandFamily, VUR_DL_ADMIN_CommandRequestFamily,
-                   VUR_DL_ADMIN_CommandResultFamily, VUR_DL_ADMIN_CommandResponseFamily>;
+#define FAMILY_OF(T) T##Family
+using Families = testing::Types<FOR_EACH_TYPE(FAMILY_OF, COMMA)>;
+#undef FAMILY_OF
 
 template <typename Family>
 class DistlogSequences : public testing::Test {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/types/test_types.h"
+#include "support/types/type_list.h"
 
 namespace {
 
@@ -23,13 +24,7 @@ using support::set_text;
         static constexpr auto kPrint = T##PluginSupport_print_data;       \
         static constexpr auto kBytes = T##Plugin_serialize_to_cdr_buffer; \
     }
-STRUCTURED(VUR_DL_HostAndAppId);
-STRUCTURED(VUR_DL_LogMessage);
-STRUCTURED(VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity);
-STRUCTURED(VUR_DL_ADMIN_State);
-STRUCTURED(VUR_DL_ADMIN_Command);
-STRUCTURED(VUR_DL_ADMIN_CommandRequest);
-STRUCTURED(VUR_DL_ADMIN_CommandResponse);
+FOR_EACH_STRUCTURED_TYPE(STRUCTURED, SEMICOLON);
 #undef STRUCTURED
 
 void fill(VUR_DL_HostAndAppId *identity) {
@@ -122,11 +117,9 @@ class DistlogText : public testing::Test {
 
     support::Record<typename Type::Value> sample_;
 };
-using Structured =
-    testing::Types<VUR_DL_HostAndAppIdText, VUR_DL_LogMessageText,
-                   VUR_DL_ADMIN_VURLoggerCategoryAndVerbosityText, VUR_DL_ADMIN_StateText,
-                   VUR_DL_ADMIN_CommandText, VUR_DL_ADMIN_CommandRequestText,
-                   VUR_DL_ADMIN_CommandResponseText>;
+#define TEXT_OF(T) T##Text
+using Structured = testing::Types<FOR_EACH_STRUCTURED_TYPE(TEXT_OF, COMMA)>;
+#undef TEXT_OF
 TYPED_TEST_SUITE(DistlogText, Structured);
 
 TYPED_TEST(DistlogText, EveryFormatWithEveryOption) {
