@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-// The targets of this folder link the libraries and nothing else.
-#include "../support/types/test_types.cpp"
+#include "support/types/test_types.h"
 
 namespace fuzz {
 

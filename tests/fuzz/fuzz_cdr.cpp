@@ -11,11 +11,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "fixed_types.h"
-
-// The targets of this folder link the libraries and nothing else.
-#include "../support/cdr/cdr_checks.cpp"
-#include "../support/cdr/random_types.cpp"
+#include "fuzz/fixed_types.h"
+#include "support/cdr/cdr_checks.h"
 
 namespace {
 
@@ -36,9 +33,9 @@ void keep_programs() {
 // Bytes of a good sample with a few of them changed.
 void check_edited(const DDS_TypeCode *type, std::vector<std::uint8_t> bytes, Decisions decisions) {
     for (int edits = 0; edits < 4 && !decisions.empty(); ++edits) {
-        const std::size_t at = decisions.Word() % bytes.size();
-        bytes[at] = decisions.Byte();
-        if (decisions.OneIn(8)) {
+        const std::size_t at = decisions.word() % bytes.size();
+        bytes[at] = decisions.byte();
+        if (decisions.one_in(8)) {
             bytes.resize(at + 1);
         }
     }

@@ -8,7 +8,7 @@
 #include <deque>
 #include <vector>
 
-#include "fixed_types.h"
+#include "fuzz/fixed_types.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../support/types/filter_sample.h"
+#include "support/types/filter_sample.h"
 
 namespace {
 

@@ -86,7 +86,7 @@ bool is_integral(DDS_TCKind kind) {
 
 }  // namespace
 
-std::uint8_t Decisions::Byte() {
+std::uint8_t Decisions::byte() {
     if (left_ == 0) {
         return 0;
     }
@@ -94,37 +94,37 @@ std::uint8_t Decisions::Byte() {
     return *at_++;
 }
 
-std::uint64_t Decisions::Word() {
+std::uint64_t Decisions::word() {
     std::uint64_t word = 0;
     for (int i = 0; i < 8; ++i) {
-        word = word << 8 | Byte();
+        word = word << 8 | byte();
     }
     return word;
 }
 
 RandomType::RandomType(Decisions *decisions) : decisions_(*decisions) {
-    type_ = decisions_.OneIn(4) ? MakeUnion(0) : MakeStruct(0);
-    MakeShorter();
+    type_ = decisions_.one_in(4) ? make_union(0) : make_struct(0);
+    make_shorter();
 }
 
-DDS_TypeCode *RandomType::Store(const DDS_TypeCode &type) {
+DDS_TypeCode *RandomType::store(const DDS_TypeCode &type) {
     types_.push_back(type);
     types_.back().representations =
         DDS_DATA_REPRESENTATION_MASK_XCDR | DDS_DATA_REPRESENTATION_MASK_XCDR2;
     return &types_.back();
 }
 
-const char *RandomType::Name(const std::string &prefix) {
+const char *RandomType::name(const std::string &prefix) {
     texts_.push_back(prefix + std::to_string(names_++));
     return texts_.back().c_str();
 }
 
-DDS_ExtensibilityKind RandomType::Extensibility() {
-    return static_cast<DDS_ExtensibilityKind>(decisions_.Below(3));
+DDS_ExtensibilityKind RandomType::extensibility() {
+    return static_cast<DDS_ExtensibilityKind>(decisions_.below(3));
 }
 
-const DDS_TypeCode *RandomType::Make(int depth) {
-    const unsigned choice = decisions_.Below(18);
+const DDS_TypeCode *RandomType::make(int depth) {
+    const unsigned choice = decisions_.below(18);
     const DDS_TypeCode *const small =
         DDS_TypeCodeFactory_get_primitive_tc(static_cast<DDS_TCKind>(DDS_TK_BOOLEAN + choice % 11));
     if (choice < 11 || budget_ == 0) {
@@ -132,79 +132,79 @@ const DDS_TypeCode *RandomType::Make(int depth) {
     }
     --budget_;
     if (choice == 11) {
-        return MakeEnum();
+        return make_enum();
     }
     if (choice == 12 || depth >= kMaximumDepth) {
-        return MakeString();
+        return make_string();
     }
     const DDS_TypeCode *made = nullptr;
     switch (choice) {
         case 13:
         case 14:
-            made = MakeStruct(depth + 1);
+            made = make_struct(depth + 1);
             break;
         case 15:
-            made = MakeUnion(depth + 1);
+            made = make_union(depth + 1);
             break;
         case 16:
-            made = MakeArray(depth + 1);
+            made = make_array(depth + 1);
             break;
         default:
-            made = MakeSequence(depth + 1);
+            made = make_sequence(depth + 1);
             break;
     }
     return weight_of(*made) > kMaximumWeight ? small : made;
 }
 
-const DDS_TypeCode *RandomType::MakeEnum() {
+const DDS_TypeCode *RandomType::make_enum() {
     DDS_TypeCode type{};
     type.kind = DDS_TK_ENUM;
-    type.extensibility = Extensibility();
-    type.name = Name("Test::Enum");
-    std::vector<DDS_TypeCodeMember> enumerators(1 + decisions_.Below(4));
-    DDS_Long ordinal = static_cast<DDS_Long>(decisions_.Below(5)) - 2;
+    type.extensibility = extensibility();
+    type.name = name("Test::Enum");
+    std::vector<DDS_TypeCodeMember> enumerators(1 + decisions_.below(4));
+    DDS_Long ordinal = static_cast<DDS_Long>(decisions_.below(5)) - 2;
     for (DDS_TypeCodeMember &enumerator : enumerators) {
-        enumerator.name = Name("VALUE_");
+        enumerator.name = name("VALUE_");
         enumerator.ordinal = ordinal;
-        ordinal += 1 + static_cast<DDS_Long>(decisions_.Below(3));
+        ordinal += 1 + static_cast<DDS_Long>(decisions_.below(3));
     }
     members_.push_back(std::move(enumerators));
     type.members = members_.back().data();
     type.member_count = static_cast<DDS_UnsignedLong>(members_.back().size());
-    return Store(type);
+    return store(type);
 }
 
-const DDS_TypeCode *RandomType::MakeString() {
+const DDS_TypeCode *RandomType::make_string() {
     DDS_TypeCode type{};
     type.kind = DDS_TK_STRING;
-    type.bound = decisions_.Below(12);  // 0 is unbounded
-    return Store(type);
+    type.bound = decisions_.below(12);  // 0 is unbounded
+    return store(type);
 }
 
-const DDS_TypeCode *RandomType::MakeArray(int depth) {
+const DDS_TypeCode *RandomType::make_array(int depth) {
     DDS_TypeCode type{};
     type.kind = DDS_TK_ARRAY;
-    std::vector<DDS_UnsignedLong> dimensions(1 + decisions_.Below(2));
+    std::vector<DDS_UnsignedLong> dimensions(1 + decisions_.below(2));
     for (DDS_UnsignedLong &dimension : dimensions) {
-        dimension = 1 + decisions_.Below(3);
+        dimension = 1 + decisions_.below(3);
     }
     dimensions_.push_back(std::move(dimensions));
     type.dimensions = dimensions_.back().data();
     type.dimension_count = static_cast<DDS_UnsignedLong>(dimensions_.back().size());
-    type.content_type = Make(depth);
-    return Store(type);
+    type.content_type = make(depth);
+    return store(type);
 }
 
-const DDS_TypeCode *RandomType::MakeSequence(int depth) {
+const DDS_TypeCode *RandomType::make_sequence(int depth) {
     DDS_TypeCode type{};
     type.kind = DDS_TK_SEQUENCE;
-    type.bound = decisions_.Below(5);
-    type.content_type = Make(depth);
-    return Store(type);
+    type.bound = decisions_.below(5);
+    type.content_type = make(depth);
+    return store(type);
 }
 
 // What a default annotation can say is narrow enough for every kind.
-void RandomType::GiveDefault(DDS_TypeCodeMember *member) {
+void RandomType::give_default(DDS_TypeCodeMember *member) {
     const DDS_TCKind kind = member->type->kind;
     DDS_AnnotationParameterValue *const value = &member->default_value;
     if (is_integral(kind)) {
@@ -219,25 +219,25 @@ void RandomType::GiveDefault(DDS_TypeCodeMember *member) {
     }
 }
 
-std::vector<DDS_TypeCodeMember> RandomType::MakeMembers(unsigned count, int depth, bool is_union) {
+std::vector<DDS_TypeCodeMember> RandomType::make_members(unsigned count, int depth, bool is_union) {
     // Ids of parameter headers are short up to 0x3f00.
     constexpr DDS_UnsignedLong kFirst[] = {1, 0, 0x3eff, 0x100000};
-    DDS_UnsignedLong id = is_union ? 1 : kFirst[decisions_.Below(4)];
+    DDS_UnsignedLong id = is_union ? 1 : kFirst[decisions_.below(4)];
     std::vector<DDS_TypeCodeMember> members(count);
     for (DDS_TypeCodeMember &member : members) {
-        member.name = Name("m");
+        member.name = name("m");
         member.id = id;
-        id += decisions_.OneIn(8) ? 6U : 1U;
-        member.type = Make(depth);
-        const unsigned flags = decisions_.Byte();
+        id += decisions_.one_in(8) ? 6U : 1U;
+        member.type = make(depth);
+        const unsigned flags = decisions_.byte();
         member.is_key = !is_union && flags % 5 == 4;
         member.is_optional = !is_union && !member.is_key && flags % 5 == 3;
         member.is_must_understand = flags >= 200;
         if (!member.is_optional && flags % 3 == 2) {
-            GiveDefault(&member);
+            give_default(&member);
         }
     }
-    if (decisions_.OneIn(4)) {  // ids that fall
+    if (decisions_.one_in(4)) {  // ids that fall
         for (std::size_t i = 0; i < members.size() / 2; ++i) {
             std::swap(members[i].id, members[members.size() - 1 - i].id);
         }
@@ -245,7 +245,7 @@ std::vector<DDS_TypeCodeMember> RandomType::MakeMembers(unsigned count, int dept
     return members;
 }
 
-const DDS_TypeCode *RandomType::Finish(DDS_TypeCode aggregate,
+const DDS_TypeCode *RandomType::finish(DDS_TypeCode aggregate,
                                        std::vector<DDS_TypeCodeMember> members, std::size_t start) {
     DDS_SampleAccessInfo access{};
     access.language_binding = KOLT_LANGUAGE_BINDING_PLAIN_RECORD;
@@ -268,43 +268,43 @@ const DDS_TypeCode *RandomType::Finish(DDS_TypeCode aggregate,
     access.member_offsets = offsets_.back().data();
     access_.push_back(access);
     members_.push_back(std::move(members));
-    aggregate.name = Name("Test::Type");
+    aggregate.name = name("Test::Type");
     aggregate.members = members_.back().data();
     aggregate.member_count = access.member_count;
     aggregate.access = &access_.back();
-    return Store(aggregate);
+    return store(aggregate);
 }
 
-const DDS_TypeCode *RandomType::MakeStruct(int depth) {
+const DDS_TypeCode *RandomType::make_struct(int depth) {
     DDS_TypeCode type{};
     type.kind = DDS_TK_STRUCT;
-    type.extensibility = Extensibility();
-    const unsigned count = 1 + decisions_.Below(6);
-    return Finish(type, MakeMembers(count, depth, false), 0);
+    type.extensibility = extensibility();
+    const unsigned count = 1 + decisions_.below(6);
+    return finish(type, make_members(count, depth, false), 0);
 }
 
-const DDS_TypeCode *RandomType::Discriminator() {
+const DDS_TypeCode *RandomType::discriminator() {
     constexpr DDS_TCKind kKinds[] = {DDS_TK_LONG,  DDS_TK_BOOLEAN,  DDS_TK_CHAR,
                                      DDS_TK_OCTET, DDS_TK_SHORT,    DDS_TK_USHORT,
                                      DDS_TK_ULONG, DDS_TK_LONGLONG, DDS_TK_ULONGLONG};
-    const unsigned choice = decisions_.Below(10);
-    return choice == 9 ? MakeEnum() : DDS_TypeCodeFactory_get_primitive_tc(kKinds[choice]);
+    const unsigned choice = decisions_.below(10);
+    return choice == 9 ? make_enum() : DDS_TypeCodeFactory_get_primitive_tc(kKinds[choice]);
 }
 
-const DDS_TypeCode *RandomType::MakeUnion(int depth) {
+const DDS_TypeCode *RandomType::make_union(int depth) {
     DDS_TypeCode type{};
     type.kind = DDS_TK_UNION;
-    type.extensibility = Extensibility();
-    type.discriminator_type = Discriminator();
+    type.extensibility = extensibility();
+    type.discriminator_type = discriminator();
     const bool is_boolean = type.discriminator_type->kind == DDS_TK_BOOLEAN;
-    const unsigned count = 1 + decisions_.Below(is_boolean ? 2 : 4);
-    std::vector<DDS_TypeCodeMember> members = MakeMembers(count, depth, true);
+    const unsigned count = 1 + decisions_.below(is_boolean ? 2 : 4);
+    std::vector<DDS_TypeCodeMember> members = make_members(count, depth, true);
     DDS_Long label = type.discriminator_type->kind == DDS_TK_ENUM
                          ? type.discriminator_type->members[0].ordinal
                          : 0;
     type.default_discriminator = label;
     for (DDS_TypeCodeMember &member : members) {
-        std::vector<DDS_Long> labels(is_boolean ? 1 : 1 + decisions_.Below(2));
+        std::vector<DDS_Long> labels(is_boolean ? 1 : 1 + decisions_.below(2));
         for (DDS_Long &each : labels) {
             each = label++;
         }
@@ -312,11 +312,11 @@ const DDS_TypeCode *RandomType::MakeUnion(int depth) {
         member.labels = labels_.back().data();
         member.label_count = static_cast<DDS_UnsignedLong>(labels_.back().size());
     }
-    members.back().is_default_label = decisions_.OneIn(2);
-    return Finish(type, std::move(members), size_of(*type.discriminator_type));
+    members.back().is_default_label = decisions_.one_in(2);
+    return finish(type, std::move(members), size_of(*type.discriminator_type));
 }
 
-void RandomType::MakeShorter() {
+void RandomType::make_shorter() {
     if (type_->kind != DDS_TK_STRUCT || type_->member_count < 2) {
         return;
     }
@@ -326,7 +326,7 @@ void RandomType::MakeShorter() {
     --access.member_count;
     access_.push_back(access);
     shorter.access = &access_.back();
-    shorter_ = Store(shorter);
+    shorter_ = store(shorter);
 }
 
 }  // namespace support

@@ -16,11 +16,11 @@ class Decisions {
   public:
     Decisions(const std::uint8_t *bytes, std::size_t size) : at_(bytes), left_(size) {}
 
-    std::uint8_t Byte();
-    unsigned Below(unsigned limit) { return Byte() % limit; }
+    std::uint8_t byte();
+    unsigned below(unsigned limit) { return byte() % limit; }
     // True in one of `rarity` cases; false when the bytes have run out.
-    bool OneIn(unsigned rarity) { return Byte() % rarity == rarity - 1; }
-    std::uint64_t Word();
+    bool one_in(unsigned rarity) { return byte() % rarity == rarity - 1; }
+    std::uint64_t word();
     bool empty() const { return left_ == 0; }
     std::size_t left() const { return left_; }
 
@@ -42,24 +42,24 @@ class RandomType {
     const DDS_TypeCode *shorter() const { return shorter_; }
 
   private:
-    const DDS_TypeCode *Make(int depth);
-    const DDS_TypeCode *MakeEnum();
-    const DDS_TypeCode *MakeString();
-    const DDS_TypeCode *MakeArray(int depth);
-    const DDS_TypeCode *MakeSequence(int depth);
-    const DDS_TypeCode *MakeStruct(int depth);
-    const DDS_TypeCode *MakeUnion(int depth);
-    const DDS_TypeCode *Discriminator();
-    void GiveDefault(DDS_TypeCodeMember *member);
-    std::vector<DDS_TypeCodeMember> MakeMembers(unsigned count, int depth, bool is_union);
+    const DDS_TypeCode *make(int depth);
+    const DDS_TypeCode *make_enum();
+    const DDS_TypeCode *make_string();
+    const DDS_TypeCode *make_array(int depth);
+    const DDS_TypeCode *make_sequence(int depth);
+    const DDS_TypeCode *make_struct(int depth);
+    const DDS_TypeCode *make_union(int depth);
+    const DDS_TypeCode *discriminator();
+    void give_default(DDS_TypeCodeMember *member);
+    std::vector<DDS_TypeCodeMember> make_members(unsigned count, int depth, bool is_union);
     // Places the members behind the first `start` bytes of a record.
-    const DDS_TypeCode *Finish(DDS_TypeCode aggregate, std::vector<DDS_TypeCodeMember> members,
+    const DDS_TypeCode *finish(DDS_TypeCode aggregate, std::vector<DDS_TypeCodeMember> members,
                                std::size_t start);
-    void MakeShorter();
+    void make_shorter();
 
-    DDS_TypeCode *Store(const DDS_TypeCode &type);
-    const char *Name(const std::string &prefix);
-    DDS_ExtensibilityKind Extensibility();
+    DDS_TypeCode *store(const DDS_TypeCode &type);
+    const char *name(const std::string &prefix);
+    DDS_ExtensibilityKind extensibility();
 
     Decisions &decisions_;
     unsigned budget_ = 24;  // types that may still be made
