@@ -23,7 +23,7 @@ extern "C" DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *, c
 
 TEST(FailingWriter, DoesNotFeedItself) {
     const support::Logger logger({.domain = 162, .filter_level = 800, .forward = true});
-    ASSERT_NE(nullptr, logger.get());
+    ASSERT_NE(logger.get(), nullptr);
     support::StdoutCapture capture;
     constexpr int kMessages = 20;
     for (int i = 0; i < kMessages; ++i) {
@@ -33,8 +33,8 @@ TEST(FailingWriter, DoesNotFeedItself) {
     // Were the failures fed back, they would be in the queue before this one.
     logger.log(100, "the last");
     ASSERT_TRUE(support::eventually([] { return writes == kMessages + 1; }));
-    EXPECT_EQ(kMessages + 1, VUR_DL_MessageQueue_getMessageId(VUR_DL_DistLogger_getMessageQueue()));
-    EXPECT_EQ(0, capture.count("the test refuses every write")) << capture.text();
+    EXPECT_EQ(VUR_DL_MessageQueue_getMessageId(VUR_DL_DistLogger_getMessageQueue()), kMessages + 1);
+    EXPECT_EQ(capture.count("the test refuses every write"), 0) << capture.text();
     EXPECT_TRUE(support::eventually([&] {
         return capture.count(
                    "DL Error: LogMessageWriteThread_run: Unable to write LogMessage in "

@@ -41,7 +41,7 @@ Writes writes;
 extern "C" DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *, const void *sample,
                                                              DDS_InstanceHandle_t handle,
                                                              const DDS_Time_t *time) {
-    EXPECT_EQ(DDS_HANDLE_NIL, handle);
+    EXPECT_EQ(handle, DDS_HANDLE_NIL);
     const auto &message = *static_cast<const VUR_DL_LogMessage *>(sample);
     const std::lock_guard lock(writes.mutex);
     writes.seen.push_back({message.messageId, *time, message.message});
@@ -65,7 +65,7 @@ class WriteThread : public testing::Test {
     void start() {
         const DDS_ThreadSettings_t settings = DDS_THREAD_SETTINGS_DEFAULT;
         self_ = LogMessageWriteThread_create(&writer_, 10, &settings);
-        ASSERT_NE(nullptr, self_);
+        ASSERT_NE(self_, nullptr);
     }
     void TearDown() override {
         if (self_ != nullptr) {
@@ -90,12 +90,12 @@ TEST_F(WriteThread, PublishesInOrderWithTheTimeOfTheLogCall) {
     push("one", {100, 5});
     push("two", {200, 6});
     ASSERT_TRUE(writes.wait_for(2));
-    EXPECT_EQ(1, writes.seen[0].id);
-    EXPECT_EQ("one", writes.seen[0].text);
-    EXPECT_EQ(100, writes.seen[0].time.sec);
-    EXPECT_EQ(5U, writes.seen[0].time.nanosec);
-    EXPECT_EQ(2, writes.seen[1].id);
-    EXPECT_EQ(200, writes.seen[1].time.sec);
+    EXPECT_EQ(writes.seen[0].id, 1);
+    EXPECT_EQ(writes.seen[0].text, "one");
+    EXPECT_EQ(writes.seen[0].time.sec, 100);
+    EXPECT_EQ(writes.seen[0].time.nanosec, 5U);
+    EXPECT_EQ(writes.seen[1].id, 2);
+    EXPECT_EQ(writes.seen[1].time.sec, 200);
 }
 
 TEST_F(WriteThread, AnIdleThreadEndsSoonAfterItIsToldTo) {
@@ -115,7 +115,7 @@ TEST_F(WriteThread, AnErrorLosesThatMessageOnly) {
     push("lost");
     push("next");
     ASSERT_TRUE(writes.wait_for(2));
-    EXPECT_EQ("next", writes.seen[1].text);
+    EXPECT_EQ(writes.seen[1].text, "next");
     const std::string line =
         "DL Error: LogMessageWriteThread_run: Unable to write LogMessage in DataWriter";
     EXPECT_TRUE(support::eventually([&] { return capture.count(line) == 1; })) << capture.text();
@@ -130,11 +130,11 @@ TEST_F(WriteThread, AMessageThatTimedOutIsWrittenAgainAfterTheNextPush) {
     EXPECT_FALSE(writes.wait_for(2, 400ms)) << "retried without a push";
     push("second");
     ASSERT_TRUE(writes.wait_for(2));
-    EXPECT_EQ("first", writes.seen[1].text);
+    EXPECT_EQ(writes.seen[1].text, "first");
     push("third");
     ASSERT_TRUE(writes.wait_for(3));
-    EXPECT_EQ("second", writes.seen[2].text);
-    EXPECT_EQ("", capture.text());
+    EXPECT_EQ(writes.seen[2].text, "second");
+    EXPECT_EQ(capture.text(), "");
 }
 
 TEST_F(WriteThread, MessagesLeftAtTheEndAreNotPublished) {
@@ -151,29 +151,28 @@ TEST_F(WriteThread, MessagesLeftAtTheEndAreNotPublished) {
 TEST_F(WriteThread, KeepsTheCommunicationVerbosity) {
     start();
     KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
-    EXPECT_EQ(logger, self_->vurLogger);
-    EXPECT_EQ(KOLT_Config_Logger_get_verbosity_by_category(logger,
-                                                           KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION),
-              self_->logVerbosity);
+    EXPECT_EQ(self_->vurLogger, logger);
+    EXPECT_EQ(self_->logVerbosity, KOLT_Config_Logger_get_verbosity_by_category(
+                                       logger, KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION));
     LogMessageWriteThread_setCommunicationsLogVerbosity(self_,
                                                         KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL);
-    EXPECT_EQ(KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL, self_->logVerbosity);
-    EXPECT_EQ(KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL,
-              KOLT_Config_Logger_get_verbosity_by_category(logger,
-                                                           KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION));
+    EXPECT_EQ(self_->logVerbosity, KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL);
+    EXPECT_EQ(KOLT_Config_Logger_get_verbosity_by_category(logger,
+                                                           KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION),
+              KOLT_CONFIG_LOG_VERBOSITY_STATUS_LOCAL);
 }
 
 TEST_F(WriteThread, ItsIdIsThatOfAThread) {
     start();
     EXPECT_TRUE(support::eventually(
         [&] { return __atomic_load_n(&self_->threadId, __ATOMIC_RELAXED) != 0; }));
-    EXPECT_NE(KOLT_Thread_current_id(), __atomic_load_n(&self_->threadId, __ATOMIC_RELAXED));
+    EXPECT_NE(__atomic_load_n(&self_->threadId, __ATOMIC_RELAXED), KOLT_Thread_current_id());
 }
 
 TEST(WriteThreadRecord, DeletingNothingDoesNothing) {
     LogMessageWriteThread_delete(nullptr);
     StdoutCapture capture;
-    EXPECT_EQ("", capture.text());
+    EXPECT_EQ(capture.text(), "");
 }
 
 }  // namespace

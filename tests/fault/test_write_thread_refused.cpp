@@ -10,7 +10,7 @@ int joins = 0;
 
 extern "C" KOLT_Thread *KOLT_Thread_new(const char *name, DDS_Long, DDS_UnsignedLong, DDS_Long,
                                         KOLT_ThreadFunction, void *) {
-    EXPECT_STREQ("vDl#########Wri", name);
+    EXPECT_STREQ(name, "vDl#########Wri");
     return nullptr;
 }
 
@@ -23,9 +23,9 @@ TEST(WriteThreadRefused, LeavesNothingBehindAndJoinsNothing) {
     const DDS_ThreadSettings_t settings = DDS_THREAD_SETTINGS_DEFAULT;
     VUR_DL_LogMessageDataWriter writer{};
     support::StdoutCapture capture;
-    EXPECT_EQ(nullptr, LogMessageWriteThread_create(&writer, 10, &settings));
-    EXPECT_EQ("DL Error: LogMessageWriteThread_create: Unable to create thread!\n", capture.text());
-    EXPECT_EQ(0, joins);
+    EXPECT_EQ(LogMessageWriteThread_create(&writer, 10, &settings), nullptr);
+    EXPECT_EQ(capture.text(), "DL Error: LogMessageWriteThread_create: Unable to create thread!\n");
+    EXPECT_EQ(joins, 0);
 }
 
 TEST(WriteThreadRefused, ADeletedRecordWithoutAThreadJoinsNothing) {
@@ -34,5 +34,5 @@ TEST(WriteThreadRefused, ADeletedRecordWithoutAThreadJoinsNothing) {
     const VUR_DL_MessageQueueProperty property{3};
     self->q = VUR_DL_MessageQueue_new(&property);
     LogMessageWriteThread_delete(self);
-    EXPECT_EQ(0, joins);
+    EXPECT_EQ(joins, 0);
 }

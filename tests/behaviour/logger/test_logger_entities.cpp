@@ -31,9 +31,9 @@ class Borrowed {
         DDS_DomainParticipantQos_finalize(&qos);
     }
     ~Borrowed() {
-        EXPECT_EQ(DDS_RETCODE_OK, DDS_DomainParticipant_delete_contained_entities(participant_));
-        EXPECT_EQ(DDS_RETCODE_OK,
-                  DDS_DomainParticipantFactory_delete_participant(factory(), participant_));
+        EXPECT_EQ(DDS_DomainParticipant_delete_contained_entities(participant_), DDS_RETCODE_OK);
+        EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory(), participant_),
+                  DDS_RETCODE_OK);
     }
     Borrowed(const Borrowed &) = delete;
     Borrowed &operator=(const Borrowed &) = delete;
@@ -58,12 +58,12 @@ DDS_DataWriter *log_writer() {
 void read_writer_qos(const char *topic_name, kolt::qos::WriterQos &qos) {
     DDS_DataWriter *writer =
         DDS_Publisher_lookup_datawriter(DDS_DataWriter_get_publisher(log_writer()), topic_name);
-    EXPECT_EQ(DDS_RETCODE_OK, DDS_DataWriter_get_qos(writer, qos.get())) << topic_name;
+    EXPECT_EQ(DDS_DataWriter_get_qos(writer, qos.get()), DDS_RETCODE_OK) << topic_name;
 }
 
 TEST(LoggerEntities, WritersHaveTheQosOfTheirTopic) {
     const Logger logger({.domain = 155, .kind = "pump"});
-    ASSERT_NE(nullptr, logger.get());
+    ASSERT_NE(logger.get(), nullptr);
     const struct {
         const char *topic;
         DDS_DurabilityQosPolicyKind durability;
@@ -76,31 +76,31 @@ TEST(LoggerEntities, WritersHaveTheQosOfTheirTopic) {
     for (const auto &expected : cases) {
         kolt::qos::WriterQos qos;
         read_writer_qos(expected.topic, qos);
-        EXPECT_EQ(DDS_RELIABLE_RELIABILITY_QOS, qos->reliability.kind) << expected.topic;
-        EXPECT_EQ(expected.durability, qos->durability.kind) << expected.topic;
-        EXPECT_EQ(DDS_KEEP_LAST_HISTORY_QOS, qos->history.kind) << expected.topic;
-        EXPECT_EQ(expected.depth, qos->history.depth) << expected.topic;
-        EXPECT_EQ(0, qos->latency_budget.duration.sec);
-        EXPECT_EQ(0U, qos->latency_budget.duration.nanosec);
-        EXPECT_EQ(DDS_SHARED_OWNERSHIP_QOS, qos->ownership.kind);
-        EXPECT_EQ(DDS_AUTOMATIC_LIVELINESS_QOS, qos->liveliness.kind);
-        EXPECT_EQ(DDS_BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS, qos->destination_order.kind);
+        EXPECT_EQ(qos->reliability.kind, DDS_RELIABLE_RELIABILITY_QOS) << expected.topic;
+        EXPECT_EQ(qos->durability.kind, expected.durability) << expected.topic;
+        EXPECT_EQ(qos->history.kind, DDS_KEEP_LAST_HISTORY_QOS) << expected.topic;
+        EXPECT_EQ(qos->history.depth, expected.depth) << expected.topic;
+        EXPECT_EQ(qos->latency_budget.duration.sec, 0);
+        EXPECT_EQ(qos->latency_budget.duration.nanosec, 0U);
+        EXPECT_EQ(qos->ownership.kind, DDS_SHARED_OWNERSHIP_QOS);
+        EXPECT_EQ(qos->liveliness.kind, DDS_AUTOMATIC_LIVELINESS_QOS);
+        EXPECT_EQ(qos->destination_order.kind, DDS_BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS);
         EXPECT_TRUE(qos->protocol.vendor_specific_entity);
     }
 }
 
 TEST(LoggerEntities, TheParticipantCarriesTheKindAsItsName) {
     const Logger logger({.domain = 156, .kind = "pump"});
-    ASSERT_NE(nullptr, logger.get());
+    ASSERT_NE(logger.get(), nullptr);
     DDS_DomainParticipant *participant =
         DDS_Publisher_get_participant(DDS_DataWriter_get_publisher(log_writer()));
-    EXPECT_EQ(156, DDS_DomainParticipant_get_domain_id(participant));
+    EXPECT_EQ(DDS_DomainParticipant_get_domain_id(participant), 156);
     DDS_DomainParticipantQos qos;
     DDS_DomainParticipantQos_initialize(&qos);
-    EXPECT_EQ(DDS_RETCODE_OK, DDS_DomainParticipant_get_qos(participant, &qos));
-    EXPECT_STREQ("pump", qos.participant_name.name);
+    EXPECT_EQ(DDS_DomainParticipant_get_qos(participant, &qos), DDS_RETCODE_OK);
+    EXPECT_STREQ(qos.participant_name.name, "pump");
     EXPECT_TRUE(qos.protocol.vendor_specific_entity);
-    EXPECT_NE(0U, qos.wire_protocol.rtps_host_id);
+    EXPECT_NE(qos.wire_protocol.rtps_host_id, 0U);
     DDS_DomainParticipantQos_finalize(&qos);
 }
 
@@ -108,19 +108,20 @@ TEST(LoggerEntities, TheCommandFilterNamesTheParticipantInUse) {
     const Borrowed participant(157);
     {
         const Logger logger({.domain = 0, .participant = participant.get()});
-        ASSERT_NE(nullptr, logger.get());
+        ASSERT_NE(logger.get(), nullptr);
         DDS_ContentFilteredTopic *filtered =
             DDS_ContentFilteredTopic_narrow(participant.topic(kFilteredTopic));
-        ASSERT_NE(nullptr, filtered);
-        EXPECT_STREQ("targetHostAndAppId.rtps_host_id = %0 and targetHostAndAppId.rtps_app_id = %1",
-                     DDS_ContentFilteredTopic_get_filter_expression(filtered));
+        ASSERT_NE(filtered, nullptr);
+        EXPECT_STREQ(
+            DDS_ContentFilteredTopic_get_filter_expression(filtered),
+            "targetHostAndAppId.rtps_host_id = %0 and targetHostAndAppId.rtps_app_id = %1");
         DDS_DomainParticipantQos qos;
         DDS_DomainParticipantQos_initialize(&qos);
         DDS_DomainParticipant_get_qos(participant.get(), &qos);
         DDS_StringSeq parameters = DDS_SEQUENCE_INITIALIZER;
-        EXPECT_EQ(DDS_RETCODE_OK,
-                  DDS_ContentFilteredTopic_get_expression_parameters(filtered, &parameters));
-        EXPECT_EQ(2U, DDS_StringSeq_get_length(&parameters));
+        EXPECT_EQ(DDS_ContentFilteredTopic_get_expression_parameters(filtered, &parameters),
+                  DDS_RETCODE_OK);
+        EXPECT_EQ(DDS_StringSeq_get_length(&parameters), 2U);
         EXPECT_EQ(std::to_string(static_cast<int>(qos.wire_protocol.rtps_host_id)),
                   DDS_StringSeq_get(&parameters, 0));
         EXPECT_EQ(std::to_string(static_cast<int>(qos.wire_protocol.rtps_app_id)),
@@ -128,37 +129,38 @@ TEST(LoggerEntities, TheCommandFilterNamesTheParticipantInUse) {
         DDS_StringSeq_finalize(&parameters);
         DDS_DomainParticipantQos_finalize(&qos);
     }
-    EXPECT_EQ(nullptr, participant.topic(kFilteredTopic));
+    EXPECT_EQ(participant.topic(kFilteredTopic), nullptr);
 }
 
 TEST(LoggerEntities, WithoutRemoteAdministrationTwoTopicsAreAll) {
     const Borrowed participant(158);
     const Logger logger({.remote = false, .participant = participant.get()});
-    ASSERT_NE(nullptr, logger.get());
-    EXPECT_NE(nullptr, participant.topic(VUR_DL_LOG_TOPIC_NAME));
-    EXPECT_NE(nullptr, participant.topic(VUR_DL_STATE_TOPIC_NAME));
-    EXPECT_EQ(nullptr, participant.topic(VUR_DL_COMMAND_REQUEST_TOPIC_NAME));
-    EXPECT_EQ(nullptr, participant.topic(VUR_DL_COMMAND_RESPONSE_TOPIC_NAME));
-    EXPECT_EQ(nullptr, participant.topic(kFilteredTopic));
-    EXPECT_EQ(nullptr, DDS_Publisher_lookup_datawriter(DDS_DataWriter_get_publisher(log_writer()),
-                                                       VUR_DL_COMMAND_RESPONSE_TOPIC_NAME));
+    ASSERT_NE(logger.get(), nullptr);
+    EXPECT_NE(participant.topic(VUR_DL_LOG_TOPIC_NAME), nullptr);
+    EXPECT_NE(participant.topic(VUR_DL_STATE_TOPIC_NAME), nullptr);
+    EXPECT_EQ(participant.topic(VUR_DL_COMMAND_REQUEST_TOPIC_NAME), nullptr);
+    EXPECT_EQ(participant.topic(VUR_DL_COMMAND_RESPONSE_TOPIC_NAME), nullptr);
+    EXPECT_EQ(participant.topic(kFilteredTopic), nullptr);
+    EXPECT_EQ(DDS_Publisher_lookup_datawriter(DDS_DataWriter_get_publisher(log_writer()),
+                                              VUR_DL_COMMAND_RESPONSE_TOPIC_NAME),
+              nullptr);
 }
 
 TEST(LoggerEntities, ATopicThatExistsIsSharedAndSurvives) {
     const Borrowed participant(159);
-    ASSERT_EQ(DDS_RETCODE_OK,
-              VUR_DL_LogMessageTypeSupport_register_type(participant.get(), VUR_DL_LOG_TYPE_NAME));
+    ASSERT_EQ(VUR_DL_LogMessageTypeSupport_register_type(participant.get(), VUR_DL_LOG_TYPE_NAME),
+              DDS_RETCODE_OK);
     DDS_Topic *topic = DDS_DomainParticipant_create_topic(participant.get(), VUR_DL_LOG_TOPIC_NAME,
                                                           VUR_DL_LOG_TYPE_NAME,
                                                           &DDS_TOPIC_QOS_DEFAULT, nullptr, 0);
-    ASSERT_NE(nullptr, topic);
+    ASSERT_NE(topic, nullptr);
     {
         const Logger logger({.participant = participant.get()});
-        ASSERT_NE(nullptr, logger.get());
+        ASSERT_NE(logger.get(), nullptr);
         EXPECT_EQ(topic, DDS_DataWriter_get_topic(log_writer()));
     }
     EXPECT_EQ(DDS_Topic_as_topicdescription(topic), participant.topic(VUR_DL_LOG_TOPIC_NAME));
-    EXPECT_EQ(nullptr, participant.topic(VUR_DL_STATE_TOPIC_NAME));
+    EXPECT_EQ(participant.topic(VUR_DL_STATE_TOPIC_NAME), nullptr);
 }
 
 class LoggerMissingProfile : public testing::TestWithParam<std::pair<const char *, const char *>> {
@@ -170,17 +172,17 @@ TEST_P(LoggerMissingProfile, IsAWarningAndDefaultsApply) {
     VUR_DL_Options_setDomainId(options, 160);
     VUR_DL_Options_setQosLibrary(options, library);
     VUR_DL_Options_setQosProfile(options, profile);
-    ASSERT_EQ(1, VUR_DL_DistLogger_setOptions(options));
+    ASSERT_EQ(VUR_DL_DistLogger_setOptions(options), 1);
     VUR_DL_Options_delete(options);
     {
         StdoutCapture capture;
-        ASSERT_NE(nullptr, VUR_DL_DistLogger_getInstance());
-        EXPECT_EQ(1, capture.count(kMissingProfile)) << capture.text();
+        ASSERT_NE(VUR_DL_DistLogger_getInstance(), nullptr);
+        EXPECT_EQ(capture.count(kMissingProfile), 1) << capture.text();
         kolt::qos::WriterQos qos;
         read_writer_qos(VUR_DL_LOG_TOPIC_NAME, qos);
-        EXPECT_EQ(10, qos->history.depth);
+        EXPECT_EQ(qos->history.depth, 10);
     }
-    EXPECT_EQ(0, VUR_DL_DistLogger_finalizeInstance());
+    EXPECT_EQ(VUR_DL_DistLogger_finalizeInstance(), 0);
 }
 INSTANTIATE_TEST_SUITE_P(Names, LoggerMissingProfile,
                          testing::Values(std::pair{"nowhere", "none"}, std::pair{"nowhere", ""},
@@ -189,10 +191,10 @@ INSTANTIATE_TEST_SUITE_P(Names, LoggerMissingProfile,
 TEST(LoggerEntities, DisabledEntitiesWriteNoState) {
     const Borrowed participant(161, false);
     const Logger logger({.participant = participant.get()});
-    ASSERT_NE(nullptr, logger.get());
+    ASSERT_NE(logger.get(), nullptr);
     EXPECT_FALSE(DDS_Entity_is_enabled(DDS_DataWriter_as_entity(log_writer())));
-    EXPECT_EQ(1, VUR_DL_DistLogger_writeState(logger.get()));
-    EXPECT_EQ(0, VUR_DL_DistLogger_setFilterLevel(logger.get(), 700));
+    EXPECT_EQ(VUR_DL_DistLogger_writeState(logger.get()), 1);
+    EXPECT_EQ(VUR_DL_DistLogger_setFilterLevel(logger.get(), 700), 0);
 }
 
 }  // namespace

@@ -47,18 +47,18 @@ TEST(ManyLoggers, AreAllListedAndACommandReachesOne) {
     int listed = 0;
     ASSERT_TRUE(support::eventually([&] {
         ChildProcess ls(command({"ls", "--json", "--timeout", "5"}));
-        EXPECT_EQ(0, ls.wait());
+        EXPECT_EQ(ls.wait(), 0);
         listed = count_with(ls.lines(), "\"application_kind\":\"member-");
         return listed == kLoggers;
     })) << listed;
 
     ChildProcess set(command({"set", "level", "member-7-", "trace"}));
-    EXPECT_EQ(0, set.wait());
-    EXPECT_EQ(1U, set.lines().size());
+    EXPECT_EQ(set.wait(), 0);
+    EXPECT_EQ(set.lines().size(), 1U);
     ChildProcess ls(command({"ls", "--json", "--timeout", "5"}));
-    ASSERT_EQ(0, ls.wait());
-    EXPECT_EQ(1, count_with(ls.lines(), "\"filter_level\":800"));
-    EXPECT_EQ(kLoggers - 1, count_with(ls.lines(), "\"filter_level\":600"));
+    ASSERT_EQ(ls.wait(), 0);
+    EXPECT_EQ(count_with(ls.lines(), "\"filter_level\":800"), 1);
+    EXPECT_EQ(count_with(ls.lines(), "\"filter_level\":600"), kLoggers - 1);
 }
 
 }  // namespace

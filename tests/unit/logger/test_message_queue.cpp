@@ -46,42 +46,42 @@ int push(const QueuePtr &queue, std::string text, std::string category = "", DDS
 
 TEST(MessageQueue, HandsOutInOrderWithEverything) {
     const QueuePtr queue = create(4);
-    EXPECT_EQ(4, VUR_DL_MessageQueue_getMessageQueueProperty(queue.get()));
-    EXPECT_EQ(0, VUR_DL_MessageQueue_getMessageId(queue.get()));
-    EXPECT_EQ(1, push(queue, "one", "first", 300));
-    EXPECT_EQ(1, push(queue, "two"));
-    EXPECT_EQ(2, VUR_DL_MessageQueue_getMessageId(queue.get()));
+    EXPECT_EQ(VUR_DL_MessageQueue_getMessageQueueProperty(queue.get()), 4);
+    EXPECT_EQ(VUR_DL_MessageQueue_getMessageId(queue.get()), 0);
+    EXPECT_EQ(push(queue, "one", "first", 300), 1);
+    EXPECT_EQ(push(queue, "two"), 1);
+    EXPECT_EQ(VUR_DL_MessageQueue_getMessageId(queue.get()), 2);
     const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, front);
-    EXPECT_STREQ("one", front->message.message);
-    EXPECT_STREQ("first", front->message.category);
-    EXPECT_EQ(300, front->message.level);
-    EXPECT_EQ(11, front->message.hostAndAppId.rtps_host_id);
-    EXPECT_EQ(22, front->message.hostAndAppId.rtps_app_id);
-    EXPECT_EQ(1, front->message.messageId);
-    EXPECT_EQ(5, front->writeTime.sec);
-    EXPECT_EQ(6U, front->writeTime.nanosec);
+    ASSERT_NE(front, nullptr);
+    EXPECT_STREQ(front->message.message, "one");
+    EXPECT_STREQ(front->message.category, "first");
+    EXPECT_EQ(front->message.level, 300);
+    EXPECT_EQ(front->message.hostAndAppId.rtps_host_id, 11);
+    EXPECT_EQ(front->message.hostAndAppId.rtps_app_id, 22);
+    EXPECT_EQ(front->message.messageId, 1);
+    EXPECT_EQ(front->writeTime.sec, 5);
+    EXPECT_EQ(front->writeTime.nanosec, 6U);
     VUR_DL_MessageQueue_pop(queue.get());
     front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, front);
-    EXPECT_STREQ("two", front->message.message);
-    EXPECT_EQ(2, front->message.messageId);
+    ASSERT_NE(front, nullptr);
+    EXPECT_STREQ(front->message.message, "two");
+    EXPECT_EQ(front->message.messageId, 2);
     VUR_DL_MessageQueue_pop(queue.get());
 }
 
 TEST(MessageQueue, AFullQueueDropsSilentlyAndUsesUpANumber) {
     const QueuePtr queue = create(1);
     StdoutCapture capture;
-    EXPECT_EQ(1, push(queue, "kept"));
-    EXPECT_EQ(0, push(queue, "dropped"));
-    EXPECT_EQ("", capture.text());
-    ASSERT_NE(nullptr, VUR_DL_MessageQueue_front(queue.get(), &kNoWait));
+    EXPECT_EQ(push(queue, "kept"), 1);
+    EXPECT_EQ(push(queue, "dropped"), 0);
+    EXPECT_EQ(capture.text(), "");
+    ASSERT_NE(VUR_DL_MessageQueue_front(queue.get(), &kNoWait), nullptr);
     VUR_DL_MessageQueue_pop(queue.get());
-    EXPECT_EQ(1, push(queue, "third"));
+    EXPECT_EQ(push(queue, "third"), 1);
     const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, front);
-    EXPECT_EQ(3, front->message.messageId);
-    EXPECT_STREQ("third", front->message.message);
+    ASSERT_NE(front, nullptr);
+    EXPECT_EQ(front->message.messageId, 3);
+    EXPECT_STREQ(front->message.message, "third");
 }
 
 class MessageQueueTexts : public testing::TestWithParam<std::pair<std::size_t, std::size_t>> {};
@@ -90,11 +90,11 @@ TEST_P(MessageQueueTexts, MessagesAreCutAt4096) {
     const auto [length, kept] = GetParam();
     const QueuePtr queue = create(1);
     const std::string text(length, 'm');
-    ASSERT_EQ(1, push(queue, text));
+    ASSERT_EQ(push(queue, text), 1);
     const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, front);
-    EXPECT_EQ(text.substr(0, std::min<std::size_t>(length, 4096)), front->message.message);
-    EXPECT_EQ(kept, std::string(front->message.message).size());
+    ASSERT_NE(front, nullptr);
+    EXPECT_EQ(front->message.message, text.substr(0, std::min<std::size_t>(length, 4096)));
+    EXPECT_EQ(std::string(front->message.message).size(), kept);
     VUR_DL_MessageQueue_pop(queue.get());
 }
 INSTANTIATE_TEST_SUITE_P(Lengths, MessageQueueTexts,
@@ -108,10 +108,10 @@ class MessageQueueCategories : public testing::TestWithParam<std::pair<std::size
 TEST_P(MessageQueueCategories, CategoriesAreCutAt512) {
     const auto [length, kept] = GetParam();
     const QueuePtr queue = create(1);
-    ASSERT_EQ(1, push(queue, "text", std::string(length, 'c')));
+    ASSERT_EQ(push(queue, "text", std::string(length, 'c')), 1);
     const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, front);
-    EXPECT_EQ(std::string(kept, 'c'), front->message.category);
+    ASSERT_NE(front, nullptr);
+    EXPECT_EQ(front->message.category, std::string(kept, 'c'));
     VUR_DL_MessageQueue_pop(queue.get());
 }
 INSTANTIATE_TEST_SUITE_P(Lengths, MessageQueueCategories,
@@ -125,27 +125,27 @@ TEST(MessageQueue, ArbitraryBytesSurvive) {
     for (int byte = 255; byte > 0; --byte) {
         text.push_back(static_cast<char>(byte));
     }
-    ASSERT_EQ(1, push(queue, text));
+    ASSERT_EQ(push(queue, text), 1);
     const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, front);
-    EXPECT_EQ(text, front->message.message);
+    ASSERT_NE(front, nullptr);
+    EXPECT_EQ(front->message.message, text);
 }
 
 TEST(MessageQueue, AnEmptyQueueGivesNullAfterTheTimeWithoutALine) {
     const QueuePtr queue = create(1);
     StdoutCapture capture;
     const auto before = std::chrono::steady_clock::now();
-    EXPECT_EQ(nullptr, VUR_DL_MessageQueue_front(queue.get(), &kShort));
+    EXPECT_EQ(VUR_DL_MessageQueue_front(queue.get(), &kShort), nullptr);
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(20));
-    EXPECT_EQ("", capture.text());
+    EXPECT_EQ(capture.text(), "");
 }
 
 TEST(MessageQueue, FrontTwiceNeedsTwoTokensAndGivesTheSameElement) {
     const QueuePtr queue = create(2);
     push(queue, "one");
     const VUR_DL_LogMessagePlusTime *first = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-    ASSERT_NE(nullptr, first);
-    EXPECT_EQ(nullptr, VUR_DL_MessageQueue_front(queue.get(), &kNoWait));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(VUR_DL_MessageQueue_front(queue.get(), &kNoWait), nullptr);
     push(queue, "two");
     EXPECT_EQ(first, VUR_DL_MessageQueue_front(queue.get(), &kNoWait));
 }
@@ -154,8 +154,8 @@ TEST(MessageQueue, PopOnAnEmptyQueueDoesNothing) {
     const QueuePtr queue = create(1);
     StdoutCapture capture;
     VUR_DL_MessageQueue_pop(queue.get());
-    EXPECT_EQ("", capture.text());
-    EXPECT_EQ(1, push(queue, "one"));
+    EXPECT_EQ(capture.text(), "");
+    EXPECT_EQ(push(queue, "one"), 1);
 }
 
 TEST(MessageQueue, DeletingAQueueFreesItsMessages) {
@@ -169,10 +169,10 @@ TEST(MessageQueue, DeletingAQueueFreesItsMessages) {
 TEST(MessageQueue, ReusedElementsShowNothingOfFormerMessages) {
     const QueuePtr queue = create(1);
     for (const std::size_t length : {100U, 3000U, 5U, 0U}) {
-        ASSERT_EQ(1, push(queue, std::string(length, 'x'), std::string(length, 'y')));
+        ASSERT_EQ(push(queue, std::string(length, 'x'), std::string(length, 'y')), 1);
         const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kNoWait);
-        ASSERT_NE(nullptr, front);
-        EXPECT_EQ(std::string(length, 'x'), front->message.message);
+        ASSERT_NE(front, nullptr);
+        EXPECT_EQ(front->message.message, std::string(length, 'x'));
         EXPECT_EQ(std::string(std::min<std::size_t>(length, 512), 'y'), front->message.category);
         VUR_DL_MessageQueue_pop(queue.get());
     }
@@ -193,13 +193,13 @@ TEST(MessageQueue, ManyProducersOneConsumer) {
     std::vector<int> next(kThreads, 0);
     for (int received = 1; received <= kThreads * kEach; ++received) {
         const VUR_DL_LogMessagePlusTime *front = VUR_DL_MessageQueue_front(queue.get(), &kLong);
-        ASSERT_NE(nullptr, front);
-        EXPECT_EQ(received, front->message.messageId);
+        ASSERT_NE(front, nullptr);
+        EXPECT_EQ(front->message.messageId, received);
         int &expected = next.at(static_cast<std::size_t>(front->message.level));
-        EXPECT_EQ(std::to_string(expected++), front->message.message);
+        EXPECT_EQ(front->message.message, std::to_string(expected++));
         VUR_DL_MessageQueue_pop(queue.get());
     }
-    EXPECT_EQ(nullptr, VUR_DL_MessageQueue_front(queue.get(), &kNoWait));
+    EXPECT_EQ(VUR_DL_MessageQueue_front(queue.get(), &kNoWait), nullptr);
 }
 
 }  // namespace

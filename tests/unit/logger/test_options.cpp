@@ -24,73 +24,71 @@ OptionsPtr create() {
 
 TEST(Options, Defaults) {
     const OptionsPtr options = create();
-    EXPECT_EQ(1, options->enabled);
-    EXPECT_EQ(1, VUR_DL_Options_isRemoteAdministrationEnabled(options.get()));
-    EXPECT_EQ(600, VUR_DL_Options_getFilterLevel(options.get()));
-    EXPECT_EQ(0, VUR_DL_Options_getDomainId(options.get()));
-    EXPECT_EQ(128, VUR_DL_Options_getQueueSize(options.get()));
-    EXPECT_EQ(1, VUR_DL_Options_getEchoToStdout(options.get()));
-    EXPECT_EQ(1, VUR_DL_Options_getLogInfrastructureMessages(options.get()));
-    EXPECT_EQ(nullptr, VUR_DL_Options_getQosLibrary(options.get()));
-    EXPECT_EQ(nullptr, VUR_DL_Options_getQosProfile(options.get()));
-    EXPECT_EQ(nullptr, VUR_DL_Options_getApplicationKind(options.get()));
-    EXPECT_EQ(nullptr, VUR_DL_Options_getDomainParticipant(options.get()));
-    EXPECT_EQ(nullptr, options->cppDomainParticipant);
+    EXPECT_EQ(options->enabled, 1);
+    EXPECT_EQ(VUR_DL_Options_isRemoteAdministrationEnabled(options.get()), 1);
+    EXPECT_EQ(VUR_DL_Options_getFilterLevel(options.get()), 600);
+    EXPECT_EQ(VUR_DL_Options_getDomainId(options.get()), 0);
+    EXPECT_EQ(VUR_DL_Options_getQueueSize(options.get()), 128);
+    EXPECT_EQ(VUR_DL_Options_getEchoToStdout(options.get()), 1);
+    EXPECT_EQ(VUR_DL_Options_getLogInfrastructureMessages(options.get()), 1);
+    EXPECT_EQ(VUR_DL_Options_getQosLibrary(options.get()), nullptr);
+    EXPECT_EQ(VUR_DL_Options_getQosProfile(options.get()), nullptr);
+    EXPECT_EQ(VUR_DL_Options_getApplicationKind(options.get()), nullptr);
+    EXPECT_EQ(VUR_DL_Options_getDomainParticipant(options.get()), nullptr);
+    EXPECT_EQ(options->cppDomainParticipant, nullptr);
     const DDS_ThreadSettings_t *settings = VUR_DL_Options_getThreadSettings(options.get());
-    EXPECT_EQ(0U, settings->mask);
-    EXPECT_EQ(-9999999, settings->priority);
-    EXPECT_EQ(-1, settings->stack_size);
-    EXPECT_EQ(0U, DDS_LongSeq_get_length(&settings->cpu_list));
-    EXPECT_EQ(DDS_THREAD_SETTINGS_CPU_NO_ROTATION, settings->cpu_rotation);
+    EXPECT_EQ(settings->mask, 0U);
+    EXPECT_EQ(settings->priority, -9999999);
+    EXPECT_EQ(settings->stack_size, -1);
+    EXPECT_EQ(DDS_LongSeq_get_length(&settings->cpu_list), 0U);
+    EXPECT_EQ(settings->cpu_rotation, DDS_THREAD_SETTINGS_CPU_NO_ROTATION);
 }
 
 TEST(Options, BoundsOfNumbers) {
     const OptionsPtr options = create();
     StdoutCapture capture;
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setFilterLevel(options.get(), 0));
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setFilterLevel(options.get(), 650));
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER, VUR_DL_Options_setFilterLevel(options.get(), -1));
-    EXPECT_EQ(650, VUR_DL_Options_getFilterLevel(options.get()));
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setDomainId(options.get(), 7));
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER, VUR_DL_Options_setDomainId(options.get(), -1));
-    EXPECT_EQ(7, VUR_DL_Options_getDomainId(options.get()));
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setDomainId(options.get(), 0));
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setQueueSize(options.get(), 1));
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER, VUR_DL_Options_setQueueSize(options.get(), 0));
-    EXPECT_EQ(1, VUR_DL_Options_getQueueSize(options.get()));
-    EXPECT_EQ(
-        "DL Error: VUR_DL_Options_setFilterLevel: Filter Level must be positive or zero\n"
-        "DL Error: VUR_DL_Options_setDomainId: Domain Id must be positive or zero\n"
-        "DL Error: VUR_DL_Options_setQueueSize: Queue Size must be positive\n",
-        capture.text());
+    EXPECT_EQ(VUR_DL_Options_setFilterLevel(options.get(), 0), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_setFilterLevel(options.get(), 650), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_setFilterLevel(options.get(), -1), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(VUR_DL_Options_getFilterLevel(options.get()), 650);
+    EXPECT_EQ(VUR_DL_Options_setDomainId(options.get(), 7), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_setDomainId(options.get(), -1), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(VUR_DL_Options_getDomainId(options.get()), 7);
+    EXPECT_EQ(VUR_DL_Options_setDomainId(options.get(), 0), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_setQueueSize(options.get(), 1), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_setQueueSize(options.get(), 0), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(VUR_DL_Options_getQueueSize(options.get()), 1);
+    EXPECT_EQ(capture.text(),
+              "DL Error: VUR_DL_Options_setFilterLevel: Filter Level must be positive or zero\n"
+              "DL Error: VUR_DL_Options_setDomainId: Domain Id must be positive or zero\n"
+              "DL Error: VUR_DL_Options_setQueueSize: Queue Size must be positive\n");
 }
 
 TEST(Options, BooleansAreStoredUnchanged) {
     const OptionsPtr options = create();
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setRemoteAdministrationEnabled(options.get(), 5));
-    EXPECT_EQ(5, VUR_DL_Options_isRemoteAdministrationEnabled(options.get()));
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setEchoToStdout(options.get(), 2));
-    EXPECT_EQ(2, VUR_DL_Options_getEchoToStdout(options.get()));
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setLogInfrastructureMessages(options.get(), -1));
-    EXPECT_EQ(-1, VUR_DL_Options_getLogInfrastructureMessages(options.get()));
+    EXPECT_EQ(VUR_DL_Options_setRemoteAdministrationEnabled(options.get(), 5), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_isRemoteAdministrationEnabled(options.get()), 5);
+    EXPECT_EQ(VUR_DL_Options_setEchoToStdout(options.get(), 2), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_getEchoToStdout(options.get()), 2);
+    EXPECT_EQ(VUR_DL_Options_setLogInfrastructureMessages(options.get(), -1), DDS_RETCODE_OK);
+    EXPECT_EQ(VUR_DL_Options_getLogInfrastructureMessages(options.get()), -1);
 }
 
 TEST(Options, AbsentValuesAreRefused) {
     const OptionsPtr options = create();
     VUR_DL_Options_setQosLibrary(options.get(), "lib");
     StdoutCapture capture;
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER,
-              VUR_DL_Options_setDomainParticipant(options.get(), nullptr));
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER, VUR_DL_Options_setQosLibrary(options.get(), nullptr));
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER, VUR_DL_Options_setQosProfile(options.get(), nullptr));
-    EXPECT_EQ(DDS_RETCODE_BAD_PARAMETER, VUR_DL_Options_setApplicationKind(options.get(), nullptr));
-    EXPECT_STREQ("lib", VUR_DL_Options_getQosLibrary(options.get()));
-    EXPECT_EQ(
-        "DL Error: VUR_DL_Options_setDomainParticipant: domainParticipant is null\n"
-        "DL Error: VUR_DL_Options_setQoSLibrary: QoS Library is NULL\n"
-        "DL Error: VUR_DL_Options_setQoSProfile: QoS Profile is NULL\n"
-        "DL Error: VUR_DL_Options_setApplicationKind: application kind is NULL\n",
-        capture.text());
+    EXPECT_EQ(VUR_DL_Options_setDomainParticipant(options.get(), nullptr),
+              DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(VUR_DL_Options_setQosLibrary(options.get(), nullptr), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(VUR_DL_Options_setQosProfile(options.get(), nullptr), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(VUR_DL_Options_setApplicationKind(options.get(), nullptr), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_STREQ(VUR_DL_Options_getQosLibrary(options.get()), "lib");
+    EXPECT_EQ(capture.text(),
+              "DL Error: VUR_DL_Options_setDomainParticipant: domainParticipant is null\n"
+              "DL Error: VUR_DL_Options_setQoSLibrary: QoS Library is NULL\n"
+              "DL Error: VUR_DL_Options_setQoSProfile: QoS Profile is NULL\n"
+              "DL Error: VUR_DL_Options_setApplicationKind: application kind is NULL\n");
 }
 
 TEST(Options, SettersWithoutARecordReturnNoData) {
@@ -114,9 +112,9 @@ TEST(Options, SettersWithoutARecordReturnNoData) {
     };
     for (const auto &[name, setter] : setters) {
         StdoutCapture capture;
-        EXPECT_EQ(11, static_cast<int>(setter())) << name;
-        EXPECT_EQ(std::string("DL Error: VUR_DL_Options_") + name + ": VUR_DL_Options is null\n",
-                  capture.text());
+        EXPECT_EQ(static_cast<int>(setter()), 11) << name;
+        EXPECT_EQ(capture.text(),
+                  std::string("DL Error: VUR_DL_Options_") + name + ": VUR_DL_Options is null\n");
     }
 }
 
@@ -142,9 +140,9 @@ TEST(Options, GettersWithoutARecordReturnTheirSentinel) {
     };
     for (const auto &[name, sentinel, getter] : getters) {
         StdoutCapture capture;
-        EXPECT_EQ(sentinel, getter()) << name;
-        EXPECT_EQ(std::string("DL Error: VUR_DL_Options_") + name + ": VUR_DL_Options is null\n",
-                  capture.text());
+        EXPECT_EQ(getter(), sentinel) << name;
+        EXPECT_EQ(capture.text(),
+                  std::string("DL Error: VUR_DL_Options_") + name + ": VUR_DL_Options is null\n");
     }
 }
 
@@ -159,13 +157,13 @@ TEST(Options, DupIsEqualAndIndependent) {
     DDS_LongSeq_ensure_length(&settings->cpu_list, 1, 1);
     *DDS_LongSeq_get_reference(&settings->cpu_list, 0) = 3;
     const OptionsPtr copy(VUR_DL_Options_dup(options.get()));
-    EXPECT_EQ(1, VUR_DL_Options_equals(options.get(), copy.get()));
+    EXPECT_EQ(VUR_DL_Options_equals(options.get(), copy.get()), 1);
     options.reset();
-    EXPECT_STREQ("library", VUR_DL_Options_getQosLibrary(copy.get()));
-    EXPECT_STREQ("profile", VUR_DL_Options_getQosProfile(copy.get()));
-    EXPECT_STREQ("kind", VUR_DL_Options_getApplicationKind(copy.get()));
-    EXPECT_EQ(3, DDS_LongSeq_get(&copy->threadSettings.cpu_list, 0));
-    EXPECT_EQ(nullptr, VUR_DL_Options_dup(nullptr));
+    EXPECT_STREQ(VUR_DL_Options_getQosLibrary(copy.get()), "library");
+    EXPECT_STREQ(VUR_DL_Options_getQosProfile(copy.get()), "profile");
+    EXPECT_STREQ(VUR_DL_Options_getApplicationKind(copy.get()), "kind");
+    EXPECT_EQ(DDS_LongSeq_get(&copy->threadSettings.cpu_list, 0), 3);
+    EXPECT_EQ(VUR_DL_Options_dup(nullptr), nullptr);
 }
 
 TEST(Options, EveryFieldCountsInComparison) {
@@ -188,52 +186,52 @@ TEST(Options, EveryFieldCountsInComparison) {
     const OptionsPtr reference = create();
     for (const auto &change : changes) {
         const OptionsPtr changed = create();
-        EXPECT_EQ(1, VUR_DL_Options_equals(reference.get(), changed.get()));
+        EXPECT_EQ(VUR_DL_Options_equals(reference.get(), changed.get()), 1);
         change(*changed);
-        EXPECT_EQ(0, VUR_DL_Options_equals(reference.get(), changed.get()));
+        EXPECT_EQ(VUR_DL_Options_equals(reference.get(), changed.get()), 0);
         const OptionsPtr copy(VUR_DL_Options_dup(changed.get()));
-        EXPECT_EQ(1, VUR_DL_Options_equals(changed.get(), copy.get()));
+        EXPECT_EQ(VUR_DL_Options_equals(changed.get(), copy.get()), 1);
     }
-    EXPECT_EQ(0, VUR_DL_Options_equals(nullptr, nullptr));
-    EXPECT_EQ(0, VUR_DL_Options_equals(reference.get(), nullptr));
-    EXPECT_EQ(0, VUR_DL_Options_equals(nullptr, reference.get()));
+    EXPECT_EQ(VUR_DL_Options_equals(nullptr, nullptr), 0);
+    EXPECT_EQ(VUR_DL_Options_equals(reference.get(), nullptr), 0);
+    EXPECT_EQ(VUR_DL_Options_equals(nullptr, reference.get()), 0);
 }
 
 TEST(Options, CopyRefusesNulls) {
     const OptionsPtr options = create();
     StdoutCapture capture;
-    EXPECT_EQ(0, VUR_DL_Options_copy(nullptr, options.get()));
-    EXPECT_EQ(0, VUR_DL_Options_copy(options.get(), nullptr));
-    EXPECT_EQ(
-        "DL Error: VUR_DL_Options_copy: Pointer to destination VUR_DL_Options is NULL\n"
-        "DL Error: VUR_DL_Options_copy: Pointer to origin VUR_DL_Option s is NULL\n",
-        capture.text());
+    EXPECT_EQ(VUR_DL_Options_copy(nullptr, options.get()), 0);
+    EXPECT_EQ(VUR_DL_Options_copy(options.get(), nullptr), 0);
+    EXPECT_EQ(capture.text(),
+              "DL Error: VUR_DL_Options_copy: Pointer to destination VUR_DL_Options is NULL\n"
+              "DL Error: VUR_DL_Options_copy: Pointer to origin VUR_DL_Option s is NULL\n");
 }
 
 TEST(Options, AnAbsentStringLeavesTheDestinations) {
     const OptionsPtr source = create();
     const OptionsPtr destination = create();
     VUR_DL_Options_setApplicationKind(destination.get(), "kept");
-    EXPECT_EQ(1, VUR_DL_Options_copy(destination.get(), source.get()));
-    EXPECT_STREQ("kept", VUR_DL_Options_getApplicationKind(destination.get()));
+    EXPECT_EQ(VUR_DL_Options_copy(destination.get(), source.get()), 1);
+    EXPECT_STREQ(VUR_DL_Options_getApplicationKind(destination.get()), "kept");
 }
 
 TEST(Options, DeleteReturnsNullAndFinalizeOfNullIsAnInfo) {
-    EXPECT_EQ(nullptr, VUR_DL_Options_delete(VUR_DL_Options_createDefault()));
+    EXPECT_EQ(VUR_DL_Options_delete(VUR_DL_Options_createDefault()), nullptr);
     StdoutCapture capture;
     VUR_DL_Options_finalize(nullptr);
-    EXPECT_EQ(nullptr, VUR_DL_Options_delete(nullptr));
-    EXPECT_EQ(2,
-              capture.count("DL Info: VUR_DL_Options_finalize: VUR_DL_Options was already NULL"));
-    EXPECT_EQ(2U, capture.lines().size());
+    EXPECT_EQ(VUR_DL_Options_delete(nullptr), nullptr);
+    EXPECT_EQ(capture.count("DL Info: VUR_DL_Options_finalize: VUR_DL_Options was already NULL"),
+              2);
+    EXPECT_EQ(capture.lines().size(), 2U);
 }
 
 TEST(Options, AStringMayBeSetToItself) {
     const OptionsPtr options = create();
     VUR_DL_Options_setApplicationKind(options.get(), "kind");
-    EXPECT_EQ(DDS_RETCODE_OK, VUR_DL_Options_setApplicationKind(
-                                  options.get(), VUR_DL_Options_getApplicationKind(options.get())));
-    EXPECT_STREQ("kind", VUR_DL_Options_getApplicationKind(options.get()));
+    EXPECT_EQ(VUR_DL_Options_setApplicationKind(options.get(),
+                                                VUR_DL_Options_getApplicationKind(options.get())),
+              DDS_RETCODE_OK);
+    EXPECT_STREQ(VUR_DL_Options_getApplicationKind(options.get()), "kind");
 }
 
 }  // namespace
