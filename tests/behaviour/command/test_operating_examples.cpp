@@ -6,8 +6,6 @@
 #include <vur_dl/DistLogger.h>
 #include <vur_dl/XMLConfig.h>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -19,6 +17,7 @@
 #include <vector>
 
 #include "support/platform/process.h"
+#include "support/platform/work_folder.h"
 
 namespace {
 
@@ -96,10 +95,7 @@ class ManualExamples : public testing::Test {
         const char *source = std::getenv("VUR_DL_TEST_SOURCE_DIR");
         ASSERT_NE(source, nullptr) << "run by ctest";
         source_ = source;
-        char folder[] = "/tmp/vur_dl_manual_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
-        ASSERT_EQ(chdir(folder), 0);
+        folder_.enter();
         unsetenv("KOLT_QOS_PROFILES");
         std::filesystem::copy(source_ + "/examples/distlog.xml", "distlog.xml");
         std::filesystem::create_directory_symlink(source_ + "/xml", "xml");
@@ -111,11 +107,7 @@ class ManualExamples : public testing::Test {
         KOLT_Config_Logger_set_verbosity(KOLT_Config_Logger_get_instance(),
                                          KOLT_CONFIG_LOG_VERBOSITY_SILENT);
     }
-    void TearDown() override {
-        VUR_DL_DistLogger_finalizeInstance();
-        ASSERT_EQ(chdir("/"), 0);
-        std::filesystem::remove_all(folder_);
-    }
+    void TearDown() override { VUR_DL_DistLogger_finalizeInstance(); }
 
     std::vector<Block> blocks_of_kind(const std::string &info) const {
         std::vector<Block> blocks;
@@ -152,7 +144,7 @@ class ManualExamples : public testing::Test {
     }
 
     std::string source_;
-    std::string folder_;
+    support::WorkFolder folder_;
     std::vector<Block> blocks_;
 };
 

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "support/platform/process.h"
+#include "support/platform/work_folder.h"
 
 namespace {
 
@@ -96,21 +97,15 @@ class SecuredLogger : public testing::Test {
         ASSERT_FALSE(plugins_.empty()) << "the engine's security plugins are not installed";
         ASSERT_EQ(access(kOpenssl, X_OK), 0) << kOpenssl << " is not installed";
         unsetenv("KOLT_QOS_PROFILES");
-        char folder[] = "/tmp/vur_dl_secured_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
         make_certificates();
     }
     void TearDown() override {
         VUR_DL_DistLogger_finalizeInstance();
         DDS_DomainParticipantFactory_unload_profiles(DDS_DomainParticipantFactory_get_instance());
-        if (!folder_.empty()) {
-            std::filesystem::remove_all(folder_);
-        }
     }
-    std::string path(const std::string &name) const { return folder_ + "/" + name; }
+    std::string path(const std::string &name) const { return folder_.path(name); }
     void write(const std::string &name, const std::string &content) const {
-        std::ofstream(path(name)) << content;
+        folder_.write(name, content);
     }
     static void openssl(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), kOpenssl);
@@ -182,7 +177,7 @@ class SecuredLogger : public testing::Test {
     }
 
     std::string plugins_;
-    std::string folder_;
+    support::WorkFolder folder_;
 };
 
 TEST_F(SecuredLogger, IsReadByWhoHasTheKeysAndByNobodyElse) {

@@ -7,16 +7,14 @@
 #include <vur_dl/DistLogger.h>
 #include <vur_dl/XMLConfig.h>
 
-#include <unistd.h>
-
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "support/platform/process.h"
+#include "support/platform/work_folder.h"
 
 namespace support {
 
@@ -61,15 +59,8 @@ inline Outcome check(const Lines &arguments, const ChildProcess::Environment &en
 class DistlogCheckTest : public testing::Test {
   protected:
     void SetUp() override {
-        char folder[] = "/tmp/vur_dl_check_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
-        ASSERT_EQ(chdir(folder), 0);
+        folder_.enter();
         unsetenv("KOLT_QOS_PROFILES");
-    }
-    void TearDown() override {
-        ASSERT_EQ(chdir("/"), 0);
-        std::filesystem::remove_all(folder_);
     }
 
     static void write(const std::string &name, const std::string &text) {
@@ -119,7 +110,7 @@ class DistlogCheckTest : public testing::Test {
         return starts;
     }
 
-    std::string folder_;
+    WorkFolder folder_;
 };
 
 }  // namespace support

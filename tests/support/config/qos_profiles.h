@@ -5,16 +5,14 @@
 #include <gtest/gtest.h>
 #include <kolt/domain.h>
 
-#include <unistd.h>
-
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "kolt_internal/owned_qos.hpp"
 #include "support/logger/log_capture.h"
+#include "support/platform/work_folder.h"
 
 namespace support {
 
@@ -36,21 +34,12 @@ inline DDS_DomainParticipantFactory *factory() {
 class QosProfilesTest : public testing::Test {
   protected:
     void SetUp() override {
-        char folder[] = "/tmp/kolt_profiles_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
-        ASSERT_EQ(chdir(folder), 0);
+        folder_.enter();
         unsetenv("KOLT_QOS_PROFILES");
-    }
-    void TearDown() override {
-        ASSERT_EQ(chdir("/"), 0);
-        std::filesystem::remove_all(folder_);
     }
 
     std::string write(const std::string &name, const std::string &content) const {
-        const std::string path = folder_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
+        return folder_.write(name, content);
     }
     DDS_ReturnCode_t add(const std::string &content, const std::string &name = "a.xml") const {
         return KOLT_DomainParticipantFactory_add_profiles(factory(), write(name, content).c_str());
@@ -98,7 +87,7 @@ class QosProfilesTest : public testing::Test {
                std::to_string(depth) + "</depth></history></datawriter_qos></qos_profile>";
     }
 
-    std::string folder_;
+    WorkFolder folder_;
     mutable LogCapture log_;
 };
 

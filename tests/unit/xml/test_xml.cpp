@@ -2,14 +2,13 @@
 #include <gtest/gtest.h>
 #include <kolt/xml.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "support/config/xml_document.h"
 #include "support/logger/log_capture.h"
+#include "support/platform/work_folder.h"
 
 namespace {
 
@@ -180,22 +179,8 @@ TEST(XmlErrors, EveryPrefixOfADocumentIsRefused) {
 
 class XmlFile : public testing::Test {
   protected:
-    void SetUp() override {
-        char folder[] = "/tmp/kolt_xml_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
-    }
-    void TearDown() override {
-        for (const std::string &path : written_) {
-            std::remove(path.c_str());
-        }
-        std::remove(folder_.c_str());
-    }
-    std::string write(const std::string &name, const std::string &content) {
-        const std::string path = folder_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << content;
-        written_.push_back(path);
-        return path;
+    std::string write(const std::string &name, const std::string &content) const {
+        return folder_.write(name, content);
     }
     DDS_ReturnCode_t parse(const std::string &path) {
         return DDS_XMLParser_parse_file(parser_.get(), path.c_str());
@@ -203,8 +188,7 @@ class XmlFile : public testing::Test {
     std::string message() const { return DDS_XMLParser_get_error_message(parser_.get()); }
 
     const ParserPtr parser_{DDS_XMLParser_new()};
-    std::string folder_;
-    std::vector<std::string> written_;
+    const support::WorkFolder folder_;
 };
 
 TEST_F(XmlFile, IsReadByPathAndByUrl) {
@@ -212,15 +196,15 @@ TEST_F(XmlFile, IsReadByPathAndByUrl) {
     EXPECT_EQ(parse(path), DDS_RETCODE_OK);
     EXPECT_EQ(parse("file://" + path), DDS_RETCODE_OK) << message();
     EXPECT_EQ(parse("file://localhost" + path), DDS_RETCODE_OK) << message();
-    EXPECT_EQ(parse("file://" + folder_ + "/with%20blank.xml"), DDS_RETCODE_OK) << message();
+    EXPECT_EQ(parse("file://" + folder_.path() + "/with%20blank.xml"), DDS_RETCODE_OK) << message();
     EXPECT_NE(DDS_XMLParser_get_root(parser_.get()), nullptr);
 }
 
 TEST_F(XmlFile, SaysWhyItCannotBeRead) {
-    EXPECT_EQ(parse(folder_ + "/absent.xml"), DDS_RETCODE_ERROR);
+    EXPECT_EQ(parse(folder_.path("absent.xml")), DDS_RETCODE_ERROR);
     EXPECT_EQ(message(), "cannot open the file: No such file or directory");
     EXPECT_EQ(DDS_XMLParser_get_error_line(parser_.get()), 0U);
-    EXPECT_EQ(parse(folder_), DDS_RETCODE_ERROR);
+    EXPECT_EQ(parse(folder_.path()), DDS_RETCODE_ERROR);
     EXPECT_EQ(message(), "cannot read the file: Is a directory");
     for (const char *path :
          {"", "http://example.com/a.xml", "file:///tmp/%zz", "file:///tmp/%00"}) {

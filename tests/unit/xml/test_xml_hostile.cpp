@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
@@ -25,6 +24,7 @@
 #include "support/config/xml_config.h"
 #include "support/config/xml_document.h"
 #include "support/platform/process.h"
+#include "support/platform/work_folder.h"
 
 namespace {
 
@@ -95,16 +95,6 @@ Outcome in_child(const std::function<DDS_ReturnCode_t(DDS_XMLParser *)> &parse_d
 
 class XmlHostile : public testing::Test {
   protected:
-    void SetUp() override {
-        char folder[] = "/tmp/kolt_hostile_XXXXXX";
-        ASSERT_NE(mkdtemp(folder), nullptr);
-        folder_ = folder;
-        path_ = folder_ + "/document.xml";
-    }
-    void TearDown() override {
-        std::remove(path_.c_str());
-        std::remove(folder_.c_str());
-    }
     void write(const std::string &content) const {
         std::ofstream(path_, std::ios::binary) << content;
     }
@@ -124,8 +114,8 @@ class XmlHostile : public testing::Test {
         ASSERT_TRUE(file.flush().good());
     }
 
-    std::string folder_;
-    std::string path_;
+    const support::WorkFolder folder_;
+    const std::string path_ = folder_.path("document.xml");
 };
 
 // A file as a text in memory, of which only what is read is loaded.
@@ -482,10 +472,10 @@ TEST_F(XmlHostile, FilesThatHoldNoDocumentAreToldApart) {
     EXPECT_EQ(message(path_), "1 no element found");
     EXPECT_EQ(message("/dev/null"), "1 no element found");
     EXPECT_EQ(message("/dev/zero"), "1 not well-formed (invalid token)");
-    EXPECT_EQ(message(folder_), "0 cannot read the file: Is a directory");
+    EXPECT_EQ(message(folder_.path()), "0 cannot read the file: Is a directory");
     EXPECT_EQ(message(path_ + "/x"), "0 cannot open the file: Not a directory");
-    EXPECT_EQ(message(folder_ + "/absent"), "0 cannot open the file: No such file or directory");
-    const std::string loop = folder_ + "/loop";
+    EXPECT_EQ(message(folder_.path("absent")), "0 cannot open the file: No such file or directory");
+    const std::string loop = folder_.path("loop");
     ASSERT_EQ(symlink("loop", loop.c_str()), 0);
     EXPECT_EQ(message(loop), "0 cannot open the file: Too many levels of symbolic links");
     std::remove(loop.c_str());
@@ -494,7 +484,7 @@ TEST_F(XmlHostile, FilesThatHoldNoDocumentAreToldApart) {
 
 TEST_F(XmlHostile, AFileThatMayNotBeReadIsSaid) {
     write("<dds/>");
-    ASSERT_EQ(chmod(folder_.c_str(), 0755), 0);
+    ASSERT_EQ(chmod(folder_.path().c_str(), 0755), 0);
     ASSERT_EQ(chmod(path_.c_str(), 0), 0);
     const Outcome outcome = in_child([&](DDS_XMLParser *parser) {
         // The superuser may read everything; this process gives that up.
