@@ -20,8 +20,8 @@ class Subject {
     explicit Subject(const DDS_TypeCode *type)
         : type_(type),
           programs_(KOLT_TypePrograms_acquire(type)),
-          first_(MakeRecord(type)),
-          second_(MakeRecord(type)) {}
+          first_(make_record(type)),
+          second_(make_record(type)) {}
     ~Subject() {
         for (void *const record : {first_, second_}) {
             const DDS_TypeDeallocationParams_t params = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;
@@ -33,28 +33,28 @@ class Subject {
     Subject(const Subject &) = delete;
     Subject &operator=(const Subject &) = delete;
 
-    // What is accepted is written in its own encapsulation, and reads and writes the same again.
-    void Check(const std::uint8_t *bytes, std::size_t size) {
+    // Writes an accepted sample in its own encapsulation; it must read and write the same again.
+    void check(const std::uint8_t *bytes, std::size_t size) {
         if (!KOLT_Cdr_deserialize(programs_, bytes, size, first_)) {
             return;
         }
         const auto encapsulation = static_cast<DDS_UnsignedShort>(bytes[0] << 8 | bytes[1]);
-        Write(first_, encapsulation, &once_);
+        write(first_, encapsulation, &once_);
         if (!KOLT_Cdr_deserialize(programs_, once_.data(), once_.size(), second_)) {
             std::abort();
         }
-        Write(second_, encapsulation, &twice_);
+        write(second_, encapsulation, &twice_);
         if (once_ != twice_) {
             std::abort();
         }
     }
 
-    void CheckKey(const std::uint8_t *bytes, std::size_t size) {
+    void check_key(const std::uint8_t *bytes, std::size_t size) {
         KOLT_Cdr_deserialize_key(programs_, bytes, size, first_);
     }
 
   private:
-    static void *MakeRecord(const DDS_TypeCode *type) {
+    static void *make_record(const DDS_TypeCode *type) {
         void *const record = std::calloc(1, type->access->record_size);
         const DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
         if (!KOLT_Record_initialize_w_params(type, record, &params)) {
@@ -63,7 +63,7 @@ class Subject {
         return record;
     }
 
-    void Write(const void *record, DDS_UnsignedShort encapsulation,
+    void write(const void *record, DDS_UnsignedShort encapsulation,
                std::vector<std::uint8_t> *bytes) {
         const std::size_t size = KOLT_Cdr_serialized_size(programs_, encapsulation, record);
         bytes->resize(size);
@@ -95,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     std::deque<Subject> &all = subjects();
     Subject &subject = all[data[0] % kTypeSelections % all.size()];
-    subject.Check(data + 1, size - 1);
-    subject.CheckKey(data + 1, size - 1);
+    subject.check(data + 1, size - 1);
+    subject.check_key(data + 1, size - 1);
     return 0;
 }
