@@ -11,7 +11,7 @@ FAULT_POINT(void *, KOLT_Heap_allocate, (std::size_t size), (size), nullptr)
 FAULT_POINT(void *, KOLT_Heap_allocate_zeroed, (std::size_t size), (size), nullptr)
 FAULT_POINT(const KOLT_TypePrograms *, KOLT_TypePrograms_acquire, (const DDS_TypeCode *type),
             (type), nullptr)
-// What was initialised before the failure is there to be freed.
+// Initialises the record and fails all the same, so that there are members to be freed.
 FAULT_POINT(DDS_Boolean, KOLT_Record_initialize_w_params,
             (const DDS_TypeCode *type, void *record, const DDS_TypeAllocationParams_t *params),
             (type, record, params), (real(type, record, params), DDS_BOOLEAN_FALSE))
@@ -38,7 +38,7 @@ FAULT_POINT(DDS_DynamicData *, DDS_DynamicData_new,
 FAULT_POINT(DDS_ReturnCode_t, DDS_DynamicData_from_cdr_buffer,
             (DDS_DynamicData * data, const DDS_Char *buffer, DDS_UnsignedLong length),
             (data, buffer, length), DDS_RETCODE_OUT_OF_RESOURCES)
-// What undoes always works. Its calls are counted.
+// The functions that undo always work. Their calls are counted.
 FAULT_POINT(void, KOLT_TypePlugin_ParticipantData_delete, (KOLT_TypePluginParticipantData * data),
             (data), void())
 FAULT_POINT(void, KOLT_TypePlugin_EndpointData_delete, (KOLT_TypePluginEndpointData * data), (data),

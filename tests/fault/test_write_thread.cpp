@@ -22,7 +22,7 @@ struct Write {
     std::string text;
 };
 
-// What the replaced write does and saw.
+// The results of the replaced write, and the calls that it has seen.
 struct Writes {
     std::mutex mutex;
     std::condition_variable changed;

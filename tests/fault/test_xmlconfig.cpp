@@ -32,7 +32,7 @@ FAULT_POINT(DDS_ReturnCode_t, VUR_DL_Options_setDomainParticipant,
             (VUR_DL_Options * self, DDS_DomainParticipant *participant), (self, participant),
             DDS_RETCODE_ERROR)
 
-// A logger that is never started. It runs when isDistLoggerRunning shall "fail".
+// Stand in for a logger that is never started. It counts as running while the first one "fails".
 extern "C" {
 
 int VUR_DL_DistLogger_isDistLoggerRunning() {

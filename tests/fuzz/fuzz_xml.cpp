@@ -20,7 +20,7 @@ namespace {
 
 void ignore_error(const char *, const char *, DDS_UnsignedLong) {}
 
-// What is wrong ends the process, so that the fuzzer keeps the input.
+// Ends the process unless it holds, so that the fuzzer keeps the input.
 void check(bool holds, const char *what) {
     if (!holds) {
         std::fprintf(stderr, "%s\n", what);

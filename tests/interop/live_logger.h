@@ -1,5 +1,5 @@
-// What the tests with idlc's programs have in common: a logger whose writers speak XCDR2 and keep
-// everything, as a QoS profile says; lines with tabs between their fields.
+// The common part of the tests with idlc's programs: a logger whose writers speak XCDR2 and keep
+// everything, as a QoS profile says, and lines with tabs between their fields.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -106,7 +106,7 @@ class LiveLogger {
     LiveLogger &operator=(const LiveLogger &) = delete;
 
     VUR_DL_DistLogger *get() const { return logger_; }
-    // Who it is, by its State; nobody when that does not come.
+    // Returns the identity in the logger's State; zeros when no State comes.
     support::Ids ids(int domain) const {
         support::Monitor monitor({.domain = domain, .log = false, .commands = false});
         support::Ids found;

@@ -1,4 +1,4 @@
-// What the idlc programs have in common: endpoints that speak XCDR2, and standard input.
+// The common part of the idlc programs: endpoints that speak XCDR2, and standard input.
 #pragma once
 
 #include <dds/dds.h>

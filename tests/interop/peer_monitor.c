@@ -2,12 +2,10 @@
 //
 //     matched  <writers>                                                    when it changes
 //     sample   <instance state> <host> <app> <level> <id> <category> <message>
-//     instance <instance state> <host> <app> <level>                        of a sample without
-//     data
+//     instance <instance state> <host> <app> <level>                        a sample without data
 //
 // until its standard input ends.
 #include <inttypes.h>
-#include <string.h>
 
 #include "distlog_idlc.h"
 #include "peer_common.h"

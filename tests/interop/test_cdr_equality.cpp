@@ -140,7 +140,7 @@ class CdrEquality : public testing::Test {
         KOLT_TypePrograms_release(programs);
         return bytes;
     }
-    // What the engine reads, as the engine writes it.
+    // Returns the bytes that the engine writes for the sample that it has read.
     Bytes written_again(const Serdata &data) {
         auto *const sample = static_cast<Theirs *>(dds_alloc(sizeof(Theirs)));
         EXPECT_TRUE(ddsi_serdata_to_sample(data.get(), sample, nullptr, nullptr));
@@ -148,7 +148,7 @@ class CdrEquality : public testing::Test {
         dds_sample_free(sample, &Type::kDescriptor, DDS_FREE_ALL);
         return again;
     }
-    // What RTPS carries is a multiple of four bytes; the header counts those that fill it up.
+    // Fills the bytes up as RTPS does, to a multiple of four; the header counts the filling.
     static Bytes padded(Bytes bytes) {
         bytes.resize((bytes.size() + 3) / 4 * 4);
         return bytes;
@@ -249,7 +249,7 @@ TYPED_TEST(CdrKeyEquality, KeyHashesAreTheSame) {
     }
 }
 
-// What disposes and unregisters of the engine's carry is read.
+// Keys are read as the engine's disposes and unregisters carry them.
 TYPED_TEST(CdrKeyEquality, ReadsTheKeysThatTheOtherWrites) {
     const KOLT_TypePrograms *const programs = TypeParam::kPrograms();
     ASSERT_NE(programs, nullptr);

@@ -37,7 +37,7 @@ std::string category(std::int64_t number) {
     return std::string(static_cast<std::size_t>(number * 7 % 513), 'c');
 }
 
-// What the monitor prints of a message.
+// Returns the fields that the monitor prints of a message.
 Fields expected(const Fields &sender, std::int64_t number) {
     return {"sample",
             "alive",
@@ -156,9 +156,9 @@ void expect_hundred_thousand(int domain, const char *profile) {
     constexpr int kQueue = 8192;
     Stream stream(domain, {.queue_size = kQueue, .profile = profile});
     const auto start = std::chrono::steady_clock::now();
-    // What has not arrived fits into the queue, where a message stays a moment longer than its
-    // write takes, so that it never overflows. The writer itself keeps less than that and must wait
-    // for the reader again and again.
+    // The queue never overflows: all messages that have not arrived fit into it, and each stays
+    // there a moment longer than its write takes. The writer itself keeps fewer and must wait for
+    // the reader again and again.
     while (stream.received() < kMany) {
         while (stream.logged() < kMany && stream.logged() - stream.received() < kQueue - 1) {
             stream.log(static_cast<std::size_t>(stream.logged() % 200));

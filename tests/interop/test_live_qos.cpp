@@ -27,7 +27,7 @@ constexpr const char *kLogger =
     "<distributed_logger><enabled>true</enabled><echo_to_stdout>false</echo_to_stdout>"
     "<log_infrastructure_messages>false</log_infrastructure_messages></distributed_logger>";
 
-// What holds for an endpoint, by the columns of peer_endpoints.
+// The QoS of an endpoint, by the columns of peer_endpoints.
 struct Endpoint {
     std::string reliability;
     std::string durability;
@@ -152,7 +152,7 @@ TEST_F(LiveQos, TheProfileOfTheLoggersNameIsItsOwn) {
     EXPECT_EQ(endpoint("writer", VUR_DL_LOG_TOPIC_NAME),
               (Endpoint{kReliable, kTransientLocal, kKeepAll, "1", "5000,8,4000", "plant,line 1",
                         kXcdr2, "log"}));
-    // What the logger needs is forced: reliability and durability; the rest is the profile's.
+    // The logger forces the reliability and durability that it needs; the rest is the profile's.
     EXPECT_EQ(endpoint("writer", VUR_DL_STATE_TOPIC_NAME),
               (Endpoint{kReliable, kTransientLocal, kKeepLast, "3", kUnlimited, "plant,line 1",
                         kXcdr1, ""}));

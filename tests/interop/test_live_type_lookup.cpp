@@ -42,7 +42,7 @@ std::string announced_name(const std::string &name) {
     return name;
 }
 
-// What the tool has printed.
+// The lines that the tool has printed, by their kind.
 class Findings {
   public:
     explicit Findings(const std::vector<std::string> &lines) {
@@ -134,7 +134,7 @@ class Findings {
         }
     }
 
-    // What the tool says of a member's type.
+    // Compares a member's type with the tool's text of it.
     void expect_type_of(const DDS_TypeCode &code, const std::string &text) {
         const std::string bound = std::to_string(code.bound);
         switch (code.kind) {

@@ -61,7 +61,7 @@ TEST(TypeInformation, CommandResponseIsIdlcs) {
                  com_vur_dl_admin_CommandResponse_desc);
 }
 
-// What docs/wire-format.md says of them.
+// The numbers are those of docs/wire-format.md.
 TEST(TypeInformation, IdentifiersAndSizesOfTheWireFormat) {
     const struct {
         const DDS_TypeCode *type;

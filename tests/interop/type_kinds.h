@@ -33,7 +33,7 @@ class TypeKinds {
                                {{"where", 0, point_}});
     }
 
-    // Not in the file: arrays whose size the compiler takes for that of one dimension.
+    // Arrays, which the file lacks: its compiler takes their size for that of one dimension.
     const DDS_TypeCode *arrays() {
         return book_.structure("kinds::Arrays", DDS_FINAL_EXTENSIBILITY,
                                {{"square", 0, book_.array(point_, {20})},

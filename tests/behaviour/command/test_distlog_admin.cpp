@@ -39,7 +39,7 @@ bool start(LogApp &app, int domain, const std::string &kind, int filter = 600) {
            app.run("create");
 }
 
-// What the tool prints for an identity.
+// Returns the text that the tool prints for an identity.
 std::string text(const Ids &ids) {
     return std::to_string(ids.host) + ":" + std::to_string(ids.app);
 }
@@ -161,8 +161,8 @@ TEST(DistlogList, EveryLoggerHasALine) {
                              "\"print_format\":\"default\"}");
 }
 
-// Whether the watch tells `change` of the logger, sooner or later: a logger that is just being
-// created may be shown before it is operational.
+// True once the watch tells `change` of the logger. A logger that is just being created may be
+// shown before it is operational.
 bool tells(ChildProcess &watch, const std::string &logger, const std::string &change) {
     while (const auto line = watch.read_line_with(logger)) {
         if (contains(*line, change)) {

@@ -233,7 +233,7 @@ TEST(DistlogTail, HistoryIsShownInOrderAndItsHolesAreNoLosses) {
         }
     }
     EXPECT_EQ(ids, expected);
-    // What comes from now on is live.
+    // Every line from now on is live.
     ASSERT_TRUE(app.run("log 300 - live"));
     ASSERT_TRUE(app.run("log 600 - live"));
     read_id();

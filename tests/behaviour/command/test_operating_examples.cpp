@@ -1,5 +1,5 @@
-// What docs/operating.md and docs/configuration.md show works: their documents are right and start
-// loggers, their commands run, and what they say a command prints is what it prints.
+// The examples of docs/operating.md and docs/configuration.md work: their documents are right and
+// start loggers, their commands run and print the lines that the manuals show.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
 #include <kolt/domain.h>

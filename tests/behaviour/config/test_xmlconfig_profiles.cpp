@@ -44,7 +44,7 @@ std::string saved(const DDS_XMLObject *object) {
     return text;
 }
 
-// What is saved is the level that a command of another process has set, and parses back to it.
+// The saved level is the one that a command of another process has set, and parses back to it.
 TEST(XmlConfigRemote, TheLevelSetFromAnotherProcessIsSaved) {
     constexpr int kDomain = 208;
     const std::string kind = "saving " + std::to_string(getpid());

@@ -16,7 +16,7 @@
 
 namespace {
 
-// How many of the next writes are accompanied by a message of the middleware.
+// The number of next writes during which the middleware logs a message.
 std::atomic<int> g_talkative_writes{0};
 
 }  // namespace

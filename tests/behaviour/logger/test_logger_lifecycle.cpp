@@ -59,7 +59,7 @@ TEST(LoggerLifecycle, ACopyOfTheOptionsIsInForce) {
     VUR_DL_Options_setQueueSize(options, 17);
     VUR_DL_Options_setApplicationKind(options, "first");
     ASSERT_EQ(VUR_DL_DistLogger_setOptions(options), 1);
-    // What the caller does with its own record afterwards is of no account.
+    // Later changes of the caller's own record have no effect.
     VUR_DL_Options_setApplicationKind(options, "second");
     VUR_DL_Options_setFilterLevel(options, 800);
     VUR_DL_Options_delete(options);

@@ -135,7 +135,7 @@ TEST(LoggerLogPath, WithoutEchoNothingIsPrinted) {
     EXPECT_EQ(capture.text(), "");
 }
 
-// Any value but 1 is no echo.
+// Every value but 1 means that nothing is echoed.
 TEST(LoggerLogPath, EchoIsExactlyOne) {
     VUR_DL_Options *options = VUR_DL_Options_createDefault();
     VUR_DL_Options_setDomainId(options, 70);

@@ -1,4 +1,4 @@
-// What arrives elsewhere: in another process, late, and under load.
+// Messages arrive elsewhere: in another process, at late readers, and under load.
 #include <gtest/gtest.h>
 
 #include <algorithm>

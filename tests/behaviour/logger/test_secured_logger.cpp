@@ -72,7 +72,7 @@ constexpr const char *kPermissions = R"(<?xml version="1.0" encoding="UTF-8"?>
 </dds>
 )";
 
-// Where the engine's plugins are: beside the engine, in a folder of its name or not.
+// Returns the folder of the engine's plugins, which is the engine's own or one of its name below.
 std::string plugin_folder() {
     Dl_info info = {};
     void *engine = dlsym(RTLD_DEFAULT, "dds_create_participant");

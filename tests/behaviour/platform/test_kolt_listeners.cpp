@@ -180,8 +180,8 @@ void take_back(void *data, DDS_DataWriter *, void *sample, const DDS_Cookie_t *c
     EXPECT_EQ(sample, DDS_Cookie_to_pointer(cookie));
 }
 
-// What the application kept up to date goes out to whoever comes first and, as it is a
-// transient-local topic, to later ones.
+// The sample that the application keeps up to date goes out to the first reader and, since the
+// topic is transient-local, to later ones.
 TEST(KoltListeners, DeferredWriteFromTheMatchedCallback) {
     Node node(6);
     Record<Message> live(message_type());

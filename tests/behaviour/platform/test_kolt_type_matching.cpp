@@ -169,7 +169,7 @@ TEST_F(TypeMatching, AParticipantMayAnnounceNamesAlone) {
     EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory, silent), DDS_RETCODE_OK);
 }
 
-// What the engine would not take as a topic's type never reaches it.
+// Types that the engine would refuse as a topic's never reach it.
 TEST_F(TypeMatching, WhatTheEngineRefusesGoesByItsName) {
     const DDS_TypeCode *const empty = book_.enumeration("Empty", DDS_APPENDABLE_EXTENSIBILITY, {});
     const DDS_TypeCode *const twice =

@@ -68,7 +68,7 @@ class Written {
         return numbers;
     }
 
-    // What a form is to bring that was made with last() as its handle and NIL before the next.
+    // Returns what a form brings that was made with last() as its handle, and NIL before the next.
     Numbers expected(const std::string &form) const {
         if (form.find("next_instance") != std::string::npos) {
             return of(first());

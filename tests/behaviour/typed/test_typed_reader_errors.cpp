@@ -251,7 +251,7 @@ TYPED_TEST(TypedReaderErrors, ALoanThatDoesNotFitGoesBack) {
         << "no loan is out";
 }
 
-// What an application has lent to the sequence itself is not the reader's.
+// The reader does not return a buffer that the application has lent to the sequence.
 TYPED_TEST(TypedReaderErrors, ForeignLoansStay) {
     using Type = TopicType<TypeParam>;
     OneSample<TypeParam> one;

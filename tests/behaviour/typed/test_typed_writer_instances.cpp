@@ -177,7 +177,7 @@ void expect_changes(const std::vector<ChangeForm<T>> &forms) {
     }
 }
 
-// What both have in common.
+// The refusals that all forms have in common.
 template <typename T>
 void expect_refusals(const std::vector<ChangeForm<T>> &forms) {
     using Write = typename TopicType<T>::Write;

@@ -1,4 +1,4 @@
-// What must hold for the bytes of a sample, whatever its type: each way to read them says the same.
+// The checks on the bytes of a sample of any type: each way to read them gives the same result.
 // A check that fails says so on standard error and ends the process, for fuzzing as for tests.
 #pragma once
 

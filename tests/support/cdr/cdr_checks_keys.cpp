@@ -11,7 +11,7 @@ constexpr std::size_t kMaximumKey = 4096;
 
 using Key = std::vector<DDS_Octet>;
 
-// How a type, or the key in it, stands on the wire.
+// The form of a type, or of the key in it, on the wire.
 struct KeyShape {
     bool is_framed = false;  // there is more than plain members
     bool varies = false;     // in size

@@ -1,4 +1,4 @@
-// What the checks on the bytes of samples are made of: requirements, and records and values of any type.
+// The parts of the checks on samples' bytes: requirements, and records and values of any type.
 #pragma once
 
 #include <kolt/cdr.h>

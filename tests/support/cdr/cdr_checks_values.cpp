@@ -23,7 +23,7 @@ class FillFields : FieldWalk {
         return branch;
     }
 
-    // Where the type has such a value, a discriminator without a branch.
+    // Sets a discriminator without a branch, where its type has such a value.
     void select_nothing(const DDS_TypeCode &type) {
         const std::string name = name_.empty() ? "_d" : name_ + "._d";
         const DDS_ReturnCode_t result = DDS_DynamicData_set_longlong(

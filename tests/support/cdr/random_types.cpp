@@ -1,4 +1,4 @@
-// How type codes are made up.
+// Makes up type codes from decisions.
 #include "support/cdr/random_types.h"
 
 #include <kolt/sequence.h>
@@ -203,7 +203,7 @@ const DDS_TypeCode *RandomType::make_sequence(int depth) {
     return store(type);
 }
 
-// What a default annotation can say is narrow enough for every kind.
+// Gives the member a default that fits the narrowest of the kinds.
 void RandomType::give_default(DDS_TypeCodeMember *member) {
     const DDS_TCKind kind = member->type->kind;
     DDS_AnnotationParameterValue *const value = &member->default_value;

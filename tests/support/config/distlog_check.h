@@ -98,7 +98,7 @@ class DistlogCheckTest : public testing::Test {
         ADD_FAILURE() << "no " << entity << " of " << topic;
         return Json();
     }
-    // Whether an application could start its logger from a.xml; finalised again at once.
+    // True when a logger starts from a.xml. It is finalised again at once.
     static bool library_starts(int domain) {
         KOLT_Config_Logger_set_verbosity(KOLT_Config_Logger_get_instance(),
                                          KOLT_CONFIG_LOG_VERBOSITY_SILENT);

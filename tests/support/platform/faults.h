@@ -11,7 +11,7 @@
 
 namespace support {
 
-// What shall become of the calls of the functions that a test program stands in for. A function is
+// Decides which calls of the functions that a test program stands in for shall fail. A function is
 // known by its name. May be used by any thread.
 class Faults {
   public:
@@ -76,8 +76,8 @@ class Faults {
 
 }  // namespace support
 
-// Stands in for a function: calls the real one, and yields `failure` in its place when the call shall
-// fail. `parameters` is the list of its parameters and `arguments` that of their names, both in
+// Stands in for a function: calls the real one, or yields `failure` when the call shall fail.
+// `parameters` is the list of its parameters and `arguments` that of their names, both in
 // parentheses; `failure` may use the parameters, and `real`, the real function.
 #define FAULT_POINT(Result, function, parameters, arguments, failure)                     \
     extern "C" Result function parameters {                                               \

@@ -17,7 +17,7 @@
 
 namespace support {
 
-// How long a test waits for something that is going to happen. Generous: a loaded machine and the
+// The longest wait for something that is going to happen. Generous, since a loaded machine and the
 // sanitizers slow everything down, and only failures pay for it.
 constexpr std::chrono::seconds kPatience{30};
 
@@ -95,7 +95,7 @@ class StdoutCapture {
     StdoutCapture(const StdoutCapture &) = delete;
     StdoutCapture &operator=(const StdoutCapture &) = delete;
 
-    // What was written since the capture began.
+    // Returns the text that was written since the capture began.
     std::string text();
     std::vector<std::string> lines();
     // The number of lines that are equal to `line`.

@@ -32,7 +32,7 @@ std::string own(const std::string &name);
 const KOLT_TypePlugin &message_plugin();
 const KOLT_TypePlugin &point_plugin();
 const KOLT_TypePlugin &large_plugin();
-// How many of the endpoint data that the plugins made exist.
+// Returns the number of endpoint data that the plugins have made and not yet deleted.
 int live_endpoints();
 
 // A participant with the Message type and one topic of it. Deletes everything with the scope.
@@ -78,7 +78,7 @@ DDS_ReturnCode_t write(DDS_DataWriter *writer, int host, int level, long long nu
                        const std::string &text = "hello",
                        DDS_InstanceHandle_t handle = DDS_HANDLE_NIL);
 
-// Which samples, for the functions below.
+// Returns the selection of all samples, for the functions below.
 KOLT_ReadSelection selection(bool take);
 
 // Reads or takes through a loan, which is returned. `code` gets the result of the read.

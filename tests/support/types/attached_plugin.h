@@ -53,7 +53,7 @@ class Attached {
         const KOLT_TypePluginEndpointInfo info = {kind, DDS_XCDR2_DATA_REPRESENTATION, 0};
         return plugin->on_endpoint_attached(participant, &info, 1, nullptr);
     }
-    // What `write` (serialize or serialize_key) makes of the sample.
+    // Returns the bytes that `write` (serialize or serialize_key) makes of the sample.
     template <typename Write>
     std::vector<DDS_Octet> bytes_of(Write write, const T &sample, DDS_UnsignedShort encapsulation) {
         std::vector<DDS_Octet> buffer(8192);

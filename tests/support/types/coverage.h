@@ -1,4 +1,4 @@
-// Which values the fields of some samples have held.
+// A record of the values that the fields of some samples have held.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -129,8 +129,8 @@ struct TopicType;
         static constexpr auto finalize = T##Seq_finalize;                         \
     }
 
-// Tests tell samples apart by a number, which is no key member, and instances by a key: one of the
-// key members, or of the members of the type that has none.
+// Tests tell samples apart by a number, which is not a key member, and instances by a key: one of
+// the key members, or any other member of the type that has none.
 #define SUPPORT_TOPIC_TYPE(T, full_name, keyed, number_member, key_member)                     \
     template <>                                                                                \
     struct TopicType<T> {                                                                      \

@@ -128,7 +128,7 @@ struct ReadForm {
     const char *name;
     bool take;
     bool by_condition;
-    // What it is called with besides: any state, the handle, and the condition.
+    // Calls the form; it adds any state, the handle, and the condition.
     std::function<DDS_ReturnCode_t(typename Type::Reader *, typename Type::Sequence *,
                                    DDS_SampleInfoSeq *, DDS_Long)>
         call;

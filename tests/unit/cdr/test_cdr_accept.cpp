@@ -91,7 +91,7 @@ TEST_F(AcceptMessage, MembersInEveryOrder) {
 }
 
 TEST_F(AcceptMessage, TheMustUnderstandFlagIsTheWriters) {
-    // Not set on keys.
+    // The flag is not set on keys.
     expect_read(list1(with(kMembers1, 0, "0000 0800 01000000 02000000")));
     expect_read(list1(with(kMembers1, 1, "0100 0400 2c010000")));
     expect_read(list2(with(kMembers2, 0, "00000040 0c000000 08000000 01000000 02000000")));
@@ -138,7 +138,7 @@ TEST_F(AcceptMessage, UnknownMembersThatMustBeUnderstoodFailTheSample) {
         EXPECT_FALSE(read(type, list2(all(kMembers2) + unknown), message_.get())) << unknown;
         EXPECT_FALSE(read(type, list2(unknown + all(kMembers2)), message_.get())) << unknown;
     }
-    // PID_IGNORE is no member, whatever its flags.
+    // PID_IGNORE does not name a member, whatever its flags.
     expect_read(list1("037f 0400 ffffffff" + all(kMembers1)));
 }
 

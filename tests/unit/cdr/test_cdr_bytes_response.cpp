@@ -40,7 +40,7 @@ TEST_P(ResponseBytes, Xcdr1) {
                        {"00 03 00 00", "00 02 00 00", "7.6.3.1.2: PL_CDR, nothing to fill up"},
                        {"00 40 08 00", "40 00 00 08", "7.4.1.2: id 0, FLAG_M for a key; 8 bytes"},
                        {"01 00 00 00 02 00 00 00", "00 00 00 01 00 00 00 02", "hostAndAppId"},
-                       // Its members are keys of their own type, but it is no key here.
+                       // Its members are keys of their own type, but it is not a key here.
                        {"01 00 08 00", "00 01 00 08", "7.4.1.2: id 1, no key; 8 bytes"},
                        {"03 00 00 00 fc ff ff ff", "00 00 00 03 ff ff ff fc", "originator"},
                        {"02 00 04 00", "00 02 00 04", "7.4.1.2: id 2; 4 bytes"},

@@ -127,7 +127,7 @@ TEST(Evolution, AppendableMembersInsideGrowAndShrink) {
         EXPECT_EQ(message->id.host, sample.host) << sample.hex;
         EXPECT_EQ(message->id.app, sample.app) << sample.hex;
     }
-    // Half a member is no member.
+    // Half a member is refused.
     Record<Message> message(message_type());
     const Bytes half = from_hex("000b0000 0e000000 000000c0 06000000 02000000 0900");
     EXPECT_FALSE(KOLT_Cdr_deserialize(programs, half.data(), half.size(), message.get()));

@@ -334,7 +334,7 @@ TEST(XmlConfigState, FollowsTheTags) {
     EXPECT_EQ(document.options()->queueSize, 9U);
 }
 
-// What an error leaves behind.
+// Wrong texts: their messages, and the options afterwards.
 TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
     Document document;
     ASSERT_EQ(document.parse_element(""), DDS_RETCODE_OK);
@@ -371,7 +371,7 @@ TEST(XmlConfigState, ErrorsLeaveTheOptionsAsTheyWereOrSayWhat) {
     EXPECT_EQ(element("filter_level", "trace").size(), 2U);
     EXPECT_EQ(options.filterLevel, 600);
     config->currentStatus = DL_XMLCONFIG_OTHER;
-    // The conversion's result is not asked for: what is no boolean is false.
+    // A text that is not a boolean counts as false, since the conversion's result goes unread.
     EXPECT_EQ(element("echo_to_stdout", "perhaps"), kNone);
     EXPECT_EQ(context.error, 1);
     EXPECT_EQ(options.echoToStdout, 0);

@@ -140,7 +140,7 @@ TEST(XmlConfigSave, OtherMaskBitsAreDropped) {
               std::string::npos);
 }
 
-// What is written parses back to the same options, and is written the same again.
+// The written element parses back to the same options, and is written the same again.
 TEST(XmlConfigSave, ParsesBack) {
     std::mt19937 random(20240607);
     const auto number = [&](int low, int high) {

@@ -204,7 +204,7 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"\x01\x1f\x7f", R"(\u0001\u001f\u007f)", REPLACEMENT REPLACEMENT "\x7f"},
         TextCase{"\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80", "\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80",
                  "\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"},
-        // Not UTF-8: a lone continuation, an overlong form, a surrogate, too large, and cut off.
+        // Broken UTF-8: a lone continuation, an overlong form, a surrogate, too large, cut off.
         TextCase{"\x80", REPLACEMENT, REPLACEMENT},
         TextCase{"\xc0\xaf", REPLACEMENT REPLACEMENT, REPLACEMENT REPLACEMENT},
         TextCase{"\xe0\x80\xaf", REPLACEMENT REPLACEMENT REPLACEMENT,

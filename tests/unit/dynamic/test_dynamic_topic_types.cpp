@@ -99,7 +99,7 @@ TYPED_TEST(DynamicTopicTypes, BrokenBytesLeaveInitialValues) {
 
 // ---- Members ------------------------------------------------------------------------------------
 
-// What is set here is what the typed record reads.
+// The typed record reads the values that are set here.
 TYPED_TEST(DynamicTopicTypes, MembersAreSetByNameAndById) {
     using Type = TopicType<TypeParam>;
     DDS_DynamicData *const data = this->data_.get();

@@ -137,7 +137,7 @@ TEST(KoltEntities, EndpointsKnowTheirPlace) {
     EXPECT_NE(handle, DDS_HANDLE_NIL);
     EXPECT_TRUE(DDS_DomainParticipant_contains_entity(node.participant, handle));
     EXPECT_FALSE(DDS_DomainParticipant_contains_entity(other.participant, handle));
-    // Not of that parent.
+    // Refused: these belong to another parent.
     EXPECT_EQ(DDS_Publisher_delete_datawriter(other.publisher, writer),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(DDS_Subscriber_delete_datareader(other.subscriber, reader),
@@ -151,7 +151,7 @@ TEST(KoltEntities, EndpointsKnowTheirPlace) {
     EXPECT_EQ(DDS_Subscriber_create_datareader(
                   other.subscriber, DDS_Topic_as_topicdescription(node.topic), nullptr, nullptr, 0),
               nullptr);
-    // Not while they contain something.
+    // Refused while they contain something.
     EXPECT_EQ(DDS_DomainParticipant_delete_publisher(node.participant, node.publisher),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_EQ(DDS_DomainParticipant_delete_subscriber(node.participant, node.subscriber),
@@ -216,7 +216,7 @@ TEST(KoltEntities, DisabledWriterAndReader) {
     EXPECT_EQ(DDS_DataWriter_get_publication_matched_status(writer, &status), DDS_RETCODE_OK);
     EXPECT_EQ(status.total_count, 0);
 
-    // What cannot change later can change now.
+    // Policies that cannot change later can change before the entity is enabled.
     WriterQos qos;
     ASSERT_EQ(DDS_DataWriter_get_qos(writer, qos.get()), DDS_RETCODE_OK);
     qos->durability.kind = DDS_TRANSIENT_LOCAL_DURABILITY_QOS;

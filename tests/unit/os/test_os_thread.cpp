@@ -22,7 +22,7 @@
 
 namespace {
 
-// What a thread sees of itself.
+// The properties of a thread, as the thread itself reads them.
 struct Self {
     std::string name;
     std::uint64_t id = 0;
@@ -171,8 +171,8 @@ INSTANTIATE_TEST_SUITE_P(Policies, OsThreadRefused,
                          testing::Values(DDS_UnsignedLong{0},
                                          DDS_UnsignedLong{DDS_THREAD_SETTINGS_REALTIME_PRIORITY}));
 
-// Whether the system grants real-time priorities depends on who runs the test; the result must
-// agree with what it says to a thread that asks by itself.
+// The system grants real-time priorities to some users only. The result must agree with what it
+// says to a thread that asks by itself.
 TEST(OsThread, RealtimePriorityAsTheSystemGrants) {
     bool granted = false;
     std::thread([&] {

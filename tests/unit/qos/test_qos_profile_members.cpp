@@ -166,7 +166,7 @@ Rows<Qos> group_rows() {
                          Strings{"a", "b*"}),
                      ROW(group_data, value, kOctets, octets())};
 }
-// What topics, writers and readers have.
+// Returns the members that topics, writers and readers have.
 template <typename Qos>
 Rows<Qos> common_rows() {
     return marked<Qos>() +
@@ -192,7 +192,7 @@ Rows<Qos> common_rows() {
                    std::vector<DDS_Short>{DDS_XCDR2_DATA_REPRESENTATION,
                                           DDS_XCDR_DATA_REPRESENTATION})};
 }
-// What topics and writers have.
+// Returns the members that topics and writers have.
 template <typename Qos>
 Rows<Qos> sending_rows() {
     return common_rows<Qos>() +
@@ -305,8 +305,8 @@ class QosProfileMembers : public support::QosProfilesTest {
         }
     }
 
-    // What may stand in an element, as the reader itself says of one that may not; nothing when the
-    // element holds a value.
+    // Returns the names that may stand in an element, from the reader's message about one that may
+    // not; nothing when the element holds a value.
     Strings expected_in(const Strings &path) const {
         std::string open;
         std::string close;

@@ -203,7 +203,7 @@ TEST_F(QosProfiles, EveryEndpointPolicyIsRead) {
     EXPECT_EQ(reader->type_consistency.kind, DDS_DISALLOW_TYPE_COERCION);
     EXPECT_FALSE(reader->type_consistency.ignore_sequence_bounds);
     EXPECT_TRUE(reader->type_consistency.force_type_validation);
-    // What the profile does not mention is the standard's default.
+    // Members that the profile does not mention have the standard's default.
     EXPECT_EQ(reader->reliability.kind, DDS_BEST_EFFORT_RELIABILITY_QOS);
 }
 

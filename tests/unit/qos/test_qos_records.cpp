@@ -33,7 +33,7 @@ template <typename Qos>
 class Record {
   public:
     Record() {
-        // What was in memory before must not matter.
+        // Must not depend on the former contents of the memory.
         std::memset(&qos_, 0x5A, sizeof(qos_));
         EXPECT_EQ(Functions<Qos>::initialize(&qos_), DDS_RETCODE_OK);
     }

@@ -57,7 +57,7 @@ TEST_F(SequenceTest, InitializeForgetsWhatTheRecordHeld) {
     EXPECT_EQ(g_live, 0);
 }
 
-// What is not logged fails all the same.
+// Failures have the same results when nothing is logged.
 TEST_F(SequenceTest, ResultsDoNotDependOnTheLog) {
     KOLT_Config_Logger *const logger = KOLT_Config_Logger_get_instance();
     KOLT_Config_Logger_set_verbosity(logger, KOLT_CONFIG_LOG_VERBOSITY_SILENT);

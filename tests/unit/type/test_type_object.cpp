@@ -399,7 +399,7 @@ TEST(TypeInformation, ATypeIsThereOnce) {
     EXPECT_EQ(description.complete.size(), 3U);
 }
 
-// What matters for the one does not for the other.
+// A type's name changes its complete identifier and leaves the minimal one.
 TEST(TypeInformation, NamesOfTypesAreInCompleteIdentifiersOnly) {
     TypeBook book;
     const TypeBook::Members members = {{"x", 0, TypeBook::primitive(DDS_TK_SHORT)}};
@@ -415,7 +415,7 @@ TEST(TypeInformation, NamesOfTypesAreInCompleteIdentifiersOnly) {
 
 // ---- Names --------------------------------------------------------------------------------------
 
-// What the type, and one that it holds, are called when the type is registered under a name.
+// Returns the names of a type and of one that it holds, when it is registered under a name.
 std::vector<std::string> names(const std::string &own, const std::string &registered,
                                const std::string &nested) {
     TypeBook book;

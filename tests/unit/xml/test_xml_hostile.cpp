@@ -31,7 +31,7 @@ namespace {
 using support::parse;
 using support::ParserPtr;
 
-// What a parse may need at most. A tree of as many elements as are allowed is the most costly.
+// The most memory that a parse may need: that of a tree of as many elements as are allowed.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr long kMaxGrowthInKilobytes = 131072;
 #else
@@ -272,7 +272,7 @@ TEST_F(XmlHostile, EntitiesAreNeverExpandedNorFetched) {
         quadratic += "&a;";
     }
     quadratic += "</dds>";
-    // What a document that is read on its behalf would do to the caller.
+    // A file of the caller that a document would have read on its behalf.
     write("not to be read");
     const std::string local = "file://" + path_;
     struct Row {

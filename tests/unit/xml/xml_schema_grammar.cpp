@@ -197,7 +197,7 @@ class LibraryReader {
         return document(parent, companion + "<" + name + ">" + value + "</" + name + ">");
     }
 
-    // What follows "expected: " in the message; "" when the library has nothing against it.
+    // Returns the text after "expected: " in the message; "" when the library takes the document.
     std::string expected(const std::string &text) const {
         const std::string message = load_(text);
         const std::size_t place = message.find("expected: ");

@@ -8,7 +8,7 @@
 
 namespace schema {
 
-// What may stand in one place of a document.
+// The names that may stand in one place of a document.
 struct Place {
     std::set<std::string> elements;
     std::set<std::string> attributes;
@@ -23,11 +23,11 @@ using Grammar = std::map<std::string, Place>;
 // One line a place, for messages.
 std::string to_string(const Grammar &grammar);
 
-// What a schema (the text of an xsd document) says about the element `name` and all below it.
+// Returns what a schema (the text of an xsd document) allows in the element `name` and below it.
 Grammar grammar_of_schema(const std::string &xsd, const std::string &name);
 
-// What a library knows of the element `qos_library` and all below it, asked by wrong documents:
-// `load` is given a document and returns what is wrong in it, "" when nothing is.
+// Returns what a library allows in the element `qos_library` and below it. It is asked by wrong
+// documents: `load` takes a document and returns the error in it, "" when there is none.
 using Load = std::function<std::string(const std::string &document)>;
 Grammar grammar_of_library(const Load &load);
 
