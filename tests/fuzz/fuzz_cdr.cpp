@@ -1,5 +1,5 @@
-// Arbitrary bytes as samples and keys of many types, types that are made up included. What is
-// accepted must read the same in every way there is to read it, and survive a round trip.
+// Arbitrary bytes as samples and keys of many types, types that are made up included. An accepted
+// sample must read the same in every way there is to read it, and survive a round trip.
 //
 // The first byte of an input chooses the type. For the fixed types the rest is a payload with its
 // encapsulation header. For a made-up type a second byte counts the bytes that describe it; what

@@ -1,6 +1,6 @@
 // Arbitrary bytes through the decoder alone, as it stands behind a data reader: one record a type
-// that is used again and again. Little else is looked at, so that many inputs go through;
-// fuzz_cdr.cpp looks closely at fewer. Its inputs mean the same here as far as the fixed types go.
+// that is used again and again. It checks little else, so that many inputs go through; fuzz_cdr.cpp
+// checks fewer of them closely. Its inputs mean the same here as far as the fixed types go.
 #include <kolt/cdr.h>
 
 #include <cstdint>

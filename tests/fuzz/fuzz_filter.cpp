@@ -1,6 +1,6 @@
 // Fuzzes content filters: the first line of the input is an expression, the next one a parameter,
-// the rest a serialised sample. What compiles must give an answer, the same one twice, for the rest
-// of the input, for a sound sample and for that sample cut short.
+// the rest a serialised sample. A filter that compiles must give the same answer twice for the rest
+// of the input, for a sound sample, and for that sample cut short.
 
 #include <kolt/cdr.h>
 #include <kolt/filter.h>

@@ -7,7 +7,7 @@
 //     enumerator <identifier> <value> <name>
 //     case       <identifier> <member's id> <label>
 //     minimal    <identifier> <the minimal one>
-//     missing    <identifier>                             nobody answers
+//     missing    <identifier>                             no answer came
 //     sample     <topic> <text>                           of the topic given as the last argument
 //
 // until its standard input ends. Flags are in hexadecimal.

@@ -1,7 +1,7 @@
 // A source of log messages made by idlc. Carries out the lines of its standard input
 //
 //     matched    <readers>                                        waits until there are so many
-//     write      <host> <app> <level> <id> <category> <message>   neither with a space
+//     write      <host> <app> <level> <id> <category> <message>   texts without a space
 //     dispose    <host> <app> <level>
 //     unregister <host> <app> <level>
 //

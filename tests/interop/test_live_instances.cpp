@@ -1,5 +1,5 @@
-// The lives of instances between our writers and readers and idlc's, in processes of their own:
-// what is disposed or unregistered on one side is so on the other, with the right key.
+// The lives of instances between our writers and readers and idlc's, in processes of their own: an
+// instance disposed or unregistered on one side is so on the other, with the right key.
 #include <gtest/gtest.h>
 #include <kolt/dds_c.h>
 #include <vur_dl/DDSEntities.h>

@@ -1,5 +1,5 @@
-// Our types as a tool sees them that knows none of them: a program of the engine alone, in a
-// process of its own, which looks up what it finds announced.
+// Our types as seen by a tool that knows none of them: a program of the engine alone, in a process
+// of its own, which looks up the types that are announced.
 
 #include <gtest/gtest.h>
 #include <kolt/type_object.h>

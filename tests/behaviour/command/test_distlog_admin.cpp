@@ -1,4 +1,4 @@
-// distlog ls and distlog set, as a user runs them, and what it says to wrong arguments.
+// distlog ls and distlog set, as a user runs them, and their answers to wrong arguments.
 #include <gtest/gtest.h>
 
 #include <algorithm>

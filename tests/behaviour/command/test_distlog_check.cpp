@@ -1,5 +1,5 @@
-// distlog check, as a user runs it: what it finds wrong, where, and what would be right; what it
-// shows of a document that is fine; and that it agrees with the library.
+// distlog check, as a user runs it: the errors that it finds, with place and remedy, its report on
+// a document that is right, and its agreement with the library.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// The QoS that distlog check shows, and what it says about profiles.
+// The QoS that distlog check shows, and its messages about profiles.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
 #include <kolt/domain.h>

@@ -278,7 +278,7 @@ TEST_F(ManualExamples, TheManualNamesEverything) {
              at = schema.find(mark, at + 1)) {
             const std::size_t begin = at + mark.size();
             const std::string name = schema.substr(begin, schema.find('"', begin) - begin);
-            // Names with their prefixes are told by a rule.
+            // The manual names these with their prefixes by a rule.
             if (name.rfind("DDS_", 0) != 0 && name.rfind("THREAD_", 0) != 0) {
                 ++count;
                 EXPECT_NE(manual.find(name), std::string::npos) << name;

@@ -1,5 +1,5 @@
-// A logger configured by XML and what others make of it: levels changed from another process, and
-// QoS profiles that are not there, or not for every topic.
+// A logger configured by XML and changed from elsewhere: levels set by another process, and QoS
+// profiles that are missing, or missing for some topics.
 #include <gtest/gtest.h>
 #include <kolt/domain.h>
 #include <vur_dl/DDSEntities.h>

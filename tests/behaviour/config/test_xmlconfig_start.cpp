@@ -1,5 +1,5 @@
-// The logger started from XML documents: what applies, what does not, QoS profiles of the document,
-// the live level in what is saved.
+// The logger started from XML documents: settings that apply and that don't, QoS profiles of the
+// document, the live level in the saved element.
 #include <gtest/gtest.h>
 #include <kolt/domain.h>
 #include <vur_dl/DistLogger.h>

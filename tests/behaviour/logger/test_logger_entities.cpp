@@ -1,4 +1,4 @@
-// The DDS entities that the logger creates: which, with what QoS, and what it leaves alone.
+// The DDS entities that the logger creates, their QoS, and the entities that it leaves alone.
 #include <gtest/gtest.h>
 #include <vur_dl/vur_dl.h>
 

@@ -1,4 +1,4 @@
-// A log call from the caller's side: checks, echo, filter, and what arrives of the texts.
+// A log call from the caller's side: checks, echo, filter, and how much arrives of the texts.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Remote commands: what they do, what is answered, and what is not.
+// Remote commands: their effects, the answers to them, and commands that get none.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
 

@@ -88,8 +88,8 @@ TEST_F(FilterTopic, ParametersChangeWhileReadersExist) {
     EXPECT_EQ(got[0].number + got[1].number, 5);
 }
 
-// An instance that goes is told to whoever got it, although a key has not got all the members that
-// the filter asks for.
+// The end of an instance reaches every reader that got a sample of it, although a key lacks the
+// other members that the filter asks for.
 TEST_F(FilterTopic, DisposalPasses) {
     DDS_ContentFilteredTopic *const filtered = create("number > 10", nullptr);
     DDS_DataReader *const reader =

@@ -1,4 +1,4 @@
-// Listeners: who is told of what, in which order, and until when; deferred writes.
+// Listeners: the callbacks of each event, their order, and their end; deferred writes.
 #include <gtest/gtest.h>
 
 #include <atomic>

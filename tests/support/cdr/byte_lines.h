@@ -15,12 +15,12 @@ struct ByteLine {
 };
 using ByteLines = std::vector<ByteLine>;
 
-// The record is written as these bytes in both byte orders, and these bytes are read as the record.
-// `representation`: which of the type's encapsulations the lines are of.
+// Expects the record to be written as these bytes in both byte orders, and the bytes to be read as
+// the record. The lines are of the type's encapsulation in `representation`.
 void expect_lines(const DDS_TypeCode *type, const void *record,
                   DDS_DataRepresentationId_t representation, const ByteLines &lines);
 
-// One list of lines after the other.
+// Returns the lists of lines one after the other.
 ByteLines joined(std::initializer_list<ByteLines> parts);
 
 }  // namespace support

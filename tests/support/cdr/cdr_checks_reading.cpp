@@ -85,7 +85,7 @@ class FindFields : FieldWalk {
     std::size_t size_;
 };
 
-// Looks for every field in bytes that can't be read as a whole, to no harm.
+// Looks for every field in bytes that can't be read as a whole. Nothing outside them may be read.
 class SearchMalformed : FieldWalk {
   public:
     SearchMalformed(const KOLT_TypePrograms *programs, const std::uint8_t *bytes, std::size_t size,
@@ -135,7 +135,7 @@ void check_round_trip(const KOLT_TypePrograms *programs, const void *record) {
     }
 }
 
-// The text has the size that is told, and nothing is written where it does not fit.
+// The text has the announced size, and nothing is written where it does not fit.
 void check_text(const DDS_DynamicData *data) {
     for (const DDS_PrintFormatKind kind :
          {DDS_DEFAULT_PRINT_FORMAT, DDS_XML_PRINT_FORMAT, DDS_JSON_PRINT_FORMAT}) {

@@ -9,7 +9,7 @@
 
 namespace support {
 
-// The record is written as these bytes, and they are read as an equal one.
+// Expects the record to be written as these bytes, and them to be read as an equal one.
 template <typename T>
 void expect_bytes(const DDS_TypeCode *type, unsigned encapsulation, T *record,
                   const std::string &hex) {

@@ -1,4 +1,4 @@
-// A parser that knows the element `distributed_logger`, and what was reported while it parsed.
+// A parser that knows the element `distributed_logger`, and the errors that were reported.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -41,7 +41,7 @@ class XmlConfigDocument {
     DDS_ReturnCode_t parse(const std::string &text) {
         return DDS_XMLParser_parse_string(parser_, text.c_str(), -1, "test.xml");
     }
-    // The content of one element; its first line is line 3.
+    // Parses the content of one element, whose first line is line 3.
     DDS_ReturnCode_t parse_element(const std::string &content) {
         return parse("<dds>\n<distributed_logger>\n" + content + "\n</distributed_logger>\n</dds>");
     }

@@ -43,7 +43,7 @@ class FakeSender {
     Ids ids_;
 };
 
-// Takes requests and answers them as told.
+// Takes requests and answers them with the given results.
 class FakeResponder {
   public:
     explicit FakeResponder(const FakeParticipant &participant);

@@ -25,10 +25,10 @@ class LogApp {
             }
         }
     }
-    // The same for a line that ends the application: nothing answers.
+    // Has the application carry out a line that ends it, which it does not answer.
     void say(const std::string &line) { process_.say(line); }
     ChildProcess &process() { return process_; }
-    // Ends the application in good order; its exit code.
+    // Ends the application in good order and returns its exit code.
     std::optional<int> end() {
         process_.close_input();
         return process_.wait();

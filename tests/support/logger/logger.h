@@ -8,7 +8,7 @@
 
 namespace support {
 
-// Quiet by default: neither echo nor forwarding, so that a test sees what it asks for.
+// Quiet by default, without echo and forwarding, so that a test sees only its own messages.
 struct LoggerOptions {
     int domain = 0;
     int filter_level = 600;
@@ -32,7 +32,7 @@ class Logger {
     Logger &operator=(const Logger &) = delete;
 
     VUR_DL_DistLogger *get() const { return logger_; }
-    // NULL-safe ways to say the usual.
+    // Logs a message. May be called when the creation failed.
     void log(int level, const std::string &message, const std::string &category = "") const;
 
   private:

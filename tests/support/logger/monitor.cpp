@@ -105,7 +105,7 @@ int matched_readers(DDS_DataWriter *writer) {
     return status.current_count;
 }
 
-// One taking loop for the three topics; the typed functions are told by their signatures.
+// Takes all samples of one of the three topics; `take` gives the types.
 template <typename Seq, typename TypedReader, typename Result>
 void take_all(TypedReader *reader,
               DDS_ReturnCode_t (*take)(TypedReader *, Seq *, DDS_SampleInfoSeq *, DDS_Long,

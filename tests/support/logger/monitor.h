@@ -58,7 +58,7 @@ class Monitor {
         bool log = true;
         bool state = true;
         bool commands = true;
-        // Of the log reader: with it, what was published before the reader came arrives, too.
+        // The log reader's. Transient-local: messages from before the reader arrive, too.
         DDS_DurabilityQosPolicyKind durability = DDS_TRANSIENT_LOCAL_DURABILITY_QOS;
     };
 
@@ -71,20 +71,20 @@ class Monitor {
     const std::vector<StateSample> &states();
     const std::vector<ResponseSample> &responses();
 
-    // Each waits for an event and gives false when it does not come in time.
+    // Waits for an event. False when it does not come in time.
     bool wait_for_log(std::size_t count);
     bool wait_for_log_writers(int count);
     bool wait_for_states(std::size_t count);
     bool wait_for_state(const std::function<bool(const StateSample &)> &wanted);
     bool wait_for_responses(std::size_t count);
-    // The command topics of `target` and of this monitor have found each other in both directions:
-    // requests will be taken and answers will arrive. `level` is the target's filter level: setting
-    // it once more changes nothing. The answers to that are not among the responses.
+    // Waits until the command topics of `target` and of this monitor have found each other in both
+    // directions, so that requests and answers arrive. Requests the target's present filter
+    // `level` again and again for that, which changes nothing. The answers to that are not among the responses.
     bool handshake(const Ids &target, int level);
-    // False when a logger that takes requests has been found.
+    // True while no logger that takes requests has been found.
     bool nobody_takes_requests();
 
-    // The last valid State; a default one when there is none.
+    // Returns the last valid State; a default one when there is none.
     StateSample last_state();
 
     // Sends a request to `target` under this monitor's ids.

@@ -21,7 +21,7 @@ namespace support {
 // sanitizers slow everything down, and only failures pay for it.
 constexpr std::chrono::seconds kPatience{30};
 
-// The folders that the environment names: programs of the build, and its test helpers.
+// Returns the path of a program of the build, or of a test helper, from the environment.
 std::string binary_path(const std::string &name);
 std::string helper_path(const std::string &name);
 
@@ -47,19 +47,19 @@ class ChildProcess {
     void say(const std::string &line);
     void close_input();
 
-    // The next line of a stream that was not returned before, without its newline; empty when none
-    // comes in time or the stream has ended.
+    // Returns the next line of a stream that was not returned before, without its newline; empty
+    // when none comes in time or the stream has ended.
     std::optional<std::string> read_line(Stream stream = Stream::kOut,
                                          std::chrono::milliseconds within = kPatience);
     // Reads on until a line contains `text`, and returns that line.
     std::optional<std::string> read_line_with(const std::string &text, Stream stream = Stream::kOut,
                                               std::chrono::milliseconds within = kPatience);
-    // All lines so far, also those that were returned.
+    // Returns all lines so far, also those that were returned before.
     std::vector<std::string> lines(Stream stream = Stream::kOut);
 
     void signal(int number);
-    // The exit code, or 128 plus the number of the signal that ended it; empty when it does not end
-    // in time. All of its output has arrived when this returns a value.
+    // Returns the exit code, or 128 plus the number of the signal that ended it; empty when it does
+    // not end in time. All of its output has arrived when this returns a value.
     std::optional<int> wait(std::chrono::milliseconds within = kPatience);
 
   private:
@@ -98,7 +98,7 @@ class StdoutCapture {
     // Returns the text that was written since the capture began.
     std::string text();
     std::vector<std::string> lines();
-    // The number of lines that are equal to `line`.
+    // Returns the number of lines that are equal to `line`.
     int count(const std::string &line);
 
   private:

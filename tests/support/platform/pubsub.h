@@ -24,7 +24,7 @@ using kolt::qos::WriterQos;
 
 constexpr const char *kMessageTypeName = "test::Message";
 
-// `name` made unique to this process: tests that run at the same time do not hear each other.
+// Returns `name` made unique to this process: tests that run at the same time do not meet.
 std::string own(const std::string &name);
 
 // Plugins made of KOLT's generic operations: of support::Message, keyed by id and level, and of
@@ -44,7 +44,7 @@ class Node {
     Node(const Node &) = delete;
     Node &operator=(const Node &) = delete;
 
-    // A writer or reader of the topic. `adjust` changes the default QoS, which is reliable here.
+    // Creates a writer or reader of the topic. `adjust` changes the default QoS, reliable here.
     DDS_DataWriter *writer(const std::function<void(DDS_DataWriterQos &)> &adjust = {},
                            DDS_Topic *topic = nullptr,
                            const DDS_DataWriterListener *listener = nullptr,
@@ -54,7 +54,7 @@ class Node {
                            const DDS_DataReaderListener *listener = nullptr,
                            DDS_StatusMask mask = DDS_STATUS_MASK_NONE);
 
-    // A topic of another plugin's type, under the type's own name.
+    // Creates a topic of another plugin's type, under the type's own name.
     DDS_Topic *topic_of(const KOLT_TypePlugin &plugin, const std::string &name);
 
     DDS_DomainParticipantFactory *factory;

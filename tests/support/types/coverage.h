@@ -14,7 +14,7 @@
 
 namespace support {
 
-// By the names of the fields; all elements of an array or sequence are one field.
+// Keeps the values by the names of the fields; all elements of an array or sequence are one.
 class Coverage {
   public:
     void add(const DDS_TypeCode &type, const void *value, const std::string &name) {

@@ -201,7 +201,7 @@ class Types {
         offsetof(Record, list),   offsetof(Record, choice),   offsetof(Record, maybe)};
 };
 
-// Header and body; empty when the record cannot be serialised.
+// Returns header and body; empty when the record cannot be serialised.
 inline std::vector<DDS_Octet> serialize(const Record &record, DDS_UnsignedShort encapsulation) {
     const auto *programs = KOLT_TypePrograms_acquire(&Types::record());
     std::vector<DDS_Octet> bytes(4096);

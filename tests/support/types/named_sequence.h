@@ -1,4 +1,4 @@
-// A sequence of elements that own a string, are counted, and can be told to fail.
+// A sequence of elements that own a string, are counted, and fail when a test wants it.
 #pragma once
 
 #include <gtest/gtest.h>

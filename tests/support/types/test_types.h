@@ -130,7 +130,7 @@ const DDS_TypeCode *appendable_version1_type();
 const DDS_TypeCode *appendable_version2_type();
 const DDS_TypeCode *mutable_version1_type();
 const DDS_TypeCode *mutable_version2_type();
-// mutableVersion2 whose member `b` must be understood.
+// mutable_version2_type() with a member `b` that must be understood.
 const DDS_TypeCode *strict_version2_type();
 
 // @mutable struct Holder { @key string<32> name; @key Id id; Point where; } with ids 30, 20, 10,
@@ -144,8 +144,8 @@ const DDS_TypeCode *mutable_holder_type();
 const DDS_TypeCode *final_holder_type();
 const DDS_TypeCode *appendable_holder_type();
 
-// @mutable struct Large { sequence<octet> data; @id(0x3f01) long far; @id(0x0ffffff0) long farther;
-// }
+// @mutable struct Large { sequence<octet> data; @id(0x3f01) long far;
+//                         @id(0x0ffffff0) long farther; }
 struct Large {
     DDS_OctetSeq data;
     DDS_Long far;
@@ -213,7 +213,7 @@ using Bytes = std::vector<std::uint8_t>;
 Bytes from_hex(const std::string &hex);
 std::string to_hex(const Bytes &bytes);
 
-// Serialised bytes of a record; empty when it can't be serialised.
+// Returns the serialised bytes of a record; empty when it can't be serialised.
 Bytes serialize(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record);
 Bytes serialize_key(const KOLT_TypePrograms *programs, unsigned encapsulation, const void *record);
 

@@ -12,7 +12,7 @@ namespace support {
 
 // ---- Functions ----------------------------------------------------------------------------------
 
-// Of a type: its functions under their names without the type's, by family.
+// The functions of a type under their names without the type's, by family.
 template <typename T>
 struct TopicType;
 
@@ -163,7 +163,7 @@ SUPPORT_TOPIC_TYPE(VUR_DL_ADMIN_CommandResponse, "VUR::DL::ADMIN::CommandRespons
 
 using TopicTypes = testing::Types<VUR_DL_LogMessage, VUR_DL_ADMIN_State,
                                   VUR_DL_ADMIN_CommandRequest, VUR_DL_ADMIN_CommandResponse>;
-// Those that have instances.
+// The topic types that have instances.
 using KeyedTopicTypes =
     testing::Types<VUR_DL_LogMessage, VUR_DL_ADMIN_State, VUR_DL_ADMIN_CommandResponse>;
 

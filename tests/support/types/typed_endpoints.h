@@ -11,8 +11,8 @@
 namespace support {
 
 // A participant with one of the topic types under a name that is not the type's own, a topic of it,
-// and a reliable writer and reader that keep all samples and have found each other. What is written
-// has arrived when the write returns.
+// and a reliable writer and reader that keep all samples and have found each other. A sample has
+// arrived when its write returns.
 template <typename T>
 class TypedEndpoints {
   public:
@@ -62,7 +62,7 @@ class Received {
     Received(const Received &) = delete;
     Received &operator=(const Received &) = delete;
 
-    // Room of the caller's own for `maximum` samples.
+    // Gives the sequences room of their own for `maximum` samples.
     void allocate(DDS_Long maximum) {
         ASSERT_TRUE(Type::Seq::set_maximum(&data, maximum));
         ASSERT_TRUE(DDS_SampleInfoSeq_set_maximum(&infos, maximum));
@@ -76,7 +76,7 @@ class Received {
     const DDS_SampleInfo &info(DDS_Long index) const {
         return *DDS_SampleInfoSeq_get_reference(&infos, index);
     }
-    // The numbers of the samples, in order.
+    // Returns the numbers of the samples, in order.
     std::vector<DDS_Long> numbers() const {
         std::vector<DDS_Long> result;
         for (DDS_UnsignedLong i = 0; i < size(); ++i) {

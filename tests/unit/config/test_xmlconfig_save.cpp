@@ -1,4 +1,4 @@
-// The element `distributed_logger` written back, and what comes of parsing what was written.
+// The element `distributed_logger` written back, and the written element parsed again.
 #include <gtest/gtest.h>
 #include <kolt/xml.h>
 #include <vur_dl/XMLConfig.h>

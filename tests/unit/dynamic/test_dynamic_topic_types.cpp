@@ -1,4 +1,4 @@
-// Dynamic data of the logger's topic types: bytes to members and back, and what is refused.
+// Dynamic data of the logger's topic types: bytes to members and back, and refusals.
 
 #include <gtest/gtest.h>
 

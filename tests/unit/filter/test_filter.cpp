@@ -171,7 +171,7 @@ TEST(Filter, MalformedSamplesDoNotMatch) {
     const auto filter = compile("NOT (text = 'x' AND list[1] = 3)");
     const auto bytes = Sample().bytes();
     ASSERT_TRUE(matches(filter, bytes));
-    // Cut before the text: the field cannot be read, so neither can the condition be told.
+    // Cut before the text: without the field the condition does not hold.
     for (std::size_t length = 0; length < 60; ++length) {
         EXPECT_FALSE(KOLT_Filter_matches(filter.get(), bytes.data(), length)) << length;
     }

@@ -1,4 +1,4 @@
-// Content filters: what is refused, with the place and the reason.
+// Content filters: refused expressions, with the place and the reason.
 
 #include <gtest/gtest.h>
 #include <kolt/filter.h>

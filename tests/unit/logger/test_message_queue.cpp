@@ -1,4 +1,4 @@
-// The bounded queue: order, numbers, text limits, what happens when it is full.
+// The bounded queue: order, numbers, text limits, messages dropped when it is full.
 #include <gtest/gtest.h>
 
 #include <atomic>

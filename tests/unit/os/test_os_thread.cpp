@@ -1,4 +1,4 @@
-// Threads: name, priority, stack size, identifier, and what happens when the system refuses.
+// Threads: name, priority, stack size, identifier, and refusals of the system.
 
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>

@@ -477,7 +477,7 @@ TEST_F(QosProfiles, BearLookUpsFromManyThreads) {
         });
     }
     for (int n = 0; n < 20; ++n) {
-        // The profile is there before and after; in between nobody looks.
+        // The profile is there before and after; no reader sees the time between.
         EXPECT_EQ(DDS_DomainParticipantFactory_reload_profiles(factory()), DDS_RETCODE_OK);
     }
     for (std::thread &thread : threads) {

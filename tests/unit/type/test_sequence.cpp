@@ -1,4 +1,4 @@
-// Typed sequences: state, growth, elements, and what is reported of failures.
+// Typed sequences: state, growth, elements, and the reports of failures.
 
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>
@@ -159,7 +159,7 @@ TEST_F(SequenceTest, SetMaximumRefusals) {
     EXPECT_TRUE(log_.saw("allocate_memory must be true"));
 }
 
-// The first check that fails is the one that is told.
+// The log names the first check that fails.
 TEST_F(SequenceTest, SetMaximumChecksInTheirOrder) {
     NamedSeq seq{};
     Named buffer[1] = {};

@@ -1,4 +1,4 @@
-// Types that have no description, and what is said about it.
+// Types that have no description, and the messages about them.
 
 #include <gtest/gtest.h>
 #include <kolt/type_object.h>

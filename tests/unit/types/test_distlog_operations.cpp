@@ -1,5 +1,5 @@
-// The operations that every one of the thirteen types has, and what their type codes have in
-// common.
+// The operations that every one of the thirteen types has, and the common properties of their type
+// codes.
 
 #include <gtest/gtest.h>
 #include <kolt/cdr.h>

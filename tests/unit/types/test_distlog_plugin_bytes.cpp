@@ -1,4 +1,4 @@
-// Samples of the logger's types as bytes: both representations, sizes, and what is refused.
+// Samples of the logger's types as bytes: both representations, sizes, and refusals.
 
 #include <gtest/gtest.h>
 

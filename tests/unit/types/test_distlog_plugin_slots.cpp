@@ -1,4 +1,4 @@
-// The plugin records of the four topic types: what is in each slot, and that it does its job.
+// The plugin records of the four topic types: the function in each slot, and its job.
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Extension classes of the XML facility: what their callbacks are told, and how they refuse.
+// Extension classes of the XML facility: the arguments of their callbacks, and their refusals.
 #include <gtest/gtest.h>
 #include <kolt/xml.h>
 
@@ -14,7 +14,7 @@ using support::ParserPtr;
 using support::save;
 using support::tag_of;
 
-// An element that writes down what it is told.
+// An element that records the calls of its callbacks.
 struct Recorder {
     std::vector<std::string> events;
     int live = 0;
