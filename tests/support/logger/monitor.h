@@ -78,8 +78,8 @@ class Monitor {
     bool wait_for_state(const std::function<bool(const StateSample &)> &wanted);
     bool wait_for_responses(std::size_t count);
     // Waits until the command topics of `target` and of this monitor have found each other in both
-    // directions, so that requests and answers arrive. Requests the target's present filter
-    // `level` again and again for that, which changes nothing. The answers to that are not among the responses.
+    // directions, so that requests and answers arrive. Requests the target's present filter level,
+    // `level`, for that, which changes nothing. Those answers are not among the responses.
     bool handshake(const Ids &target, int level);
     // True while no logger that takes requests has been found.
     bool nobody_takes_requests();

@@ -1,3 +1,4 @@
+// Participants, writers and readers of support::Message.
 #include "support/platform/pubsub.h"
 
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// Elements that own a string, are counted and can fail.
 #include "support/types/named_sequence.h"
 
 #include <kolt/sequence_define.h>

@@ -1,3 +1,4 @@
+// Type codes made at run time.
 #include "support/types/type_book.h"
 
 #include <kolt/sequence.h>
