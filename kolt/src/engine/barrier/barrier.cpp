@@ -25,6 +25,10 @@ DDS_ReturnCode_t bad_parameter(const char *method, const char *name) {
     return fail(DDS_RETCODE_BAD_PARAMETER, method, "bad parameter: %s", name);
 }
 
+DDS_ReturnCode_t not_enabled(const char *method) {
+    return fail(DDS_RETCODE_NOT_ENABLED, method, "the entity is not enabled");
+}
+
 void note_entity(const char *method, const char *what, const char *kind, const char *name) {
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_ENTITIES, KOLT_CONFIG_LOG_LEVEL_STATUS_LOCAL, method,
                      "%s %s %s", what, kind, name);

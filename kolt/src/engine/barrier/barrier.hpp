@@ -4,6 +4,7 @@
 
 #include <new>
 #include <type_traits>
+#include <utility>
 
 #include "kolt/config_logger.h"
 #include "kolt/infrastructure.h"
@@ -20,6 +21,9 @@ DDS_ReturnCode_t fail(DDS_ReturnCode_t code, const char *method, const char *for
 
 // Logs a NULL or otherwise useless argument.
 DDS_ReturnCode_t bad_parameter(const char *method, const char *name);
+
+// Logs and returns NOT_ENABLED.
+DDS_ReturnCode_t not_enabled(const char *method);
 
 // Logs what happened to an entity at level STATUS_LOCAL.
 void note_entity(const char *method, const char *what, const char *kind, const char *name);
@@ -42,6 +46,23 @@ auto guarded(const char *method, Body &&body) noexcept -> decltype(body()) {
     } else if constexpr (!std::is_void_v<Result>) {
         return Result{};
     }
+}
+
+// Checks `self`, runs `body(implementation)` behind the exception barrier.
+template <typename Impl, typename Handle, typename Body>
+auto with(Handle *self, const char *method, Body &&body) noexcept
+    -> decltype(body(std::declval<Impl &>())) {
+    using Result = decltype(body(std::declval<Impl &>()));
+    Impl *const impl = Impl::of(self);
+    if (impl == nullptr) {
+        bad_parameter(method, "self");
+        if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
+            return DDS_RETCODE_BAD_PARAMETER;
+        } else {
+            return Result{};
+        }
+    }
+    return guarded(method, [&] { return body(*impl); });
 }
 
 }  // namespace kolt::engine

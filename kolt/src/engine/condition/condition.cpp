@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "engine/cyclone/convert.hpp"
+#include "engine/cyclone/log_sink.hpp"
 
 namespace {
 
@@ -56,27 +57,10 @@ namespace kolt::engine {
 
 namespace api = cyclone;
 
-// ---- Status and guard conditions ----------------------------------------------------------------
-
-StatusCondition::StatusCondition(Entity &entity)
-    : Condition(&handle_._condition), entity_(entity) {}
-
-StatusCondition *StatusCondition::of(DDS_StatusCondition *self) {
-    return self != nullptr ? static_cast<StatusCondition *>(self->_condition._impl) : nullptr;
-}
-
-DDS_ReturnCode_t StatusCondition::set_enabled_statuses(DDS_StatusMask mask) {
-    enabled_.store(mask);
-    return entity_.is_enabled() ? apply_mask() : DDS_RETCODE_OK;
-}
-
-DDS_ReturnCode_t StatusCondition::apply_mask() {
-    const DDS_StatusMask mask = enabled_.load() & entity_.valid_statuses();
-    return to_return_code(dds_set_status_mask(entity_.engine(), status_to_engine(mask)));
-}
+// ---- Guard condition ----------------------------------------------------------------------------
 
 GuardCondition::GuardCondition() : Condition(&handle_._condition) {
-    prepare_engine();
+    install_log_sink();
     engine_ = dds_create_guardcondition(api::kLibrary);
     if (engine_ < 0) {
         throw std::bad_alloc();
@@ -100,7 +84,7 @@ DDS_ReturnCode_t GuardCondition::set(bool value) {
 // ---- Waitsets -----------------------------------------------------------------------------------
 
 WaitSet::WaitSet() {
-    prepare_engine();
+    install_log_sink();
     engine_ = dds_create_waitset(api::kLibrary);
     if (engine_ < 0) {
         throw std::bad_alloc();

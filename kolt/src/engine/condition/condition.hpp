@@ -11,7 +11,8 @@
 #include <mutex>
 #include <vector>
 
-#include "engine/entity/entity.hpp"
+#include "engine/barrier/barrier.hpp"
+#include "engine/cyclone/cyclone.hpp"
 #include "kolt/condition.h"
 
 namespace kolt::engine {
@@ -47,25 +48,6 @@ struct KOLT_ConditionImpl {
 namespace kolt::engine {
 
 using Condition = KOLT_ConditionImpl;
-
-class StatusCondition final : public Condition {
-  public:
-    explicit StatusCondition(Entity &entity);
-    static StatusCondition *of(DDS_StatusCondition *self);
-
-    DDS_StatusCondition *handle() { return &handle_; }
-    Entity &entity() const { return entity_; }
-    dds_entity_t watched() const override { return entity_.engine(); }
-    DDS_StatusMask enabled_statuses() const { return enabled_.load(); }
-    DDS_ReturnCode_t set_enabled_statuses(DDS_StatusMask mask);
-    // Tells the engine which statuses count; the entity has just been enabled.
-    DDS_ReturnCode_t apply_mask();
-
-  private:
-    DDS_StatusCondition handle_{{this}};
-    Entity &entity_;
-    std::atomic<DDS_StatusMask> enabled_{DDS_STATUS_MASK_ALL};
-};
 
 class GuardCondition final : public Condition {
   public:

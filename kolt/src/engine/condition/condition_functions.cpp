@@ -1,36 +1,11 @@
-// The C functions of conditions and waitsets.
+// The C functions of any condition, of guard conditions and of waitsets.
 #include "engine/condition/condition.hpp"
 #include "engine/cyclone/convert.hpp"
-#include "engine/subscription/data_reader.hpp"
-#include "engine/subscription/read_condition.hpp"
 
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
 
 DDS_Boolean DDS_Condition_get_trigger_value(DDS_Condition *self) {
     return self != nullptr && self->_impl->is_triggered() ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
-}
-
-// ---- Status condition ---------------------------------------------------------------------------
-
-DDS_Condition *DDS_StatusCondition_as_condition(DDS_StatusCondition *self) {
-    return self != nullptr ? &self->_condition : nullptr;
-}
-
-DDS_ReturnCode_t DDS_StatusCondition_set_enabled_statuses(DDS_StatusCondition *self,
-                                                          DDS_StatusMask mask) {
-    return with<StatusCondition>(self, __func__, [&](StatusCondition &condition) {
-        return condition.set_enabled_statuses(mask);
-    });
-}
-
-DDS_StatusMask DDS_StatusCondition_get_enabled_statuses(DDS_StatusCondition *self) {
-    return with<StatusCondition>(
-        self, __func__, [](StatusCondition &condition) { return condition.enabled_statuses(); });
-}
-
-DDS_Entity *DDS_StatusCondition_get_entity(DDS_StatusCondition *self) {
-    return with<StatusCondition>(
-        self, __func__, [](StatusCondition &condition) { return condition.entity().self(); });
 }
 
 // ---- Guard condition ----------------------------------------------------------------------------
@@ -57,61 +32,6 @@ DDS_Condition *DDS_GuardCondition_as_condition(DDS_GuardCondition *self) {
 DDS_ReturnCode_t DDS_GuardCondition_set_trigger_value(DDS_GuardCondition *self, DDS_Boolean value) {
     return with<GuardCondition>(self, __func__, [&](GuardCondition &condition) {
         return condition.set(value != DDS_BOOLEAN_FALSE);
-    });
-}
-
-// ---- Read and query conditions ------------------------------------------------------------------
-
-DDS_Condition *DDS_ReadCondition_as_condition(DDS_ReadCondition *self) {
-    return self != nullptr ? &self->_condition : nullptr;
-}
-
-DDS_DataReader *DDS_ReadCondition_get_datareader(DDS_ReadCondition *self) {
-    return with<ReadCondition>(
-        self, __func__, [](ReadCondition &condition) { return condition.reader().handle(); });
-}
-
-DDS_SampleStateMask DDS_ReadCondition_get_sample_state_mask(DDS_ReadCondition *self) {
-    return with<ReadCondition>(self, __func__,
-                               [](ReadCondition &condition) { return condition.states().sample; });
-}
-
-DDS_ViewStateMask DDS_ReadCondition_get_view_state_mask(DDS_ReadCondition *self) {
-    return with<ReadCondition>(self, __func__,
-                               [](ReadCondition &condition) { return condition.states().view; });
-}
-
-DDS_InstanceStateMask DDS_ReadCondition_get_instance_state_mask(DDS_ReadCondition *self) {
-    return with<ReadCondition>(
-        self, __func__, [](ReadCondition &condition) { return condition.states().instance; });
-}
-
-DDS_ReadCondition *DDS_QueryCondition_as_readcondition(DDS_QueryCondition *self) {
-    return self != nullptr ? &self->_read_condition : nullptr;
-}
-
-const char *DDS_QueryCondition_get_query_expression(DDS_QueryCondition *self) {
-    return with<QueryCondition>(
-        self, __func__, [](QueryCondition &condition) { return condition.filter().expression(); });
-}
-
-DDS_ReturnCode_t DDS_QueryCondition_get_query_parameters(DDS_QueryCondition *self,
-                                                         DDS_StringSeq *parameters) {
-    if (parameters == nullptr) {
-        return bad_parameter(__func__, "parameters");
-    }
-    return with<QueryCondition>(self, __func__, [&](QueryCondition &condition) {
-        return condition.filter().get_parameters(parameters);
-    });
-}
-
-DDS_ReturnCode_t DDS_QueryCondition_set_query_parameters(DDS_QueryCondition *self,
-                                                         const DDS_StringSeq *parameters) {
-    if (parameters == nullptr) {
-        return bad_parameter(__func__, "parameters");
-    }
-    return with<QueryCondition>(self, __func__, [&, method = __func__](QueryCondition &condition) {
-        return condition.set_parameters(*parameters, method);
     });
 }
 

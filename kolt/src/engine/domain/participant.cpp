@@ -1,6 +1,8 @@
 #include "engine/domain/participant.hpp"
 
 #include "engine/cyclone/convert.hpp"
+#include "engine/cyclone/log_sink.hpp"
+#include "engine/entity/owned_list.hpp"
 #include "engine/publication/publisher.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
@@ -20,16 +22,11 @@ DDS_UnsignedLong big_endian(const std::uint8_t *bytes) {
 }  // namespace
 
 Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos)
-    : Entity(EntityKind::kParticipant, &handle_._entity, 0),
-      domain_id_(domain_id),
-      qos_(tree_, qos) {}
+    : ParticipantScope(domain_id, qos) {}
 
 Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos,
                          dds_entity_t wrapped)
-    : Entity(EntityKind::kParticipant, &handle_._entity, 0),
-      domain_id_(domain_id),
-      wrapped_(true),
-      qos_(tree_, qos) {
+    : ParticipantScope(domain_id, qos), wrapped_(true) {
     set_engine(wrapped);
 }
 
@@ -38,7 +35,7 @@ Participant::~Participant() {
 }
 
 void Participant::close(const char *method) {
-    listener_.set(nullptr, 0);
+    listener().set(nullptr, 0);
     if (wrapped_) {
         release_engine();
     } else {
@@ -46,23 +43,17 @@ void Participant::close(const char *method) {
     }
 }
 
-bool Participant::autoenables() {
-    return is_enabled() && qos_.read([](const DDS_DomainParticipantQos &qos) {
-        return qos.entity_factory.autoenable_created_entities != 0;
-    });
-}
-
 // ---- Enabling and QoS ---------------------------------------------------------------------------
 
 DDS_ReturnCode_t Participant::enable(const char *method) {
     const EngineQos engine_qos =
-        qos_.read([](const DDS_DomainParticipantQos &qos) { return to_engine(qos); });
-    prepare_engine();
+        own_qos().read([](const DDS_DomainParticipantQos &qos) { return to_engine(qos); });
+    install_log_sink();
     const dds_entity_t entity =
-        dds_create_participant(static_cast<dds_domainid_t>(domain_id_), engine_qos.get(), nullptr);
+        dds_create_participant(static_cast<dds_domainid_t>(domain_id()), engine_qos.get(), nullptr);
     if (entity < 0) {
         return fail(to_return_code(entity), method, "the engine refuses a participant in domain %d",
-                    static_cast<int>(domain_id_));
+                    static_cast<int>(domain_id()));
     }
     set_engine(entity);
     return autoenables() ? enable_contained(method) : DDS_RETCODE_OK;
@@ -71,7 +62,7 @@ DDS_ReturnCode_t Participant::enable(const char *method) {
 DDS_ReturnCode_t Participant::enable_contained(const char *method) {
     std::vector<Entity *> contained;
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         for (const auto &topic : topics_) {
             contained.push_back(topic.get());
         }
@@ -99,7 +90,7 @@ DDS_ReturnCode_t Participant::enable_contained(const char *method) {
 }
 
 DDS_ReturnCode_t Participant::get_qos(DDS_DomainParticipantQos *qos) {
-    const DDS_ReturnCode_t result = qos_.get(qos);
+    const DDS_ReturnCode_t result = own_qos().get(qos);
     if (result != DDS_RETCODE_OK) {
         return result;
     }
@@ -129,7 +120,7 @@ EngineQos to_engine_change(const DDS_DomainParticipantQos &qos) {
 }  // namespace
 
 DDS_ReturnCode_t Participant::set_qos(const DDS_DomainParticipantQos &qos, const char *method) {
-    return qos_.set(qos, *this, method, to_engine_change);
+    return own_qos().set(qos, *this, method, to_engine_change);
 }
 
 // ---- Publishers and subscribers -----------------------------------------------------------------
@@ -176,7 +167,7 @@ typename Group::Record *Participant::create_group(std::vector<std::unique_ptr<Gr
         return nullptr;
     }
     typename Group::Record *const handle = group->handle();
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     groups.push_back(std::move(group));
     note_entity(method, "created", Names::kKind, "");
     return handle;
@@ -188,7 +179,7 @@ DDS_ReturnCode_t Participant::delete_group(std::vector<std::unique_ptr<Group>> &
     using Names = GroupNames<Group>;
     std::unique_ptr<Group> removed;  // deleted outside the lock
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         if (!contains_pointer(groups, group)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                         "the %s is not this participant's", Names::kKind);
@@ -234,27 +225,27 @@ DDS_ReturnCode_t Participant::delete_contained_entities(const char *method) {
         }
         return code == DDS_RETCODE_OK;
     };
-    for (Subscriber *const subscriber : pointers(tree_, subscribers_)) {
+    for (Subscriber *const subscriber : pointers(tree(), subscribers_)) {
         if (keep_failure(subscriber->delete_contained_entities(method))) {
             keep_failure(delete_subscriber(subscriber, method));
         }
     }
-    for (Publisher *const publisher : pointers(tree_, publishers_)) {
+    for (Publisher *const publisher : pointers(tree(), publishers_)) {
         if (keep_failure(publisher->delete_contained_entities(method))) {
             keep_failure(delete_publisher(publisher, method));
         }
     }
-    for (ContentFilteredTopic *const topic : pointers(tree_, filtered_topics_)) {
+    for (ContentFilteredTopic *const topic : pointers(tree(), filtered_topics_)) {
         keep_failure(delete_filtered_topic(topic, method));
     }
-    for (Topic *const topic : pointers(tree_, topics_)) {
+    for (Topic *const topic : pointers(tree(), topics_)) {
         keep_failure(delete_topic(topic, method));
     }
     return result;
 }
 
 bool Participant::is_empty() {
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     return topics_.empty() && filtered_topics_.empty() && publishers_.empty() &&
            subscribers_.empty();
 }
@@ -263,7 +254,7 @@ bool Participant::contains(DDS_InstanceHandle_t handle) {
     if (handle == DDS_HANDLE_NIL) {
         return false;
     }
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     for (const auto &topic : topics_) {
         if (topic->instance_handle() == handle) {
             return true;
@@ -281,60 +272,5 @@ bool Participant::contains(DDS_InstanceHandle_t handle) {
     }
     return false;
 }
-
-// ---- Defaults -----------------------------------------------------------------------------------
-
-template <>
-DefaultQos<DDS_TopicQos> &Participant::default_of() {
-    return default_topic_qos_;
-}
-template <>
-DefaultQos<DDS_PublisherQos> &Participant::default_of() {
-    return default_publisher_qos_;
-}
-template <>
-DefaultQos<DDS_SubscriberQos> &Participant::default_of() {
-    return default_subscriber_qos_;
-}
-template <>
-DefaultQos<DDS_DataWriterQos> &Participant::default_of() {
-    return default_writer_qos_;
-}
-template <>
-DefaultQos<DDS_DataReaderQos> &Participant::default_of() {
-    return default_reader_qos_;
-}
-
-template <typename Qos>
-DDS_ReturnCode_t Participant::get_default(Qos *qos, const char *topic_name) {
-    {
-        const std::lock_guard lock(tree_);
-        const DefaultQos<Qos> &own = default_of<Qos>();
-        if (own.is_set()) {
-            return own.get(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
-        }
-    }
-    return profile_default(qos, topic_name) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
-}
-
-template <typename Qos>
-DDS_ReturnCode_t Participant::set_default(const Qos &qos, const char *method) {
-    const DDS_ReturnCode_t checked = check_qos(qos, method);
-    if (checked != DDS_RETCODE_OK) {
-        return checked;
-    }
-    const std::lock_guard lock(tree_);
-    return default_of<Qos>().set(qos) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
-}
-
-#define KOLT_INSTANTIATE_DEFAULTS(Qos)                                            \
-    template DDS_ReturnCode_t Participant::get_default<Qos>(Qos *, const char *); \
-    template DDS_ReturnCode_t Participant::set_default<Qos>(const Qos &, const char *);
-KOLT_INSTANTIATE_DEFAULTS(DDS_TopicQos)
-KOLT_INSTANTIATE_DEFAULTS(DDS_PublisherQos)
-KOLT_INSTANTIATE_DEFAULTS(DDS_SubscriberQos)
-KOLT_INSTANTIATE_DEFAULTS(DDS_DataWriterQos)
-KOLT_INSTANTIATE_DEFAULTS(DDS_DataReaderQos)
-#undef KOLT_INSTANTIATE_DEFAULTS
 
 }  // namespace kolt::engine

@@ -3,6 +3,8 @@
 #include <string>
 
 #include "engine/cyclone/convert.hpp"
+#include "engine/cyclone/log_sink.hpp"
+#include "engine/entity/owned_list.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
 
@@ -112,7 +114,7 @@ DDS_DomainParticipant *Factory::lookup_participant(DDS_DomainId_t domain_id) {
 }
 
 DDS_DomainParticipant *Factory::wrap(dds_entity_t engine_participant, const char *method) {
-    prepare_engine();
+    install_log_sink();
     dds_domainid_t domain_id = 0;
     if (engine_participant <= 0 || dds_get_participant(engine_participant) != engine_participant ||
         dds_get_domainid(engine_participant, &domain_id) < 0) {

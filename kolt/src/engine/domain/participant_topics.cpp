@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "engine/domain/participant.hpp"
+#include "engine/entity/owned_list.hpp"
 #include "engine/publication/publisher.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
@@ -33,7 +34,7 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
                                             void *registration_data, const char *method) {
     const std::lock_guard creation(topic_creation_);
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         const auto found = types_.find(name);
         if (found != types_.end()) {
             if (found->second->is_same(plugin)) {
@@ -43,15 +44,15 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
                         "the name %s is taken by another type", name);
         }
     }
-    const bool described = qos_.read([](const DDS_DomainParticipantQos &qos) {
+    const bool described = own_qos().read([](const DDS_DomainParticipantQos &qos) {
         return !has_property(qos.property, kAnnounceTypesProperty, "false");
     });
-    auto type = RegisteredType::create(name, plugin, registration_data, domain_id_, described);
+    auto type = RegisteredType::create(name, plugin, registration_data, domain_id(), described);
     if (type == nullptr) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
                     "the type plugin of %s cannot be attached", name);
     }
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     types_.emplace(name, std::move(type));
     note_entity(method, "registered", "type", name);
     return DDS_RETCODE_OK;
@@ -60,7 +61,7 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
 DDS_ReturnCode_t Participant::unregister_type(const char *name, const char *method) {
     std::shared_ptr<RegisteredType> removed;  // goes, and calls the plugin, after the lock
     const std::lock_guard creation(topic_creation_);
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     const auto found = types_.find(name);
     if (found == types_.end()) {
         return fail(DDS_RETCODE_BAD_PARAMETER, method, "no type is registered as %s", name);
@@ -115,7 +116,7 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
     const std::lock_guard creation(topic_creation_);
     std::shared_ptr<RegisteredType> type;
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         if (is_name_taken(name)) {
             fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "there is a topic %s already", name);
             return nullptr;
@@ -135,7 +136,7 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
     }
     DDS_Topic *const handle = topic->handle();
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         topics_.push_back(std::move(topic));
     }
     note_entity(method, "created", "topic", name);
@@ -145,7 +146,7 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
 DDS_ReturnCode_t Participant::delete_topic(Topic *topic, const char *method) {
     std::unique_ptr<Topic> removed;  // deleted outside the lock
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         if (!contains_pointer(topics_, topic)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                         "the topic is not this participant's");
@@ -166,7 +167,7 @@ DDS_ContentFilteredTopic *Participant::create_filtered_topic(const char *name, T
                                                              const char *method) {
     const std::lock_guard creation(topic_creation_);
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         if (!contains_pointer(topics_, related)) {
             fail(DDS_RETCODE_BAD_PARAMETER, method, "the related topic is not this participant's");
             return nullptr;
@@ -178,7 +179,7 @@ DDS_ContentFilteredTopic *Participant::create_filtered_topic(const char *name, T
         ++related->users;
     }
     const auto give_back = [&] {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         --related->users;
     };
     try {
@@ -195,7 +196,7 @@ DDS_ContentFilteredTopic *Participant::create_filtered_topic(const char *name, T
             return nullptr;
         }
         DDS_ContentFilteredTopic *const handle = topic->handle();
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         filtered_topics_.push_back(std::move(topic));
         note_entity(method, "created", "content-filtered topic", name);
         return handle;
@@ -209,7 +210,7 @@ DDS_ReturnCode_t Participant::delete_filtered_topic(ContentFilteredTopic *topic,
                                                     const char *method) {
     std::unique_ptr<ContentFilteredTopic> removed;
     {
-        const std::lock_guard lock(tree_);
+        const std::lock_guard lock(tree());
         if (!contains_pointer(filtered_topics_, topic)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                         "the topic is not this participant's");
@@ -223,13 +224,13 @@ DDS_ReturnCode_t Participant::delete_filtered_topic(ContentFilteredTopic *topic,
     Topic &related = removed->topic();
     note_entity(method, "deleted", "content-filtered topic", removed->name().c_str());
     removed.reset();
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     --related.users;
     return DDS_RETCODE_OK;
 }
 
 DDS_TopicDescription *Participant::lookup_topic(const char *name) {
-    const std::lock_guard lock(tree_);
+    const std::lock_guard lock(tree());
     for (const auto &topic : topics_) {
         if (topic->name() == name) {
             return topic->description();

@@ -4,46 +4,22 @@
 #include <memory>
 #include <vector>
 
-#include "engine/entity/entity.hpp"
-#include "engine/entity/entity_qos.hpp"
-#include "engine/entity/listener_slot.hpp"
-#include "engine/qos/default_qos.hpp"
-#include "kolt/publication.h"
-#include "kolt/subscription.h"
+#include "engine/entity/participant_scope.hpp"
 
 namespace kolt::engine {
 
-class DataReader;
-class DataWriter;
-class Publisher;
-class Subscriber;
-class Topic;
-class TopicDescription;
-
-struct PublisherTraits {
-    using Group = Publisher;
-    using Record = DDS_Publisher;
-    using Qos = DDS_PublisherQos;
-    using Listener = DDS_PublisherListener;
-    using Endpoint = DataWriter;
-    using EndpointRecord = DDS_DataWriter;
-    using EndpointQos = DDS_DataWriterQos;
-    using EndpointListener = DDS_DataWriterListener;
-    using EndpointTopic = Topic;
-};
-
-struct SubscriberTraits {
-    using Group = Subscriber;
-    using Record = DDS_Subscriber;
-    using Qos = DDS_SubscriberQos;
-    using Listener = DDS_SubscriberListener;
-    using Endpoint = DataReader;
-    using EndpointRecord = DDS_DataReader;
-    using EndpointQos = DDS_DataReaderQos;
-    using EndpointListener = DDS_DataReaderListener;
-    using EndpointTopic = TopicDescription;
-};
-
+// `Traits` says which group it is, in PublisherTraits and SubscriberTraits:
+//   - types: Group, Record, Qos, Listener, and of the endpoints Endpoint, EndpointRecord,
+//     EndpointQos, EndpointListener, EndpointTopic;
+//   - kKind, kStatuses: the kind of entity, and the statuses that it has;
+//   - kDelete: the C function that deletes the group, for the log;
+//   - kName, kEndpoint, kEndpointOf: names of the group and of its endpoints, for the log;
+//   - kDefault, kUseTopic: the values that stand for an endpoint's default QoS, and for that with
+//     the topic's policies copied in;
+//   - kCreate: the engine's function that creates the group;
+//   - obstacle(endpoint): tells why an endpoint cannot be deleted now; nullptr when it can;
+//   - empty(endpoint, method): deletes what an endpoint contains.
+// endpoint_group_definitions.hpp holds the definitions.
 template <typename Traits>
 class EndpointGroup : public Entity {
   public:
@@ -62,7 +38,7 @@ class EndpointGroup : public Entity {
     }
 
     Record *handle() { return &handle_; }
-    Participant &participant() const { return participant_; }
+    ParticipantScope &participant() const { return participant_; }
     ListenerSlot<Listener> &listener() { return listener_; }
 
     DDS_ReturnCode_t enable(const char *method) override;
@@ -83,13 +59,13 @@ class EndpointGroup : public Entity {
     bool contains(DDS_InstanceHandle_t handle) const;
 
   protected:
-    EndpointGroup(Participant &participant, const Qos &qos);
+    EndpointGroup(ParticipantScope &participant, const Qos &qos);
     ~EndpointGroup() override;
 
     std::vector<Endpoint *> endpoints();
 
     Record handle_{{this}};
-    Participant &participant_;
+    ParticipantScope &participant_;
     ListenerSlot<Listener> listener_;
     std::vector<std::unique_ptr<Endpoint>> endpoints_;  // guarded by the tree's mutex
 
@@ -103,9 +79,5 @@ class EndpointGroup : public Entity {
     EntityQos<Qos> qos_;
     DefaultQos<EndpointQos> default_qos_;  // guarded by the tree's mutex
 };
-
-// Copies the policies that a topic's QoS shares with an endpoint's (DDS 1.4, 2.2.2.4.1.15).
-template <typename EndpointQos>
-bool copy_from_topic_qos(EndpointQos *qos, const DDS_TopicQos &topic_qos);
 
 }  // namespace kolt::engine

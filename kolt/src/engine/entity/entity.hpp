@@ -25,7 +25,6 @@ enum class EntityKind {
     kDataReader,
 };
 
-class Participant;
 class StatusCondition;
 
 }  // namespace kolt::engine
@@ -71,28 +70,5 @@ struct KOLT_EntityImpl {
 namespace kolt::engine {
 
 using Entity = KOLT_EntityImpl;
-
-// Checks `self`, runs `body(implementation)` behind the exception barrier.
-template <typename Impl, typename Handle, typename Body>
-auto with(Handle *self, const char *method, Body &&body) noexcept
-    -> decltype(body(std::declval<Impl &>())) {
-    using Result = decltype(body(std::declval<Impl &>()));
-    Impl *const impl = Impl::of(self);
-    if (impl == nullptr) {
-        bad_parameter(method, "self");
-        if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
-            return DDS_RETCODE_BAD_PARAMETER;
-        } else {
-            return Result{};
-        }
-    }
-    return guarded(method, [&] { return body(*impl); });
-}
-
-// Logs and returns NOT_ENABLED.
-DDS_ReturnCode_t not_enabled(const char *method);
-
-// The engine is ready to be called: its log goes to KOLT's.
-void prepare_engine();
 
 }  // namespace kolt::engine

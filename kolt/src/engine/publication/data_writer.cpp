@@ -3,7 +3,6 @@
 #include <new>
 
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
 #include "engine/entity/statuses.hpp"
 #include "engine/publication/publisher.hpp"
 #include "engine/qos/qos_check.hpp"

@@ -1,10 +1,10 @@
 // The C functions of publishers and data writers.
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
 #include "engine/endpoint/matched.hpp"
 #include "engine/entity/statuses.hpp"
 #include "engine/publication/data_writer.hpp"
 #include "engine/publication/publisher.hpp"
+#include "engine/qos/from_topic_qos.hpp"
 #include "engine/topic/topic.hpp"
 
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <chrono>
 
-#include "engine/domain/participant.hpp"
+#include "engine/endpoint/endpoint_group_definitions.hpp"
 #include "engine/publication/data_writer.hpp"
 
 namespace kolt::engine {
+
+template class EndpointGroup<PublisherTraits>;
 
 // The writers are waited for one after the other, all within the one span.
 DDS_ReturnCode_t Publisher::wait_for_acknowledgments(const DDS_Duration_t &max_wait,

@@ -39,4 +39,14 @@ bool profile_default(Qos *qos, const char *topic_name) {
     return true;
 }
 
+// Chooses the QoS of a new entity: the caller's, or, for nullptr and the sentinel, the default that
+// `get_default(&qos)` gives. False when that fails.
+template <typename Qos, typename GetDefault>
+bool choose_qos(const Qos *given, const Qos &sentinel, Qos *chosen, GetDefault &&get_default) {
+    if (given != nullptr && given != &sentinel) {
+        return kolt::qos::copy(*chosen, *given);
+    }
+    return get_default(chosen) == DDS_RETCODE_OK;
+}
+
 }  // namespace kolt::engine

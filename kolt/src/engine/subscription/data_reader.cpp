@@ -4,7 +4,7 @@
 #include <new>
 
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
+#include "engine/entity/owned_list.hpp"
 #include "engine/entity/statuses.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"

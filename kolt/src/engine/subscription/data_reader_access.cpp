@@ -5,7 +5,6 @@
 #include <new>
 
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
 #include "engine/subscription/data_reader.hpp"
 #include "engine/subscription/subscriber.hpp"
 #include "engine/topic/topic.hpp"

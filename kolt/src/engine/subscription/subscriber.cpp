@@ -1,9 +1,22 @@
 #include "engine/subscription/subscriber.hpp"
 
-#include "engine/domain/participant.hpp"
+#include "engine/endpoint/endpoint_group_definitions.hpp"
 #include "engine/subscription/data_reader.hpp"
 
 namespace kolt::engine {
+
+const char *SubscriberTraits::obstacle(const DataReader &reader) {
+    if (reader.has_loans()) {
+        return "the reader has loans out";
+    }
+    return reader.has_conditions() ? "the reader has conditions" : nullptr;
+}
+
+void SubscriberTraits::empty(DataReader &reader, const char *method) {
+    reader.delete_conditions(method, true);
+}
+
+template class EndpointGroup<SubscriberTraits>;
 
 bool Subscriber::dispatch_data_on_readers() {
     const auto has = [](const DDS_SubscriberListener &l) {

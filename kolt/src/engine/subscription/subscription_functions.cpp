@@ -1,9 +1,8 @@
 // The C functions of subscribers and data readers.
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
 #include "engine/endpoint/matched.hpp"
 #include "engine/entity/statuses.hpp"
-#include "engine/publication/publisher.hpp"
+#include "engine/qos/from_topic_qos.hpp"
 #include "engine/subscription/data_reader.hpp"
 #include "engine/subscription/subscriber.hpp"
 #include "engine/topic/topic.hpp"

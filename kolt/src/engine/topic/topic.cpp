@@ -3,7 +3,6 @@
 #include <mutex>
 
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
 #include "engine/entity/statuses.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
@@ -14,8 +13,9 @@ namespace {
 
 // Makes an engine topic. The engine hands back the sertype that it uses, which may be an older
 // equal one.
-dds_entity_t create_engine_topic(Participant &participant, const Topic &topic, const dds_qos_t *qos,
-                                 const dds_listener_t *listener, ddsi_sertype **sertype) {
+dds_entity_t create_engine_topic(ParticipantScope &participant, const Topic &topic,
+                                 const dds_qos_t *qos, const dds_listener_t *listener,
+                                 ddsi_sertype **sertype) {
     *sertype = Sertype::create(*topic.registered_type());
     const dds_entity_t entity = dds_create_topic_sertype(participant.engine(), topic.name().c_str(),
                                                          sertype, qos, listener, nullptr);
@@ -38,7 +38,7 @@ bool accepts(const void *view, void *filter) {
 
 // ---- Topic --------------------------------------------------------------------------------------
 
-Topic::Topic(Participant &participant, const char *name, std::shared_ptr<RegisteredType> type,
+Topic::Topic(ParticipantScope &participant, const char *name, std::shared_ptr<RegisteredType> type,
              const DDS_TopicQos &qos)
     : TopicDescription(EntityKind::kTopic, &handle_._description, participant, name,
                        DDS_INCONSISTENT_TOPIC_STATUS),
@@ -99,7 +99,7 @@ void Topic::on_inconsistent_topic() {
 
 // ---- Content-filtered topic ---------------------------------------------------------------------
 
-ContentFilteredTopic::ContentFilteredTopic(Participant &participant, const char *name,
+ContentFilteredTopic::ContentFilteredTopic(ParticipantScope &participant, const char *name,
                                            Topic &related, std::unique_ptr<ContentFilter> filter)
     : TopicDescription(EntityKind::kContentFilteredTopic, &handle_._description, participant, name,
                        0),

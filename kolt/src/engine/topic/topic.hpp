@@ -7,9 +7,7 @@
 
 #include "engine/data/registered_type.hpp"
 #include "engine/data/sertype.hpp"
-#include "engine/entity/entity.hpp"
-#include "engine/entity/entity_qos.hpp"
-#include "engine/entity/listener_slot.hpp"
+#include "engine/entity/participant_scope.hpp"
 #include "engine/topic/content_filter.hpp"
 #include "kolt/topic.h"
 
@@ -20,14 +18,14 @@ class Topic;
 // What a reader is created for.
 class TopicDescription : public Entity {
   public:
-    TopicDescription(EntityKind kind, DDS_TopicDescription *handle, Participant &participant,
+    TopicDescription(EntityKind kind, DDS_TopicDescription *handle, ParticipantScope &participant,
                      const char *name, DDS_StatusMask valid_statuses)
         : Entity(kind, &handle->_entity, valid_statuses), participant_(participant), name_(name) {}
     static TopicDescription *of(DDS_TopicDescription *self) {
         return self != nullptr ? static_cast<TopicDescription *>(self->_entity._impl) : nullptr;
     }
 
-    Participant &participant() const { return participant_; }
+    ParticipantScope &participant() const { return participant_; }
     const std::string &name() const { return name_; }
     DDS_TopicDescription *description() const {
         return reinterpret_cast<DDS_TopicDescription *>(self());
@@ -39,13 +37,13 @@ class TopicDescription : public Entity {
     int users = 0;
 
   private:
-    Participant &participant_;
+    ParticipantScope &participant_;
     const std::string name_;
 };
 
 class Topic final : public TopicDescription {
   public:
-    Topic(Participant &participant, const char *name, std::shared_ptr<RegisteredType> type,
+    Topic(ParticipantScope &participant, const char *name, std::shared_ptr<RegisteredType> type,
           const DDS_TopicQos &qos);
     ~Topic() override;
     static Topic *of(DDS_Topic *self) {
@@ -74,7 +72,7 @@ class Topic final : public TopicDescription {
 
 class ContentFilteredTopic final : public TopicDescription {
   public:
-    ContentFilteredTopic(Participant &participant, const char *name, Topic &related,
+    ContentFilteredTopic(ParticipantScope &participant, const char *name, Topic &related,
                          std::unique_ptr<ContentFilter> filter);
     ~ContentFilteredTopic() override;
     static ContentFilteredTopic *of(DDS_ContentFilteredTopic *self) {

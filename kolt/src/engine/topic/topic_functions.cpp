@@ -1,6 +1,5 @@
 // The C functions of topics and content-filtered topics.
 #include "engine/cyclone/convert.hpp"
-#include "engine/domain/participant.hpp"
 #include "engine/entity/statuses.hpp"
 #include "engine/topic/topic.hpp"
 

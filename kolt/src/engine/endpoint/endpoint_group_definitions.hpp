@@ -1,71 +1,32 @@
-#include "engine/endpoint/endpoint_group.hpp"
+// The definitions of EndpointGroup, for the two files that instantiate it.
+#pragma once
 
 #include <algorithm>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
 
-#include "engine/domain/participant.hpp"
-#include "engine/publication/data_writer.hpp"
-#include "engine/publication/publisher.hpp"
-#include "engine/subscription/data_reader.hpp"
-#include "engine/subscription/subscriber.hpp"
+#include "engine/cyclone/convert.hpp"
+#include "engine/endpoint/endpoint_group.hpp"
+#include "engine/entity/owned_list.hpp"
+#include "engine/qos/from_topic_qos.hpp"
+#include "engine/qos/qos_check.hpp"
+#include "engine/qos/qos_map.hpp"
 #include "engine/topic/topic.hpp"
 
 namespace kolt::engine {
 
-namespace {
-
-// What the two kinds of group do in ways of their own.
 template <typename Traits>
-struct Special;
-
-template <>
-struct Special<PublisherTraits> {
-    static constexpr EntityKind kKind = EntityKind::kPublisher;
-    static constexpr DDS_StatusMask kStatuses = 0;
-    static constexpr const char *kDelete = "DDS_DomainParticipant_delete_publisher";
-    static constexpr const char *kName = "publisher";
-    static constexpr const char *kEndpoint = "writer";
-    static constexpr const char *kEndpointOf = "writer of";
-    static constexpr const DDS_DataWriterQos *kDefault = &DDS_DATAWRITER_QOS_DEFAULT;
-    static constexpr const DDS_DataWriterQos *kUseTopic = &DDS_DATAWRITER_QOS_USE_TOPIC_QOS;
-    static constexpr auto *kCreate = dds_create_publisher;
-    static const char *obstacle(const DataWriter &) { return nullptr; }
-    static void empty(DataWriter &, const char *) {}
-};
-
-template <>
-struct Special<SubscriberTraits> {
-    static constexpr EntityKind kKind = EntityKind::kSubscriber;
-    static constexpr DDS_StatusMask kStatuses = DDS_DATA_ON_READERS_STATUS;
-    static constexpr const char *kDelete = "DDS_DomainParticipant_delete_subscriber";
-    static constexpr const char *kName = "subscriber";
-    static constexpr const char *kEndpoint = "reader";
-    static constexpr const char *kEndpointOf = "reader of";
-    static constexpr const DDS_DataReaderQos *kDefault = &DDS_DATAREADER_QOS_DEFAULT;
-    static constexpr const DDS_DataReaderQos *kUseTopic = &DDS_DATAREADER_QOS_USE_TOPIC_QOS;
-    static constexpr auto *kCreate = dds_create_subscriber;
-    static const char *obstacle(const DataReader &reader) {
-        if (reader.has_loans()) {
-            return "the reader has loans out";
-        }
-        return reader.has_conditions() ? "the reader has conditions" : nullptr;
-    }
-    static void empty(DataReader &reader, const char *method) {
-        reader.delete_conditions(method, true);
-    }
-};
-
-}  // namespace
-
-template <typename Traits>
-EndpointGroup<Traits>::EndpointGroup(Participant &participant, const Qos &qos)
-    : Entity(Special<Traits>::kKind, &handle_._entity, Special<Traits>::kStatuses),
+EndpointGroup<Traits>::EndpointGroup(ParticipantScope &participant, const Qos &qos)
+    : Entity(Traits::kKind, &handle_._entity, Traits::kStatuses),
       participant_(participant),
       qos_(participant.tree(), qos) {}
 
 template <typename Traits>
 EndpointGroup<Traits>::~EndpointGroup() {
     listener_.set(nullptr, 0);
-    delete_engine(Special<Traits>::kDelete);
+    delete_engine(Traits::kDelete);
 }
 
 // ---- Enabling and QoS ---------------------------------------------------------------------------
@@ -83,11 +44,9 @@ DDS_ReturnCode_t EndpointGroup<Traits>::enable(const char *method) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the participant is not enabled");
     }
     const EngineQos engine_qos = qos_.read([](const Qos &qos) { return to_engine(qos); });
-    const dds_entity_t entity =
-        Special<Traits>::kCreate(participant_.engine(), engine_qos.get(), nullptr);
+    const dds_entity_t entity = Traits::kCreate(participant_.engine(), engine_qos.get(), nullptr);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses the %s",
-                    Special<Traits>::kName);
+        return fail(to_return_code(entity), method, "the engine refuses the %s", Traits::kName);
     }
     set_engine(entity);
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
@@ -135,8 +94,8 @@ DDS_ReturnCode_t EndpointGroup<Traits>::set_default_qos(const EndpointQos &qos,
 template <typename Traits>
 DDS_ReturnCode_t EndpointGroup<Traits>::choose_qos(const EndpointQos *given, EndpointTopic &topic,
                                                    EndpointQos *chosen) {
-    const bool from_topic = given == Special<Traits>::kUseTopic;
-    if (given != nullptr && given != Special<Traits>::kDefault && !from_topic) {
+    const bool from_topic = given == Traits::kUseTopic;
+    if (given != nullptr && given != Traits::kDefault && !from_topic) {
         return kolt::qos::copy(*chosen, *given) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
     }
     const DDS_ReturnCode_t result = get_default_qos(chosen, topic.topic().name().c_str());
@@ -178,7 +137,7 @@ auto EndpointGroup<Traits>::create(EndpointTopic *topic, const EndpointQos *qos,
     EndpointRecord *const handle = endpoint->handle();
     const std::lock_guard lock(participant_.tree());
     endpoints_.push_back(std::move(endpoint));
-    note_entity(method, "created", Special<Traits>::kEndpointOf, topic->name().c_str());
+    note_entity(method, "created", Traits::kEndpointOf, topic->name().c_str());
     return handle;
 }
 
@@ -189,14 +148,14 @@ DDS_ReturnCode_t EndpointGroup<Traits>::remove(Endpoint *endpoint, const char *m
         const std::lock_guard lock(participant_.tree());
         if (!contains_pointer(endpoints_, endpoint)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the %s is not this %s's",
-                        Special<Traits>::kEndpoint, Special<Traits>::kName);
+                        Traits::kEndpoint, Traits::kName);
         }
-        if (const char *const obstacle = Special<Traits>::obstacle(*endpoint)) {
+        if (const char *const obstacle = Traits::obstacle(*endpoint)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%s", obstacle);
         }
         removed = extract(endpoints_, endpoint);
     }
-    note_entity(method, "deleted", Special<Traits>::kEndpointOf, removed->topic().name().c_str());
+    note_entity(method, "deleted", Traits::kEndpointOf, removed->topic().name().c_str());
     return DDS_RETCODE_OK;
 }
 
@@ -204,7 +163,7 @@ template <typename Traits>
 DDS_ReturnCode_t EndpointGroup<Traits>::delete_contained_entities(const char *method) {
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
     for (Endpoint *const endpoint : endpoints()) {
-        Special<Traits>::empty(*endpoint, method);
+        Traits::empty(*endpoint, method);
         const DDS_ReturnCode_t removed = remove(endpoint, method);
         if (removed != DDS_RETCODE_OK) {
             result = removed;
@@ -234,29 +193,5 @@ template <typename Traits>
 auto EndpointGroup<Traits>::endpoints() -> std::vector<Endpoint *> {
     return pointers(participant_.tree(), endpoints_);
 }
-
-template class EndpointGroup<PublisherTraits>;
-template class EndpointGroup<SubscriberTraits>;
-
-// ---- A topic's QoS ------------------------------------------------------------------------------
-
-template <typename EndpointQos>
-bool copy_from_topic_qos(EndpointQos *qos, const DDS_TopicQos &topic_qos) {
-    bool complete = true;
-    kolt::qos::for_each_member<DDS_TopicQos>([&](const auto &from) {
-        kolt::qos::for_each_member<EndpointQos>([&](const auto &to) {
-            using From = std::remove_cvref_t<decltype(topic_qos.*(from.place))>;
-            using To = std::remove_cvref_t<decltype(qos->*(to.place))>;
-            // A mark on the topic says nothing about the endpoint.
-            if constexpr (std::is_same_v<From, To> &&
-                          !std::is_same_v<From, DDS_ProtocolQosPolicy>) {
-                complete = kolt::qos::copy(qos->*(to.place), topic_qos.*(from.place)) && complete;
-            }
-        });
-    });
-    return complete;
-}
-template bool copy_from_topic_qos(DDS_DataWriterQos *, const DDS_TopicQos &);
-template bool copy_from_topic_qos(DDS_DataReaderQos *, const DDS_TopicQos &);
 
 }  // namespace kolt::engine
