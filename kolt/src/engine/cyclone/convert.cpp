@@ -29,22 +29,6 @@ constexpr std::array<std::pair<dds_return_t, DDS_ReturnCode_t>, 14> kReturnCodes
     {api::kNotAllowedBySecurity, DDS_RETCODE_PRECONDITION_NOT_MET},
 }};
 
-constexpr std::array<std::pair<DDS_StatusMask, std::uint32_t>, 13> kStatuses = {{
-    {DDS_INCONSISTENT_TOPIC_STATUS, api::kInconsistentTopicStatus},
-    {DDS_OFFERED_DEADLINE_MISSED_STATUS, api::kOfferedDeadlineMissedStatus},
-    {DDS_REQUESTED_DEADLINE_MISSED_STATUS, api::kRequestedDeadlineMissedStatus},
-    {DDS_OFFERED_INCOMPATIBLE_QOS_STATUS, api::kOfferedIncompatibleQosStatus},
-    {DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS, api::kRequestedIncompatibleQosStatus},
-    {DDS_SAMPLE_LOST_STATUS, api::kSampleLostStatus},
-    {DDS_SAMPLE_REJECTED_STATUS, api::kSampleRejectedStatus},
-    {DDS_DATA_ON_READERS_STATUS, api::kDataOnReadersStatus},
-    {DDS_DATA_AVAILABLE_STATUS, api::kDataAvailableStatus},
-    {DDS_LIVELINESS_LOST_STATUS, api::kLivelinessLostStatus},
-    {DDS_LIVELINESS_CHANGED_STATUS, api::kLivelinessChangedStatus},
-    {DDS_PUBLICATION_MATCHED_STATUS, api::kPublicationMatchedStatus},
-    {DDS_SUBSCRIPTION_MATCHED_STATUS, api::kSubscriptionMatchedStatus},
-}};
-
 struct StateBit {
     std::uint32_t standard;
     std::uint32_t engine;
@@ -130,26 +114,6 @@ DDS_Time_t from_engine_time(dds_time_t time) {
     }
     return {time / kNanosecondsPerSecond,
             static_cast<DDS_UnsignedLong>(time % kNanosecondsPerSecond)};
-}
-
-std::uint32_t status_to_engine(DDS_StatusMask mask) {
-    std::uint32_t result = 0;
-    for (const auto &[standard, engine] : kStatuses) {
-        if ((mask & standard) != 0) {
-            result |= engine;
-        }
-    }
-    return result;
-}
-
-DDS_StatusMask status_from_engine(std::uint32_t mask) {
-    DDS_StatusMask result = 0;
-    for (const auto &[standard, engine] : kStatuses) {
-        if ((mask & engine) != 0) {
-            result |= standard;
-        }
-    }
-    return result;
 }
 
 bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,

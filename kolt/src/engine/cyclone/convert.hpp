@@ -20,9 +20,6 @@ bool is_valid_time(const DDS_Time_t &time);
 dds_time_t to_engine(const DDS_Time_t &time);
 DDS_Time_t from_engine_time(dds_time_t time);
 
-std::uint32_t status_to_engine(DDS_StatusMask mask);
-DDS_StatusMask status_from_engine(std::uint32_t mask);
-
 // One engine mask of the three state masks. False when one of them selects nothing.
 bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
                       DDS_InstanceStateMask instance_states, std::uint32_t *mask);

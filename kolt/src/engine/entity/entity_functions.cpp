@@ -1,7 +1,7 @@
 // The C functions of any entity and of its status condition.
-#include "engine/cyclone/convert.hpp"
 #include "engine/entity/entity.hpp"
 #include "engine/entity/status_condition.hpp"
+#include "engine/entity/statuses.hpp"
 
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
 

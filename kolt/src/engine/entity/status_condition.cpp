@@ -1,6 +1,7 @@
 #include "engine/entity/status_condition.hpp"
 
 #include "engine/cyclone/convert.hpp"
+#include "engine/entity/statuses.hpp"
 
 namespace kolt::engine {
 

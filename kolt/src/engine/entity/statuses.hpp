@@ -1,13 +1,40 @@
-// The communication statuses (DDS 1.4, 2.2.4.1), one row each: bit, engine getter, callback.
+// The one table of the communication statuses (DDS 1.4, 2.2.4.1): who has which, and what each has
+// on both sides. Masks, registration with the engine, dispatch, getters and the translation of
+// masks follow from it.
 #pragma once
 
+#include <cstdint>
 #include <utility>
 
 #include "engine/cyclone/convert.hpp"
+#include "engine/entity/entity.hpp"
 #include "kolt/publication.h"
 #include "kolt/subscription.h"
 
 namespace kolt::engine {
+
+// One row for each status with a record, as ROW(Name, name, NAME):
+//   - Name: the type below, and cyclone::k<Name>Status, the engine's bit;
+//   - name: on_<name>, the callback; DDS_<Entity>_get_<name>_status, the getter;
+//     dds_get_<name>_status and dds_lset_<name>_arg, the engine's getter and registration;
+//   - NAME: DDS_<NAME>_STATUS, the bit.
+// Pending statuses are told to listeners in the order of the rows.
+// clang-format off
+#define KOLT_TOPIC_STATUSES(ROW) \
+    ROW(InconsistentTopic, inconsistent_topic, INCONSISTENT_TOPIC)
+#define KOLT_WRITER_STATUSES(ROW) \
+    ROW(OfferedDeadlineMissed, offered_deadline_missed, OFFERED_DEADLINE_MISSED) \
+    ROW(OfferedIncompatibleQos, offered_incompatible_qos, OFFERED_INCOMPATIBLE_QOS) \
+    ROW(LivelinessLost, liveliness_lost, LIVELINESS_LOST) \
+    ROW(PublicationMatched, publication_matched, PUBLICATION_MATCHED)
+#define KOLT_READER_STATUSES(ROW) \
+    ROW(RequestedDeadlineMissed, requested_deadline_missed, REQUESTED_DEADLINE_MISSED) \
+    ROW(RequestedIncompatibleQos, requested_incompatible_qos, REQUESTED_INCOMPATIBLE_QOS) \
+    ROW(SampleRejected, sample_rejected, SAMPLE_REJECTED) \
+    ROW(LivelinessChanged, liveliness_changed, LIVELINESS_CHANGED) \
+    ROW(SubscriptionMatched, subscription_matched, SUBSCRIPTION_MATCHED) \
+    ROW(SampleLost, sample_lost, SAMPLE_LOST)
+// clang-format on
 
 namespace status_detail {
 
@@ -68,12 +95,15 @@ bool has_changed(const Status &s) {
 
 }  // namespace status_detail
 
-template <DDS_StatusMask kStatusBit, auto kEngineGet, auto kListenerMember>
+// One status: its bit, the engine's getter and registration of a callback, and the member of the
+// listener that is called.
+template <DDS_StatusMask kStatusBit, auto kEngineGet, auto kEngineListen, auto kListenerMember>
 struct StatusKind;
 
 template <DDS_StatusMask kStatusBit, typename EngineStatusType,
-          dds_return_t (*kEngineGet)(dds_entity_t, EngineStatusType *), auto kListenerMember>
-struct StatusKind<kStatusBit, kEngineGet, kListenerMember> {
+          dds_return_t (*kEngineGet)(dds_entity_t, EngineStatusType *), auto kEngineListen,
+          auto kListenerMember>
+struct StatusKind<kStatusBit, kEngineGet, kEngineListen, kListenerMember> {
     static constexpr DDS_StatusMask kBit = kStatusBit;
     static constexpr auto kCallback = kListenerMember;
     using EngineStatus = EngineStatusType;
@@ -92,55 +122,69 @@ struct StatusKind<kStatusBit, kEngineGet, kListenerMember> {
     static bool take_changed(dds_entity_t entity, Status *status) {
         return take(entity, status) == DDS_RETCODE_OK && status_detail::has_changed(*status);
     }
+
+    // Lets `listener` call `receiver->on_event<StatusKind>()`.
+    template <typename Receiver>
+    static void listen(dds_listener_t *listener, Receiver *receiver) {
+        const auto on_event = [](dds_entity_t, const EngineStatus, void *argument) {
+            static_cast<Receiver *>(argument)->template on_event<StatusKind>();
+        };
+        kEngineListen(listener, on_event, receiver, false);
+    }
 };
 
-using InconsistentTopic =
-    StatusKind<DDS_INCONSISTENT_TOPIC_STATUS, dds_get_inconsistent_topic_status,
-               &DDS_TopicListener::on_inconsistent_topic>;
-using OfferedDeadlineMissed =
-    StatusKind<DDS_OFFERED_DEADLINE_MISSED_STATUS, dds_get_offered_deadline_missed_status,
-               &DDS_DataWriterListener::on_offered_deadline_missed>;
-using OfferedIncompatibleQos =
-    StatusKind<DDS_OFFERED_INCOMPATIBLE_QOS_STATUS, dds_get_offered_incompatible_qos_status,
-               &DDS_DataWriterListener::on_offered_incompatible_qos>;
-using LivelinessLost = StatusKind<DDS_LIVELINESS_LOST_STATUS, dds_get_liveliness_lost_status,
-                                  &DDS_DataWriterListener::on_liveliness_lost>;
-using PublicationMatched =
-    StatusKind<DDS_PUBLICATION_MATCHED_STATUS, dds_get_publication_matched_status,
-               &DDS_DataWriterListener::on_publication_matched>;
-using RequestedDeadlineMissed =
-    StatusKind<DDS_REQUESTED_DEADLINE_MISSED_STATUS, dds_get_requested_deadline_missed_status,
-               &DDS_DataReaderListener::on_requested_deadline_missed>;
-using RequestedIncompatibleQos =
-    StatusKind<DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS, dds_get_requested_incompatible_qos_status,
-               &DDS_DataReaderListener::on_requested_incompatible_qos>;
-using SampleRejected = StatusKind<DDS_SAMPLE_REJECTED_STATUS, dds_get_sample_rejected_status,
-                                  &DDS_DataReaderListener::on_sample_rejected>;
-using LivelinessChanged =
-    StatusKind<DDS_LIVELINESS_CHANGED_STATUS, dds_get_liveliness_changed_status,
-               &DDS_DataReaderListener::on_liveliness_changed>;
-using SubscriptionMatched =
-    StatusKind<DDS_SUBSCRIPTION_MATCHED_STATUS, dds_get_subscription_matched_status,
-               &DDS_DataReaderListener::on_subscription_matched>;
-using SampleLost = StatusKind<DDS_SAMPLE_LOST_STATUS, dds_get_sample_lost_status,
-                              &DDS_DataReaderListener::on_sample_lost>;
+// The statuses of one kind of entity. `None` stands before the first, for the rows' commas.
+template <typename None, typename... Kinds>
+struct StatusList {
+    static constexpr DDS_StatusMask kMask = (Kinds::kBit | ...);
 
-// Calls `visit.template operator()<Kind>()` for each status of an endpoint.
-template <typename Visit>
-void for_each_writer_status(Visit &&visit) {
-    visit.template operator()<OfferedDeadlineMissed>();
-    visit.template operator()<OfferedIncompatibleQos>();
-    visit.template operator()<LivelinessLost>();
-    visit.template operator()<PublicationMatched>();
+    // Calls `visit.template operator()<Kind>()` for each.
+    template <typename Visit>
+    static void for_each(Visit &&visit) {
+        (visit.template operator()<Kinds>(), ...);
+    }
+    template <typename Receiver>
+    static void listen(dds_listener_t *listener, Receiver *receiver) {
+        (Kinds::listen(listener, receiver), ...);
+    }
+};
+
+#define KOLT_STATUS_KIND(Listener, Name, name, NAME)                                             \
+    using Name = StatusKind<DDS_##NAME##_STATUS, dds_get_##name##_status, dds_lset_##name##_arg, \
+                            &Listener::on_##name>;
+#define KOLT_TOPIC_STATUS(...) KOLT_STATUS_KIND(DDS_TopicListener, __VA_ARGS__)
+#define KOLT_WRITER_STATUS(...) KOLT_STATUS_KIND(DDS_DataWriterListener, __VA_ARGS__)
+#define KOLT_READER_STATUS(...) KOLT_STATUS_KIND(DDS_DataReaderListener, __VA_ARGS__)
+KOLT_TOPIC_STATUSES(KOLT_TOPIC_STATUS)
+KOLT_WRITER_STATUSES(KOLT_WRITER_STATUS)
+KOLT_READER_STATUSES(KOLT_READER_STATUS)
+#undef KOLT_READER_STATUS
+#undef KOLT_WRITER_STATUS
+#undef KOLT_TOPIC_STATUS
+#undef KOLT_STATUS_KIND
+
+#define KOLT_STATUS_LIST_ROW(Name, name, NAME) , Name
+using TopicStatuses = StatusList<void KOLT_TOPIC_STATUSES(KOLT_STATUS_LIST_ROW)>;
+using WriterStatuses = StatusList<void KOLT_WRITER_STATUSES(KOLT_STATUS_LIST_ROW)>;
+using ReaderStatuses = StatusList<void KOLT_READER_STATUSES(KOLT_STATUS_LIST_ROW)>;
+#undef KOLT_STATUS_LIST_ROW
+
+// The statuses of each kind of entity, with those that have no record. Participants, publishers and
+// content-filtered topics have none.
+inline constexpr DDS_StatusMask kTopicStatusMask = TopicStatuses::kMask;
+inline constexpr DDS_StatusMask kWriterStatusMask = WriterStatuses::kMask;
+inline constexpr DDS_StatusMask kReaderStatusMask =
+    ReaderStatuses::kMask | DDS_DATA_AVAILABLE_STATUS;
+inline constexpr DDS_StatusMask kSubscriberStatusMask = DDS_DATA_ON_READERS_STATUS;
+
+// Reads a status of the entity and resets its changes; all zero while the entity is disabled.
+template <typename Kind>
+DDS_ReturnCode_t get_status(const Entity &entity, typename Kind::Status *status) {
+    *status = {};
+    return entity.is_enabled() ? Kind::take(entity.engine(), status) : DDS_RETCODE_OK;
 }
-template <typename Visit>
-void for_each_reader_status(Visit &&visit) {
-    visit.template operator()<RequestedDeadlineMissed>();
-    visit.template operator()<RequestedIncompatibleQos>();
-    visit.template operator()<SampleRejected>();
-    visit.template operator()<LivelinessChanged>();
-    visit.template operator()<SubscriptionMatched>();
-    visit.template operator()<SampleLost>();
-}
+
+std::uint32_t status_to_engine(DDS_StatusMask mask);
+DDS_StatusMask status_from_engine(std::uint32_t mask);
 
 }  // namespace kolt::engine

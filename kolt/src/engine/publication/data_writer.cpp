@@ -14,19 +14,11 @@ namespace kolt::engine {
 namespace {
 
 constexpr const char *kDeferredWriteProperty = "dds.data_writer.enable_deferred_write";
-constexpr DDS_StatusMask kStatuses = DDS_OFFERED_DEADLINE_MISSED_STATUS |
-                                     DDS_OFFERED_INCOMPATIBLE_QOS_STATUS |
-                                     DDS_LIVELINESS_LOST_STATUS | DDS_PUBLICATION_MATCHED_STATUS;
-
-template <typename Kind>
-void on_engine_event(dds_entity_t, const typename Kind::EngineStatus, void *writer) {
-    static_cast<DataWriter *>(writer)->on_event<Kind>();
-}
 
 }  // namespace
 
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
-    : Entity(EntityKind::kDataWriter, &handle_._entity, kStatuses),
+    : Entity(EntityKind::kDataWriter, &handle_._entity, kWriterStatusMask),
       publisher_(publisher),
       topic_(topic),
       type_(topic.registered_type()),
@@ -79,13 +71,7 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
         qos_.read([&](const DDS_DataWriterQos &qos) { return to_engine(qos, *type_); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
         dds_create_listener(this), dds_delete_listener);
-    dds_lset_offered_deadline_missed_arg(listener.get(), on_engine_event<OfferedDeadlineMissed>,
-                                         this, false);
-    dds_lset_offered_incompatible_qos_arg(listener.get(), on_engine_event<OfferedIncompatibleQos>,
-                                          this, false);
-    dds_lset_liveliness_lost_arg(listener.get(), on_engine_event<LivelinessLost>, this, false);
-    dds_lset_publication_matched_arg(listener.get(), on_engine_event<PublicationMatched>, this,
-                                     false);
+    WriterStatuses::listen(listener.get(), this);
     const dds_entity_t entity =
         dds_create_writer(publisher_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
@@ -139,7 +125,7 @@ void DataWriter::dispatch_pending(DDS_StatusMask mask) {
         return;
     }
     const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
-    for_each_writer_status([&]<typename Kind>() {
+    WriterStatuses::for_each([&]<typename Kind>() {
         if ((changed & Kind::kBit) != 0) {
             dispatch<Kind>();
         }
@@ -480,10 +466,5 @@ void *DataWriter::create_data() {
 void DataWriter::delete_data(void *sample) {
     endpoint_->plugin().destroy_sample(endpoint_->data(), sample);
 }
-
-template void DataWriter::on_event<OfferedDeadlineMissed>();
-template void DataWriter::on_event<OfferedIncompatibleQos>();
-template void DataWriter::on_event<LivelinessLost>();
-template void DataWriter::on_event<PublicationMatched>();
 
 }  // namespace kolt::engine

@@ -199,19 +199,14 @@ DDS_ReturnCode_t DDS_DataWriter_assert_liveliness(DDS_DataWriter *self) {
     });
 }
 
-#define KOLT_DEFINE_GET_STATUS(function, Kind)                                                 \
-    DDS_ReturnCode_t DDS_DataWriter_get_##function##_status(DDS_DataWriter *self,              \
-                                                            Kind::Status *status) {            \
-        if (status == nullptr) return bad_parameter(__func__, "status");                       \
-        return with<DataWriter>(self, __func__, [&](DataWriter &writer) {                      \
-            *status = {};                                                                      \
-            return writer.is_enabled() ? Kind::take(writer.engine(), status) : DDS_RETCODE_OK; \
-        });                                                                                    \
+#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                   \
+    DDS_ReturnCode_t DDS_DataWriter_get_##name##_status(DDS_DataWriter *self,                      \
+                                                        Name::Status *status) {                    \
+        if (status == nullptr) return bad_parameter(__func__, "status");                           \
+        return with<DataWriter>(                                                                   \
+            self, __func__, [&](DataWriter &writer) { return get_status<Name>(writer, status); }); \
     }
-KOLT_DEFINE_GET_STATUS(liveliness_lost, LivelinessLost)
-KOLT_DEFINE_GET_STATUS(offered_deadline_missed, OfferedDeadlineMissed)
-KOLT_DEFINE_GET_STATUS(offered_incompatible_qos, OfferedIncompatibleQos)
-KOLT_DEFINE_GET_STATUS(publication_matched, PublicationMatched)
+KOLT_WRITER_STATUSES(KOLT_DEFINE_GET_STATUS)
 #undef KOLT_DEFINE_GET_STATUS
 
 DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter *self,

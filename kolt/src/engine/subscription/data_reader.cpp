@@ -17,16 +17,6 @@ namespace {
 
 namespace api = cyclone;
 
-constexpr DDS_StatusMask kStatuses =
-    DDS_REQUESTED_DEADLINE_MISSED_STATUS | DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS |
-    DDS_SAMPLE_LOST_STATUS | DDS_SAMPLE_REJECTED_STATUS | DDS_DATA_AVAILABLE_STATUS |
-    DDS_LIVELINESS_CHANGED_STATUS | DDS_SUBSCRIPTION_MATCHED_STATUS;
-
-template <typename Kind>
-void on_engine_event(dds_entity_t, const typename Kind::EngineStatus, void *reader) {
-    static_cast<DataReader *>(reader)->on_event<Kind>();
-}
-
 void on_engine_data(dds_entity_t, void *reader) {
     static_cast<DataReader *>(reader)->on_data_available();
 }
@@ -35,7 +25,7 @@ void on_engine_data(dds_entity_t, void *reader) {
 
 DataReader::DataReader(Subscriber &subscriber, TopicDescription &topic,
                        const DDS_DataReaderQos &qos)
-    : Entity(EntityKind::kDataReader, &handle_._entity, kStatuses),
+    : Entity(EntityKind::kDataReader, &handle_._entity, kReaderStatusMask),
       subscriber_(subscriber),
       topic_(topic),
       type_(topic.topic().registered_type()),
@@ -89,18 +79,10 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
         qos_.read([&](const DDS_DataReaderQos &qos) { return to_engine(qos, *type_); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
         dds_create_listener(this), dds_delete_listener);
-    dds_listener_t *const l = listener.get();
-    dds_lset_requested_deadline_missed_arg(l, on_engine_event<RequestedDeadlineMissed>, this,
-                                           false);
-    dds_lset_requested_incompatible_qos_arg(l, on_engine_event<RequestedIncompatibleQos>, this,
-                                            false);
-    dds_lset_sample_rejected_arg(l, on_engine_event<SampleRejected>, this, false);
-    dds_lset_liveliness_changed_arg(l, on_engine_event<LivelinessChanged>, this, false);
-    dds_lset_subscription_matched_arg(l, on_engine_event<SubscriptionMatched>, this, false);
-    dds_lset_sample_lost_arg(l, on_engine_event<SampleLost>, this, false);
-    dds_lset_data_available_arg(l, on_engine_data, this, false);
+    ReaderStatuses::listen(listener.get(), this);
+    dds_lset_data_available_arg(listener.get(), on_engine_data, this, false);
     const dds_entity_t entity =
-        dds_create_reader(subscriber_.engine(), topic_.engine(), engine_qos.get(), l);
+        dds_create_reader(subscriber_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
         return fail(to_return_code(entity), method, "the engine refuses a reader of %s",
                     topic_.name().c_str());
@@ -184,7 +166,7 @@ void DataReader::dispatch_pending(DDS_StatusMask mask) {
         return;
     }
     const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
-    for_each_reader_status([&]<typename Kind>() {
+    ReaderStatuses::for_each([&]<typename Kind>() {
         if ((changed & Kind::kBit) != 0) {
             dispatch<Kind>();
         }
@@ -277,12 +259,5 @@ bool DataReader::has_conditions() const {
     const std::lock_guard lock(contents_);
     return !conditions_.empty();
 }
-
-template void DataReader::on_event<RequestedDeadlineMissed>();
-template void DataReader::on_event<RequestedIncompatibleQos>();
-template void DataReader::on_event<SampleRejected>();
-template void DataReader::on_event<LivelinessChanged>();
-template void DataReader::on_event<SubscriptionMatched>();
-template void DataReader::on_event<SampleLost>();
 
 }  // namespace kolt::engine

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/endpoint/endpoint_group.hpp"
+#include "engine/entity/statuses.hpp"
 #include "kolt/subscription.h"
 
 namespace kolt::engine {
@@ -22,7 +23,7 @@ struct SubscriberTraits {
     using EndpointTopic = TopicDescription;
 
     static constexpr EntityKind kKind = EntityKind::kSubscriber;
-    static constexpr DDS_StatusMask kStatuses = DDS_DATA_ON_READERS_STATUS;
+    static constexpr DDS_StatusMask kStatuses = kSubscriberStatusMask;
     static constexpr const char *kDelete = "DDS_DomainParticipant_delete_subscriber";
     static constexpr const char *kName = "subscriber";
     static constexpr const char *kEndpoint = "reader";

@@ -209,21 +209,14 @@ DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
     });
 }
 
-#define KOLT_DEFINE_GET_STATUS(function, Kind)                                                 \
-    DDS_ReturnCode_t DDS_DataReader_get_##function##_status(DDS_DataReader *self,              \
-                                                            Kind::Status *status) {            \
-        if (status == nullptr) return bad_parameter(__func__, "status");                       \
-        return with<DataReader>(self, __func__, [&](DataReader &reader) {                      \
-            *status = {};                                                                      \
-            return reader.is_enabled() ? Kind::take(reader.engine(), status) : DDS_RETCODE_OK; \
-        });                                                                                    \
+#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                   \
+    DDS_ReturnCode_t DDS_DataReader_get_##name##_status(DDS_DataReader *self,                      \
+                                                        Name::Status *status) {                    \
+        if (status == nullptr) return bad_parameter(__func__, "status");                           \
+        return with<DataReader>(                                                                   \
+            self, __func__, [&](DataReader &reader) { return get_status<Name>(reader, status); }); \
     }
-KOLT_DEFINE_GET_STATUS(sample_rejected, SampleRejected)
-KOLT_DEFINE_GET_STATUS(liveliness_changed, LivelinessChanged)
-KOLT_DEFINE_GET_STATUS(requested_deadline_missed, RequestedDeadlineMissed)
-KOLT_DEFINE_GET_STATUS(requested_incompatible_qos, RequestedIncompatibleQos)
-KOLT_DEFINE_GET_STATUS(subscription_matched, SubscriptionMatched)
-KOLT_DEFINE_GET_STATUS(sample_lost, SampleLost)
+KOLT_READER_STATUSES(KOLT_DEFINE_GET_STATUS)
 #undef KOLT_DEFINE_GET_STATUS
 
 DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader *self,

@@ -25,10 +25,6 @@ dds_entity_t create_engine_topic(ParticipantScope &participant, const Topic &top
     return entity;
 }
 
-void inconsistent_topic(dds_entity_t, const dds_inconsistent_topic_status_t, void *topic) {
-    static_cast<Topic *>(topic)->on_inconsistent_topic();
-}
-
 bool accepts(const void *view, void *filter) {
     const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
     return serdata != nullptr && static_cast<const ContentFilter *>(filter)->accepts(*serdata);
@@ -41,7 +37,7 @@ bool accepts(const void *view, void *filter) {
 Topic::Topic(ParticipantScope &participant, const char *name, std::shared_ptr<RegisteredType> type,
              const DDS_TopicQos &qos)
     : TopicDescription(EntityKind::kTopic, &handle_._description, participant, name,
-                       DDS_INCONSISTENT_TOPIC_STATUS),
+                       kTopicStatusMask),
       type_(std::move(type)),
       qos_(participant.tree(), qos) {}
 
@@ -57,7 +53,7 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     const EngineQos engine_qos = qos_.read([](const DDS_TopicQos &qos) { return to_engine(qos); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
         dds_create_listener(this), dds_delete_listener);
-    dds_lset_inconsistent_topic_arg(listener.get(), inconsistent_topic, this, false);
+    TopicStatuses::listen(listener.get(), this);
     ddsi_sertype *sertype = nullptr;
     const dds_entity_t entity =
         create_engine_topic(participant(), *this, engine_qos.get(), listener.get(), &sertype);
@@ -74,26 +70,20 @@ DDS_ReturnCode_t Topic::set_qos(const DDS_TopicQos &qos, const char *method) {
     return qos_.set(qos, *this, method, [](const DDS_TopicQos &q) { return to_engine(q); });
 }
 
-void Topic::on_inconsistent_topic() {
+template <typename Kind>
+void Topic::on_event() {
+    const auto has = [](const DDS_TopicListener &l) { return l.*Kind::kCallback != nullptr; };
     const auto call = [this](const DDS_TopicListener &l) {
-        DDS_InconsistentTopicStatus status{};
-        if (InconsistentTopic::take_changed(engine(), &status)) {
-            l.on_inconsistent_topic(l.listener_data, &handle_, &status);
+        typename Kind::Status status{};
+        if (Kind::take_changed(engine(), &status)) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
         }
     };
-    if (!is_enabled()) {
-        return;
-    }
-    if (listener_.handle(
-            DDS_INCONSISTENT_TOPIC_STATUS,
-            [](const DDS_TopicListener &l) { return l.on_inconsistent_topic != nullptr; }, call)) {
+    if (!is_enabled() || listener_.handle(Kind::kBit, has, call)) {
         return;
     }
     participant().listener().handle(
-        DDS_INCONSISTENT_TOPIC_STATUS,
-        [](const DDS_DomainParticipantListener &l) {
-            return l.topic_listener.on_inconsistent_topic != nullptr;
-        },
+        Kind::kBit, [&](const DDS_DomainParticipantListener &l) { return has(l.topic_listener); },
         [&](const DDS_DomainParticipantListener &l) { call(l.topic_listener); });
 }
 

@@ -60,7 +60,9 @@ class Topic final : public TopicDescription {
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(DDS_TopicQos *qos) { return qos_.get(qos); }
     DDS_ReturnCode_t set_qos(const DDS_TopicQos &qos, const char *method);
-    void on_inconsistent_topic();
+    // Tells the listeners of an event of the engine. Called on its threads.
+    template <typename Kind>
+    void on_event();
 
   private:
     DDS_Topic handle_{{{this}}};

@@ -62,11 +62,8 @@ DDS_ReturnCode_t DDS_Topic_get_inconsistent_topic_status(DDS_Topic *self,
     if (status == nullptr) {
         return bad_parameter(__func__, "status");
     }
-    return with<Topic>(self, __func__, [&](Topic &topic) {
-        *status = {};
-        return topic.is_enabled() ? InconsistentTopic::take(topic.engine(), status)
-                                  : DDS_RETCODE_OK;
-    });
+    return with<Topic>(self, __func__,
+                       [&](Topic &topic) { return get_status<InconsistentTopic>(topic, status); });
 }
 
 DDS_TopicDescription *DDS_ContentFilteredTopic_as_topicdescription(DDS_ContentFilteredTopic *self) {
