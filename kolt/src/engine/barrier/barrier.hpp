@@ -2,6 +2,7 @@
 // exception past a C function.
 #pragma once
 
+#include <functional>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -28,41 +29,131 @@ DDS_ReturnCode_t not_enabled(const char *method);
 // Logs what happened to an entity at level STATUS_LOCAL.
 void note_entity(const char *method, const char *what, const char *kind, const char *name);
 
-// Runs `body` and returns what it returns. Memory that runs out, or anything else that is thrown,
-// becomes the function's own kind of failure: a return code, NULL, 0.
+// Returns what a function that fails gives: `code`, or NULL, 0, an empty record.
+template <typename Result>
+Result failure(DDS_ReturnCode_t code) {
+    if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
+        return code;
+    } else {
+        return Result();
+    }
+}
+
+// Calls `body(arguments...)`, with `method` behind the arguments if `body` takes it.
+template <typename Body, typename... Arguments>
+auto call_with_method(const char *method, Body &&body, Arguments &&...arguments) {
+    if constexpr (std::is_invocable_v<Body &, Arguments..., const char *>) {
+        return std::invoke(body, std::forward<Arguments>(arguments)..., method);
+    } else {
+        return std::invoke(body, std::forward<Arguments>(arguments)...);
+    }
+}
+
+// Runs `body()` or `body(method)` and returns what it returns. Memory that runs out, or anything
+// else that is thrown, becomes the function's own kind of failure.
 template <typename Body>
-auto guarded(const char *method, Body &&body) noexcept -> decltype(body()) {
-    using Result = decltype(body());
+auto guarded(const char *method, Body &&body) noexcept {
+    using Result = decltype(call_with_method(method, body));
     DDS_ReturnCode_t code = DDS_RETCODE_ERROR;
     try {
-        return body();
+        return call_with_method(method, body);
     } catch (const std::bad_alloc &) {
         code = fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "memory ran out");
     } catch (...) {
         code = fail(DDS_RETCODE_ERROR, method, "unexpected failure");
     }
-    if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
-        return code;
-    } else if constexpr (!std::is_void_v<Result>) {
-        return Result{};
-    }
+    return failure<Result>(code);
 }
 
-// Checks `self`, runs `body(implementation)` behind the exception barrier.
+// Checks `self`, and runs `body(implementation)` or `body(implementation, method)` behind the
+// exception barrier.
 template <typename Impl, typename Handle, typename Body>
-auto with(Handle *self, const char *method, Body &&body) noexcept
-    -> decltype(body(std::declval<Impl &>())) {
-    using Result = decltype(body(std::declval<Impl &>()));
+auto with(Handle *self, const char *method, Body &&body) noexcept {
+    using Result = decltype(call_with_method(method, body, std::declval<Impl &>()));
     Impl *const impl = Impl::of(self);
     if (impl == nullptr) {
         bad_parameter(method, "self");
-        if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
-            return DDS_RETCODE_BAD_PARAMETER;
-        } else {
-            return Result{};
-        }
+        return failure<Result>(DDS_RETCODE_BAD_PARAMETER);
     }
-    return guarded(method, [&] { return body(*impl); });
+    return guarded(method, [&] { return call_with_method(method, body, *impl); });
+}
+
+// An argument of a C function that must not be NULL: `name` is what the log calls it, `get(pointer)`
+// what is handed on.
+template <typename Pointee, typename Get>
+struct Required {
+    Pointee *pointer;
+    const char *name;
+    Get get;
+};
+
+// Hands on the pointer.
+template <typename Pointee>
+auto required(Pointee *pointer, const char *name) {
+    const auto get = [](Pointee *p) { return p; };
+    return Required<Pointee, decltype(get)>{pointer, name, get};
+}
+// Hands on what it points to.
+template <typename Pointee>
+auto required_value(Pointee *pointer, const char *name) {
+    const auto get = [](Pointee *p) -> Pointee & { return *p; };
+    return Required<Pointee, decltype(get)>{pointer, name, get};
+}
+// Hands on the implementation behind the handle.
+template <typename Impl, typename Handle>
+auto required_as(Handle *handle, const char *name) {
+    const auto get = [](Handle *h) { return Impl::of(h); };
+    return Required<Handle, decltype(get)>{handle, name, get};
+}
+
+namespace barrier_detail {
+
+// Returns the name of a required argument that is NULL; nullptr for any other argument.
+template <typename Argument>
+const char *missing(const Argument &) {
+    return nullptr;
+}
+template <typename Pointee, typename Get>
+const char *missing(const Required<Pointee, Get> &argument) {
+    return argument.pointer == nullptr ? argument.name : nullptr;
+}
+
+template <typename Argument>
+const Argument &handed_on(const Argument &argument) {
+    return argument;
+}
+template <typename Pointee, typename Get>
+decltype(auto) handed_on(const Required<Pointee, Get> &argument) {
+    return argument.get(argument.pointer);
+}
+
+}  // namespace barrier_detail
+
+// Checks the required arguments in their order, then `self`, and calls
+// `body(implementation, arguments...)`, with `method` behind the arguments if `body` takes it, behind
+// the exception barrier.
+template <typename Impl, typename Handle, typename Body, typename... Arguments>
+auto forward(Handle *self, const char *method, const Body &body,
+             const Arguments &...arguments) noexcept {
+    const auto call = [&](Impl &impl) {
+        return call_with_method(method, body, impl, barrier_detail::handed_on(arguments)...);
+    };
+    using Result = decltype(call(std::declval<Impl &>()));
+    const char *missing = nullptr;
+    static_cast<void>(((missing = barrier_detail::missing(arguments), missing != nullptr) || ...));
+    if (missing != nullptr) {
+        bad_parameter(method, missing);
+        return failure<Result>(DDS_RETCODE_BAD_PARAMETER);
+    }
+    return with<Impl>(self, method, call);
+}
+
+// The same for a member function of the implementation.
+template <typename Handle, typename Impl, typename Function, typename... Arguments>
+auto forward(Handle *self, const char *method, Function Impl::*member,
+             const Arguments &...arguments) noexcept {
+    return forward<std::remove_pointer_t<decltype(Impl::of(self))>>(self, method, member,
+                                                                    arguments...);
 }
 
 }  // namespace kolt::engine

@@ -115,50 +115,52 @@ WaitSet::~WaitSet() {
     dds_delete(wake_up_);
 }
 
-DDS_ReturnCode_t WaitSet::attach(Condition &condition) {
+DDS_ReturnCode_t WaitSet::attach(Condition *condition) {
     const std::lock_guard lock(attachments());
-    if (std::find(conditions_.begin(), conditions_.end(), &condition) != conditions_.end()) {
+    if (std::find(conditions_.begin(), conditions_.end(), condition) != conditions_.end()) {
         return DDS_RETCODE_OK;
     }
     conditions_.reserve(conditions_.size() + 1);
-    condition.waitsets_.reserve(condition.waitsets_.size() + 1);
-    if (condition.watched() > 0) {
-        const dds_return_t result = dds_waitset_attach(engine_, condition.watched(),
-                                                       reinterpret_cast<dds_attach_t>(&condition));
+    condition->waitsets_.reserve(condition->waitsets_.size() + 1);
+    if (condition->watched() > 0) {
+        const dds_return_t result = dds_waitset_attach(engine_, condition->watched(),
+                                                       reinterpret_cast<dds_attach_t>(condition));
         if (result < 0) {
             return to_return_code(result);
         }
     }
-    conditions_.push_back(&condition);
-    condition.waitsets_.push_back(this);
+    conditions_.push_back(condition);
+    condition->waitsets_.push_back(this);
     return DDS_RETCODE_OK;
 }
 
-DDS_ReturnCode_t WaitSet::detach(Condition &condition) {
-    const std::lock_guard lock(attachments());
-    if (std::erase(conditions_, &condition) == 0) {
-        return DDS_RETCODE_PRECONDITION_NOT_MET;
+DDS_ReturnCode_t WaitSet::detach(Condition *condition, const char *method) {
+    {
+        const std::lock_guard lock(attachments());
+        if (std::erase(conditions_, condition) != 0) {
+            std::erase(condition->waitsets_, this);
+            if (condition->watched() > 0) {
+                dds_waitset_detach(engine_, condition->watched());
+            }
+            return DDS_RETCODE_OK;
+        }
     }
-    std::erase(condition.waitsets_, this);
-    if (condition.watched() > 0) {
-        dds_waitset_detach(engine_, condition.watched());
-    }
-    return DDS_RETCODE_OK;
+    return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the condition is not attached");
 }
 
-DDS_ReturnCode_t WaitSet::get_conditions(DDS_ConditionSeq *conditions) const {
+DDS_ReturnCode_t WaitSet::get_conditions(DDS_ConditionSeq *conditions, const char *method) const {
     std::vector<Condition *> copy;
     {
         const std::lock_guard lock(attachments());
         copy = conditions_;
     }
-    return fill_sequence(copy, conditions, "DDS_WaitSet_get_conditions");
+    return fill_sequence(copy, conditions, method);
 }
 
-DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout) {
-    constexpr const char *kMethod = "DDS_WaitSet_wait";
+DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout,
+                               const char *method) {
     if (waiting_.exchange(true)) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, kMethod, "another thread waits");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "another thread waits");
     }
     std::vector<Condition *> triggered;
     DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
@@ -169,7 +171,7 @@ DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &t
         throw;
     }
     waiting_.store(false);
-    const DDS_ReturnCode_t filled = fill_sequence(triggered, active, kMethod);
+    const DDS_ReturnCode_t filled = fill_sequence(triggered, active, method);
     return filled == DDS_RETCODE_OK ? result : filled;
 }
 

@@ -28,6 +28,10 @@ struct KOLT_ConditionImpl {
     KOLT_ConditionImpl(const KOLT_ConditionImpl &) = delete;
     KOLT_ConditionImpl &operator=(const KOLT_ConditionImpl &) = delete;
 
+    static KOLT_ConditionImpl *of(DDS_Condition *self) {
+        return self != nullptr ? self->_impl : nullptr;
+    }
+
     DDS_Condition *self() const { return self_; }
     // What the engine's waitsets watch; 0 while there is nothing to watch.
     virtual dds_entity_t watched() const = 0;
@@ -79,11 +83,12 @@ class WaitSet final : public DDS_WaitSet {
     WaitSet &operator=(const WaitSet &) = delete;
     static WaitSet *of(DDS_WaitSet *self) { return static_cast<WaitSet *>(self); }
 
-    DDS_ReturnCode_t attach(Condition &condition);
-    DDS_ReturnCode_t detach(Condition &condition);
-    DDS_ReturnCode_t get_conditions(DDS_ConditionSeq *conditions) const;
+    DDS_ReturnCode_t attach(Condition *condition);
+    DDS_ReturnCode_t detach(Condition *condition, const char *method);
+    DDS_ReturnCode_t get_conditions(DDS_ConditionSeq *conditions, const char *method) const;
     // PRECONDITION_NOT_MET when another thread waits.
-    DDS_ReturnCode_t wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout);
+    DDS_ReturnCode_t wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout,
+                          const char *method);
     bool is_waited_on() const { return waiting_.load(); }
 
   private:

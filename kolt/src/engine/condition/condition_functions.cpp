@@ -15,7 +15,7 @@ DDS_GuardCondition *DDS_GuardCondition_new(void) {
 }
 
 DDS_ReturnCode_t DDS_GuardCondition_delete(DDS_GuardCondition *self) {
-    return with<GuardCondition>(self, __func__, [method = __func__](GuardCondition &condition) {
+    return with<GuardCondition>(self, __func__, [](GuardCondition &condition, const char *method) {
         if (condition.is_attached()) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                         "the condition is attached to a waitset");
@@ -30,9 +30,7 @@ DDS_Condition *DDS_GuardCondition_as_condition(DDS_GuardCondition *self) {
 }
 
 DDS_ReturnCode_t DDS_GuardCondition_set_trigger_value(DDS_GuardCondition *self, DDS_Boolean value) {
-    return with<GuardCondition>(self, __func__, [&](GuardCondition &condition) {
-        return condition.set(value != DDS_BOOLEAN_FALSE);
-    });
+    return forward(self, __func__, &GuardCondition::set, value != DDS_BOOLEAN_FALSE);
 }
 
 // ---- Waitset ------------------------------------------------------------------------------------
@@ -42,7 +40,7 @@ DDS_WaitSet *DDS_WaitSet_new(void) {
 }
 
 DDS_ReturnCode_t DDS_WaitSet_delete(DDS_WaitSet *self) {
-    return with<WaitSet>(self, __func__, [method = __func__](WaitSet &waitset) {
+    return with<WaitSet>(self, __func__, [](WaitSet &waitset, const char *method) {
         if (waitset.is_waited_on()) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "a thread waits");
         }
@@ -52,30 +50,17 @@ DDS_ReturnCode_t DDS_WaitSet_delete(DDS_WaitSet *self) {
 }
 
 DDS_ReturnCode_t DDS_WaitSet_attach_condition(DDS_WaitSet *self, DDS_Condition *condition) {
-    if (condition == nullptr) {
-        return bad_parameter(__func__, "condition");
-    }
-    return with<WaitSet>(self, __func__,
-                         [&](WaitSet &waitset) { return waitset.attach(*condition->_impl); });
+    return forward(self, __func__, &WaitSet::attach,
+                   required_as<Condition>(condition, "condition"));
 }
 
 DDS_ReturnCode_t DDS_WaitSet_detach_condition(DDS_WaitSet *self, DDS_Condition *condition) {
-    if (condition == nullptr) {
-        return bad_parameter(__func__, "condition");
-    }
-    return with<WaitSet>(self, __func__, [&, method = __func__](WaitSet &waitset) {
-        const DDS_ReturnCode_t result = waitset.detach(*condition->_impl);
-        return result == DDS_RETCODE_OK ? result
-                                        : fail(result, method, "the condition is not attached");
-    });
+    return forward(self, __func__, &WaitSet::detach,
+                   required_as<Condition>(condition, "condition"));
 }
 
 DDS_ReturnCode_t DDS_WaitSet_get_conditions(DDS_WaitSet *self, DDS_ConditionSeq *conditions) {
-    if (conditions == nullptr) {
-        return bad_parameter(__func__, "conditions");
-    }
-    return with<WaitSet>(self, __func__,
-                         [&](WaitSet &waitset) { return waitset.get_conditions(conditions); });
+    return forward(self, __func__, &WaitSet::get_conditions, required(conditions, "conditions"));
 }
 
 DDS_ReturnCode_t DDS_WaitSet_wait(DDS_WaitSet *self, DDS_ConditionSeq *active,
@@ -86,6 +71,5 @@ DDS_ReturnCode_t DDS_WaitSet_wait(DDS_WaitSet *self, DDS_ConditionSeq *active,
     if (timeout == nullptr || to_engine(*timeout) < 0) {
         return bad_parameter(__func__, "timeout");
     }
-    return with<WaitSet>(self, __func__,
-                         [&](WaitSet &waitset) { return waitset.wait(active, *timeout); });
+    return forward(self, __func__, &WaitSet::wait, active, *timeout);
 }

@@ -9,14 +9,15 @@ namespace kolt::engine {
 std::shared_ptr<RegisteredType> RegisteredType::create(const char *name,
                                                        const KOLT_TypePlugin &plugin,
                                                        void *registration_data,
-                                                       DDS_DomainId_t domain_id, bool described) {
+                                                       DDS_DomainId_t domain_id, bool described,
+                                                       const char *method) {
     std::shared_ptr<RegisteredType> type(new RegisteredType(name, plugin));
     type->programs_ = KOLT_TypePrograms_acquire(plugin.type_code);
     if (type->programs_ == nullptr) {
         return nullptr;
     }
     if (described) {
-        type->announcement_ = TypeAnnouncement::create(*plugin.type_code, name);
+        type->announcement_ = TypeAnnouncement::create(*plugin.type_code, name, method);
     }
     const KOLT_TypePluginParticipantInfo info{domain_id};
     type->participant_data_ = plugin.on_participant_attached(

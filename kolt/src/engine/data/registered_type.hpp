@@ -18,7 +18,7 @@ class RegisteredType {
     // type code, refuses. `described`: not only the type's name is announced, if that can be.
     static std::shared_ptr<RegisteredType> create(const char *name, const KOLT_TypePlugin &plugin,
                                                   void *registration_data, DDS_DomainId_t domain_id,
-                                                  bool described);
+                                                  bool described, const char *method);
     ~RegisteredType();
     RegisteredType(const RegisteredType &) = delete;
     RegisteredType &operator=(const RegisteredType &) = delete;

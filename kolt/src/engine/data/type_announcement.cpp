@@ -46,7 +46,8 @@ ddsi_sertype_cdr_data cdr_data(const kolt::type::Bytes &bytes) {
 }  // namespace
 
 std::shared_ptr<const TypeAnnouncement> TypeAnnouncement::create(const DDS_TypeCode &type,
-                                                                 const char *registered_name) {
+                                                                 const char *registered_name,
+                                                                 const char *method) {
     std::string problem = "it holds a mutable union";
     std::set<const DDS_TypeCode *> seen;
     if (!holds_mutable_union(type, seen)) {
@@ -60,8 +61,7 @@ std::shared_ptr<const TypeAnnouncement> TypeAnnouncement::create(const DDS_TypeC
             problem = "the engine refuses the description";
         }
     }
-    KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_DISCOVERY, KOLT_CONFIG_LOG_LEVEL_STATUS_LOCAL,
-                     "DDS_DomainParticipant_register_type",
+    KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_DISCOVERY, KOLT_CONFIG_LOG_LEVEL_STATUS_LOCAL, method,
                      "the type %s is announced by its name alone: %s", registered_name,
                      problem.c_str());
     return nullptr;

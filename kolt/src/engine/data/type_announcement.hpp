@@ -16,7 +16,8 @@ class TypeAnnouncement {
     // type that goes by its name alone: one that cannot be described, one that the engine refuses,
     // and one that holds a mutable union.
     static std::shared_ptr<const TypeAnnouncement> create(const DDS_TypeCode &type,
-                                                          const char *registered_name);
+                                                          const char *registered_name,
+                                                          const char *method);
 
     // New ones, which the caller frees with the engine's functions.
     ddsi_typeinfo_t *type_info() const;

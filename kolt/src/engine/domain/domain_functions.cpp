@@ -23,77 +23,57 @@ DDS_DomainParticipantFactory *DDS_DomainParticipantFactory_get_instance(void) {
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_finalize_instance(void) {
-    return guarded(__func__, [method = __func__] { return Factory::instance().finalize(method); });
+    return guarded(__func__,
+                   [](const char *method) { return Factory::instance().finalize(method); });
 }
 
 DDS_DomainParticipant *DDS_DomainParticipantFactory_create_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id,
     const DDS_DomainParticipantQos *qos, const DDS_DomainParticipantListener *listener,
     DDS_StatusMask mask) {
-    return with<Factory>(self, __func__, [&, method = __func__](Factory &factory) {
-        return factory.create_participant(domain_id, qos, listener, mask, method);
-    });
+    return forward(self, __func__, &Factory::create_participant, domain_id, qos, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipant *participant) {
-    if (participant == nullptr) {
-        return bad_parameter(__func__, "participant");
-    }
-    return with<Factory>(self, __func__, [&, method = __func__](Factory &factory) {
-        return factory.delete_participant(Participant::of(participant), method);
-    });
+    return forward(self, __func__, &Factory::delete_participant,
+                   required_as<Participant>(participant, "participant"));
 }
 
 DDS_DomainParticipant *DDS_DomainParticipantFactory_lookup_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id) {
-    return with<Factory>(self, __func__,
-                         [&](Factory &factory) { return factory.lookup_participant(domain_id); });
+    return forward(self, __func__, &Factory::lookup_participant, domain_id);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Factory>(
-        self, __func__, [&](Factory &factory) { return factory.get_default_participant_qos(qos); });
+    return forward(self, __func__, &Factory::get_default_participant_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_set_default_participant_qos(
     DDS_DomainParticipantFactory *self, const DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Factory>(self, __func__, [&, method = __func__](Factory &factory) {
-        return factory.set_default_participant_qos(*qos, method);
-    });
+    return forward(self, __func__, &Factory::set_default_participant_qos,
+                   required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos(DDS_DomainParticipantFactory *self,
                                                       DDS_DomainParticipantFactoryQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Factory>(self, __func__, [&](Factory &factory) { return factory.get_qos(qos); });
+    return forward(self, __func__, &Factory::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DomainParticipantFactory_set_qos(DDS_DomainParticipantFactory *self,
                                                       const DDS_DomainParticipantFactoryQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Factory>(self, __func__, [&](Factory &factory) { return factory.set_qos(*qos); });
+    return forward(self, __func__, &Factory::set_qos, required_value(qos, "qos"));
 }
 
 DDS_DomainParticipant *KOLT_DomainParticipant_wrap(std::int32_t engine_participant) {
-    return guarded(__func__, [&, method = __func__] {
+    return guarded(__func__, [&](const char *method) {
         return Factory::instance().wrap(engine_participant, method);
     });
 }
 
 DDS_ReturnCode_t KOLT_DomainParticipant_unwrap(DDS_DomainParticipant *self) {
-    return with<Participant>(self, __func__, [method = __func__](Participant &participant) {
+    return with<Participant>(self, __func__, [](Participant &participant, const char *method) {
         return Factory::instance().unwrap(&participant, method);
     });
 }
@@ -110,33 +90,23 @@ DDS_DomainParticipantFactory *DDS_DomainParticipant_get_participant_factoryI(
 }
 
 DDS_DomainId_t DDS_DomainParticipant_get_domain_id(DDS_DomainParticipant *self) {
-    return with<Participant>(self, __func__, [](Participant &p) { return p.domain_id(); });
+    return forward(self, __func__, &Participant::domain_id);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant *self,
                                                DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Participant>(self, __func__, [&](Participant &p) { return p.get_qos(qos); });
+    return forward(self, __func__, &Participant::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_set_qos(DDS_DomainParticipant *self,
                                                const DDS_DomainParticipantQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Participant>(
-        self, __func__, [&, method = __func__](Participant &p) { return p.set_qos(*qos, method); });
+    return forward(self, __func__, &Participant::set_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_set_listener(DDS_DomainParticipant *self,
                                                     const DDS_DomainParticipantListener *listener,
                                                     DDS_StatusMask mask) {
-    return with<Participant>(self, __func__, [&](Participant &p) {
-        p.listener().set(listener, mask);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &Participant::set_listener, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant *self,
@@ -150,119 +120,74 @@ DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParticipant *self
         plugin->endpoint_type_name == nullptr) {
         return bad_parameter(__func__, "plugin");
     }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.register_type(type_name, *plugin, registration_data, method);
-    });
+    return forward(self, __func__, &Participant::register_type, type_name, *plugin,
+                   registration_data);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant *self,
                                                        const char *type_name) {
-    if (type_name == nullptr) {
-        return bad_parameter(__func__, "type_name");
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.unregister_type(type_name, method);
-    });
+    return forward(self, __func__, &Participant::unregister_type, required(type_name, "type_name"));
 }
 
 DDS_Topic *DDS_DomainParticipant_create_topic(DDS_DomainParticipant *self, const char *topic_name,
                                               const char *type_name, const DDS_TopicQos *qos,
                                               const DDS_TopicListener *listener,
                                               DDS_StatusMask mask) {
-    if (topic_name == nullptr || type_name == nullptr) {
-        bad_parameter(__func__, topic_name == nullptr ? "topic_name" : "type_name");
-        return nullptr;
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.create_topic(topic_name, type_name, qos, listener, mask, method);
-    });
+    return forward(self, __func__, &Participant::create_topic, required(topic_name, "topic_name"),
+                   required(type_name, "type_name"), qos, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_topic(DDS_DomainParticipant *self, DDS_Topic *topic) {
-    if (topic == nullptr) {
-        return bad_parameter(__func__, "topic");
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.delete_topic(Topic::of(topic), method);
-    });
+    return forward(self, __func__, &Participant::delete_topic, required_as<Topic>(topic, "topic"));
 }
 
 DDS_ContentFilteredTopic *DDS_DomainParticipant_create_contentfilteredtopic(
     DDS_DomainParticipant *self, const char *name, DDS_Topic *related_topic,
     const char *filter_expression, const DDS_StringSeq *expression_parameters) {
-    if (name == nullptr || related_topic == nullptr || filter_expression == nullptr) {
-        bad_parameter(__func__, name == nullptr            ? "name"
-                                : related_topic == nullptr ? "related_topic"
-                                                           : "filter_expression");
-        return nullptr;
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.create_filtered_topic(name, Topic::of(related_topic), filter_expression,
-                                       expression_parameters, method);
-    });
+    return forward(self, __func__, &Participant::create_filtered_topic, required(name, "name"),
+                   required_as<Topic>(related_topic, "related_topic"),
+                   required(filter_expression, "filter_expression"), expression_parameters);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_contentfilteredtopic(
     DDS_DomainParticipant *self, DDS_ContentFilteredTopic *topic) {
-    if (topic == nullptr) {
-        return bad_parameter(__func__, "topic");
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.delete_filtered_topic(ContentFilteredTopic::of(topic), method);
-    });
+    return forward(self, __func__, &Participant::delete_filtered_topic,
+                   required_as<ContentFilteredTopic>(topic, "topic"));
 }
 
 DDS_TopicDescription *DDS_DomainParticipant_lookup_topicdescription(DDS_DomainParticipant *self,
                                                                     const char *name) {
-    if (name == nullptr) {
-        bad_parameter(__func__, "name");
-        return nullptr;
-    }
-    return with<Participant>(self, __func__, [&](Participant &p) { return p.lookup_topic(name); });
+    return forward(self, __func__, &Participant::lookup_topic, required(name, "name"));
 }
 
 DDS_Publisher *DDS_DomainParticipant_create_publisher(DDS_DomainParticipant *self,
                                                       const DDS_PublisherQos *qos,
                                                       const DDS_PublisherListener *listener,
                                                       DDS_StatusMask mask) {
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.create_publisher(qos, listener, mask, method);
-    });
+    return forward(self, __func__, &Participant::create_publisher, qos, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_publisher(DDS_DomainParticipant *self,
                                                         DDS_Publisher *publisher) {
-    if (publisher == nullptr) {
-        return bad_parameter(__func__, "publisher");
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.delete_publisher(Publisher::of(publisher), method);
-    });
+    return forward(self, __func__, &Participant::delete_publisher,
+                   required_as<Publisher>(publisher, "publisher"));
 }
 
 DDS_Subscriber *DDS_DomainParticipant_create_subscriber(DDS_DomainParticipant *self,
                                                         const DDS_SubscriberQos *qos,
                                                         const DDS_SubscriberListener *listener,
                                                         DDS_StatusMask mask) {
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.create_subscriber(qos, listener, mask, method);
-    });
+    return forward(self, __func__, &Participant::create_subscriber, qos, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_subscriber(DDS_DomainParticipant *self,
                                                          DDS_Subscriber *subscriber) {
-    if (subscriber == nullptr) {
-        return bad_parameter(__func__, "subscriber");
-    }
-    return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {
-        return p.delete_subscriber(Subscriber::of(subscriber), method);
-    });
+    return forward(self, __func__, &Participant::delete_subscriber,
+                   required_as<Subscriber>(subscriber, "subscriber"));
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_delete_contained_entities(DDS_DomainParticipant *self) {
-    return with<Participant>(self, __func__, [method = __func__](Participant &p) {
-        return p.delete_contained_entities(method);
-    });
+    return forward(self, __func__, &Participant::delete_contained_entities);
 }
 
 DDS_Boolean DDS_DomainParticipant_contains_entity(DDS_DomainParticipant *self,
@@ -273,52 +198,43 @@ DDS_Boolean DDS_DomainParticipant_contains_entity(DDS_DomainParticipant *self,
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_assert_liveliness(DDS_DomainParticipant *self) {
-    return with<Participant>(self, __func__, [method = __func__](Participant &p) {
-        if (!p.is_enabled()) {
-            return not_enabled(method);
-        }
-        return to_return_code(dds_assert_liveliness(p.engine()));
-    });
+    return forward<Participant>(self, __func__, assert_liveliness);
 }
 
 DDS_ReturnCode_t DDS_DomainParticipant_get_current_time(DDS_DomainParticipant *self,
                                                         DDS_Time_t *current_time) {
-    if (current_time == nullptr) {
-        return bad_parameter(__func__, "current_time");
-    }
-    return with<Participant>(self, __func__, [&](Participant &) {
-        *current_time = from_engine_time(dds_time());
-        return DDS_RETCODE_OK;
-    });
+    return forward<Participant>(
+        self, __func__,
+        [](Participant &, DDS_Time_t *now) {
+            *now = from_engine_time(dds_time());
+            return DDS_RETCODE_OK;
+        },
+        required(current_time, "current_time"));
 }
 
-#define KOLT_DEFINE_GET_DEFAULT(function, Qos)                                                 \
-    DDS_ReturnCode_t DDS_DomainParticipant_get_default_##function##_qos(                       \
-        DDS_DomainParticipant *self, Qos *qos) {                                               \
-        if (qos == nullptr) return bad_parameter(__func__, "qos");                             \
-        return with<Participant>(self, __func__,                                               \
-                                 [&](Participant &p) { return p.get_default(qos, nullptr); }); \
-    }                                                                                          \
-    DDS_ReturnCode_t DDS_DomainParticipant_set_default_##function##_qos(                       \
-        DDS_DomainParticipant *self, const Qos *qos) {                                         \
-        if (qos == nullptr) return bad_parameter(__func__, "qos");                             \
-        return with<Participant>(self, __func__, [&, method = __func__](Participant &p) {      \
-            return p.set_default(*qos, method);                                                \
-        });                                                                                    \
+#define KOLT_DEFINE_DEFAULT(function, Qos)                                                   \
+    DDS_ReturnCode_t DDS_DomainParticipant_get_default_##function##_qos(                     \
+        DDS_DomainParticipant *self, Qos *qos) {                                             \
+        return forward(self, __func__, &Participant::get_default<Qos>, required(qos, "qos"), \
+                       nullptr);                                                             \
+    }                                                                                        \
+    DDS_ReturnCode_t DDS_DomainParticipant_set_default_##function##_qos(                     \
+        DDS_DomainParticipant *self, const Qos *qos) {                                       \
+        return forward(self, __func__, &Participant::set_default<Qos>,                       \
+                       required_value(qos, "qos"));                                          \
     }
-KOLT_DEFINE_GET_DEFAULT(publisher, DDS_PublisherQos)
-KOLT_DEFINE_GET_DEFAULT(subscriber, DDS_SubscriberQos)
-KOLT_DEFINE_GET_DEFAULT(topic, DDS_TopicQos)
-KOLT_DEFINE_GET_DEFAULT(datawriter, DDS_DataWriterQos)
-KOLT_DEFINE_GET_DEFAULT(datareader, DDS_DataReaderQos)
-#undef KOLT_DEFINE_GET_DEFAULT
+KOLT_DEFINE_DEFAULT(publisher, DDS_PublisherQos)
+KOLT_DEFINE_DEFAULT(subscriber, DDS_SubscriberQos)
+KOLT_DEFINE_DEFAULT(topic, DDS_TopicQos)
+KOLT_DEFINE_DEFAULT(datawriter, DDS_DataWriterQos)
+KOLT_DEFINE_DEFAULT(datareader, DDS_DataReaderQos)
+#undef KOLT_DEFINE_DEFAULT
 
-#define KOLT_DEFINE_GET_DEFAULT_W_TOPIC_NAME(function, Qos)                                       \
-    DDS_ReturnCode_t DDS_DomainParticipant_get_default_##function##_qos_w_topic_name(             \
-        DDS_DomainParticipant *self, Qos *qos, const char *topic_name) {                          \
-        if (qos == nullptr) return bad_parameter(__func__, "qos");                                \
-        return with<Participant>(self, __func__,                                                  \
-                                 [&](Participant &p) { return p.get_default(qos, topic_name); }); \
+#define KOLT_DEFINE_GET_DEFAULT_W_TOPIC_NAME(function, Qos)                                  \
+    DDS_ReturnCode_t DDS_DomainParticipant_get_default_##function##_qos_w_topic_name(        \
+        DDS_DomainParticipant *self, Qos *qos, const char *topic_name) {                     \
+        return forward(self, __func__, &Participant::get_default<Qos>, required(qos, "qos"), \
+                       topic_name);                                                          \
     }
 KOLT_DEFINE_GET_DEFAULT_W_TOPIC_NAME(topic, DDS_TopicQos)
 KOLT_DEFINE_GET_DEFAULT_W_TOPIC_NAME(datawriter, DDS_DataWriterQos)

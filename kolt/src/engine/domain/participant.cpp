@@ -162,7 +162,7 @@ typename Group::Record *Participant::create_group(std::vector<std::unique_ptr<Gr
         return nullptr;
     }
     auto group = std::make_unique<Group>(*this, *chosen);
-    group->listener().set(listener, mask);
+    group->set_listener(listener, mask);
     if (autoenables() && group->enable(method) != DDS_RETCODE_OK) {
         return nullptr;
     }

@@ -53,7 +53,7 @@ DDS_DomainParticipant *Factory::create_participant(DDS_DomainId_t domain_id,
         return nullptr;
     }
     auto participant = std::make_unique<Participant>(domain_id, *chosen);
-    participant->listener().set(listener, mask);
+    participant->set_listener(listener, mask);
     bool autoenable = false;
     {
         const std::lock_guard lock(mutex_);

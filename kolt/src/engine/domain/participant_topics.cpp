@@ -47,7 +47,8 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
     const bool described = own_qos().read([](const DDS_DomainParticipantQos &qos) {
         return !has_property(qos.property, kAnnounceTypesProperty, "false");
     });
-    auto type = RegisteredType::create(name, plugin, registration_data, domain_id(), described);
+    auto type =
+        RegisteredType::create(name, plugin, registration_data, domain_id(), described, method);
     if (type == nullptr) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
                     "the type plugin of %s cannot be attached", name);
@@ -130,7 +131,7 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
         type = found->second;
     }
     auto topic = std::make_unique<Topic>(*this, name, std::move(type), *chosen);
-    topic->listener().set(listener, mask);
+    topic->set_listener(listener, mask);
     if (autoenables() && topic->enable(method) != DDS_RETCODE_OK) {
         return nullptr;
     }

@@ -40,6 +40,10 @@ class EndpointGroup : public Entity {
     Record *handle() { return &handle_; }
     ParticipantScope &participant() const { return participant_; }
     ListenerSlot<Listener> &listener() { return listener_; }
+    DDS_ReturnCode_t set_listener(const Listener *listener, DDS_StatusMask mask) {
+        listener_.set(listener, mask);
+        return DDS_RETCODE_OK;
+    }
 
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(Qos *qos) { return qos_.get(qos); }

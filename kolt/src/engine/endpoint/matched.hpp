@@ -4,21 +4,24 @@
 #include <cstddef>
 #include <vector>
 
-#include "engine/barrier/barrier.hpp"
 #include "engine/cyclone/convert.hpp"
+#include "engine/entity/entity.hpp"
 #include "kolt/sequence.h"
 
 namespace kolt::engine {
 
 // `get` is the engine's function for a writer or a reader, which fills an array and returns how
 // many there are.
-inline DDS_ReturnCode_t get_matched(dds_entity_t entity,
+inline DDS_ReturnCode_t get_matched(const Entity &entity,
                                     dds_return_t (*get)(dds_entity_t, dds_instance_handle_t *,
                                                         std::size_t),
                                     DDS_InstanceHandleSeq *handles, const char *method) {
+    if (!entity.is_enabled()) {
+        return not_enabled(method);
+    }
     std::vector<dds_instance_handle_t> found(8);
     while (true) {
-        const dds_return_t count = get(entity, found.data(), found.size());
+        const dds_return_t count = get(entity.engine(), found.data(), found.size());
         if (count < 0) {
             return to_return_code(count);
         }

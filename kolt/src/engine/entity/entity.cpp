@@ -48,3 +48,14 @@ void KOLT_EntityImpl::release_engine() {
     status_condition_->stop_watching();
     engine_.store(0, std::memory_order_release);
 }
+
+namespace kolt::engine {
+
+DDS_ReturnCode_t assert_liveliness(const Entity &entity, const char *method) {
+    if (!entity.is_enabled()) {
+        return not_enabled(method);
+    }
+    return to_return_code(dds_assert_liveliness(entity.engine()));
+}
+
+}  // namespace kolt::engine

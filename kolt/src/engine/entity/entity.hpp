@@ -71,4 +71,7 @@ namespace kolt::engine {
 
 using Entity = KOLT_EntityImpl;
 
+// Tells the matched readers of a writer, or of a participant's writers, that they are alive.
+DDS_ReturnCode_t assert_liveliness(const Entity &entity, const char *method);
+
 }  // namespace kolt::engine

@@ -21,7 +21,7 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity *self) {
     if (impl->is_enabled()) {
         return DDS_RETCODE_OK;
     }
-    return guarded(__func__, [&] { return impl->enable("DDS_Entity_enable"); });
+    return guarded(__func__, [&](const char *method) { return impl->enable(method); });
 }
 
 DDS_Boolean DDS_Entity_is_enabled(DDS_Entity *self) {
@@ -71,14 +71,11 @@ DDS_Condition *DDS_StatusCondition_as_condition(DDS_StatusCondition *self) {
 
 DDS_ReturnCode_t DDS_StatusCondition_set_enabled_statuses(DDS_StatusCondition *self,
                                                           DDS_StatusMask mask) {
-    return with<StatusCondition>(self, __func__, [&](StatusCondition &condition) {
-        return condition.set_enabled_statuses(mask);
-    });
+    return forward(self, __func__, &StatusCondition::set_enabled_statuses, mask);
 }
 
 DDS_StatusMask DDS_StatusCondition_get_enabled_statuses(DDS_StatusCondition *self) {
-    return with<StatusCondition>(
-        self, __func__, [](StatusCondition &condition) { return condition.enabled_statuses(); });
+    return forward(self, __func__, &StatusCondition::enabled_statuses);
 }
 
 DDS_Entity *DDS_StatusCondition_get_entity(DDS_StatusCondition *self) {

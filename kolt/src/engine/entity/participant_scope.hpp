@@ -22,6 +22,11 @@ class ParticipantScope : public Entity {
     // Guards the structure and the QoS records of everything in the participant.
     std::mutex &tree() { return tree_; }
     ListenerSlot<DDS_DomainParticipantListener> &listener() { return listener_; }
+    DDS_ReturnCode_t set_listener(const DDS_DomainParticipantListener *listener,
+                                  DDS_StatusMask mask) {
+        listener_.set(listener, mask);
+        return DDS_RETCODE_OK;
+    }
     // True when entities are to be enabled as they are created in the participant.
     bool autoenables() const;
 

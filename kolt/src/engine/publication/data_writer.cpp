@@ -132,11 +132,13 @@ void DataWriter::dispatch_pending(DDS_StatusMask mask) {
     });
 }
 
-void DataWriter::set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask) {
+DDS_ReturnCode_t DataWriter::set_listener(const DDS_DataWriterListener *listener,
+                                          DDS_StatusMask mask) {
     listener_.set(listener, mask);
     if (listener != nullptr && is_enabled()) {
         dispatch_pending(mask);
     }
+    return DDS_RETCODE_OK;
 }
 
 // ---- Serialisation ------------------------------------------------------------------------------
@@ -452,9 +454,10 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
     return result;
 }
 
-DDS_ReturnCode_t DataWriter::wait_for_acknowledgments(const DDS_Duration_t &max_wait) {
+DDS_ReturnCode_t DataWriter::wait_for_acknowledgments(const DDS_Duration_t &max_wait,
+                                                      const char *method) {
     if (!is_enabled()) {
-        return not_enabled("DDS_DataWriter_wait_for_acknowledgments");
+        return not_enabled(method);
     }
     return to_return_code(dds_wait_for_acks(engine(), to_engine(max_wait)));
 }
@@ -463,8 +466,9 @@ void *DataWriter::create_data() {
     return endpoint_->plugin().create_sample(endpoint_->data());
 }
 
-void DataWriter::delete_data(void *sample) {
+DDS_ReturnCode_t DataWriter::delete_data(void *sample) {
     endpoint_->plugin().destroy_sample(endpoint_->data(), sample);
+    return DDS_RETCODE_OK;
 }
 
 }  // namespace kolt::engine

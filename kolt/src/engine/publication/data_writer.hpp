@@ -44,7 +44,7 @@ class DataWriter final : public Entity {
     DDS_ReturnCode_t set_qos(const DDS_DataWriterQos &qos, const char *method);
 
     DDS_DataWriterListener listener() const { return listener_.get(); }
-    void set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask);
+    DDS_ReturnCode_t set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask);
     // The engine has an event of this kind. Called on its threads.
     template <typename Kind>
     void on_event() {
@@ -61,9 +61,9 @@ class DataWriter final : public Entity {
     DDS_InstanceHandle_t lookup_instance(const void *key_holder);
     DDS_ReturnCode_t get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
                                    const char *method);
-    DDS_ReturnCode_t wait_for_acknowledgments(const DDS_Duration_t &max_wait);
+    DDS_ReturnCode_t wait_for_acknowledgments(const DDS_Duration_t &max_wait, const char *method);
     void *create_data();
-    void delete_data(void *sample);
+    DDS_ReturnCode_t delete_data(void *sample);
 
   private:
     template <typename Kind>

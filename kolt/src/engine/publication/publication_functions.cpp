@@ -23,98 +23,55 @@ DDS_DataWriter *DDS_Publisher_create_datawriter(DDS_Publisher *self, DDS_Topic *
                                                 const DDS_DataWriterQos *qos,
                                                 const DDS_DataWriterListener *listener,
                                                 DDS_StatusMask mask) {
-    if (topic == nullptr) {
-        bad_parameter(__func__, "topic");
-        return nullptr;
-    }
-    return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.create(Topic::of(topic), qos, listener, mask, method);
-    });
+    return forward(self, __func__, &Publisher::create, required_as<Topic>(topic, "topic"), qos,
+                   listener, mask);
 }
 
 DDS_ReturnCode_t DDS_Publisher_delete_datawriter(DDS_Publisher *self, DDS_DataWriter *writer) {
-    if (writer == nullptr) {
-        return bad_parameter(__func__, "writer");
-    }
-    return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.remove(DataWriter::of(writer), method);
-    });
+    return forward(self, __func__, &Publisher::remove, required_as<DataWriter>(writer, "writer"));
 }
 
 DDS_ReturnCode_t DDS_Publisher_delete_contained_entities(DDS_Publisher *self) {
-    return with<Publisher>(self, __func__, [method = __func__](Publisher &publisher) {
-        return publisher.delete_contained_entities(method);
-    });
+    return forward(self, __func__, &Publisher::delete_contained_entities);
 }
 
 DDS_DataWriter *DDS_Publisher_lookup_datawriter(DDS_Publisher *self, const char *topic_name) {
-    if (topic_name == nullptr) {
-        bad_parameter(__func__, "topic_name");
-        return nullptr;
-    }
-    return with<Publisher>(self, __func__,
-                           [&](Publisher &publisher) { return publisher.lookup(topic_name); });
+    return forward(self, __func__, &Publisher::lookup, required(topic_name, "topic_name"));
 }
 
 DDS_ReturnCode_t DDS_Publisher_get_qos(DDS_Publisher *self, DDS_PublisherQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Publisher>(self, __func__,
-                           [&](Publisher &publisher) { return publisher.get_qos(qos); });
+    return forward(self, __func__, &Publisher::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Publisher_set_qos(DDS_Publisher *self, const DDS_PublisherQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.set_qos(*qos, method);
-    });
+    return forward(self, __func__, &Publisher::set_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Publisher_set_listener(DDS_Publisher *self,
                                             const DDS_PublisherListener *listener,
                                             DDS_StatusMask mask) {
-    return with<Publisher>(self, __func__, [&](Publisher &publisher) {
-        publisher.listener().set(listener, mask);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &Publisher::set_listener, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_Publisher_get_default_datawriter_qos(DDS_Publisher *self,
                                                           DDS_DataWriterQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Publisher>(self, __func__, [&](Publisher &publisher) {
-        return publisher.get_default_qos(qos, nullptr);
-    });
+    return forward(self, __func__, &Publisher::get_default_qos, required(qos, "qos"), nullptr);
 }
 
 DDS_ReturnCode_t DDS_Publisher_set_default_datawriter_qos(DDS_Publisher *self,
                                                           const DDS_DataWriterQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.set_default_qos(*qos, method);
-    });
+    return forward(self, __func__, &Publisher::set_default_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Publisher_copy_from_topic_qos(DDS_Publisher *self,
                                                    DDS_DataWriterQos *writer_qos,
                                                    const DDS_TopicQos *topic_qos) {
-    if (writer_qos == nullptr) {
-        return bad_parameter(__func__, "writer_qos");
-    }
-    if (topic_qos == nullptr) {
-        return bad_parameter(__func__, "topic_qos");
-    }
-    return with<Publisher>(self, __func__, [&](Publisher &) {
-        return copy_from_topic_qos(writer_qos, *topic_qos) ? DDS_RETCODE_OK
-                                                           : DDS_RETCODE_OUT_OF_RESOURCES;
-    });
+    return forward<Publisher>(
+        self, __func__,
+        [](Publisher &, DDS_DataWriterQos *to, const DDS_TopicQos &from) {
+            return copy_from_topic_qos(to, from) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
+        },
+        required(writer_qos, "writer_qos"), required_value(topic_qos, "topic_qos"));
 }
 
 DDS_ReturnCode_t DDS_Publisher_wait_for_acknowledgments(DDS_Publisher *self,
@@ -122,9 +79,7 @@ DDS_ReturnCode_t DDS_Publisher_wait_for_acknowledgments(DDS_Publisher *self,
     if (max_wait == nullptr || to_engine(*max_wait) < 0) {
         return bad_parameter(__func__, "max_wait");
     }
-    return with<Publisher>(self, __func__, [&, method = __func__](Publisher &publisher) {
-        return publisher.wait_for_acknowledgments(*max_wait, method);
-    });
+    return forward(self, __func__, &Publisher::wait_for_acknowledgments, *max_wait);
 }
 
 DDS_DomainParticipant *DDS_Publisher_get_participant(DDS_Publisher *self) {
@@ -135,33 +90,21 @@ DDS_DomainParticipant *DDS_Publisher_get_participant(DDS_Publisher *self) {
 // ---- Data writer --------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DataWriter_get_qos(DDS_DataWriter *self, DDS_DataWriterQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<DataWriter>(self, __func__,
-                            [&](DataWriter &writer) { return writer.get_qos(qos); });
+    return forward(self, __func__, &DataWriter::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DataWriter_set_qos(DDS_DataWriter *self, const DDS_DataWriterQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<DataWriter>(self, __func__, [&, method = __func__](DataWriter &writer) {
-        return writer.set_qos(*qos, method);
-    });
+    return forward(self, __func__, &DataWriter::set_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DataWriter_set_listener(DDS_DataWriter *self,
                                              const DDS_DataWriterListener *listener,
                                              DDS_StatusMask mask) {
-    return with<DataWriter>(self, __func__, [&](DataWriter &writer) {
-        writer.set_listener(listener, mask);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &DataWriter::set_listener, listener, mask);
 }
 
 DDS_DataWriterListener DDS_DataWriter_get_listener(DDS_DataWriter *self) {
-    return with<DataWriter>(self, __func__, [](DataWriter &writer) { return writer.listener(); });
+    return forward(self, __func__, &DataWriter::listener);
 }
 
 DDS_Topic *DDS_DataWriter_get_topic(DDS_DataWriter *self) {
@@ -185,41 +128,25 @@ DDS_ReturnCode_t DDS_DataWriter_wait_for_acknowledgments(DDS_DataWriter *self,
     if (max_wait == nullptr || to_engine(*max_wait) < 0) {
         return bad_parameter(__func__, "max_wait");
     }
-    return with<DataWriter>(self, __func__, [&](DataWriter &writer) {
-        return writer.wait_for_acknowledgments(*max_wait);
-    });
+    return forward(self, __func__, &DataWriter::wait_for_acknowledgments, *max_wait);
 }
 
 DDS_ReturnCode_t DDS_DataWriter_assert_liveliness(DDS_DataWriter *self) {
-    return with<DataWriter>(self, __func__, [method = __func__](DataWriter &writer) {
-        if (!writer.is_enabled()) {
-            return not_enabled(method);
-        }
-        return to_return_code(dds_assert_liveliness(writer.engine()));
-    });
+    return forward<DataWriter>(self, __func__, assert_liveliness);
 }
 
-#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                   \
-    DDS_ReturnCode_t DDS_DataWriter_get_##name##_status(DDS_DataWriter *self,                      \
-                                                        Name::Status *status) {                    \
-        if (status == nullptr) return bad_parameter(__func__, "status");                           \
-        return with<DataWriter>(                                                                   \
-            self, __func__, [&](DataWriter &writer) { return get_status<Name>(writer, status); }); \
+#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                  \
+    DDS_ReturnCode_t DDS_DataWriter_get_##name##_status(DDS_DataWriter *self,                     \
+                                                        Name::Status *status) {                   \
+        return forward<DataWriter>(self, __func__, get_status<Name>, required(status, "status")); \
     }
 KOLT_WRITER_STATUSES(KOLT_DEFINE_GET_STATUS)
 #undef KOLT_DEFINE_GET_STATUS
 
 DDS_ReturnCode_t DDS_DataWriter_get_matched_subscriptions(DDS_DataWriter *self,
                                                           DDS_InstanceHandleSeq *handles) {
-    if (handles == nullptr) {
-        return bad_parameter(__func__, "handles");
-    }
-    return with<DataWriter>(self, __func__, [&, method = __func__](DataWriter &writer) {
-        if (!writer.is_enabled()) {
-            return not_enabled(method);
-        }
-        return get_matched(writer.engine(), dds_get_matched_subscriptions, handles, method);
-    });
+    return forward<DataWriter>(self, __func__, get_matched, dds_get_matched_subscriptions,
+                               required(handles, "handles"));
 }
 
 // ---- Writing ------------------------------------------------------------------------------------
@@ -241,26 +168,18 @@ bool is_given(const DDS_Time_t *timestamp) {
 
 DDS_ReturnCode_t write(DDS_DataWriter *self, const void *sample, const DDS_WriteParams_t &params,
                        const char *method) {
-    return with<DataWriter>(
-        self, method, [&](DataWriter &writer) { return writer.write(sample, params, method); });
+    return forward(self, method, &DataWriter::write, sample, params);
 }
 
 DDS_ReturnCode_t change(DDS_DataWriter *self, InstanceChange what, const void *sample,
                         const DDS_WriteParams_t &params, const char *method) {
-    return with<DataWriter>(self, method, [&](DataWriter &writer) {
-        return writer.change_instance(what, sample, params, method);
-    });
+    return forward(self, method, &DataWriter::change_instance, what, sample, params);
 }
 
 DDS_InstanceHandle_t register_instance(DDS_DataWriter *self, const void *sample,
                                        const DDS_WriteParams_t &params, const char *method) {
-    if (sample == nullptr) {
-        bad_parameter(method, "sample");
-        return DDS_HANDLE_NIL;
-    }
-    return with<DataWriter>(self, method, [&](DataWriter &writer) {
-        return writer.register_instance(sample, params, method);
-    });
+    return forward(self, method, &DataWriter::register_instance, required(sample, "sample"),
+                   params);
 }
 
 }  // namespace
@@ -333,34 +252,19 @@ KOLT_DEFINE_CHANGE(dispose, InstanceChange::kDispose)
 
 DDS_ReturnCode_t DDS_DataWriter_get_key_value(DDS_DataWriter *self, void *key_holder,
                                               DDS_InstanceHandle_t handle) {
-    if (key_holder == nullptr) {
-        return bad_parameter(__func__, "key_holder");
-    }
-    return with<DataWriter>(self, __func__, [&, method = __func__](DataWriter &writer) {
-        return writer.get_key_value(key_holder, handle, method);
-    });
+    return forward(self, __func__, &DataWriter::get_key_value, required(key_holder, "key_holder"),
+                   handle);
 }
 
 DDS_InstanceHandle_t DDS_DataWriter_lookup_instance(DDS_DataWriter *self, const void *key_holder) {
-    if (key_holder == nullptr) {
-        bad_parameter(__func__, "key_holder");
-        return DDS_HANDLE_NIL;
-    }
-    return with<DataWriter>(self, __func__,
-                            [&](DataWriter &writer) { return writer.lookup_instance(key_holder); });
+    return forward(self, __func__, &DataWriter::lookup_instance,
+                   required(key_holder, "key_holder"));
 }
 
 void *DDS_DataWriter_create_data(DDS_DataWriter *self) {
-    return with<DataWriter>(self, __func__,
-                            [](DataWriter &writer) { return writer.create_data(); });
+    return forward(self, __func__, &DataWriter::create_data);
 }
 
 DDS_ReturnCode_t DDS_DataWriter_delete_data(DDS_DataWriter *self, void *sample) {
-    if (sample == nullptr) {
-        return bad_parameter(__func__, "sample");
-    }
-    return with<DataWriter>(self, __func__, [&](DataWriter &writer) {
-        writer.delete_data(sample);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &DataWriter::delete_data, required(sample, "sample"));
 }

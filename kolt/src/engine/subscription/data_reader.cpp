@@ -176,11 +176,13 @@ void DataReader::dispatch_pending(DDS_StatusMask mask) {
     }
 }
 
-void DataReader::set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask) {
+DDS_ReturnCode_t DataReader::set_listener(const DDS_DataReaderListener *listener,
+                                          DDS_StatusMask mask) {
     listener_.set(listener, mask);
     if (listener != nullptr && is_enabled()) {
         dispatch_pending(mask);
     }
+    return DDS_RETCODE_OK;
 }
 
 // ---- Conditions ---------------------------------------------------------------------------------
@@ -243,7 +245,7 @@ DDS_ReturnCode_t DataReader::delete_read_condition(ReadCondition *condition, con
     return DDS_RETCODE_OK;
 }
 
-DDS_ReturnCode_t DataReader::delete_conditions(const char *method, bool attached_too) {
+DDS_ReturnCode_t DataReader::delete_conditions(bool attached_too, const char *method) {
     const std::lock_guard lock(contents_);
     for (const auto &condition : conditions_) {
         if (!attached_too && condition->is_attached()) {

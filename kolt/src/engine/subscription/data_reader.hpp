@@ -57,7 +57,7 @@ class DataReader final : public Entity {
     DDS_ReturnCode_t set_qos(const DDS_DataReaderQos &qos, const char *method);
 
     DDS_DataReaderListener listener() const { return listener_.get(); }
-    void set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask);
+    DDS_ReturnCode_t set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask);
     // The engine has an event of this kind. Called on its threads.
     template <typename Kind>
     void on_event() {
@@ -76,7 +76,7 @@ class DataReader final : public Entity {
                                                const char *expression,
                                                const DDS_StringSeq *parameters, const char *method);
     DDS_ReturnCode_t delete_read_condition(ReadCondition *condition, const char *method);
-    DDS_ReturnCode_t delete_conditions(const char *method, bool attached_too);
+    DDS_ReturnCode_t delete_conditions(bool attached_too, const char *method);
     bool has_conditions() const;
 
     // Reading (reader_access.cpp).
@@ -117,7 +117,7 @@ class DataReader final : public Entity {
     std::vector<DDS_InstanceHandle_t> cached_instances();
     // Builds the record of a serialised sample, or sets the key members of one without data. False,
     // and a log message, when it is malformed.
-    bool deserialize(const Serdata &serdata, bool valid_data, void *record);
+    bool deserialize(const Serdata &serdata, bool valid_data, void *record, const char *method);
     void reset(void *record);
     // Gives the loan, which has samples, to the caller.
     DDS_ReturnCode_t hand_out(std::unique_ptr<Loan> loan, void ***samples, DDS_UnsignedLong *count,

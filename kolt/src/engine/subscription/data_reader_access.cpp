@@ -194,7 +194,8 @@ void DataReader::reset(void *record) {
     KOLT_Record_initialize_w_params(type_->type_code(), record, &keep_buffers);
 }
 
-bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *record) {
+bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *record,
+                             const char *method) {
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
     KOLT_CdrStream stream{};
     KOLT_CdrStream_set(&stream, const_cast<DDS_Octet *>(serdata.bytes()), serdata.size());
@@ -211,8 +212,7 @@ bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *reco
     if (done != DDS_BOOLEAN_FALSE && drop == DDS_BOOLEAN_FALSE) {
         return true;
     }
-    KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
-                     "DDS_DataReader_read_or_take",
+    KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING, method,
                      "a sample of the topic %s cannot be deserialised and is dropped",
                      topic_.name().c_str());
     return false;
@@ -253,7 +253,7 @@ DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, vo
             starved = true;
             break;
         }
-        if (!deserialize(*batch.views[i].get(), info.valid_data, record)) {
+        if (!deserialize(*batch.views[i].get(), info.valid_data, record, method)) {
             plugin.return_sample(endpoint_->data(), record, pool_handle);
             continue;
         }
@@ -310,7 +310,7 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
     std::size_t copied = 0;
     for (std::size_t i = 0; i < fetched; ++i) {
         void *const record = static_cast<char *>(buffer) + copied * element_size;
-        if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record)) {
+        if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record, method)) {
             continue;
         }
         *DDS_SampleInfoSeq_get_reference(info_seq, static_cast<DDS_Long>(copied)) =
@@ -324,6 +324,9 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
 
 DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_SampleInfo *info,
                                               const char *method) {
+    if (!is_enabled()) {
+        return not_enabled(method);
+    }
     KOLT_ReadSelection selection{};
     selection.take = take ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
     selection.sample_states = DDS_NOT_READ_SAMPLE_STATE;
@@ -337,7 +340,7 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
         if (result != DDS_RETCODE_OK) {
             return report(result, method);
         }
-        if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample)) {
+        if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample, method)) {
             continue;
         }
         *info = to_sample_info(batch.infos[0]);

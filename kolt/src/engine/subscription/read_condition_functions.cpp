@@ -39,20 +39,16 @@ const char *DDS_QueryCondition_get_query_expression(DDS_QueryCondition *self) {
 
 DDS_ReturnCode_t DDS_QueryCondition_get_query_parameters(DDS_QueryCondition *self,
                                                          DDS_StringSeq *parameters) {
-    if (parameters == nullptr) {
-        return bad_parameter(__func__, "parameters");
-    }
-    return with<QueryCondition>(self, __func__, [&](QueryCondition &condition) {
-        return condition.filter().get_parameters(parameters);
-    });
+    return forward<QueryCondition>(
+        self, __func__,
+        [](QueryCondition &condition, DDS_StringSeq *to) {
+            return condition.filter().get_parameters(to);
+        },
+        required(parameters, "parameters"));
 }
 
 DDS_ReturnCode_t DDS_QueryCondition_set_query_parameters(DDS_QueryCondition *self,
                                                          const DDS_StringSeq *parameters) {
-    if (parameters == nullptr) {
-        return bad_parameter(__func__, "parameters");
-    }
-    return with<QueryCondition>(self, __func__, [&, method = __func__](QueryCondition &condition) {
-        return condition.set_parameters(*parameters, method);
-    });
+    return forward(self, __func__, &QueryCondition::set_parameters,
+                   required_value(parameters, "parameters"));
 }

@@ -13,7 +13,7 @@ const char *SubscriberTraits::obstacle(const DataReader &reader) {
 }
 
 void SubscriberTraits::empty(DataReader &reader, const char *method) {
-    reader.delete_conditions(method, true);
+    reader.delete_conditions(true, method);
 }
 
 template class EndpointGroup<SubscriberTraits>;

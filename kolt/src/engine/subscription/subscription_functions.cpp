@@ -21,102 +21,59 @@ DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self, DDS_Topic
                                                  const DDS_DataReaderQos *qos,
                                                  const DDS_DataReaderListener *listener,
                                                  DDS_StatusMask mask) {
-    if (topic == nullptr) {
-        bad_parameter(__func__, "topic");
-        return nullptr;
-    }
-    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.create(TopicDescription::of(topic), qos, listener, mask, method);
-    });
+    return forward(self, __func__, &Subscriber::create,
+                   required_as<TopicDescription>(topic, "topic"), qos, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self, DDS_DataReader *reader) {
-    if (reader == nullptr) {
-        return bad_parameter(__func__, "reader");
-    }
-    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.remove(DataReader::of(reader), method);
-    });
+    return forward(self, __func__, &Subscriber::remove, required_as<DataReader>(reader, "reader"));
 }
 
 DDS_ReturnCode_t DDS_Subscriber_delete_contained_entities(DDS_Subscriber *self) {
-    return with<Subscriber>(self, __func__, [method = __func__](Subscriber &subscriber) {
-        return subscriber.delete_contained_entities(method);
-    });
+    return forward(self, __func__, &Subscriber::delete_contained_entities);
 }
 
 DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self, const char *topic_name) {
-    if (topic_name == nullptr) {
-        bad_parameter(__func__, "topic_name");
-        return nullptr;
-    }
-    return with<Subscriber>(self, __func__,
-                            [&](Subscriber &subscriber) { return subscriber.lookup(topic_name); });
+    return forward(self, __func__, &Subscriber::lookup, required(topic_name, "topic_name"));
 }
 
 DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Subscriber>(self, __func__,
-                            [&](Subscriber &subscriber) { return subscriber.get_qos(qos); });
+    return forward(self, __func__, &Subscriber::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Subscriber_set_qos(DDS_Subscriber *self, const DDS_SubscriberQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.set_qos(*qos, method);
-    });
+    return forward(self, __func__, &Subscriber::set_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Subscriber_set_listener(DDS_Subscriber *self,
                                              const DDS_SubscriberListener *listener,
                                              DDS_StatusMask mask) {
-    return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
-        subscriber.listener().set(listener, mask);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &Subscriber::set_listener, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
                                                            DDS_DataReaderQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Subscriber>(self, __func__, [&](Subscriber &subscriber) {
-        return subscriber.get_default_qos(qos, nullptr);
-    });
+    return forward(self, __func__, &Subscriber::get_default_qos, required(qos, "qos"), nullptr);
 }
 
 DDS_ReturnCode_t DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self,
                                                            const DDS_DataReaderQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Subscriber>(self, __func__, [&, method = __func__](Subscriber &subscriber) {
-        return subscriber.set_default_qos(*qos, method);
-    });
+    return forward(self, __func__, &Subscriber::set_default_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
                                                     DDS_DataReaderQos *reader_qos,
                                                     const DDS_TopicQos *topic_qos) {
-    if (reader_qos == nullptr) {
-        return bad_parameter(__func__, "reader_qos");
-    }
-    if (topic_qos == nullptr) {
-        return bad_parameter(__func__, "topic_qos");
-    }
-    return with<Subscriber>(self, __func__, [&](Subscriber &) {
-        return copy_from_topic_qos(reader_qos, *topic_qos) ? DDS_RETCODE_OK
-                                                           : DDS_RETCODE_OUT_OF_RESOURCES;
-    });
+    return forward<Subscriber>(
+        self, __func__,
+        [](Subscriber &, DDS_DataReaderQos *to, const DDS_TopicQos &from) {
+            return copy_from_topic_qos(to, from) ? DDS_RETCODE_OK : DDS_RETCODE_OUT_OF_RESOURCES;
+        },
+        required(reader_qos, "reader_qos"), required_value(topic_qos, "topic_qos"));
 }
 
 DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self) {
-    return with<Subscriber>(self, __func__, [method = __func__](Subscriber &subscriber) {
+    return with<Subscriber>(self, __func__, [](Subscriber &subscriber, const char *method) {
         if (!subscriber.is_enabled()) {
             return not_enabled(method);
         }
@@ -133,20 +90,11 @@ DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self) {
 // ---- Data reader --------------------------------------------------------------------------------
 
 DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_DataReaderQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<DataReader>(self, __func__,
-                            [&](DataReader &reader) { return reader.get_qos(qos); });
+    return forward(self, __func__, &DataReader::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self, const DDS_DataReaderQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        return reader.set_qos(*qos, method);
-    });
+    return forward(self, __func__, &DataReader::set_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
@@ -155,14 +103,11 @@ DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
     if (self == nullptr) {
         return DDS_RETCODE_OK;
     }
-    return with<DataReader>(self, __func__, [&](DataReader &reader) {
-        reader.set_listener(listener, mask);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &DataReader::set_listener, listener, mask);
 }
 
 DDS_DataReaderListener DDS_DataReader_get_listener(DDS_DataReader *self) {
-    return with<DataReader>(self, __func__, [](DataReader &reader) { return reader.listener(); });
+    return forward(self, __func__, &DataReader::listener);
 }
 
 DDS_TopicDescription *DDS_DataReader_get_topicdescription(DDS_DataReader *self) {
@@ -182,9 +127,7 @@ const char *DDS_DataReader_get_endpoint_type_name(DDS_DataReader *self) {
 }
 
 DDS_ReturnCode_t DDS_DataReader_delete_contained_entities(DDS_DataReader *self) {
-    return with<DataReader>(self, __func__, [method = __func__](DataReader &reader) {
-        return reader.delete_conditions(method, false);
-    });
+    return forward(self, __func__, &DataReader::delete_conditions, false);
 }
 
 DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
@@ -192,7 +135,7 @@ DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
     if (max_wait == nullptr || to_engine(*max_wait) < 0) {
         return bad_parameter(__func__, "max_wait");
     }
-    return with<DataReader>(self, __func__, [method = __func__](DataReader &reader) {
+    return with<DataReader>(self, __func__, [](DataReader &reader, const char *method) {
         if (!reader.is_enabled()) {
             return not_enabled(method);
         }
@@ -209,27 +152,18 @@ DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
     });
 }
 
-#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                   \
-    DDS_ReturnCode_t DDS_DataReader_get_##name##_status(DDS_DataReader *self,                      \
-                                                        Name::Status *status) {                    \
-        if (status == nullptr) return bad_parameter(__func__, "status");                           \
-        return with<DataReader>(                                                                   \
-            self, __func__, [&](DataReader &reader) { return get_status<Name>(reader, status); }); \
+#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                  \
+    DDS_ReturnCode_t DDS_DataReader_get_##name##_status(DDS_DataReader *self,                     \
+                                                        Name::Status *status) {                   \
+        return forward<DataReader>(self, __func__, get_status<Name>, required(status, "status")); \
     }
 KOLT_READER_STATUSES(KOLT_DEFINE_GET_STATUS)
 #undef KOLT_DEFINE_GET_STATUS
 
 DDS_ReturnCode_t DDS_DataReader_get_matched_publications(DDS_DataReader *self,
                                                          DDS_InstanceHandleSeq *handles) {
-    if (handles == nullptr) {
-        return bad_parameter(__func__, "handles");
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        if (!reader.is_enabled()) {
-            return not_enabled(method);
-        }
-        return get_matched(reader.engine(), dds_get_matched_publications, handles, method);
-    });
+    return forward<DataReader>(self, __func__, get_matched, dds_get_matched_publications,
+                               required(handles, "handles"));
 }
 
 // ---- Conditions ---------------------------------------------------------------------------------
@@ -243,10 +177,8 @@ DDS_ReadCondition *DDS_DataReader_create_readcondition(DDS_DataReader *self,
         bad_parameter(__func__, "states");
         return nullptr;
     }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        return reader.create_read_condition(mask, {sample_states, view_states, instance_states},
-                                            method);
-    });
+    return forward(self, __func__, &DataReader::create_read_condition, mask,
+                   ReadStates{sample_states, view_states, instance_states});
 }
 
 DDS_QueryCondition *DDS_DataReader_create_querycondition(DDS_DataReader *self,
@@ -260,24 +192,15 @@ DDS_QueryCondition *DDS_DataReader_create_querycondition(DDS_DataReader *self,
         bad_parameter(__func__, "states");
         return nullptr;
     }
-    if (query_expression == nullptr) {
-        bad_parameter(__func__, "query_expression");
-        return nullptr;
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        return reader.create_query_condition(mask, {sample_states, view_states, instance_states},
-                                             query_expression, query_parameters, method);
-    });
+    return forward(self, __func__, &DataReader::create_query_condition, mask,
+                   ReadStates{sample_states, view_states, instance_states},
+                   required(query_expression, "query_expression"), query_parameters);
 }
 
 DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader *self,
                                                      DDS_ReadCondition *condition) {
-    if (condition == nullptr) {
-        return bad_parameter(__func__, "condition");
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        return reader.delete_read_condition(ReadCondition::of(condition), method);
-    });
+    return forward(self, __func__, &DataReader::delete_read_condition,
+                   required_as<ReadCondition>(condition, "condition"));
 }
 
 // ---- Reading ------------------------------------------------------------------------------------
@@ -338,7 +261,7 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
     }
     *loan = nullptr;
     *count = 0;
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
+    return with<DataReader>(self, __func__, [&](DataReader &reader, const char *method) {
         if (!reader.is_enabled()) {
             return not_enabled(method);
         }
@@ -368,77 +291,56 @@ DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
 DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
                                                      DDS_UnsignedLong count,
                                                      DDS_SampleInfoSeq *info_seq) {
-    if (info_seq == nullptr) {
-        return bad_parameter(__func__, "info_seq");
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        return reader.return_loan(loan, count, info_seq, method);
-    });
+    return forward(self, __func__, &DataReader::return_loan, loan, count,
+                   required(info_seq, "info_seq"));
 }
 
 DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DDS_DataReader *self,
                                                                   DDS_Boolean take, void *sample,
                                                                   DDS_SampleInfo *info) {
-    if (sample == nullptr) {
-        return bad_parameter(__func__, "received_data");
-    }
-    if (info == nullptr) {
-        return bad_parameter(__func__, "info");
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        if (!reader.is_enabled()) {
-            return not_enabled(method);
-        }
-        return reader.read_next_sample(take != DDS_BOOLEAN_FALSE, sample, info, method);
-    });
+    return forward(self, __func__, &DataReader::read_next_sample, take != DDS_BOOLEAN_FALSE,
+                   required(sample, "received_data"), required(info, "info"));
 }
 
 DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
                                               DDS_InstanceHandle_t handle) {
-    if (key_holder == nullptr) {
-        return bad_parameter(__func__, "key_holder");
-    }
-    return with<DataReader>(self, __func__, [&, method = __func__](DataReader &reader) {
-        return reader.get_key_value(key_holder, handle, method);
-    });
+    return forward(self, __func__, &DataReader::get_key_value, required(key_holder, "key_holder"),
+                   handle);
 }
 
 DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self, const void *key_holder) {
-    if (key_holder == nullptr) {
-        bad_parameter(__func__, "key_holder");
-        return DDS_HANDLE_NIL;
-    }
-    return with<DataReader>(self, __func__,
-                            [&](DataReader &reader) { return reader.lookup_instance(key_holder); });
+    return forward(self, __func__, &DataReader::lookup_instance,
+                   required(key_holder, "key_holder"));
 }
 
 DDS_ReturnCode_t DDS_DataReader_is_data_consistent(DDS_DataReader *self,
                                                    DDS_Boolean *is_data_consistent,
                                                    const void *sample, const DDS_SampleInfo *info) {
-    if (is_data_consistent == nullptr) {
-        return bad_parameter(__func__, "is_data_consistent");
-    }
-    if (sample == nullptr) {
-        return bad_parameter(__func__, "sample");
-    }
-    if (info == nullptr) {
-        return bad_parameter(__func__, "info");
-    }
-    return with<DataReader>(self, __func__, [&](DataReader &) {
-        *is_data_consistent = DDS_BOOLEAN_TRUE;
-        return DDS_RETCODE_OK;
-    });
+    return forward<DataReader>(
+        self, __func__,
+        [](DataReader &, DDS_Boolean *result, const void *, const DDS_SampleInfo *) {
+            *result = DDS_BOOLEAN_TRUE;
+            return DDS_RETCODE_OK;
+        },
+        required(is_data_consistent, "is_data_consistent"), required(sample, "sample"),
+        required(info, "info"));
 }
 
-#define KOLT_DEFINE_ADD_TO_QUEUE(function)                                               \
-    DDS_ReturnCode_t DDS_DataReader_##function(DDS_DataReader *self, const void *sample, \
-                                               const DDS_WriteParams_t *params) {        \
-        if (sample == nullptr) return bad_parameter(__func__, "sample");                 \
-        if (params == nullptr) return bad_parameter(__func__, "params");                 \
-        return with<DataReader>(self, __func__, [method = __func__](DataReader &) {      \
-            return fail(DDS_RETCODE_UNSUPPORTED, method,                                 \
-                        "samples cannot be injected on behalf of remote writers");       \
-        });                                                                              \
+namespace {
+
+DDS_ReturnCode_t refuse_injection(DataReader &, const void *, const DDS_WriteParams_t *,
+                                  const char *method) {
+    return fail(DDS_RETCODE_UNSUPPORTED, method,
+                "samples cannot be injected on behalf of remote writers");
+}
+
+}  // namespace
+
+#define KOLT_DEFINE_ADD_TO_QUEUE(function)                                                       \
+    DDS_ReturnCode_t DDS_DataReader_##function(DDS_DataReader *self, const void *sample,         \
+                                               const DDS_WriteParams_t *params) {                \
+        return forward<DataReader>(self, __func__, refuse_injection, required(sample, "sample"), \
+                                   required(params, "params"));                                  \
     }
 KOLT_DEFINE_ADD_TO_QUEUE(add_sample_to_remote_writer_queue)
 KOLT_DEFINE_ADD_TO_QUEUE(add_dispose_to_remote_writer_queue)

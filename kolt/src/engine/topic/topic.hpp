@@ -55,7 +55,10 @@ class Topic final : public TopicDescription {
     const std::shared_ptr<RegisteredType> &registered_type() const { return type_; }
     // The engine's; valid while the topic is enabled.
     const Sertype &sertype() const { return *sertype_; }
-    ListenerSlot<DDS_TopicListener> &listener() { return listener_; }
+    DDS_ReturnCode_t set_listener(const DDS_TopicListener *listener, DDS_StatusMask mask) {
+        listener_.set(listener, mask);
+        return DDS_RETCODE_OK;
+    }
 
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(DDS_TopicQos *qos) { return qos_.get(qos); }

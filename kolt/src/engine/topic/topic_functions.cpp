@@ -34,36 +34,22 @@ DDS_Topic *DDS_Topic_narrow(DDS_TopicDescription *self) {
 }
 
 DDS_ReturnCode_t DDS_Topic_get_qos(DDS_Topic *self, DDS_TopicQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Topic>(self, __func__, [&](Topic &topic) { return topic.get_qos(qos); });
+    return forward(self, __func__, &Topic::get_qos, required(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Topic_set_qos(DDS_Topic *self, const DDS_TopicQos *qos) {
-    if (qos == nullptr) {
-        return bad_parameter(__func__, "qos");
-    }
-    return with<Topic>(self, __func__, [&, method = __func__](Topic &topic) {
-        return topic.set_qos(*qos, method);
-    });
+    return forward(self, __func__, &Topic::set_qos, required_value(qos, "qos"));
 }
 
 DDS_ReturnCode_t DDS_Topic_set_listener(DDS_Topic *self, const DDS_TopicListener *listener,
                                         DDS_StatusMask mask) {
-    return with<Topic>(self, __func__, [&](Topic &topic) {
-        topic.listener().set(listener, mask);
-        return DDS_RETCODE_OK;
-    });
+    return forward(self, __func__, &Topic::set_listener, listener, mask);
 }
 
 DDS_ReturnCode_t DDS_Topic_get_inconsistent_topic_status(DDS_Topic *self,
                                                          DDS_InconsistentTopicStatus *status) {
-    if (status == nullptr) {
-        return bad_parameter(__func__, "status");
-    }
-    return with<Topic>(self, __func__,
-                       [&](Topic &topic) { return get_status<InconsistentTopic>(topic, status); });
+    return forward<Topic>(self, __func__, get_status<InconsistentTopic>,
+                          required(status, "status"));
 }
 
 DDS_TopicDescription *DDS_ContentFilteredTopic_as_topicdescription(DDS_ContentFilteredTopic *self) {
@@ -90,21 +76,20 @@ const char *DDS_ContentFilteredTopic_get_filter_expression(DDS_ContentFilteredTo
 
 DDS_ReturnCode_t DDS_ContentFilteredTopic_get_expression_parameters(DDS_ContentFilteredTopic *self,
                                                                     DDS_StringSeq *parameters) {
-    if (parameters == nullptr) {
-        return bad_parameter(__func__, "parameters");
-    }
-    return with<ContentFilteredTopic>(self, __func__, [&](ContentFilteredTopic &topic) {
-        return topic.filter().get_parameters(parameters);
-    });
+    return forward<ContentFilteredTopic>(
+        self, __func__,
+        [](ContentFilteredTopic &topic, DDS_StringSeq *to) {
+            return topic.filter().get_parameters(to);
+        },
+        required(parameters, "parameters"));
 }
 
 DDS_ReturnCode_t DDS_ContentFilteredTopic_set_expression_parameters(
     DDS_ContentFilteredTopic *self, const DDS_StringSeq *parameters) {
-    if (parameters == nullptr) {
-        return bad_parameter(__func__, "parameters");
-    }
-    return with<ContentFilteredTopic>(self, __func__,
-                                      [&, method = __func__](ContentFilteredTopic &topic) {
-                                          return topic.filter().set_parameters(*parameters, method);
-                                      });
+    return forward<ContentFilteredTopic>(
+        self, __func__,
+        [](ContentFilteredTopic &topic, const DDS_StringSeq &from, const char *method) {
+            return topic.filter().set_parameters(from, method);
+        },
+        required_value(parameters, "parameters"));
 }
