@@ -147,22 +147,20 @@ const Sertype &DataWriter::sertype() const {
     return topic_.sertype();
 }
 
-SerdataRef DataWriter::serialize(const void *sample, const char *method, DDS_ReturnCode_t *result) {
+Result<SerdataRef> DataWriter::serialize(const void *sample, const char *method) {
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
     KOLT_TypePluginEndpointData *const data = endpoint_->data();
     const DDS_UnsignedLong size =
         plugin.get_serialized_sample_size(data, DDS_BOOLEAN_TRUE, encapsulation_, 0U, sample);
     if (size == 0) {
-        *result = fail(DDS_RETCODE_ERROR, method,
-                       "the sample cannot be serialised: a string is NULL, or a string or sequence "
-                       "exceeds its bound");
-        return nullptr;
+        return fail(DDS_RETCODE_ERROR, method,
+                    "the sample cannot be serialised: a string is NULL, or a string or sequence "
+                    "exceeds its bound");
     }
     // Up to three bytes of padding follow the sample.
     KOLT_CdrStream stream{};
     if (plugin.get_buffer(data, &stream, (size + 3U) & ~3U) == DDS_BOOLEAN_FALSE) {
-        *result = fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "no buffer for %u bytes", size);
-        return nullptr;
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "no buffer for %u bytes", size);
     }
     SerdataRef serdata;
     try {
@@ -174,8 +172,7 @@ SerdataRef DataWriter::serialize(const void *sample, const char *method, DDS_Ret
     if (plugin.serialize(data, sample, &stream, DDS_BOOLEAN_TRUE, encapsulation_, DDS_BOOLEAN_TRUE,
                          nullptr) == DDS_BOOLEAN_FALSE ||
         !serdata->set_key_from_record(sertype(), sample)) {
-        *result = fail(DDS_RETCODE_ERROR, method, "the sample cannot be serialised");
-        return nullptr;
+        return fail(DDS_RETCODE_ERROR, method, "the sample cannot be serialised");
     }
     serdata->seal(stream.position);
     return serdata;
@@ -191,8 +188,7 @@ SerdataRef DataWriter::key_of(const void *sample) {
     return SerdataRef(Serdata::from_key(&sertype(), key.data(), key.size()));
 }
 
-SerdataRef DataWriter::key_payload(const void *sample, const char *method,
-                                   DDS_ReturnCode_t *result) {
+Result<SerdataRef> DataWriter::key_payload(const void *sample, const char *method) {
     const DDS_UnsignedLong size =
         KOLT_Cdr_serialized_key_size(type_->programs(), encapsulation_, sample);
     SerdataRef serdata;
@@ -208,33 +204,26 @@ SerdataRef DataWriter::key_payload(const void *sample, const char *method,
             return serdata;
         }
     }
-    *result = fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
-    return nullptr;
+    return fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
 }
 
-SerdataRef DataWriter::key_payload_of_instance(const KeyBytes &key, const char *method,
-                                               DDS_ReturnCode_t *result) {
+Result<SerdataRef> DataWriter::key_payload_of_instance(const KeyBytes &key, const char *method) {
     const SerdataRef canonical(Serdata::from_key(&sertype(), key.data(), key.size()));
-    void *pool_handle = nullptr;
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
-    void *const holder = plugin.get_key(endpoint_->data(), &pool_handle);
+    void *pool_handle = nullptr;
+    const auto give_back = [&](void *holder) {
+        plugin.return_key(endpoint_->data(), holder, pool_handle);
+    };
+    const std::unique_ptr<void, decltype(give_back)> holder(
+        plugin.get_key(endpoint_->data(), &pool_handle), give_back);
     if (holder == nullptr) {
         throw std::bad_alloc();
     }
-    SerdataRef payload;
     if (KOLT_Cdr_deserialize_key(type_->programs(), canonical->bytes(), canonical->size(),
-                                 holder) != DDS_BOOLEAN_FALSE) {
-        try {
-            payload = key_payload(holder, method, result);
-        } catch (...) {
-            plugin.return_key(endpoint_->data(), holder, pool_handle);
-            throw;
-        }
-    } else {
-        *result = fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
+                                 holder.get()) == DDS_BOOLEAN_FALSE) {
+        return fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
     }
-    plugin.return_key(endpoint_->data(), holder, pool_handle);
-    return payload;
+    return key_payload(holder.get(), method);
 }
 
 // ---- Instances ----------------------------------------------------------------------------------
@@ -357,19 +346,18 @@ DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
 
 DDS_ReturnCode_t DataWriter::write_now(const void *sample, const DDS_WriteParams_t &params,
                                        const char *method) {
-    DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
-    SerdataRef serdata = serialize(sample, method, &result);
-    if (serdata == nullptr) {
-        return result;
+    Result<SerdataRef> serdata = serialize(sample, method);
+    if (!serdata) {
+        return serdata.code();
     }
     if (type_->is_keyed()) {
-        result = check_handle(*serdata, params.handle, method);
-        if (result != DDS_RETCODE_OK) {
-            return result;
+        const DDS_ReturnCode_t checked = check_handle(**serdata, params.handle, method);
+        if (checked != DDS_RETCODE_OK) {
+            return checked;
         }
-        instances_.add(serdata->key().view());
+        instances_.add((*serdata)->key().view());
     }
-    return send(std::move(serdata), 0, params.source_timestamp, method);
+    return send(std::move(*serdata), 0, params.source_timestamp, method);
 }
 
 DDS_ReturnCode_t DataWriter::write_deferred(const DDS_WriteParams_t &params, const char *method) {
@@ -404,6 +392,27 @@ DDS_ReturnCode_t DataWriter::write(const void *sample, const DDS_WriteParams_t &
     return write_now(sample, params, method);
 }
 
+Result<SerdataRef> DataWriter::payload_of_change(const void *sample, DDS_InstanceHandle_t handle,
+                                                 const char *method) {
+    if (sample != nullptr) {
+        Result<SerdataRef> payload = key_payload(sample, method);
+        if (!payload) {
+            return payload;
+        }
+        const DDS_ReturnCode_t checked = check_handle(**payload, handle, method);
+        return checked == DDS_RETCODE_OK ? std::move(payload) : Result<SerdataRef>(checked);
+    }
+    if (handle == DDS_HANDLE_NIL) {
+        return bad_parameter(method, "sample and handle");
+    }
+    KeyBytes key;
+    if (!find_instance(handle, &key)) {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the handle is no registered instance");
+    }
+    return key_payload_of_instance(key, method);
+}
+
 DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *sample,
                                              const DDS_WriteParams_t &params, const char *method) {
     if (!is_enabled()) {
@@ -412,42 +421,22 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
     if (!type_->is_keyed()) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the type has no key");
     }
-    DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
-    SerdataRef payload;
-    if (sample != nullptr) {
-        payload = key_payload(sample, method, &result);
-        if (payload == nullptr) {
-            return result;
-        }
-        result = check_handle(*payload, params.handle, method);
-        if (result != DDS_RETCODE_OK) {
-            return result;
-        }
-    } else {
-        if (params.handle == DDS_HANDLE_NIL) {
-            return bad_parameter(method, "sample and handle");
-        }
-        KeyBytes key;
-        if (!find_instance(params.handle, &key)) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the handle is no registered instance");
-        }
-        payload = key_payload_of_instance(key, method, &result);
-        if (payload == nullptr) {
-            return result;
-        }
+    Result<SerdataRef> payload = payload_of_change(sample, params.handle, method);
+    if (!payload) {
+        return payload.code();
     }
-    const std::string key(payload->key().view());
+    const std::string key((*payload)->key().view());
     if (change == InstanceChange::kDispose) {
         instances_.add(key);
-        return send(std::move(payload), NN_STATUSINFO_DISPOSE, params.source_timestamp, method);
+        return send(std::move(*payload), NN_STATUSINFO_DISPOSE, params.source_timestamp, method);
     }
     if (!instances_.contains(key)) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the instance is not registered");
     }
     const std::uint32_t status_info =
         NN_STATUSINFO_UNREGISTER | (autodispose_.load() ? NN_STATUSINFO_DISPOSE : 0U);
-    result = send(std::move(payload), status_info, params.source_timestamp, method);
+    const DDS_ReturnCode_t result =
+        send(std::move(*payload), status_info, params.source_timestamp, method);
     if (result == DDS_RETCODE_OK) {
         instances_.remove(key);
     }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "engine/barrier/result.hpp"
 #include "engine/data/serdata.hpp"
 #include "engine/entity/entity.hpp"
 #include "engine/entity/entity_qos.hpp"
@@ -75,12 +76,14 @@ class DataWriter final : public Entity {
     void note_qos();
 
     const Sertype &sertype() const;
-    SerdataRef serialize(const void *sample, const char *method, DDS_ReturnCode_t *result);
+    Result<SerdataRef> serialize(const void *sample, const char *method);
     SerdataRef key_of(const void *sample);
-    // The key alone, in the writer's encapsulation, as it goes over the wire.
-    SerdataRef key_payload(const void *sample, const char *method, DDS_ReturnCode_t *result);
-    SerdataRef key_payload_of_instance(const KeyBytes &key, const char *method,
-                                       DDS_ReturnCode_t *result);
+    // Serialise the key alone, in the writer's encapsulation, as it goes over the wire.
+    Result<SerdataRef> key_payload(const void *sample, const char *method);
+    Result<SerdataRef> key_payload_of_instance(const KeyBytes &key, const char *method);
+    // Finds the instance that `sample`, or the handle when there is none, tells of; gives its key.
+    Result<SerdataRef> payload_of_change(const void *sample, DDS_InstanceHandle_t handle,
+                                         const char *method);
     DDS_ReturnCode_t write_deferred(const DDS_WriteParams_t &params, const char *method);
     DDS_ReturnCode_t write_now(const void *sample, const DDS_WriteParams_t &params,
                                const char *method);
