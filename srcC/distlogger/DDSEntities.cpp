@@ -15,7 +15,7 @@ constexpr char kCreate[] = "VUR_DL_DDSEntities_create";
 constexpr char kContentFilteredTopicName[] = "CommandRequestContentFilteredTopic";
 constexpr char kCommandFilter[] =
     "targetHostAndAppId.rtps_host_id = %0 and targetHostAndAppId.rtps_app_id = %1";
-constexpr char kDeferredWriteProperty[] = "dds.data_writer.enable_deferred_write";
+constexpr char kDeferredWriteProperty[] = KOLT_DEFERRED_WRITE_PROPERTY;
 
 bool fail(const char *message) {
     VUR_DL_DistLogger_printMessage(message, kCreate, vur_dl::kLevelError);

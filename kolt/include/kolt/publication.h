@@ -30,12 +30,17 @@ KOLT_EXPORT extern const DDS_WriteParams_t DDS_WRITEPARAMS_DEFAULT;
 
 /* ---- Listeners ----------------------------------------------------------------------------- */
 
-/* A callback that is NULL is not called. With the property "dds.data_writer.enable_deferred_write"
- * set to "true", a write that carries a cookie takes its data from `on_data_request` at the moment
- * when the writer needs them, which is when it serialises the sample for its history, and gives
- * them back through `on_data_return`; the sample that was passed to the write is not read and may
- * be NULL. Both are called on the writing thread, whatever the listener's mask, and only on the
- * listener of the writer itself. */
+/* The property of a data writer that makes writes with a cookie deferred ones, when its value is
+ * "true": see DDS_DataWriterListener. */
+#define KOLT_DEFERRED_WRITE_PROPERTY "dds.data_writer.enable_deferred_write"
+
+/* A callback that is NULL is not called.
+ *
+ * Deferred writes: with KOLT_DEFERRED_WRITE_PROPERTY set to "true", a write that carries a cookie
+ * asks `on_data_request` for its data at the moment when the writer needs them, which is when it
+ * serialises the sample for its history, and gives them back through `on_data_return`. The sample
+ * that was passed to the write is not read and may be NULL. Both callbacks are called on the
+ * writing thread, whatever the listener's mask, and only on the listener of the writer itself. */
 typedef struct DDS_DataWriterListener {
     void *listener_data;
     void (*on_offered_deadline_missed)(void *listener_data, DDS_DataWriter *writer,

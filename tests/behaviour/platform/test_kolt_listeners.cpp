@@ -196,8 +196,8 @@ TEST(KoltListeners, DeferredWriteFromTheMatchedCallback) {
     const auto state = [](DDS_DataWriterQos &qos) {
         qos.durability.kind = DDS_TRANSIENT_LOCAL_DURABILITY_QOS;
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
-        DDS_PropertyQosPolicyHelper_assert_property(
-            &qos.property, "dds.data_writer.enable_deferred_write", "true", DDS_BOOLEAN_FALSE);
+        DDS_PropertyQosPolicyHelper_assert_property(&qos.property, KOLT_DEFERRED_WRITE_PROPERTY,
+                                                    "true", DDS_BOOLEAN_FALSE);
     };
     DDS_DataWriter *const writer = node.writer(state);
     const auto late = [](DDS_DataReaderQos &qos) {

@@ -14,7 +14,7 @@ namespace distlog::check {
 namespace {
 
 // What the logger sets on its State writer besides: it writes the first sample when a reader comes.
-constexpr const char *kDeferredWrite = "dds.data_writer.enable_deferred_write";
+constexpr const char *kDeferredWrite = KOLT_DEFERRED_WRITE_PROPERTY;
 
 using RegisterType = DDS_ReturnCode_t (*)(DDS_DomainParticipant *, const char *);
 struct TopicRow {

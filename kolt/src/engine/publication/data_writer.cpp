@@ -13,8 +13,6 @@ namespace kolt::engine {
 
 namespace {
 
-constexpr const char *kDeferredWriteProperty = "dds.data_writer.enable_deferred_write";
-
 }  // namespace
 
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
@@ -37,7 +35,7 @@ DataWriter::~DataWriter() {
 
 void DataWriter::note_qos() {
     qos_.read([this](const DDS_DataWriterQos &qos) {
-        deferred_write_ = has_property(qos.property, kDeferredWriteProperty, "true");
+        deferred_write_ = has_property(qos.property, KOLT_DEFERRED_WRITE_PROPERTY, "true");
         autodispose_ = qos.writer_data_lifecycle.autodispose_unregistered_instances != 0;
     });
 }
