@@ -196,7 +196,7 @@ TYPED_TEST(TypedReaderErrors, LoansGoBackToTheReaderThatLent) {
     EXPECT_TRUE(log.saw("bad parameter"));
     EXPECT_EQ(Type::Read::return_loan(others.reader, &first.data, &first.infos),
               DDS_RETCODE_PRECONDITION_NOT_MET);
-    EXPECT_TRUE(log.saw("no such loan of this reader"));
+    EXPECT_TRUE(log.saw("the data sequence does not hold a loan of this reader"));
     EXPECT_EQ(Type::Read::return_loan(reader, &first.data, &second.infos),
               DDS_RETCODE_PRECONDITION_NOT_MET);
     EXPECT_TRUE(log.saw("the info sequence belongs to another loan"));
@@ -206,7 +206,7 @@ TYPED_TEST(TypedReaderErrors, LoansGoBackToTheReaderThatLent) {
     EXPECT_TRUE(log.saw("the info sequence belongs to another loan"));
     EXPECT_EQ(Type::Read::return_loan(reader, &neither.data, &first.infos),
               DDS_RETCODE_PRECONDITION_NOT_MET);
-    EXPECT_TRUE(log.saw("no such loan of this reader"));
+    EXPECT_TRUE(log.saw("the data sequence does not hold a loan of this reader"));
     EXPECT_FALSE(first.is_owned());
     EXPECT_EQ(first.numbers(), (std::vector<DDS_Long>{1, 2})) << "all of it is still lent";
 
@@ -242,7 +242,7 @@ TYPED_TEST(TypedReaderErrors, ALoanThatDoesNotFitGoesBack) {
         ASSERT_TRUE(DDS_SampleInfoSeq_set_absolute_maximum(&received.infos, 1));
         EXPECT_EQ(form.call(one.ends.reader, &received.data, &received.infos, DDS_LENGTH_UNLIMITED),
                   DDS_RETCODE_ERROR);
-        EXPECT_TRUE(log.saw("the info sequence takes no loan"));
+        EXPECT_TRUE(log.saw("the info sequence cannot take a loan"));
         EXPECT_TRUE(received.is_owned());
     }
     DDS_DataReader_delete_contained_entities(one.ends.untyped_reader);
@@ -261,12 +261,12 @@ TYPED_TEST(TypedReaderErrors, ForeignLoansStay) {
     Received<TypeParam> received(one.ends.reader);
     ASSERT_TRUE(Type::Seq::loan_pointers(&received.data, pointers.data(), 1, 1));
     EXPECT_EQ(received.give_back(), DDS_RETCODE_PRECONDITION_NOT_MET);
-    EXPECT_TRUE(log.saw("no such loan of this reader"));
+    EXPECT_TRUE(log.saw("the data sequence does not hold a loan of this reader"));
     EXPECT_FALSE(received.is_owned());
     ASSERT_TRUE(Type::Seq::unloan(&received.data));
     ASSERT_TRUE(Type::Seq::loan_contiguous(&received.data, sample.get(), 1, 1));
     EXPECT_EQ(received.give_back(), DDS_RETCODE_PRECONDITION_NOT_MET);
-    EXPECT_TRUE(log.saw("no such loan of this reader"));
+    EXPECT_TRUE(log.saw("the data sequence does not hold a loan of this reader"));
     EXPECT_FALSE(received.is_owned());
     ASSERT_TRUE(Type::Seq::unloan(&received.data));
 }

@@ -37,7 +37,7 @@ TYPED_TEST(TypedReaderKeys, HandlesAndKeysNameInstances) {
     LogCapture log;
     for (const DDS_InstanceHandle_t wrong : {DDS_HANDLE_NIL, handle + 1000}) {
         EXPECT_EQ(Read::get_key_value(ends.reader, holder.get(), wrong), DDS_RETCODE_BAD_PARAMETER);
-        EXPECT_TRUE(log.saw("the handle is no instance"));
+        EXPECT_TRUE(log.saw("the handle is not that of an instance"));
     }
     EXPECT_EQ(Read::get_key_value(ends.reader, nullptr, handle), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_TRUE(log.saw("bad parameter: key_holder"));
@@ -128,7 +128,7 @@ TEST(TypedReaderUnkeyed, HasNoKeys) {
     LogCapture log;
     EXPECT_EQ(Read::get_key_value(ends.reader, holder.get(), received.info(0).instance_handle),
               DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(log.saw("the handle is no instance"));
+    EXPECT_TRUE(log.saw("the handle is not that of an instance"));
     EXPECT_EQ(holder.number(), 77);
 }
 

@@ -102,7 +102,7 @@ TYPED_TEST(TypedWriterInstances, TellTheirKey) {
     for (const DDS_InstanceHandle_t wrong : {DDS_HANDLE_NIL, handle + 1000}) {
         EXPECT_EQ(Write::get_key_value(ends.writer, holder.get(), wrong),
                   DDS_RETCODE_BAD_PARAMETER);
-        EXPECT_TRUE(log.saw("the handle is no instance of this writer"));
+        EXPECT_TRUE(log.saw("the handle is not that of an instance of this writer"));
     }
     EXPECT_EQ(Write::get_key_value(ends.writer, nullptr, handle), DDS_RETCODE_BAD_PARAMETER);
     EXPECT_TRUE(log.saw("bad parameter: key_holder"));
@@ -193,7 +193,7 @@ void expect_refusals(const std::vector<ChangeForm<T>> &forms) {
         EXPECT_EQ(form.call(ends.writer, nullptr, DDS_HANDLE_NIL), DDS_RETCODE_BAD_PARAMETER);
         EXPECT_TRUE(log.saw("bad parameter: sample and handle"));
         EXPECT_EQ(form.call(ends.writer, nullptr, handle + 1000), DDS_RETCODE_PRECONDITION_NOT_MET);
-        EXPECT_TRUE(log.saw("the handle is no registered instance"));
+        EXPECT_TRUE(log.saw("the handle is not that of a registered instance"));
         EXPECT_EQ(form.call(ends.writer, two.get(), handle), DDS_RETCODE_BAD_PARAMETER);
         EXPECT_TRUE(log.saw("the handle is not that of the sample's instance"));
     }
@@ -236,7 +236,7 @@ TYPED_TEST(TypedWriterInstances, AreUnregisteredOnce) {
         EXPECT_EQ(form.call(ends.writer, sample.get(), handle), DDS_RETCODE_OK);
         EXPECT_EQ(Write::lookup_instance(ends.writer, sample.get()), DDS_HANDLE_NIL);
         EXPECT_EQ(form.call(ends.writer, nullptr, handle), DDS_RETCODE_PRECONDITION_NOT_MET);
-        EXPECT_TRUE(log.saw("the handle is no registered instance"));
+        EXPECT_TRUE(log.saw("the handle is not that of a registered instance"));
     }
 }
 
@@ -277,7 +277,7 @@ TEST(TypedWriterUnkeyed, HasNoInstances) {
     EXPECT_EQ(Write::lookup_instance(ends.writer, sample.get()), DDS_HANDLE_NIL);
     EXPECT_EQ(log.take(), "") << "NIL is the handle of such a sample";
     EXPECT_EQ(Write::get_key_value(ends.writer, sample.get(), 1), DDS_RETCODE_BAD_PARAMETER);
-    EXPECT_TRUE(log.saw("the handle is no instance of this writer"));
+    EXPECT_TRUE(log.saw("the handle is not that of an instance of this writer"));
     for (const auto &forms : {disposals<Request>(), unregistrations<Request>()}) {
         for (const ChangeForm<Request> &form : forms) {
             EXPECT_EQ(form.call(ends.writer, sample.get(), DDS_HANDLE_NIL),

@@ -26,7 +26,8 @@ DDS_ReturnCode_t bad_parameter(const char *method, const char *name) {
 }
 
 DDS_ReturnCode_t not_enabled(const char *method) {
-    return fail(DDS_RETCODE_NOT_ENABLED, method, "the entity is not enabled");
+    return fail(DDS_RETCODE_NOT_ENABLED, method,
+                "the entity is disabled: enable it with DDS_Entity_enable first");
 }
 
 void note_entity(const char *method, const char *what, const char *kind, const char *name) {

@@ -60,7 +60,8 @@ auto guarded(const char *method, Body &&body) noexcept {
     } catch (const std::bad_alloc &) {
         code = fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "memory ran out");
     } catch (...) {
-        code = fail(DDS_RETCODE_ERROR, method, "unexpected failure");
+        code = fail(DDS_RETCODE_ERROR, method,
+                    "an exception was thrown that the function does not expect");
     }
     return failure<Result>(code);
 }
@@ -78,8 +79,8 @@ auto with(Handle *self, const char *method, Body &&body) noexcept {
     return guarded(method, [&] { return call_with_method(method, body, *impl); });
 }
 
-// An argument of a C function that must not be NULL: `name` is what the log calls it, `get(pointer)`
-// what is handed on.
+// An argument of a C function that must not be NULL. The log calls it `name`; `get(pointer)` is
+// handed on.
 template <typename Pointee, typename Get>
 struct Required {
     Pointee *pointer;
@@ -130,8 +131,8 @@ decltype(auto) handed_on(const Required<Pointee, Get> &argument) {
 }  // namespace barrier_detail
 
 // Checks the required arguments in their order, then `self`, and calls
-// `body(implementation, arguments...)`, with `method` behind the arguments if `body` takes it, behind
-// the exception barrier.
+// `body(implementation, arguments...)` behind the exception barrier, with `method` as the last
+// argument if `body` takes it.
 template <typename Impl, typename Handle, typename Body, typename... Arguments>
 auto forward(Handle *self, const char *method, const Body &body,
              const Arguments &...arguments) noexcept {

@@ -145,7 +145,8 @@ DDS_ReturnCode_t WaitSet::detach(Condition *condition, const char *method) {
             return DDS_RETCODE_OK;
         }
     }
-    return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the condition is not attached");
+    return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                "the condition is not attached to the waitset");
 }
 
 DDS_ReturnCode_t WaitSet::get_conditions(DDS_ConditionSeq *conditions, const char *method) const {
@@ -160,7 +161,8 @@ DDS_ReturnCode_t WaitSet::get_conditions(DDS_ConditionSeq *conditions, const cha
 DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout,
                                const char *method) {
     if (waiting_.exchange(true)) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "another thread waits");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "another thread waits on the waitset: only one may wait at a time");
     }
     std::vector<Condition *> triggered;
     DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
@@ -225,7 +227,8 @@ DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_C
     const auto count = static_cast<DDS_Long>(conditions.size());
     if (DDS_ConditionSeq_ensure_length(seq, count, count) == DDS_BOOLEAN_FALSE) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-                    "the sequence has no room for %d conditions", static_cast<int>(count));
+                    "the sequence has no room for %d conditions and cannot grow",
+                    static_cast<int>(count));
     }
     for (DDS_Long i = 0; i < count; ++i) {
         *DDS_ConditionSeq_get_reference(seq, i) = conditions[static_cast<std::size_t>(i)]->self();

@@ -18,7 +18,7 @@ DDS_ReturnCode_t DDS_GuardCondition_delete(DDS_GuardCondition *self) {
     return with<GuardCondition>(self, __func__, [](GuardCondition &condition, const char *method) {
         if (condition.is_attached()) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the condition is attached to a waitset");
+                        "the condition is attached to a waitset: detach it first");
         }
         delete &condition;
         return DDS_RETCODE_OK;
@@ -42,7 +42,8 @@ DDS_WaitSet *DDS_WaitSet_new(void) {
 DDS_ReturnCode_t DDS_WaitSet_delete(DDS_WaitSet *self) {
     return with<WaitSet>(self, __func__, [](WaitSet &waitset, const char *method) {
         if (waitset.is_waited_on()) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "a thread waits");
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "a thread waits on the waitset: the wait must end first");
         }
         delete &waitset;
         return DDS_RETCODE_OK;

@@ -58,7 +58,7 @@ std::shared_ptr<const TypeAnnouncement> TypeAnnouncement::create(const DDS_TypeC
             if (result->is_accepted()) {
                 return result;
             }
-            problem = "the engine refuses the description";
+            problem = "the DDS engine could not read its description";
         }
     }
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_DISCOVERY, KOLT_CONFIG_LOG_LEVEL_STATUS_LOCAL, method,

@@ -52,7 +52,8 @@ DDS_ReturnCode_t Participant::enable(const char *method) {
     const dds_entity_t entity =
         dds_create_participant(static_cast<dds_domainid_t>(domain_id()), engine_qos.get(), nullptr);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses a participant in domain %d",
+        return fail(to_return_code(entity), method,
+                    "the DDS engine could not create a participant in domain %d",
                     static_cast<int>(domain_id()));
     }
     set_engine(entity);
@@ -182,11 +183,11 @@ DDS_ReturnCode_t Participant::delete_group(std::vector<std::unique_ptr<Group>> &
         const std::lock_guard lock(tree());
         if (!contains_pointer(groups, group)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the %s is not this participant's", Names::kKind);
+                        "the %s does not belong to this participant", Names::kKind);
         }
         if (!group->is_empty()) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the %s has %s", Names::kKind,
-                        Names::kEndpoints);
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the %s still has %s: delete them first", Names::kKind, Names::kEndpoints);
         }
         removed = extract(groups, group);
     }

@@ -26,7 +26,8 @@ Factory &Factory::instance() {
 DDS_ReturnCode_t Factory::finalize(const char *method) {
     const std::lock_guard lock(mutex_);
     if (!participants_.empty()) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "there are participants");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "%zu participants still exist: delete them first", participants_.size());
     }
     DDS_DomainParticipantFactoryQos_finalize(qos_.get());
     DDS_DomainParticipantFactoryQos_initialize(qos_.get());
@@ -40,8 +41,9 @@ DDS_DomainParticipant *Factory::create_participant(DDS_DomainId_t domain_id,
                                                    const DDS_DomainParticipantListener *listener,
                                                    DDS_StatusMask mask, const char *method) {
     if (domain_id < 0 || domain_id > kLastDomain) {
-        fail(DDS_RETCODE_BAD_PARAMETER, method, "the domain id %d is not in 0 to %d",
-             static_cast<int>(domain_id), static_cast<int>(kLastDomain));
+        fail(DDS_RETCODE_BAD_PARAMETER, method,
+             "the domain id %d is out of range: it must be 0 to %d", static_cast<int>(domain_id),
+             static_cast<int>(kLastDomain));
         return nullptr;
     }
     kolt::qos::OwnedQos<DDS_DomainParticipantQos> chosen;
@@ -76,16 +78,19 @@ DDS_ReturnCode_t Factory::remove(Participant *participant, bool wrapper, const c
         const std::lock_guard lock(mutex_);
         if (!contains_pointer(participants_, participant)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the participant is not this factory's");
+                        "the participant does not belong to the factory: it was deleted");
         }
         if (participant->is_wrapper() != wrapper) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        wrapper ? "the participant is no wrapper"
-                                : "the participant wraps one of the engine's");
+                        wrapper
+                            ? "the participant does not wrap one of the engine's: delete it with "
+                              "DDS_DomainParticipantFactory_delete_participant"
+                            : "the participant wraps one of the engine's: give it back with "
+                              "KOLT_DomainParticipant_unwrap");
         }
         if (!participant->is_empty()) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the participant contains entities");
+                        "the participant still contains entities: delete them first");
         }
         domain_id = participant->domain_id();
         removed = extract(participants_, participant);
@@ -118,7 +123,9 @@ DDS_DomainParticipant *Factory::wrap(dds_entity_t engine_participant, const char
     dds_domainid_t domain_id = 0;
     if (engine_participant <= 0 || dds_get_participant(engine_participant) != engine_participant ||
         dds_get_domainid(engine_participant, &domain_id) < 0) {
-        fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is no participant");
+        fail(DDS_RETCODE_BAD_PARAMETER, method,
+             "the handle %d is not that of a participant of the engine",
+             static_cast<int>(engine_participant));
         return nullptr;
     }
     const EngineQos engine_qos(dds_create_qos());

@@ -41,7 +41,7 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
                 return DDS_RETCODE_OK;
             }
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the name %s is taken by another type", name);
+                        "the name %s is registered for another type: use another name", name);
         }
     }
     const bool described = own_qos().read([](const DDS_DomainParticipantQos &qos) {
@@ -51,7 +51,7 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
         RegisteredType::create(name, plugin, registration_data, domain_id(), described, method);
     if (type == nullptr) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-                    "the type plugin of %s cannot be attached", name);
+                    "the type plugin of %s could not be attached to the participant", name);
     }
     const std::lock_guard lock(tree());
     types_.emplace(name, std::move(type));
@@ -65,11 +65,13 @@ DDS_ReturnCode_t Participant::unregister_type(const char *name, const char *meth
     const std::lock_guard lock(tree());
     const auto found = types_.find(name);
     if (found == types_.end()) {
-        return fail(DDS_RETCODE_BAD_PARAMETER, method, "no type is registered as %s", name);
+        return fail(DDS_RETCODE_BAD_PARAMETER, method,
+                    "no type is registered with the participant as %s", name);
     }
     for (const auto &topic : topics_) {
         if (topic->registered_type() == found->second) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the topic %s uses the type %s",
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the topic %s still uses the type %s: delete it first",
                         topic->name().c_str(), name);
         }
     }
@@ -99,8 +101,8 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
                                      DDS_StatusMask mask, const char *method) {
     if (!is_topic_name(name)) {
         fail(DDS_RETCODE_BAD_PARAMETER, method,
-             "the topic name %s: a name is made of letters, digits, '_' and '/', does not begin "
-             "with a digit and not with DCPS",
+             "\"%s\" is not allowed as a topic name: a name is made of letters, digits, '_' and "
+             "'/', and begins neither with a digit nor with DCPS",
              name);
         return nullptr;
     }
@@ -119,13 +121,14 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
     {
         const std::lock_guard lock(tree());
         if (is_name_taken(name)) {
-            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "there is a topic %s already", name);
+            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                 "the participant already has a topic of the name %s: use another name", name);
             return nullptr;
         }
         const auto found = types_.find(type_name);
         if (found == types_.end()) {
-            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "no type is registered as %s",
-                 type_name);
+            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                 "no type is registered with the participant as %s", type_name);
             return nullptr;
         }
         type = found->second;
@@ -150,11 +153,13 @@ DDS_ReturnCode_t Participant::delete_topic(Topic *topic, const char *method) {
         const std::lock_guard lock(tree());
         if (!contains_pointer(topics_, topic)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the topic is not this participant's");
+                        "the topic does not belong to this participant");
         }
         if (topic->users != 0) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%d entities use the topic %s",
-                        topic->users, topic->name().c_str());
+            return fail(
+                DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                "%d readers, writers or filtered topics still use the topic %s: delete them first",
+                topic->users, topic->name().c_str());
         }
         removed = extract(topics_, topic);
     }
@@ -170,11 +175,13 @@ DDS_ContentFilteredTopic *Participant::create_filtered_topic(const char *name, T
     {
         const std::lock_guard lock(tree());
         if (!contains_pointer(topics_, related)) {
-            fail(DDS_RETCODE_BAD_PARAMETER, method, "the related topic is not this participant's");
+            fail(DDS_RETCODE_BAD_PARAMETER, method,
+                 "the related topic does not belong to this participant");
             return nullptr;
         }
         if (is_name_taken(name)) {
-            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "there is a topic %s already", name);
+            fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                 "the participant already has a topic of the name %s: use another name", name);
             return nullptr;
         }
         ++related->users;
@@ -214,11 +221,12 @@ DDS_ReturnCode_t Participant::delete_filtered_topic(ContentFilteredTopic *topic,
         const std::lock_guard lock(tree());
         if (!contains_pointer(filtered_topics_, topic)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the topic is not this participant's");
+                        "the topic does not belong to this participant");
         }
         if (topic->users != 0) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%d readers use the topic %s",
-                        topic->users, topic->name().c_str());
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "%d readers still use the topic %s: delete them first", topic->users,
+                        topic->name().c_str());
         }
         removed = extract(filtered_topics_, topic);
     }

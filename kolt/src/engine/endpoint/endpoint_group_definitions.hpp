@@ -41,12 +41,14 @@ bool EndpointGroup<Traits>::autoenables() {
 template <typename Traits>
 DDS_ReturnCode_t EndpointGroup<Traits>::enable(const char *method) {
     if (!participant_.is_enabled()) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the participant is not enabled");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the participant is disabled: enable it first");
     }
     const EngineQos engine_qos = qos_.read([](const Qos &qos) { return to_engine(qos); });
     const dds_entity_t entity = Traits::kCreate(participant_.engine(), engine_qos.get(), nullptr);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses the %s", Traits::kName);
+        return fail(to_return_code(entity), method, "the DDS engine could not create the %s",
+                    Traits::kName);
     }
     set_engine(entity);
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
@@ -115,7 +117,8 @@ auto EndpointGroup<Traits>::create(EndpointTopic *topic, const EndpointQos *qos,
                                    const EndpointListener *listener, DDS_StatusMask mask,
                                    const char *method) -> EndpointRecord * {
     if (&topic->participant() != &participant_) {
-        fail(DDS_RETCODE_BAD_PARAMETER, method, "the topic is another participant's");
+        fail(DDS_RETCODE_BAD_PARAMETER, method,
+             "the topic belongs to another participant: use one of the same participant");
         return nullptr;
     }
     kolt::qos::OwnedQos<EndpointQos> chosen;
@@ -147,8 +150,8 @@ DDS_ReturnCode_t EndpointGroup<Traits>::remove(Endpoint *endpoint, const char *m
     {
         const std::lock_guard lock(participant_.tree());
         if (!contains_pointer(endpoints_, endpoint)) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the %s is not this %s's",
-                        Traits::kEndpoint, Traits::kName);
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the %s does not belong to this %s", Traits::kEndpoint, Traits::kName);
         }
         if (const char *const obstacle = Traits::obstacle(*endpoint)) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%s", obstacle);

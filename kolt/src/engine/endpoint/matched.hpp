@@ -33,7 +33,9 @@ inline DDS_ReturnCode_t get_matched(const Entity &entity,
     }
     const auto length = static_cast<DDS_Long>(found.size());
     if (DDS_InstanceHandleSeq_ensure_length(handles, length, length) == DDS_BOOLEAN_FALSE) {
-        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "the sequence has no room");
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the sequence has no room for %d handles and cannot grow",
+                    static_cast<int>(length));
     }
     for (DDS_Long i = 0; i < length; ++i) {
         *DDS_InstanceHandleSeq_get_reference(handles, i) = found[static_cast<std::size_t>(i)];

@@ -40,7 +40,7 @@ void KOLT_EntityImpl::delete_engine(const char *method) {
     engine_.store(0, std::memory_order_release);
     if (result < 0) {
         kolt::engine::fail(kolt::engine::to_return_code(result), method,
-                           "the engine did not delete the entity");
+                           "the DDS engine could not delete its entity");
     }
 }
 

@@ -52,7 +52,8 @@ class EntityQos {
             const EngineQos engine_qos = make_engine_qos(qos);
             const dds_return_t result = dds_set_qos(entity.engine(), engine_qos.get());
             if (result < 0) {
-                return fail(to_return_code(result), method, "the engine refuses the QoS");
+                return fail(to_return_code(result), method,
+                            "the DDS engine could not apply the changed QoS to the enabled entity");
             }
         }
         const std::lock_guard lock(tree_);

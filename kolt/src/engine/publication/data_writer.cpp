@@ -11,9 +11,7 @@
 
 namespace kolt::engine {
 
-namespace {
-
-}  // namespace
+namespace {}  // namespace
 
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
     : Entity(EntityKind::kDataWriter, &handle_._entity, kWriterStatusMask),
@@ -53,7 +51,8 @@ DDS_ReturnCode_t DataWriter::attach_type(const char *method) {
     endpoint_ = TypeEndpoint::create(type_, {KOLT_TYPE_PLUGIN_WRITER, representation, 0U});
     if (endpoint_ == nullptr) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-                    "the type plugin of %s cannot be attached", type_->name().c_str());
+                    "the type plugin of %s could not be attached to the writer",
+                    type_->name().c_str());
     }
     return DDS_RETCODE_OK;
 }
@@ -63,7 +62,7 @@ DDS_ReturnCode_t DataWriter::attach_type(const char *method) {
 DDS_ReturnCode_t DataWriter::enable(const char *method) {
     if (!publisher_.is_enabled() || !topic_.is_enabled()) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                    "the publisher or the topic is not enabled");
+                    "the publisher or the topic is disabled: enable both first");
     }
     const EngineQos engine_qos =
         qos_.read([&](const DDS_DataWriterQos &qos) { return to_engine(qos, *type_); });
@@ -73,7 +72,8 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
     const dds_entity_t entity =
         dds_create_writer(publisher_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses a writer of %s",
+        return fail(to_return_code(entity), method,
+                    "the DDS engine could not create a writer for the topic %s",
                     topic_.name().c_str());
     }
     // Events that came before this point were kept by the engine: nobody could be told yet.
@@ -158,7 +158,8 @@ Result<SerdataRef> DataWriter::serialize(const void *sample, const char *method)
     // Up to three bytes of padding follow the sample.
     KOLT_CdrStream stream{};
     if (plugin.get_buffer(data, &stream, (size + 3U) & ~3U) == DDS_BOOLEAN_FALSE) {
-        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "no buffer for %u bytes", size);
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the writer has no buffer for the %u bytes of the sample", size);
     }
     SerdataRef serdata;
     try {
@@ -170,7 +171,7 @@ Result<SerdataRef> DataWriter::serialize(const void *sample, const char *method)
     if (plugin.serialize(data, sample, &stream, DDS_BOOLEAN_TRUE, encapsulation_, DDS_BOOLEAN_TRUE,
                          nullptr) == DDS_BOOLEAN_FALSE ||
         !serdata->set_key_from_record(sertype(), sample)) {
-        return fail(DDS_RETCODE_ERROR, method, "the sample cannot be serialised");
+        return fail(DDS_RETCODE_ERROR, method, "the type plugin could not serialise the sample");
     }
     serdata->seal(stream.position);
     return serdata;
@@ -202,7 +203,8 @@ Result<SerdataRef> DataWriter::key_payload(const void *sample, const char *metho
             return serdata;
         }
     }
-    return fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
+    return fail(DDS_RETCODE_ERROR, method,
+                "the key cannot be serialised: a string is NULL or exceeds its bound");
 }
 
 Result<SerdataRef> DataWriter::key_payload_of_instance(const KeyBytes &key, const char *method) {
@@ -219,7 +221,7 @@ Result<SerdataRef> DataWriter::key_payload_of_instance(const KeyBytes &key, cons
     }
     if (KOLT_Cdr_deserialize_key(type_->programs(), canonical->bytes(), canonical->size(),
                                  holder.get()) == DDS_BOOLEAN_FALSE) {
-        return fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
+        return fail(DDS_RETCODE_ERROR, method, "the key of the instance could not be deserialised");
     }
     return key_payload(holder.get(), method);
 }
@@ -282,12 +284,14 @@ DDS_InstanceHandle_t DataWriter::register_instance(const void *sample, const DDS
     }
     const SerdataRef key = key_of(sample);
     if (key == nullptr) {
-        fail(DDS_RETCODE_ERROR, method, "the key cannot be serialised");
+        fail(DDS_RETCODE_ERROR, method,
+             "the key cannot be serialised: a string is NULL or exceeds its bound");
         return DDS_HANDLE_NIL;
     }
     const DDS_InstanceHandle_t handle = pin_instance(*key);
     if (handle == DDS_HANDLE_NIL) {
-        fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "the engine does not register the instance");
+        fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+             "the DDS engine could not register the instance");
     }
     return handle;
 }
@@ -310,13 +314,15 @@ DDS_ReturnCode_t DataWriter::get_key_value(void *key_holder, DDS_InstanceHandle_
     }
     KeyBytes key;
     if (handle == DDS_HANDLE_NIL || !find_instance(handle, &key)) {
-        return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is no instance of this writer");
+        return fail(DDS_RETCODE_BAD_PARAMETER, method,
+                    "the handle is not that of an instance of this writer");
     }
     const SerdataRef serdata(Serdata::from_key(&sertype(), key.data(), key.size()));
     return KOLT_Cdr_deserialize_key(type_->programs(), serdata->bytes(), serdata->size(),
                                     key_holder) != DDS_BOOLEAN_FALSE
                ? DDS_RETCODE_OK
-               : fail(DDS_RETCODE_ERROR, method, "the key cannot be deserialised");
+               : fail(DDS_RETCODE_ERROR, method,
+                      "the key of the instance could not be deserialised");
 }
 
 // ---- Writing ------------------------------------------------------------------------------------
@@ -339,7 +345,7 @@ DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
                          method, "no reader made room for the sample within max_blocking_time");
         return code;
     }
-    return fail(code, method, "the engine does not write");
+    return fail(code, method, "the DDS engine could not write the sample");
 }
 
 DDS_ReturnCode_t DataWriter::write_now(const void *sample, const DDS_WriteParams_t &params,
@@ -366,7 +372,7 @@ DDS_ReturnCode_t DataWriter::write_deferred(const DDS_WriteParams_t &params, con
     }
     void *const sample = l.on_data_request(l.listener_data, &handle_, &params.cookie);
     if (sample == nullptr) {
-        return fail(DDS_RETCODE_ERROR, method, "on_data_request gave no sample");
+        return fail(DDS_RETCODE_ERROR, method, "on_data_request returned NULL instead of a sample");
     }
     const DDS_ReturnCode_t result =
         guarded(method, [&] { return write_now(sample, params, method); });
@@ -406,7 +412,7 @@ Result<SerdataRef> DataWriter::payload_of_change(const void *sample, DDS_Instanc
     KeyBytes key;
     if (!find_instance(handle, &key)) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                    "the handle is no registered instance");
+                    "the handle is not that of a registered instance");
     }
     return key_payload_of_instance(key, method);
 }
@@ -417,7 +423,8 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
         return not_enabled(method);
     }
     if (!type_->is_keyed()) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the type has no key");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the type has no key, and its samples have no instances");
     }
     Result<SerdataRef> payload = payload_of_change(sample, params.handle, method);
     if (!payload) {
@@ -429,7 +436,8 @@ DDS_ReturnCode_t DataWriter::change_instance(InstanceChange change, const void *
         return send(std::move(*payload), NN_STATUSINFO_DISPOSE, params.source_timestamp, method);
     }
     if (!instances_.contains(key)) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the instance is not registered");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the instance is not registered with the writer");
     }
     const std::uint32_t status_info =
         NN_STATUSINFO_UNREGISTER | (autodispose_.load() ? NN_STATUSINFO_DISPOSE : 0U);

@@ -26,12 +26,13 @@ const char *wrong_duration(const DDS_Duration_t &d) {
 }
 
 const char *wrong_kind(int kind, int last) {
-    return kind >= 0 && kind <= last ? nullptr : "there is no such kind";
+    return kind >= 0 && kind <= last ? nullptr : "the kind is not one of the policy's";
 }
 
 const char *wrong_limit(DDS_Long limit) {
-    return limit == DDS_LENGTH_UNLIMITED || limit > 0 ? nullptr
-                                                      : "a limit is neither positive nor unlimited";
+    return limit == DDS_LENGTH_UNLIMITED || limit > 0
+               ? nullptr
+               : "a limit is neither positive nor DDS_LENGTH_UNLIMITED";
 }
 
 const char *wrong_limits(DDS_HistoryQosPolicyKind kind, DDS_Long depth, DDS_Long max_samples,
@@ -88,7 +89,7 @@ const char *wrong(const DDS_LivelinessQosPolicy &p) {
         return text;
     }
     if (p.lease_duration.sec == 0 && p.lease_duration.nanosec == 0) {
-        return "the lease duration is zero";
+        return "the lease duration is zero, but must be positive";
     }
     return wrong_duration(p.lease_duration);
 }
@@ -113,7 +114,7 @@ const char *wrong(const DDS_HistoryQosPolicy &p) {
 }
 const char *wrong(const DDS_LifespanQosPolicy &p) {
     if (p.duration.sec == 0 && p.duration.nanosec == 0) {
-        return "the duration is zero";
+        return "the duration is zero, but must be positive";
     }
     return wrong_duration(p.duration);
 }
@@ -127,7 +128,7 @@ const char *wrong(const DDS_DataRepresentationQosPolicy &p) {
         const DDS_Short id = *DDS_ShortSeq_get_reference(&p.value, static_cast<DDS_Long>(i));
         if (id != DDS_XCDR_DATA_REPRESENTATION && id != DDS_XCDR2_DATA_REPRESENTATION &&
             id != DDS_AUTO_DATA_REPRESENTATION) {
-            return "there is no such representation";
+            return "the representation is none of XCDR, XCDR2 and AUTO";
         }
     }
     return nullptr;

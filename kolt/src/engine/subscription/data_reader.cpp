@@ -63,7 +63,8 @@ DDS_ReturnCode_t DataReader::attach_type(const char *method) {
         TypeEndpoint::create(type_, {KOLT_TYPE_PLUGIN_READER, DDS_AUTO_DATA_REPRESENTATION, 0U});
     if (endpoint_ == nullptr) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-                    "the type plugin of %s cannot be attached", type_->name().c_str());
+                    "the type plugin of %s could not be attached to the reader",
+                    type_->name().c_str());
     }
     return DDS_RETCODE_OK;
 }
@@ -73,7 +74,7 @@ DDS_ReturnCode_t DataReader::attach_type(const char *method) {
 DDS_ReturnCode_t DataReader::enable(const char *method) {
     if (!subscriber_.is_enabled() || !topic_.is_enabled()) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                    "the subscriber or the topic is not enabled");
+                    "the subscriber or the topic is disabled: enable both first");
     }
     const EngineQos engine_qos =
         qos_.read([&](const DDS_DataReaderQos &qos) { return to_engine(qos, *type_); });
@@ -84,7 +85,8 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
     const dds_entity_t entity =
         dds_create_reader(subscriber_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses a reader of %s",
+        return fail(to_return_code(entity), method,
+                    "the DDS engine could not create a reader for the topic %s",
                     topic_.name().c_str());
     }
     // Events that came before this point were kept by the engine: nobody could be told yet.
@@ -219,7 +221,7 @@ DDS_QueryCondition *DataReader::create_query_condition(std::uint32_t engine_mask
                                        [](const auto &c) { return c->is_query(); });
     if (static_cast<std::size_t>(queries) >= kMaxQueryConditions) {
         fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-             "a reader has room for %zu query conditions only", kMaxQueryConditions);
+             "the reader has %zu query conditions and may have no more", kMaxQueryConditions);
         return nullptr;
     }
     auto condition = QueryCondition::create(*this, engine_mask, states, std::move(filter), method);
@@ -235,11 +237,12 @@ DDS_ReturnCode_t DataReader::delete_read_condition(ReadCondition *condition, con
     std::unique_ptr<ReadCondition> removed;
     const std::lock_guard lock(contents_);
     if (!contains_pointer(conditions_, condition)) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the condition is not this reader's");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the condition does not belong to this reader");
     }
     if (condition->is_attached()) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                    "the condition is attached to a waitset");
+                    "the condition is attached to a waitset: detach it first");
     }
     removed = extract(conditions_, condition);
     return DDS_RETCODE_OK;
@@ -250,7 +253,7 @@ DDS_ReturnCode_t DataReader::delete_conditions(bool attached_too, const char *me
     for (const auto &condition : conditions_) {
         if (!attached_too && condition->is_attached()) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "a condition is attached to a waitset");
+                        "a condition is attached to a waitset: detach it first");
         }
     }
     conditions_.clear();

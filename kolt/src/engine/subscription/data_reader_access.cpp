@@ -58,8 +58,9 @@ DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
         return result;
     }
     return fail(result, method,
-                result == DDS_RETCODE_BAD_PARAMETER ? "the handle is no instance"
-                                                    : "the engine does not read");
+                result == DDS_RETCODE_BAD_PARAMETER
+                    ? "the handle is not that of an instance"
+                    : "the DDS engine could not read the cache of the reader");
 }
 
 }  // namespace
@@ -262,7 +263,8 @@ DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, vo
         loan->infos.push_back(to_sample_info(info));
     }
     if (loan->samples.empty()) {
-        return starved ? fail(DDS_RETCODE_OUT_OF_RESOURCES, method, "no record for a sample")
+        return starved ? fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                              "no memory for the record of a sample")
                        : DDS_RETCODE_NO_DATA;
     }
     return hand_out(std::move(loan), samples, count, info_seq, method);
@@ -275,7 +277,9 @@ DDS_ReturnCode_t DataReader::hand_out(std::unique_ptr<Loan> loan, void ***sample
     if (DDS_SampleInfoSeq_loan_contiguous(info_seq, loan->infos.data(), length, length) ==
         DDS_BOOLEAN_FALSE) {
         free_loan(*loan);
-        return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no loan");
+        return fail(DDS_RETCODE_ERROR, method,
+                    "the info sequence cannot take a loan of %d elements",
+                    static_cast<int>(length));
     }
     *samples = loan->samples.data();
     *count = static_cast<DDS_UnsignedLong>(length);
@@ -305,7 +309,8 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
     }
     if (DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(fetched)) ==
         DDS_BOOLEAN_FALSE) {
-        return fail(DDS_RETCODE_ERROR, method, "the info sequence takes no %zu elements", fetched);
+        return fail(DDS_RETCODE_ERROR, method,
+                    "the info sequence has no room for %zu elements and cannot grow", fetched);
     }
     std::size_t copied = 0;
     for (std::size_t i = 0; i < fetched; ++i) {
@@ -357,7 +362,8 @@ DDS_ReturnCode_t DataReader::return_loan(void **samples, DDS_UnsignedLong count,
         const std::lock_guard lock(contents_);
         const auto found = loans_.find(samples);
         if (found == loans_.end() || found->second->samples.size() != count) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "no such loan of this reader");
+            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                        "the data sequence does not hold a loan of this reader");
         }
         if (DDS_SampleInfoSeq_get_contiguous_buffer(info_seq) != found->second->infos.data()) {
             return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
@@ -384,13 +390,13 @@ DDS_ReturnCode_t DataReader::get_key_value(void *key_holder, DDS_InstanceHandle_
     SerdataView key;
     if (handle == DDS_HANDLE_NIL || !type_->is_keyed() ||
         dds_instance_get_key(engine(), handle, &key) < 0 || key.get() == nullptr) {
-        return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is no instance");
+        return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is not that of an instance");
     }
     return KOLT_Cdr_deserialize_key(type_->programs(), key.get()->bytes(), key.get()->size(),
                                     key_holder) != DDS_BOOLEAN_FALSE
                ? DDS_RETCODE_OK
                : fail(DDS_RETCODE_BAD_PARAMETER, method,
-                      "the handle is no instance of the reader's type");
+                      "the handle is that of an instance of another type");
 }
 
 DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {

@@ -86,7 +86,7 @@ std::unique_ptr<QueryCondition> QueryCondition::create(DataReader &reader,
     const std::size_t slot = claim_slot(filter.get());
     if (slot == kSlots) {
         fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-             "a process has room for %zu query conditions only", kSlots);
+             "the process has %zu query conditions and may have no more", kSlots);
         return nullptr;
     }
     std::unique_ptr<QueryCondition> condition;
@@ -108,7 +108,8 @@ DDS_ReturnCode_t QueryCondition::make_engine(const char *method) {
     const dds_entity_t engine =
         dds_create_querycondition(reader().engine(), engine_mask(), kFunctions[slot_]);
     if (engine < 0) {
-        return fail(to_return_code(engine), method, "the engine refuses the query condition");
+        return fail(to_return_code(engine), method,
+                    "the DDS engine could not create the query condition");
     }
     set_engine(engine);
     return DDS_RETCODE_OK;

@@ -7,9 +7,9 @@ namespace kolt::engine {
 
 const char *SubscriberTraits::obstacle(const DataReader &reader) {
     if (reader.has_loans()) {
-        return "the reader has loans out";
+        return "the reader has loans out: return them first";
     }
-    return reader.has_conditions() ? "the reader has conditions" : nullptr;
+    return reader.has_conditions() ? "the reader has conditions: delete them first" : nullptr;
 }
 
 void SubscriberTraits::empty(DataReader &reader, const char *method) {

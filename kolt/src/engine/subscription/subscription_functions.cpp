@@ -148,7 +148,8 @@ DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
             return DDS_RETCODE_OK;
         }
         return fail(DDS_RETCODE_UNSUPPORTED, method,
-                    "the engine does not tell when the history has arrived");
+                    "the DDS engine does not tell when the history has arrived: only volatile "
+                    "readers, which get no history, can wait for it");
     });
 }
 
@@ -234,7 +235,8 @@ DDS_ReturnCode_t check_sequences(const DDS_SampleInfoSeq *info_seq, DDS_Unsigned
                     "the data and the info sequence differ in length, maximum or ownership");
     }
     if (!info_owned) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the sequences hold a loan");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the sequences hold a loan: return it first");
     }
     if (maximum != 0 && max_samples != DDS_LENGTH_UNLIMITED &&
         static_cast<DDS_UnsignedLong>(max_samples) > maximum) {

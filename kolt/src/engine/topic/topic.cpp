@@ -48,7 +48,8 @@ Topic::~Topic() {
 
 DDS_ReturnCode_t Topic::enable(const char *method) {
     if (!participant().is_enabled()) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the participant is not enabled");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the participant is disabled: enable it first");
     }
     const EngineQos engine_qos = qos_.read([](const DDS_TopicQos &qos) { return to_engine(qos); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
@@ -58,7 +59,7 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     const dds_entity_t entity =
         create_engine_topic(participant(), *this, engine_qos.get(), listener.get(), &sertype);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses the topic %s",
+        return fail(to_return_code(entity), method, "the DDS engine could not create the topic %s",
                     name().c_str());
     }
     sertype_ = &Sertype::of(sertype);
@@ -102,7 +103,8 @@ ContentFilteredTopic::~ContentFilteredTopic() {
 
 DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
     if (!related_.is_enabled()) {
-        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the related topic is not enabled");
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
+                    "the related topic is disabled: enable it first");
     }
     // The engine wants topics of one name to have one QoS: what it made of the related topic's.
     const EngineQos qos(dds_create_qos());
@@ -111,13 +113,14 @@ DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
     }
     dds_return_t result = dds_get_qos(related_.engine(), qos.get());
     if (result < 0) {
-        return fail(to_return_code(result), method, "the related topic has no QoS");
+        return fail(to_return_code(result), method,
+                    "the DDS engine did not give the QoS of the related topic");
     }
     ddsi_sertype *sertype = nullptr;
     const dds_entity_t entity =
         create_engine_topic(participant(), related_, qos.get(), nullptr, &sertype);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the engine refuses the topic %s",
+        return fail(to_return_code(entity), method, "the DDS engine could not create the topic %s",
                     name().c_str());
     }
     dds_topic_filter filter{};
@@ -127,7 +130,8 @@ DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
     result = dds_set_topic_filter_extended(entity, &filter);
     if (result < 0) {
         dds_delete(entity);
-        return fail(to_return_code(result), method, "the engine refuses the filter");
+        return fail(to_return_code(result), method,
+                    "the DDS engine could not set the filter of the topic %s", name().c_str());
     }
     set_engine(entity);
     return DDS_RETCODE_OK;
