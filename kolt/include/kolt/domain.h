@@ -10,8 +10,8 @@
 
 KOLT_EXTERN_C_BEGIN
 
-/* A participant's listener is told what publishers, subscribers, topics and endpoints in it do not
- * handle themselves. Each part carries its own listener data. */
+/* The listener of a participant is called for the statuses of its topics, publishers, subscribers
+ * and endpoints that their own listeners do not handle. Each part carries its own listener data. */
 typedef struct DDS_DomainParticipantListener {
     DDS_TopicListener topic_listener;
     DDS_PublisherListener publisher_listener;
@@ -20,37 +20,38 @@ typedef struct DDS_DomainParticipantListener {
 
 /* ---- Factory ------------------------------------------------------------------------------- */
 
-/* The process's factory; never NULL. */
+/* Returns the factory of the process; never NULL. */
 KOLT_EXPORT DDS_DomainParticipantFactory *DDS_DomainParticipantFactory_get_instance(void);
 /* Releases what the factory holds (profiles, defaults). PRECONDITION_NOT_MET while participants
  * exist. The factory can be used again afterwards. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_finalize_instance(void);
-/* NULL (and a log message) for a domain id outside 0 to 230 (RTPS 2.3, 9.6.1.1), inconsistent QoS,
- * or when the engine refuses. NULL or DDS_PARTICIPANT_QOS_DEFAULT for `qos` means the default. */
+/* Creates a participant. NULL (and a log message) for a domain id outside 0 to 230 (RTPS 2.3,
+ * 9.6.1.1), for inconsistent QoS, or when the engine cannot create its part. NULL or
+ * DDS_PARTICIPANT_QOS_DEFAULT for `qos` means the default. */
 KOLT_EXPORT DDS_DomainParticipant *DDS_DomainParticipantFactory_create_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id,
     const DDS_DomainParticipantQos *qos, const DDS_DomainParticipantListener *listener,
     DDS_StatusMask mask);
-/* Not QoS but marks that are recognised by their address. */
+/* Marks that are recognised by their address; they hold no QoS. */
 KOLT_EXPORT extern const DDS_DomainParticipantQos DDS_PARTICIPANT_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_TopicQos DDS_TOPIC_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_PublisherQos DDS_PUBLISHER_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_SubscriberQos DDS_SUBSCRIBER_QOS_DEFAULT;
-/* PRECONDITION_NOT_MET while the participant contains entities, or when it wraps an engine
- * participant (see KOLT_DomainParticipant_unwrap) or is not this factory's. */
+/* Deletes a participant. PRECONDITION_NOT_MET while it contains entities, or when it wraps an
+ * engine participant (see KOLT_DomainParticipant_unwrap) or does not exist any more. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_delete_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipant *participant);
-/* Any one participant of the domain; NULL when there is none. */
+/* Returns any one participant of the domain; NULL when there is none. */
 KOLT_EXPORT DDS_DomainParticipant *DDS_DomainParticipantFactory_lookup_participant(
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id);
-/* What a participant without QoS of its own gets: what was set, else what the loaded profiles say,
- * else the standard's default. */
+/* Get and set the QoS of participants that are created without QoS of their own. It is the one that
+ * was set, else the default of the loaded profiles, else that of the standard. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_get_default_participant_qos(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipantQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_set_default_participant_qos(
     DDS_DomainParticipantFactory *self, const DDS_DomainParticipantQos *qos);
-/* The factory's own QoS: whether participants are enabled at creation, and where profiles are. What
- * set_qos changes counts for what happens afterwards. */
+/* Get and set the factory's own QoS: whether participants are enabled at creation, and where
+ * profiles are. A change takes effect from then on. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos(
     DDS_DomainParticipantFactory *self, DDS_DomainParticipantFactoryQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_set_qos(
@@ -58,28 +59,29 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_set_qos(
 
 /* ---- QoS profiles (OMG DDS-XML 1.0, clause 7.3.2) -------------------------------------------- */
 
-/* Loads the documents that the factory's profile QoS and the environment name, unless they are
- * loaded already. OK also when there is none. ERROR (and log messages with file and line) when one
- * cannot be read or is wrong; those that are right are loaded all the same. */
+/* Load, load anew and forget the documents that the factory's profile QoS and the environment name.
+ * load_profiles leaves documents alone that are loaded already. OK also when there is none. ERROR
+ * (and log messages with file and line) when one cannot be read or is wrong; the others are loaded
+ * all the same. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipantFactory_load_profiles(DDS_DomainParticipantFactory *self);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipantFactory_reload_profiles(DDS_DomainParticipantFactory *self);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipantFactory_unload_profiles(DDS_DomainParticipantFactory *self);
-/* Loads one document more, a path or a file URL, behind those above, to whose profiles it may
- * refer. ERROR (and a log message) when it cannot be read or is wrong; it is then not loaded.
- * Loading it again is OK and changes nothing; reload_profiles reads it anew, unload_profiles
- * forgets it. */
+/* Loads one more document, a path or a file URL, after the documents named above, whose profiles it
+ * may refer to. ERROR (and a log message) when it cannot be read or is wrong; it is then not
+ * loaded. Loading it again is OK and changes nothing; reload_profiles reads it anew,
+ * unload_profiles forgets it. */
 KOLT_EXPORT DDS_ReturnCode_t
 KOLT_DomainParticipantFactory_add_profiles(DDS_DomainParticipantFactory *self, const char *url);
-/* Names of the libraries, and of the profiles of a library (BAD_PARAMETER when there is no such
- * library; the sequence is then empty). `names` is an initialised sequence of the caller's. */
+/* Copy the names of the libraries, and of the profiles of a library (BAD_PARAMETER when there is no
+ * such library; the sequence is then empty). `names` is an initialised sequence of the caller's. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos_profile_libraries(
     DDS_DomainParticipantFactory *self, DDS_StringSeq *names);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos_profiles(
     DDS_DomainParticipantFactory *self, DDS_StringSeq *names, const char *library_name);
-/* QoS as a profile says, into an initialised record. A profile that does not mention the entity
+/* Get the QoS of a profile into an initialised record. A profile that does not mention the entity
  * gives the default. For topics, writers and readers the forms with a topic name choose the first
  * element whose `topic_filter` matches. BAD_PARAMETER when there is no such library or profile; the
  * record is then unchanged. */
@@ -112,31 +114,32 @@ KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipantFactory_get_datareader_qos_from_profile_w_topic_name(
     DDS_DomainParticipantFactory *self, DDS_DataReaderQos *qos, const char *library_name,
     const char *profile_name, const char *topic_name);
-/* As create_participant, with the QoS of a profile. */
+/* Creates a participant with the QoS of a profile; NULL also when there is no such profile. */
 KOLT_EXPORT DDS_DomainParticipant *DDS_DomainParticipantFactory_create_participant_with_profile(
     DDS_DomainParticipantFactory *self, DDS_DomainId_t domain_id, const char *library_name,
     const char *profile_name, const DDS_DomainParticipantListener *listener, DDS_StatusMask mask);
 
-/* ---- Participants of applications that use the engine directly --------------------------------
- */
+/* ---- Participants of applications that use the engine directly ----------------------------- */
 
 /* Wraps a participant that the application created with the engine (its entity handle). The wrapper
  * is made once per handle and can be used like any participant; the engine's participant stays the
- * application's and must outlive it. NULL (and a log message) when the handle is no participant. */
+ * application's and must outlive it. NULL (and a log message) when the handle is not that of a
+ * participant. */
 KOLT_EXPORT DDS_DomainParticipant *KOLT_DomainParticipant_wrap(int32_t engine_participant);
 /* Deletes the wrapper, not the participant. PRECONDITION_NOT_MET while it contains entities. */
 KOLT_EXPORT DDS_ReturnCode_t KOLT_DomainParticipant_unwrap(DDS_DomainParticipant *self);
-/* The engine's handle of a participant; 0 or less for NULL. */
+/* Returns the engine's handle of a participant; 0 or less for NULL. */
 KOLT_EXPORT int32_t KOLT_DomainParticipant_engine_handle(DDS_DomainParticipant *self);
 
 /* ---- Participant --------------------------------------------------------------------------- */
 
-/* The factory that owns a participant; NULL for NULL. */
+/* Returns the factory that owns a participant; NULL for NULL. */
 KOLT_EXPORT DDS_DomainParticipantFactory *DDS_DomainParticipant_get_participant_factoryI(
     DDS_DomainParticipant *self);
-/* 0 for NULL. */
+/* Returns the domain id; 0 for NULL. */
 KOLT_EXPORT DDS_DomainId_t DDS_DomainParticipant_get_domain_id(DDS_DomainParticipant *self);
-/* `wire_protocol` holds what is in force; zeros while the participant is disabled. */
+/* Copies the QoS into an initialised record. `wire_protocol` holds the identifiers in force; zeros
+ * while the participant is disabled. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_get_qos(DDS_DomainParticipant *self,
                                                            DDS_DomainParticipantQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_set_qos(DDS_DomainParticipant *self,
@@ -151,60 +154,66 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_register_type(DDS_DomainParti
                                                                  const char *type_name,
                                                                  const KOLT_TypePlugin *plugin,
                                                                  void *registration_data);
-/* PRECONDITION_NOT_MET while topics of the type exist; BAD_PARAMETER for an unknown name. */
+/* Forgets a type. PRECONDITION_NOT_MET while topics of the type exist; BAD_PARAMETER for an unknown
+ * name. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_unregister_type(DDS_DomainParticipant *self,
                                                                    const char *type_name);
 
-/* NULL (and a log message) when the type is not registered, the name is taken or no topic name
- * (letters, digits, '_' and '/', not beginning with a digit or with "DCPS"), or the QoS is
- * inconsistent. */
+/* Creates a topic. NULL (and a log message) when the type is not registered, the name is taken or
+ * not allowed (a name is made of letters, digits, '_' and '/', and begins neither with a digit nor
+ * with "DCPS"), or the QoS is inconsistent. */
 KOLT_EXPORT DDS_Topic *DDS_DomainParticipant_create_topic(
     DDS_DomainParticipant *self, const char *topic_name, const char *type_name,
     const DDS_TopicQos *qos, const DDS_TopicListener *listener, DDS_StatusMask mask);
-/* PRECONDITION_NOT_MET while readers, writers or content-filtered topics use it. */
+/* Deletes a topic. PRECONDITION_NOT_MET while readers, writers or content-filtered topics use
+ * it. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_topic(DDS_DomainParticipant *self,
                                                                 DDS_Topic *topic);
-/* NULL (and a log message with the position) for a wrong filter expression or parameter, a foreign
- * topic, or a name that is taken. `expression_parameters` may be NULL when the expression uses
- * none; expression and parameters are copied. See kolt/filter.h for the grammar. */
+/* Creates a content-filtered topic. NULL (and a log message, with the position) for a wrong filter
+ * expression or parameter, a topic of another participant, or a name that is taken.
+ * `expression_parameters` may be NULL when the expression uses none; expression and parameters are
+ * copied. See kolt/filter.h for the grammar. */
 KOLT_EXPORT DDS_ContentFilteredTopic *DDS_DomainParticipant_create_contentfilteredtopic(
     DDS_DomainParticipant *self, const char *name, DDS_Topic *related_topic,
     const char *filter_expression, const DDS_StringSeq *expression_parameters);
+/* Deletes a content-filtered topic. PRECONDITION_NOT_MET while readers use it. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_contentfilteredtopic(
     DDS_DomainParticipant *self, DDS_ContentFilteredTopic *topic);
-/* The topic or content-filtered topic of that name in this participant; NULL when there is none. */
+/* Returns the topic or content-filtered topic of that name in this participant; NULL when there is
+ * none. */
 KOLT_EXPORT DDS_TopicDescription *DDS_DomainParticipant_lookup_topicdescription(
     DDS_DomainParticipant *self, const char *name);
 
-/* Publishers and subscribers: NULL (and a log message) for inconsistent QoS or no memory. With NULL
- * for `qos` or the mark, the participant's default is used. */
+/* Create publishers and subscribers. NULL (and a log message) for inconsistent QoS or no memory.
+ * With NULL for `qos`, or the mark, the participant's default is used. */
 KOLT_EXPORT DDS_Publisher *DDS_DomainParticipant_create_publisher(
     DDS_DomainParticipant *self, const DDS_PublisherQos *qos, const DDS_PublisherListener *listener,
     DDS_StatusMask mask);
-/* PRECONDITION_NOT_MET while it has writers. */
+/* Deletes a publisher. PRECONDITION_NOT_MET while it has writers. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_publisher(DDS_DomainParticipant *self,
                                                                     DDS_Publisher *publisher);
 KOLT_EXPORT DDS_Subscriber *DDS_DomainParticipant_create_subscriber(
     DDS_DomainParticipant *self, const DDS_SubscriberQos *qos,
     const DDS_SubscriberListener *listener, DDS_StatusMask mask);
-/* PRECONDITION_NOT_MET while it has readers. */
+/* Deletes a subscriber. PRECONDITION_NOT_MET while it has readers. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_subscriber(DDS_DomainParticipant *self,
                                                                      DDS_Subscriber *subscriber);
 /* Deletes everything in the participant, in the right order. PRECONDITION_NOT_MET when a reader has
- * loans out: it stays, and so does what it needs. */
+ * loans out: it stays, and so do its subscriber and topic. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipant_delete_contained_entities(DDS_DomainParticipant *self);
-/* True when the handle is that of an entity in this participant. */
+/* True when the handle is that of a topic, publisher, subscriber, writer or reader in this
+ * participant. */
 KOLT_EXPORT DDS_Boolean DDS_DomainParticipant_contains_entity(DDS_DomainParticipant *self,
                                                               DDS_InstanceHandle_t handle);
-/* For writers with liveliness MANUAL_BY_PARTICIPANT. */
+/* Asserts the liveliness of the writers whose liveliness is MANUAL_BY_PARTICIPANT. NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_assert_liveliness(DDS_DomainParticipant *self);
-/* The time of the system clock, in which samples are stamped. */
+/* Gets the time of the system clock, by which samples are stamped. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_get_current_time(DDS_DomainParticipant *self,
                                                                     DDS_Time_t *current_time);
 
-/* Defaults for what the participant creates. The forms with a topic name take the loaded profiles'
- * defaults (`is_default_qos`, `topic_filter`) for that name into account. */
+/* Get and set the default QoS of what the participant creates. The forms with a topic name take the
+ * loaded profiles' defaults (`is_default_qos`, `topic_filter`) for that name into account. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DomainParticipant_get_default_publisher_qos(DDS_DomainParticipant *self, DDS_PublisherQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_set_default_publisher_qos(

@@ -51,7 +51,7 @@ typedef int32_t DDS_Enum;
 #define DDS_BOOLEAN_TRUE KOLT_CAST(DDS_Boolean, 1)
 #define DDS_BOOLEAN_FALSE KOLT_CAST(DDS_Boolean, 0)
 
-/* The limit that means "no limit" in lengths and resource limits (DDS 1.4, 2.2.3). */
+/* Stands for "no limit" in lengths and resource limits (DDS 1.4, 2.2.3). */
 #define DDS_LENGTH_UNLIMITED (-1)
 
 /* ---- Return codes (DDS 1.4, 2.2.2.1.1) -------------------------------------------------- */
@@ -72,14 +72,14 @@ typedef enum DDS_ReturnCode_t KOLT_ENUM_BASE {
     DDS_RETCODE_ILLEGAL_OPERATION = 12
 } DDS_ReturnCode_t;
 
-/* The standard's name of a return code ("DDS_RETCODE_TIMEOUT"); "DDS_RETCODE_UNKNOWN" for a value
- * that is none. Never NULL; static storage. */
+/* Returns the standard's name of a return code ("DDS_RETCODE_TIMEOUT"), or "DDS_RETCODE_UNKNOWN"
+ * for any other number. Never NULL; static storage. */
 KOLT_EXPORT const char *KOLT_ReturnCode_to_string(DDS_ReturnCode_t code);
 
 /* ---- Time (DDS 1.4, 2.3.3) --------------------------------------------------------------- */
 
 /* A point in time: seconds since the Unix epoch and nanoseconds (0 to 999999999). The seconds have
- * 64 bits, so that stamps survive the year 2038. A negative `sec` is no valid time. */
+ * 64 bits, so that stamps survive the year 2038. A negative `sec` stands for an invalid time. */
 typedef struct DDS_Time_t {
     DDS_LongLong sec;
     DDS_UnsignedLong nanosec;
@@ -102,15 +102,15 @@ KOLT_EXPORT extern const DDS_Time_t DDS_TIME_INVALID;
 KOLT_EXPORT extern const DDS_Duration_t DDS_DURATION_INFINITE;
 KOLT_EXPORT extern const DDS_Duration_t DDS_DURATION_ZERO;
 
-/* True for the infinite duration. NULL gives false. */
+/* True for the infinite duration; false for NULL. */
 KOLT_EXPORT DDS_Boolean DDS_Duration_is_infinite(const DDS_Duration_t *duration);
 
 /* ---- Strings ----------------------------------------------------------------------------- */
 
-/* A new string with room for `length` characters and the terminator, all bytes zero.
+/* Allocates a string with room for `length` characters and the terminator, all bytes zero.
  * NULL when memory runs out. Free it with DDS_String_free. */
 KOLT_EXPORT DDS_Char *DDS_String_alloc(size_t length);
-/* A copy of `source`; NULL when `source` is NULL or memory runs out. Free it with
+/* Copies `source`; NULL when `source` is NULL or memory runs out. Free it with
  * DDS_String_free. */
 KOLT_EXPORT DDS_Char *DDS_String_dup(const DDS_Char *source);
 /* Releases a string that DDS_String_alloc, _dup or _replace made. NULL is allowed. */
@@ -140,36 +140,37 @@ typedef struct DDS_GUID_t {
 
 /* ---- Cookies of deferred writes ----------------------------------------------------------- */
 
-/* A short value that travels with a deferred write and identifies, to the application, the data
- * that is to be written. It holds a pointer or up to sizeof(value) bytes of the caller's choice;
+/* A short value that travels with a deferred write and tells the application which data are to be
+ * written. It holds a pointer or up to sizeof(value) bytes of the caller's choice;
  * it owns nothing. */
 typedef struct DDS_Cookie_t {
     DDS_Octet value[16];
     DDS_UnsignedLong length;
 } DDS_Cookie_t;
 
-/* An empty cookie (length 0). A NULL is ignored. */
+/* Makes the cookie empty (length 0). A NULL is ignored. */
 KOLT_EXPORT void DDS_Cookie_t_initialize(DDS_Cookie_t *self);
-/* Empties the cookie. A NULL is ignored; finalising twice is harmless. */
+/* Makes the cookie empty again. A NULL is ignored; finalising twice is harmless. */
 KOLT_EXPORT void DDS_Cookie_t_finalize(DDS_Cookie_t *self);
-/* Copies. False when either is NULL. */
+/* Copies `source`. False when either is NULL. */
 KOLT_EXPORT DDS_Boolean DDS_Cookie_t_copy(DDS_Cookie_t *self, const DDS_Cookie_t *source);
+/* True when both have the same length and value; false when either is NULL. */
 KOLT_EXPORT DDS_Boolean DDS_Cookie_equals(const DDS_Cookie_t *left, const DDS_Cookie_t *right);
 /* Stores `pointer` in the cookie. False when the cookie is NULL. */
 KOLT_EXPORT DDS_Boolean DDS_Cookie_from_pointer(DDS_Cookie_t *self, const void *pointer);
-/* The stored pointer; NULL when the cookie is NULL or holds no pointer. */
+/* Returns the stored pointer; NULL when the cookie is NULL or does not hold one. */
 KOLT_EXPORT void *DDS_Cookie_to_pointer(const DDS_Cookie_t *self);
 
 /* ---- Allocation of sample members --------------------------------------------------------- */
 
-/* How the members of a new sample are made. Default: all true but optional members. */
+/* Says how the members of a new sample are created. Default: all true but optional members. */
 typedef struct DDS_TypeAllocationParams_t {
     DDS_Boolean allocate_pointers;
     DDS_Boolean allocate_optional_members;
     DDS_Boolean allocate_memory;
 } DDS_TypeAllocationParams_t;
 
-/* What is freed with a sample. Default: all true. */
+/* Says what is freed with a sample. Default: all true. */
 typedef struct DDS_TypeDeallocationParams_t {
     DDS_Boolean delete_pointers;
     DDS_Boolean delete_optional_members;

@@ -32,7 +32,8 @@ typedef struct DDS_DataReaderListener {
                            const DDS_SampleLostStatus *status);
 } DDS_DataReaderListener;
 
-/* A subscriber's listener is told what its readers' own listeners do not handle. */
+/* The listener of a subscriber is called for the statuses of its readers that their own listeners
+ * do not handle. */
 typedef struct DDS_SubscriberListener {
     DDS_DataReaderListener reader_listener;
     void (*on_data_on_readers)(void *listener_data, DDS_Subscriber *subscriber);
@@ -40,49 +41,52 @@ typedef struct DDS_SubscriberListener {
 
 /* ---- Subscriber ---------------------------------------------------------------------------- */
 
-/* A reader of a topic or content-filtered topic. NULL (and a log message) for a NULL or foreign
- * topic, inconsistent QoS, a representation that the type does not allow, or no memory. Delete it
- * with DDS_Subscriber_delete_datareader. `qos` as for DDS_Publisher_create_datawriter. */
+/* Creates a reader of a topic or content-filtered topic. NULL (and a log message) for a NULL or
+ * foreign topic, inconsistent QoS, a representation that the type does not allow, or no memory.
+ * Delete it with DDS_Subscriber_delete_datareader. `qos` as for DDS_Publisher_create_datawriter. */
 KOLT_EXPORT DDS_DataReader *DDS_Subscriber_create_datareader(DDS_Subscriber *self,
                                                              DDS_TopicDescription *topic,
                                                              const DDS_DataReaderQos *qos,
                                                              const DDS_DataReaderListener *listener,
                                                              DDS_StatusMask mask);
-/* Not QoS but marks that are recognised by their address. */
+/* Marks that are recognised by their address; they hold no QoS. */
 KOLT_EXPORT extern const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT;
 KOLT_EXPORT extern const DDS_DataReaderQos DDS_DATAREADER_QOS_USE_TOPIC_QOS;
-/* PRECONDITION_NOT_MET when the reader is not one of this subscriber's, has loans out, or has
- * conditions. */
+/* Deletes a reader. PRECONDITION_NOT_MET when it does not belong to this subscriber, has loans out,
+ * or has conditions. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_delete_datareader(DDS_Subscriber *self,
                                                               DDS_DataReader *reader);
-/* Deletes all of its readers, with their conditions, also attached ones. PRECONDITION_NOT_MET when
- * a reader has loans out; that one stays. */
+/* Deletes all readers of the subscriber with their conditions, attached ones included.
+ * PRECONDITION_NOT_MET when a reader has loans out; that one stays. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_delete_contained_entities(DDS_Subscriber *self);
-/* Any one reader for the topic name, which is that of the topic description that it was made for;
+/* Returns any one reader of the subscriber that was created for a topic description of this name;
  * NULL when there is none. */
 KOLT_EXPORT DDS_DataReader *DDS_Subscriber_lookup_datareader(DDS_Subscriber *self,
                                                              const char *topic_name);
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_get_qos(DDS_Subscriber *self, DDS_SubscriberQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_set_qos(DDS_Subscriber *self,
                                                     const DDS_SubscriberQos *qos);
-/* Replaces the listener (the record is copied; NULL removes it). It is told of what happens from
- * now on. While `on_data_on_readers` is handled, readers' `on_data_available` is called only
+/* Replaces the listener (the record is copied; NULL removes it). It is called for changes from now
+ * on. While `on_data_on_readers` is handled, readers' `on_data_available` is called only
  * through DDS_Subscriber_notify_datareaders. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_set_listener(DDS_Subscriber *self,
                                                          const DDS_SubscriberListener *listener,
                                                          DDS_StatusMask mask);
-/* What a reader without QoS of its own gets; INCONSISTENT_POLICY when it would be inconsistent. */
+/* Get and set the QoS of readers that are created without QoS of their own. Setting gives
+ * INCONSISTENT_POLICY for QoS that no reader could have. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_get_default_datareader_qos(DDS_Subscriber *self,
                                                                        DDS_DataReaderQos *qos);
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self, const DDS_DataReaderQos *qos);
-/* Replaces the policies of `reader_qos` that a topic has, too. */
+/* Replaces the policies of `reader_qos` that topics have, too, by those of `topic_qos`.
+ * OUT_OF_RESOURCES when memory runs out. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
                                                                 DDS_DataReaderQos *reader_qos,
                                                                 const DDS_TopicQos *topic_qos);
-/* Calls on_data_available, on the calling thread, for each reader with data that nobody was told
- * of. */
+/* Calls on_data_available, on the calling thread, for each reader that has data for which no
+ * listener was called yet. NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self);
+/* Returns the participant that created it. */
 KOLT_EXPORT DDS_DomainParticipant *DDS_Subscriber_get_participant(DDS_Subscriber *self);
 
 /* ---- Data reader --------------------------------------------------------------------------- */
@@ -91,16 +95,19 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_Da
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self,
                                                     const DDS_DataReaderQos *qos);
 /* Replaces the listener (the record is copied; NULL removes it). When a status in `mask` has
- * changed already (data arrived before the listener came), its callback is called at once. A NULL
- * reader is an absent reader and gives OK: there is nothing to listen to. */
+ * changed already (data arrived before the listener came), its callback is called at once, on the
+ * calling thread. A NULL reader is an absent reader and gives OK: there is nothing to listen to. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
                                                          const DDS_DataReaderListener *listener,
                                                          DDS_StatusMask mask);
-/* The listener in force; all NULL when there is none. */
+/* Returns the listener in force; all members are NULL when there is none. */
 KOLT_EXPORT DDS_DataReaderListener DDS_DataReader_get_listener(DDS_DataReader *self);
+/* Return the topic description that the reader was created for, and the subscriber that created
+ * it. */
 KOLT_EXPORT DDS_TopicDescription *DDS_DataReader_get_topicdescription(DDS_DataReader *self);
 KOLT_EXPORT DDS_Subscriber *DDS_DataReader_get_subscriber(DDS_DataReader *self);
-/* The endpoint type name of the reader's type plugin, by which typed readers narrow. */
+/* Returns the endpoint type name of the reader's type plugin, by which typed readers narrow. It
+ * belongs to the plugin. */
 KOLT_EXPORT const char *DDS_DataReader_get_endpoint_type_name(DDS_DataReader *self);
 /* Deletes all conditions; PRECONDITION_NOT_MET, and nothing deleted, when one is attached to a
  * waitset. */
@@ -121,13 +128,14 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_subscription_matched_status(
     DDS_DataReader *self, DDS_SubscriptionMatchedStatus *status);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_sample_lost_status(DDS_DataReader *self,
                                                                    DDS_SampleLostStatus *status);
-/* The instance handles of the writers that it is matched with. */
+/* Copies the instance handles of the writers that the reader is matched with. OUT_OF_RESOURCES when
+ * `handles` has no room and cannot grow, NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t
 DDS_DataReader_get_matched_publications(DDS_DataReader *self, DDS_InstanceHandleSeq *handles);
 
-/* Conditions. NULL (and a log message) for a mask that selects nothing, a wrong query expression, a
- * disabled reader, or no memory; and for a query condition beyond 31 of a reader or 256 of the
- * process. Samples without data satisfy every query. */
+/* Create conditions, which belong to the reader. NULL (and a log message) for a mask that selects
+ * nothing, a wrong query expression, a disabled reader, or no memory; and for a query condition
+ * beyond 31 of a reader or 256 of the process. Samples without data satisfy every query. */
 KOLT_EXPORT DDS_ReadCondition *DDS_DataReader_create_readcondition(
     DDS_DataReader *self, DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
     DDS_InstanceStateMask instance_states);
@@ -135,11 +143,12 @@ KOLT_EXPORT DDS_QueryCondition *DDS_DataReader_create_querycondition(
     DDS_DataReader *self, DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
     DDS_InstanceStateMask instance_states, const char *query_expression,
     const DDS_StringSeq *query_parameters);
-/* PRECONDITION_NOT_MET when it is not one of this reader's or is attached to a waitset. */
+/* Deletes a read or query condition. PRECONDITION_NOT_MET when it does not belong to this reader or
+ * is attached to a waitset. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_delete_readcondition(DDS_DataReader *self,
                                                                  DDS_ReadCondition *condition);
 
-/* Which samples a read or take is about. */
+/* Selects the instances that a read or take is about. */
 typedef enum KOLT_ReadScope KOLT_ENUM_BASE {
     KOLT_READ_ALL = 0,          /* every instance */
     KOLT_READ_INSTANCE = 1,     /* the instance `handle` */
@@ -156,17 +165,25 @@ typedef struct KOLT_ReadSelection {
     DDS_Long max_samples; /* 1 or more, or DDS_LENGTH_UNLIMITED */
 } KOLT_ReadSelection;
 
-/* The one untyped read and take, under all typed ones (DDS 1.4, 2.2.2.5.3.8).
- * `data` describes the caller's data sequence: when it owns a buffer (maximum above 0) samples are
- * copied into it, at most its maximum; when its maximum is 0 samples are loaned: `*loan` becomes an
- * array of `*count` sample pointers, `info_seq` is loaned, too, and both go back through
- * DDS_DataReader_return_loan_untypedI. OK, NO_DATA, or: BAD_PARAMETER (a NULL, max_samples of 0 or
- * below -1, a foreign condition), PRECONDITION_NOT_MET (the sequences do not fit each other:
- * lengths, maxima and ownership must agree; a data or info sequence that still holds a loan;
- * max_samples larger than the maximum of an owning one), OUT_OF_RESOURCES, NOT_ENABLED. A handle
- * that is no instance is BAD_PARAMETER, one that has no samples NO_DATA. `*loan` is NULL and
- * `*count` 0 unless the result is OK. "After `handle`" is the order of the handles' numbers;
- * DDS_HANDLE_NIL is before all. Any number of loans may be out at once. */
+/* Reads or takes samples untyped; all typed reads and takes end here (DDS 1.4, 2.2.2.5.3.8).
+ *
+ * The four `data_` arguments describe the caller's data sequence:
+ *   - when it owns a buffer (maximum above 0), samples of `element_size` bytes are copied into it,
+ *     at most its maximum;
+ *   - when its maximum is 0, samples are loaned: `*loan` becomes an array of `*count` sample
+ *     pointers, `info_seq` is loaned, too, and both go back through
+ *     DDS_DataReader_return_loan_untypedI. Any number of loans may be out at once.
+ *
+ * The order of instances in KOLT_READ_NEXT_INSTANCE is that of the handles' numbers;
+ * DDS_HANDLE_NIL comes before all.
+ *
+ * `*loan` is NULL and `*count` 0 unless the result is OK. Other results:
+ *   - NO_DATA: no sample is selected, or the instance has none;
+ *   - BAD_PARAMETER: a NULL, max_samples of 0 or below -1, a condition of another reader, or a
+ *     handle that is not that of an instance;
+ *   - PRECONDITION_NOT_MET: the sequences differ in length, maximum or ownership, or hold a loan,
+ *     or max_samples exceeds the maximum of an owning one;
+ *   - OUT_OF_RESOURCES, NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
     DDS_DataReader *self, const KOLT_ReadSelection *selection, DDS_UnsignedLong data_length,
     DDS_UnsignedLong data_maximum, DDS_Boolean data_owned, void *data_contiguous_buffer,
@@ -176,35 +193,37 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_untypedI(
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_return_loan_untypedI(DDS_DataReader *self, void **loan,
                                                                  DDS_UnsignedLong count,
                                                                  DDS_SampleInfoSeq *info_seq);
-/* The next sample that was not read, copied into the caller's initialised record. NO_DATA. */
+/* Reads or takes the next sample that was not read yet, as a copy in the caller's initialised
+ * record. NO_DATA when there is none, NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DDS_DataReader *self,
                                                                               DDS_Boolean take,
                                                                               void *sample,
                                                                               DDS_SampleInfo *info);
-/* Fills the key members of `key_holder`; the others stay. BAD_PARAMETER (and a log message) for a
- * handle that is no instance, and for an unkeyed type.
+/* Fills the key members of `key_holder`, an initialised record; the others stay. BAD_PARAMETER (and
+ * a log message) for a handle that is not that of an instance, and for an unkeyed type;
+ * NOT_ENABLED.
  *
  * An instance is known while the reader has samples of it, taken ones not counted, or a writer of
  * it lives and has not unregistered it: also when it is disposed and nothing is left to read. When
  * the last writer has gone and the last sample was taken, the instance is gone: its handle then
  * gives BAD_PARAMETER, its key no handle, and should it come back it is a new instance, under
  * another handle. (Only an instance that a writer of this process has registered by hand stays
- * known.) Whoever wants to know which instance has gone therefore takes the key from the sample
- * that says so: a sample without data (`valid_data` is false) has its key members set, and only
- * these; or keeps the key beside the handle. */
+ * known.) An application that wants to know which instance has gone therefore keeps the key beside
+ * the handle, or takes it from the sample that tells of the end: a sample without data
+ * (`valid_data` is false) has its key members set, and only these. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
                                                           DDS_InstanceHandle_t handle);
-/* The handle of the key's instance; DDS_HANDLE_NIL when nobody in this process knows it (yet, or
- * any more: see DDS_DataReader_get_key_value), and for an unkeyed type. */
+/* Returns the handle of the key's instance; DDS_HANDLE_NIL when nobody in this process knows it
+ * (yet, or any more: see DDS_DataReader_get_key_value), and for an unkeyed type. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self,
                                                                 const void *key_holder);
-/* Loaned samples are copies that nothing overwrites: always consistent. */
+/* Sets `*is_data_consistent` to true: loaned samples are copies that nothing overwrites. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_is_data_consistent(DDS_DataReader *self,
                                                                DDS_Boolean *is_data_consistent,
                                                                const void *sample,
                                                                const DDS_SampleInfo *info);
-/* Injecting samples on behalf of remote writers is not something that the engine offers:
- * UNSUPPORTED (and a log message) after the arguments were checked. */
+/* Give UNSUPPORTED (and a log message) once the arguments are checked: the engine does not let
+ * samples be injected on behalf of remote writers. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_add_sample_to_remote_writer_queue(
     DDS_DataReader *self, const void *sample, const DDS_WriteParams_t *params);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_add_dispose_to_remote_writer_queue(

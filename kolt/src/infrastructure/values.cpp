@@ -32,7 +32,7 @@ constexpr std::array<const char *, 13> kReturnCodeNames = {
 static_assert(kReturnCodeNames.size() == DDS_RETCODE_ILLEGAL_OPERATION + 1);
 
 // How much of a cookie's value is meaningful, whatever its length field says.
-std::size_t CookieSize(const DDS_Cookie_t &cookie) {
+std::size_t cookie_size(const DDS_Cookie_t &cookie) {
     return cookie.length < sizeof(cookie.value) ? cookie.length : sizeof(cookie.value);
 }
 
@@ -75,7 +75,7 @@ DDS_Boolean DDS_Cookie_equals(const DDS_Cookie_t *left, const DDS_Cookie_t *righ
         return DDS_BOOLEAN_FALSE;
     }
     return left->length == right->length &&
-           std::memcmp(left->value, right->value, CookieSize(*left)) == 0;
+           std::memcmp(left->value, right->value, cookie_size(*left)) == 0;
 }
 
 DDS_Boolean DDS_Cookie_from_pointer(DDS_Cookie_t *self, const void *pointer) {
