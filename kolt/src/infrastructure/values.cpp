@@ -5,7 +5,8 @@
 #include "kolt/infrastructure.h"
 
 extern "C" {
-// Designated by the extern declarations of the header; without these a C++ const would be local.
+// The extern declarations of the header give these external linkage, which a C++ const would not
+// have.
 const DDS_Time_t DDS_TIME_INVALID = {DDS_TIME_INVALID_SEC, DDS_TIME_INVALID_NSEC};
 const DDS_Duration_t DDS_DURATION_INFINITE = {DDS_DURATION_INFINITE_SEC,
                                               DDS_DURATION_INFINITE_NSEC};
@@ -31,7 +32,7 @@ constexpr std::array<const char *, 13> kReturnCodeNames = {
 };
 static_assert(kReturnCodeNames.size() == DDS_RETCODE_ILLEGAL_OPERATION + 1);
 
-// How much of a cookie's value is meaningful, whatever its length field says.
+// Returns how many bytes of a cookie's value count, whatever its length field says.
 std::size_t cookie_size(const DDS_Cookie_t &cookie) {
     return cookie.length < sizeof(cookie.value) ? cookie.length : sizeof(cookie.value);
 }

@@ -1,3 +1,4 @@
+// The log messages of the barrier.
 #include "engine/barrier/barrier.hpp"
 
 #include <cstdarg>

@@ -1,5 +1,5 @@
-// How the entity functions report: one log line for each failure that a user can cause, and no
-// exception past a C function.
+// The barrier between the C functions and their implementations: it checks arguments, logs one line
+// for each failure that a user can cause, and stops exceptions.
 #pragma once
 
 #include <functional>
@@ -20,16 +20,17 @@ DDS_ReturnCode_t fail(DDS_ReturnCode_t code, const char *method, const char *for
 #endif
     ;
 
-// Logs a NULL or otherwise useless argument.
+// Logs that the argument `name` is NULL or out of range, and returns BAD_PARAMETER.
 DDS_ReturnCode_t bad_parameter(const char *method, const char *name);
 
 // Logs and returns NOT_ENABLED.
 DDS_ReturnCode_t not_enabled(const char *method);
 
-// Logs what happened to an entity at level STATUS_LOCAL.
+// Logs at level STATUS_LOCAL that an entity was created, deleted or the like (`what`).
 void note_entity(const char *method, const char *what, const char *kind, const char *name);
 
-// Returns what a function that fails gives: `code`, or NULL, 0, an empty record.
+// Returns the result of a function that fails: `code` if it is a return code, else NULL, 0 or an
+// empty record.
 template <typename Result>
 Result failure(DDS_ReturnCode_t code) {
     if constexpr (std::is_same_v<Result, DDS_ReturnCode_t>) {
@@ -88,19 +89,19 @@ struct Required {
     Get get;
 };
 
-// Hands on the pointer.
+// Marks an argument whose pointer is handed on.
 template <typename Pointee>
 auto required(Pointee *pointer, const char *name) {
     const auto get = [](Pointee *p) { return p; };
     return Required<Pointee, decltype(get)>{pointer, name, get};
 }
-// Hands on what it points to.
+// Marks an argument whose pointee is handed on, by reference.
 template <typename Pointee>
 auto required_value(Pointee *pointer, const char *name) {
     const auto get = [](Pointee *p) -> Pointee & { return *p; };
     return Required<Pointee, decltype(get)>{pointer, name, get};
 }
-// Hands on the implementation behind the handle.
+// Marks a handle whose implementation is handed on.
 template <typename Impl, typename Handle>
 auto required_as(Handle *handle, const char *name) {
     const auto get = [](Handle *h) { return Impl::of(h); };

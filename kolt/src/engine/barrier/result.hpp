@@ -7,7 +7,7 @@
 
 namespace kolt::engine {
 
-// Holds a value, or the code of the failure that kept it from being.
+// Holds a value, or the code of the failure that there was instead.
 template <typename Value>
 class Result {
   public:

@@ -1,3 +1,4 @@
+// Conditions and waitsets: who is attached to whom, and waiting.
 #include "engine/condition/condition.hpp"
 
 #include <algorithm>
@@ -90,7 +91,7 @@ WaitSet::WaitSet() {
         throw std::bad_alloc();
     }
     wake_up_ = dds_create_guardcondition(api::kLibrary);
-    // A waitset of the engine that watches nothing does not wait.
+    // The engine's waitsets do not wait unless they watch something.
     if (wake_up_ < 0 || dds_waitset_attach(engine_, wake_up_, 0) < 0) {
         if (wake_up_ > 0) {
             dds_delete(wake_up_);
@@ -201,7 +202,7 @@ DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
         }
         triggered.resize(std::min(static_cast<std::size_t>(result), triggered.size()));
         collect(triggered, active);
-        // What triggered may have been detached in the meantime.
+        // A condition that triggered may have been detached in the meantime.
         if (!active->empty()) {
             return DDS_RETCODE_OK;
         }

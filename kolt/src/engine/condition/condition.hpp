@@ -1,9 +1,8 @@
 // Conditions and waitsets, on the engine's.
 //
-// Each condition is watched through an engine entity: a status condition through its entity, a
-// guard, read or query condition through one of its own. Which condition is attached to which
-// waitset is guarded by one process-wide mutex; attaching is rare and waiting does not take it
-// while it waits.
+// The engine's waitsets watch each condition through an engine entity: a status condition through
+// its entity, a guard, read or query condition through one of its own. One process-wide mutex
+// guards the attachments: attaching is rare, and a thread does not hold the mutex while it waits.
 #pragma once
 
 #include <atomic>
@@ -23,7 +22,7 @@ struct KOLT_ConditionImpl {
   public:
     // `self` is the derived object's C record, which that object makes point back to itself.
     explicit KOLT_ConditionImpl(DDS_Condition *self) : self_(self) {}
-    // Takes it out of the waitsets; the derived condition has stopped them from watching.
+    // Takes the condition out of the waitsets. The derived destructor has called stop_watching().
     virtual ~KOLT_ConditionImpl();
     KOLT_ConditionImpl(const KOLT_ConditionImpl &) = delete;
     KOLT_ConditionImpl &operator=(const KOLT_ConditionImpl &) = delete;
@@ -33,12 +32,13 @@ struct KOLT_ConditionImpl {
     }
 
     DDS_Condition *self() const { return self_; }
-    // What the engine's waitsets watch; 0 while there is nothing to watch.
+    // Returns the engine entity that waitsets watch; 0 while there is none.
     virtual dds_entity_t watched() const = 0;
     bool is_triggered() const;
     bool is_attached() const;
 
-    // The watched entity has come into being, or goes.
+    // Attach the watched entity, which has just been created, to the engine's waitsets, and detach
+    // it before it goes.
     void start_watching();
     void stop_watching();
 
@@ -71,7 +71,8 @@ class GuardCondition final : public Condition {
 
 }  // namespace kolt::engine
 
-struct DDS_WaitSet {};  // what the application holds a pointer to
+// Stands for a waitset in the application's hands.
+struct DDS_WaitSet {};
 
 namespace kolt::engine {
 
@@ -86,7 +87,7 @@ class WaitSet final : public DDS_WaitSet {
     DDS_ReturnCode_t attach(Condition *condition);
     DDS_ReturnCode_t detach(Condition *condition, const char *method);
     DDS_ReturnCode_t get_conditions(DDS_ConditionSeq *conditions, const char *method) const;
-    // PRECONDITION_NOT_MET when another thread waits.
+    // Waits until a condition triggers. PRECONDITION_NOT_MET when another thread waits.
     DDS_ReturnCode_t wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout,
                           const char *method);
     bool is_waited_on() const { return waiting_.load(); }
@@ -94,8 +95,10 @@ class WaitSet final : public DDS_WaitSet {
   private:
     friend struct ::KOLT_ConditionImpl;
 
+    // Waits for conditions that trigger, and appends them to `active`.
     DDS_ReturnCode_t wait_for_trigger(const DDS_Duration_t &timeout,
                                       std::vector<Condition *> *active);
+    // Appends those of the triggered conditions that are still attached.
     void collect(const std::vector<dds_attach_t> &triggered, std::vector<Condition *> *active);
 
     dds_entity_t engine_ = 0;

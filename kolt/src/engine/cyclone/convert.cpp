@@ -1,3 +1,4 @@
+// Tables and arithmetic of the translation between KOLT's values and the engine's.
 #include "engine/cyclone/convert.hpp"
 
 #include <array>

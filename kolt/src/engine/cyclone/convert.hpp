@@ -8,10 +8,11 @@
 
 namespace kolt::engine {
 
-// The standard's return code for an engine result; positive results are OK.
+// Returns the standard's code for a result of the engine; positive results are OK.
 DDS_ReturnCode_t to_return_code(dds_return_t result);
 
-// Durations in nanoseconds; the infinite one is the engine's. Beyond 292 years is infinite, too.
+// Translate durations; the engine counts nanoseconds. One that DDS_Duration_t cannot hold becomes
+// infinite.
 dds_duration_t to_engine(const DDS_Duration_t &duration);
 DDS_Duration_t from_engine_duration(dds_duration_t duration);
 
@@ -20,7 +21,7 @@ bool is_valid_time(const DDS_Time_t &time);
 dds_time_t to_engine(const DDS_Time_t &time);
 DDS_Time_t from_engine_time(dds_time_t time);
 
-// One engine mask of the three state masks. False when one of them selects nothing.
+// Joins the three state masks to the engine's one. False when one of them selects nothing.
 bool states_to_engine(DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
                       DDS_InstanceStateMask instance_states, std::uint32_t *mask);
 

@@ -1,4 +1,4 @@
-// The engine's C interface, made fit to stand beside KOLT's.
+// The engine's C interface, in a form that can stand beside KOLT's.
 //
 // Both follow the same standard and use the same names for different things: the engine has macros
 // where KOLT has enumerators or macros of other values. The engine's enumerators are renamed while
@@ -149,12 +149,12 @@ inline constexpr std::uint32_t kNotNewView = DDS_NOT_NEW_VIEW_STATE;
 inline constexpr std::uint32_t kAlive = DDS_ALIVE_INSTANCE_STATE;
 inline constexpr std::uint32_t kNotAliveDisposed = DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE;
 inline constexpr std::uint32_t kNotAliveNoWriters = DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE;
-// "No mask given": a read through a condition then uses the condition's own.
+// Stands for no mask: a read through a condition then uses the condition's own.
 inline constexpr std::uint32_t kNoStateMask = DDS_ANY_STATE + 1U;
-// Number of samples that stands for "as many as the buffer holds, the cache being locked already".
+// Stands, as a number of samples, for as many as the buffer holds, with the cache locked already.
 inline constexpr std::uint32_t kReadLocked = DDS_READ_WITHOUT_LOCK;
 
-// Parent of what belongs to no participant.
+// The parent of entities that do not belong to a participant.
 inline constexpr dds_entity_t kLibrary = DDS_CYCLONEDDS_HANDLE;
 
 inline constexpr dds_duration_t kInfinity = DDS_INFINITY;

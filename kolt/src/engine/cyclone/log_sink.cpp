@@ -1,5 +1,5 @@
 // The engine's log sinks. The engine calls them on the thread that logs, with complete lines, while
-// it holds its sink lock for reading: nothing in here, or in a device, may set sinks or masks
+// it holds its sink lock for reading: nothing in here, and no log device, may set sinks or masks
 // through the functions that take that lock for writing.
 
 #include "engine/cyclone/log_sink.hpp"
@@ -40,8 +40,8 @@ static_assert(log::kEngineShm == DDS_LC_SHM);
 
 constexpr std::uint32_t kEveryCategory = DDS_LC_SHM * 2 - 1;
 
-// The engine has no category for security; the code that does it has a source folder, and files
-// elsewhere that carry it in their names.
+// True for a message about security. The engine does not have a category for it, but the source
+// files carry it in their paths.
 bool is_security_source(const char *file) {
     return file != nullptr && std::strstr(file, "security") != nullptr;
 }
@@ -55,7 +55,7 @@ void sink(void *, const dds_log_data_t *data) {
 
 void install_log_sink() {
     static const bool installed = [] {
-        // Lets the trace categories through the engine's second mask, which only this call sets.
+        // Opens the engine's second mask for the trace categories; only this call sets it.
         dds_set_log_mask(kEveryCategory);
         // The same function and argument twice: the engine then calls it once for each message.
         dds_set_log_sink(sink, nullptr);

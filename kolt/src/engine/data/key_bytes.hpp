@@ -1,4 +1,4 @@
-// A canonical key: short ones, which are the rule, without memory of their own.
+// A canonical key. Short ones, which are the rule, need no memory of their own.
 #pragma once
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// Attaching type plugins to participants and endpoints.
 #include "engine/data/registered_type.hpp"
 
 #include <cstring>

@@ -1,6 +1,6 @@
-// A type registered with a participant, and its plugin's data for one endpoint. Both live until the
-// last thing that needs them is gone: samples in the engine's caches hold buffers of a writer's
-// pool long after the writer.
+// A type registered with a participant, and its plugin's data for one endpoint. Both are shared by
+// all that need them: samples in the engine's caches hold buffers of a writer's pool long after the
+// writer is deleted.
 #pragma once
 
 #include <memory>
@@ -14,8 +14,9 @@ class TypeAnnouncement;
 
 class RegisteredType {
   public:
-    // Attaches the plugin to the participant. nullptr when the plugin, or the compilation of its
-    // type code, refuses. `described`: not only the type's name is announced, if that can be.
+    // Attaches the plugin to the participant. nullptr when the plugin fails, or its type code
+    // cannot be compiled. With `described` the type's description is announced beside its name, if
+    // it has one.
     static std::shared_ptr<RegisteredType> create(const char *name, const KOLT_TypePlugin &plugin,
                                                   void *registration_data, DDS_DomainId_t domain_id,
                                                   bool described, const char *method);
@@ -29,12 +30,12 @@ class RegisteredType {
     const KOLT_TypePrograms *programs() const { return programs_; }
     KOLT_TypePluginParticipantData *participant_data() const { return participant_data_; }
     bool is_keyed() const { return keyed_; }
-    // What the engine is told of the type; nullptr when it goes by its name alone.
+    // Returns the description for the engine; nullptr for a type that goes by its name alone.
     const std::shared_ptr<const TypeAnnouncement> &announcement() const { return announcement_; }
     // True when `plugin` stands for the same type.
     bool is_same(const KOLT_TypePlugin &plugin) const;
-    // The representation that a writer which asked for `representation` uses: AUTO becomes XCDR1 if
-    // the type allows it, XCDR2 otherwise. False when the type does not allow it.
+    // Resolves the representation that a writer asked for: AUTO becomes XCDR1 if the type allows
+    // that, XCDR2 otherwise. False when the type does not allow it.
     bool resolve_representation(DDS_DataRepresentationId_t *representation) const;
 
   private:
@@ -51,7 +52,7 @@ class RegisteredType {
 
 class TypeEndpoint {
   public:
-    // nullptr when the plugin refuses.
+    // Attaches the plugin to an endpoint. nullptr when the plugin fails.
     static std::shared_ptr<TypeEndpoint> create(std::shared_ptr<RegisteredType> type,
                                                 const KOLT_TypePluginEndpointInfo &info);
     ~TypeEndpoint();

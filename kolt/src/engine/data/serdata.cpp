@@ -1,3 +1,4 @@
+// The engine's operations on serialised samples.
 #include "engine/data/serdata.hpp"
 
 #include <dds/ddsrt/mh3.h>
@@ -58,12 +59,12 @@ const ddsi_serdata_ops Serdata::kOps = {
 
 // ---- Making and freeing -------------------------------------------------------------------------
 
-// The bytes, if they are its own, lie behind the object in the same block.
+// Creates an object with room for `inline_size` bytes of its own behind it, in the same block.
 Serdata *Serdata::create(const Sertype *type, ddsi_serdata_kind kind, std::size_t inline_size) {
     void *const block = ::operator new(sizeof(Serdata) + round_up(inline_size));
     auto *const serdata = new (block) Serdata;
-    // The engine's initialisation reads its operations from a type, which a key of no particular
-    // type has none of.
+    // A key of no particular type has no sertype, from which the engine's own initialisation reads
+    // the operations: the base is initialised here.
     std::memset(static_cast<void *>(static_cast<ddsi_serdata *>(serdata)), 0, sizeof(ddsi_serdata));
     serdata->ops = &kOps;
     serdata->kind = kind;
@@ -111,7 +112,7 @@ Serdata::~Serdata() {
     }
 }
 
-// The engine's count, as what it is: an atomic.
+// Returns the engine's reference count as an atomic.
 static std::atomic_ref<std::uint32_t> counter(const Serdata *serdata) {
     return std::atomic_ref<std::uint32_t>(const_cast<Serdata *>(serdata)->refc.v);
 }
@@ -129,7 +130,7 @@ void Serdata::unref() const {
 
 void Serdata::free_op(ddsi_serdata *d) {
     auto *const serdata = static_cast<Serdata *>(d);
-    // Whoever let go before has done with the sample: pairs with the release in unref().
+    // Pairs with the release in unref(): every other thread has finished with the sample.
     counter(serdata).load(std::memory_order_acquire);
     serdata->~Serdata();
     ::operator delete(static_cast<void *>(serdata));
@@ -156,7 +157,7 @@ bool Serdata::unseal() {
     return true;
 }
 
-// The engine looks keys up by hash across all types, and so the type has no part in it.
+// The type is not part of the hash: the engine looks keys up across all types.
 void Serdata::set_hash() {
     hash = ddsrt_mh3(key_.data(), key_.size(), 0);
 }
@@ -187,7 +188,7 @@ bool Serdata::set_key_from_bytes(const Sertype &sertype) {
 
 namespace {
 
-// A serdata of `size` bytes that `copy(bytes)` writes. nullptr when they are malformed.
+// Creates a serdata of `size` bytes, which `copy(bytes)` writes. nullptr when they are malformed.
 template <typename Copy>
 ddsi_serdata *from_wire(const ddsi_sertype *type, ddsi_serdata_kind kind, std::size_t size,
                         Copy &&copy) {

@@ -1,10 +1,10 @@
-// A sample, or a key alone, in serialised form: what the engine's caches hold and what goes over
-// the wire, encapsulation header included.
+// A sample, or a key alone, in serialised form with its encapsulation header, as it lies in the
+// engine's caches and goes over the wire.
 //
-// The engine's notion of a "sample in memory", which it fills when an application reads and hands
-// to filters, is here a SerdataView: a counted reference to the serialised sample. Filters and
-// query conditions thus see serialised bytes, and records are built only for what an application
-// reads.
+// The engine has "samples in memory", which it fills when an application reads, and hands to
+// filters. Here each of them is a SerdataView: a counted reference to the serialised sample.
+// Filters and query conditions thus see serialised bytes, and records are built only for samples
+// that an application reads.
 #pragma once
 
 #include <cstddef>
@@ -20,40 +20,42 @@ namespace kolt::engine {
 
 class Serdata final : public ddsi_serdata {
   public:
-    // Memory of its own for `size` bytes, at least the header's; bytes() are to be written by the
-    // caller. All three throw std::bad_alloc and give one reference.
+    // The three functions create an object with one reference. They throw std::bad_alloc.
+    //
+    // An object with memory of its own for `size` bytes, at least the header's. The caller writes
+    // bytes().
     static Serdata *allocate(const Sertype &type, ddsi_serdata_kind kind, std::size_t size);
     // A sample that was serialised into a buffer of a writer's pool. It owns the buffer and keeps
     // the pool alive.
     static Serdata *adopt(const Sertype &type, std::shared_ptr<TypeEndpoint> endpoint,
                           const KOLT_CdrStream &buffer);
-    // A key alone, in the canonical form with the header of the plain encoding that it has.
-    // `type` is nullptr for a key of no particular type.
+    // A key alone: the header of plain big-endian XCDR2, and the canonical form of the key. `type`
+    // is nullptr for a key of no particular type.
     static Serdata *from_key(const Sertype *type, const DDS_Octet *key, std::size_t size);
 
     static const Serdata &of(const ddsi_serdata *base) {
         return *static_cast<const Serdata *>(base);
     }
 
-    // References are counted where the engine counts its own. ref() gives the object itself.
+    // Count references in the engine's own counter. ref() returns the object itself.
     Serdata *ref() const;
     void unref() const;
 
     DDS_Octet *bytes() { return bytes_; }
     const DDS_Octet *bytes() const { return bytes_; }
-    // Header included; the bytes up to the next multiple of 4 can be read as well.
+    // Returns the size with the header. The bytes up to the next multiple of 4 can be read as well.
     std::size_t size() const { return size_; }
     bool has_data() const { return kind == SDK_DATA; }
     const KeyBytes &key() const { return key_; }
 
-    // Sets the key from a record, or from the bytes themselves. False when it cannot be had.
+    // Set the key from a record, or from the bytes themselves. False when these are malformed.
     bool set_key_from_record(const Sertype &type, const void *record);
     bool set_key_from_bytes(const Sertype &type);
-    // The bytes are complete, `size` of them: writes the number of bytes that pad them to a
-    // multiple of 4 into the header (DDS-XTypes 1.3, 7.6.3.1.2).
+    // Ends the writing of bytes, `size` in all: pads them to a multiple of 4 and notes the number
+    // of padding bytes in the header (DDS-XTypes 1.3, 7.6.3.1.2).
     void seal(std::size_t size);
-    // The bytes came from the wire: drops the padding that the header tells of. False when there is
-    // less than a header.
+    // Drops the padding that the header of bytes from the wire tells of. False when there are fewer
+    // bytes than that, or than a header.
     bool unseal();
 
     static const ddsi_serdata_ops kOps;
@@ -91,12 +93,12 @@ class Serdata final : public ddsi_serdata {
     DDS_Octet *bytes_ = nullptr;
     std::size_t size_ = 0;
     KeyBytes key_;
-    // Of a sample that lies in a writer's pool.
+    // The pool and the buffer of a sample that lies in a writer's pool:
     std::shared_ptr<TypeEndpoint> endpoint_;
     KOLT_CdrStream buffer_{};
 };
 
-// A counted reference to a serialised sample; all zero bytes are an empty one.
+// A counted reference to a serialised sample. An object of zero bytes is an empty one.
 class SerdataView {
   public:
     SerdataView() = default;

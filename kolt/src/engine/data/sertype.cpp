@@ -1,3 +1,4 @@
+// The engine's operations on types.
 #include "engine/data/sertype.hpp"
 
 #include <dds/ddsi/ddsi_typelib.h>
@@ -11,7 +12,7 @@ namespace kolt::engine {
 
 namespace {
 
-// Samples, for the engine, are views; its sample buffers are arrays of them.
+// The engine's sample buffers are arrays of views.
 
 void zero_samples_op(const ddsi_sertype *, void *samples, std::size_t count) {
     std::memset(samples, 0, count * sizeof(SerdataView));
@@ -19,7 +20,7 @@ void zero_samples_op(const ddsi_sertype *, void *samples, std::size_t count) {
 
 void realloc_samples_op(void **pointers, const ddsi_sertype *, void *old, std::size_t old_count,
                         std::size_t count) {
-    // ddsrt_realloc does not return without memory.
+    // ddsrt_realloc ends the process when memory runs out.
     auto *const views = static_cast<SerdataView *>(ddsrt_realloc(old, count * sizeof(SerdataView)));
     if (count > old_count) {
         std::memset(static_cast<void *>(views + old_count), 0,
@@ -90,8 +91,8 @@ void Sertype::free_op(ddsi_sertype *base) {
     delete type;
 }
 
-// The engine compares the names itself, and an announcement, if there is one, follows from name and
-// type code.
+// Compares what the engine does not compare itself. An announcement follows from the name, which
+// the engine compares, and the type code.
 bool Sertype::equal_op(const ddsi_sertype *a, const ddsi_sertype *b) {
     return of(a).programs_ == of(b).programs_ &&
            (of(a).announcement_ == nullptr) == (of(b).announcement_ == nullptr);

@@ -1,3 +1,4 @@
+// Which types are described to other participants, and how.
 #include "engine/data/type_announcement.hpp"
 
 #include <dds/ddsi/ddsi_typelib.h>
@@ -11,11 +12,12 @@ namespace kolt::engine {
 
 namespace {
 
-// The union could be described as the standard says, and the engine would pass that on. But a
-// program of the engine that makes a reader of the description ends in the engine's type builder,
-// which knows no such union and frees what it has made twice; and programs of its IDL compiler,
-// which knows none either, describe the bytes as a structure, which never matches a union, while
-// the types' names do.
+// True for a type that holds a mutable union. The standard's description of such a union would harm
+// programs that use the engine directly:
+//   - one that builds a reader from the description crashes in the engine's type builder, which
+//     does not support the union and frees memory twice;
+//   - one made by the engine's IDL compiler, which does not support it either, describes the bytes
+//     as a structure. That never matches the union, whereas the names of the types do match.
 bool holds_mutable_union(const DDS_TypeCode &type, std::set<const DDS_TypeCode *> &seen) {
     if (!seen.insert(&type).second) {
         return false;
@@ -37,8 +39,7 @@ bool holds_mutable_union(const DDS_TypeCode &type, std::set<const DDS_TypeCode *
     return false;
 }
 
-// The engine takes its input as not const, but changes it on big-endian machines alone, and a copy
-// of it at that.
+// Wraps bytes for the engine. Its parameter is not const, but the engine changes at most a copy.
 ddsi_sertype_cdr_data cdr_data(const kolt::type::Bytes &bytes) {
     return {static_cast<std::uint32_t>(bytes.size()), const_cast<unsigned char *>(bytes.data())};
 }
@@ -77,7 +78,7 @@ ddsi_typemap_t *TypeAnnouncement::type_map() const {
     return ddsi_typemap_deser(&data);
 }
 
-// A topic whose type the engine can't read would be lost; better to know beforehand.
+// True when the engine can read the description. Otherwise it could not create topics of the type.
 bool TypeAnnouncement::is_accepted() const {
     const std::unique_ptr<ddsi_typeinfo_t, void (*)(void *)> info(type_info(), ddsrt_free);
     const std::unique_ptr<ddsi_typemap_t, void (*)(void *)> map(type_map(), ddsrt_free);

@@ -1,5 +1,5 @@
-// What the engine is told of a type beyond its name: the description that goes out with the
-// discovery data of writers and readers, and that type lookups are answered from.
+// The description of a type for the engine, which sends it with the discovery data of writers and
+// readers and answers type lookups from it.
 #pragma once
 
 #include <memory>
@@ -12,14 +12,14 @@ namespace kolt::engine {
 
 class TypeAnnouncement {
   public:
-    // Made once for a registered type. nullptr, with a log message of level STATUS_LOCAL, for a
-    // type that goes by its name alone: one that cannot be described, one that the engine refuses,
-    // and one that holds a mutable union.
+    // Describes a registered type. nullptr, with a log message of level STATUS_LOCAL, for a type
+    // that goes by its name alone: one that cannot be described, one whose description the engine
+    // cannot read, and one that holds a mutable union.
     static std::shared_ptr<const TypeAnnouncement> create(const DDS_TypeCode &type,
                                                           const char *registered_name,
                                                           const char *method);
 
-    // New ones, which the caller frees with the engine's functions.
+    // Return new objects, which the caller frees with the engine's functions.
     ddsi_typeinfo_t *type_info() const;
     ddsi_typemap_t *type_map() const;
 

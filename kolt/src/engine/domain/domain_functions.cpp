@@ -9,7 +9,7 @@
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
 
 extern "C" {
-// Compared by address only.
+// Marks that are recognised by their address.
 const DDS_DomainParticipantQos DDS_PARTICIPANT_QOS_DEFAULT = {};
 const DDS_TopicQos DDS_TOPIC_QOS_DEFAULT = {};
 const DDS_PublisherQos DDS_PUBLISHER_QOS_DEFAULT = {};

@@ -56,7 +56,7 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos_profiles(DDS_DomainPartici
         return DDS_RETCODE_BAD_PARAMETER;
     }
     const DDS_ReturnCode_t result = profile_store().profile_names(*names, library_name);
-    // Only a warning: this is also how one asks whether there is such a library.
+    // Only a warning: applications ask in this way, too, whether there is such a library.
     if (result == DDS_RETCODE_BAD_PARAMETER) {
         KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_API, KOLT_CONFIG_LOG_LEVEL_WARNING, __func__,
                          "no QoS library \"%s\"", library_name);
@@ -64,7 +64,7 @@ DDS_ReturnCode_t DDS_DomainParticipantFactory_get_qos_profiles(DDS_DomainPartici
     return result;
 }
 
-// The two families: without a topic name, and with one, which is required.
+// Define the two families: without a topic name, and with one, which is required.
 #define KOLT_DEFINE_FROM_PROFILE(entity, Qos)                                              \
     DDS_ReturnCode_t DDS_DomainParticipantFactory_get_##entity##_qos_from_profile(         \
         DDS_DomainParticipantFactory *self, Qos *qos, const char *library_name,            \

@@ -1,3 +1,4 @@
+// Participants: enabling, QoS, publishers and subscribers, and the deletion of everything.
 #include "engine/domain/participant.hpp"
 
 #include "engine/cyclone/convert.hpp"
@@ -105,7 +106,7 @@ DDS_ReturnCode_t Participant::get_qos(DDS_DomainParticipantQos *qos) {
 
 namespace {
 
-// What can change on an enabled participant.
+// Returns the policies that can change on an enabled participant.
 EngineQos to_engine_change(const DDS_DomainParticipantQos &qos) {
     EngineQos result(dds_create_qos());
     if (result == nullptr) {
@@ -128,7 +129,7 @@ DDS_ReturnCode_t Participant::set_qos(const DDS_DomainParticipantQos &qos, const
 
 namespace {
 
-// How the log calls a group, the value that asks for its default QoS, and what it may contain.
+// Tells how the log calls a group and its endpoints, and which value asks for its default QoS.
 template <typename Group>
 struct GroupNames;
 
@@ -215,9 +216,9 @@ DDS_ReturnCode_t Participant::delete_subscriber(Subscriber *subscriber, const ch
     return delete_group(subscribers_, subscriber, method);
 }
 
-// ---- The whole ----------------------------------------------------------------------------------
+// ---- Everything in the participant --------------------------------------------------------------
 
-// Readers before the filtered topics that they read, these before the topics.
+// Deletes readers before the filtered topics that they read, and these before the topics.
 DDS_ReturnCode_t Participant::delete_contained_entities(const char *method) {
     DDS_ReturnCode_t result = DDS_RETCODE_OK;
     const auto keep_failure = [&](DDS_ReturnCode_t code) {

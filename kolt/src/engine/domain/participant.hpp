@@ -22,7 +22,7 @@ class Participant final : public ParticipantScope {
   public:
     // A disabled participant. Throws std::bad_alloc.
     Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos);
-    // A wrapper of the application's own engine participant.
+    // A wrapper of an engine participant that belongs to the application.
     Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQos &qos,
                 dds_entity_t wrapped);
     ~Participant() override;

@@ -1,3 +1,4 @@
+// Creation, deletion and wrapping of participants, and the QoS of the factory.
 #include "engine/domain/participant_factory.hpp"
 
 #include <string>
@@ -12,8 +13,7 @@ namespace kolt::engine {
 
 namespace {
 
-// The ports of a domain are reckoned from its id; the last id whose ports exist
-// (RTPS 2.3, 9.6.1.1).
+// The last domain id whose ports, which follow from the id, exist (RTPS 2.3, 9.6.1.1).
 constexpr DDS_DomainId_t kLastDomain = 230;
 
 }  // namespace

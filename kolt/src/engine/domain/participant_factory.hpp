@@ -9,7 +9,8 @@
 #include "engine/qos/default_qos.hpp"
 #include "kolt/domain.h"
 
-struct DDS_DomainParticipantFactory {};  // what the application holds a pointer to
+// Stands for the factory in the application's hands.
+struct DDS_DomainParticipantFactory {};
 
 namespace kolt::engine {
 

@@ -14,10 +14,11 @@ namespace kolt::engine {
 
 namespace {
 
-// Of a participant; "false": its types go by their names alone (kolt/type_object.h).
+// The property of a participant whose value "false" makes its types go by their names alone
+// (kolt/type_object.h).
 constexpr const char *kAnnounceTypesProperty = "dds.participant.announce_types";
 
-// What a topic may be called (DDS 1.4, B.2, with the slash that is in general use).
+// True for a name that a topic may have (DDS 1.4, B.2, and the slash, which is in general use).
 bool is_topic_name(std::string_view name) {
     const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
     const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
@@ -60,7 +61,7 @@ DDS_ReturnCode_t Participant::register_type(const char *name, const KOLT_TypePlu
 }
 
 DDS_ReturnCode_t Participant::unregister_type(const char *name, const char *method) {
-    std::shared_ptr<RegisteredType> removed;  // goes, and calls the plugin, after the lock
+    std::shared_ptr<RegisteredType> removed;  // released, which calls the plugin, after the locks
     const std::lock_guard creation(topic_creation_);
     const std::lock_guard lock(tree());
     const auto found = types_.find(name);

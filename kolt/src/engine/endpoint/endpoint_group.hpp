@@ -1,4 +1,4 @@
-// What publishers and subscribers have in common: a group of endpoints and the QoS that these get.
+// The common part of publishers and subscribers: a group of endpoints and the QoS that these get.
 #pragma once
 
 #include <memory>
@@ -76,7 +76,7 @@ class EndpointGroup : public Entity {
   private:
     Group &self() { return static_cast<Group &>(*this); }
     bool autoenables();
-    // The caller's QoS, or what the sentinels stand for.
+    // Chooses the caller's QoS, or the one that the sentinels stand for.
     DDS_ReturnCode_t choose_qos(const EndpointQos *given, EndpointTopic &topic,
                                 EndpointQos *chosen);
 

@@ -10,8 +10,8 @@
 
 namespace kolt::engine {
 
-// `get` is the engine's function for a writer or a reader, which fills an array and returns how
-// many there are.
+// Copies the handles into the caller's sequence. `get` is the engine's function for a writer or a
+// reader, which fills an array and returns how many there are.
 inline DDS_ReturnCode_t get_matched(const Entity &entity,
                                     dds_return_t (*get)(dds_entity_t, dds_instance_handle_t *,
                                                         std::size_t),

@@ -1,3 +1,4 @@
+// The life of an entity's counterpart in the engine.
 #include "engine/entity/entity.hpp"
 
 #include "engine/cyclone/convert.hpp"

@@ -1,9 +1,9 @@
-// What stands behind every entity of the C API.
+// The implementation that stands behind every entity of the C interface.
 //
-// An entity of the engine exists from the moment when the KOLT entity is enabled; the engine has no
-// disabled ones. Until then the engine handle is 0. Structure (who contains whom, QoS records) is
-// guarded by one mutex per participant tree, which is never held across a call that may wait for
-// the engine's threads. Events are handled by the engine's threads without it.
+// An entity of the engine exists from the moment when the KOLT entity is enabled: the engine does
+// not have disabled ones. Until then the engine handle is 0. One mutex per participant tree guards
+// the structure (who contains whom, QoS records); it is never held across a call that may wait for
+// the engine's threads. The engine's threads handle events without it.
 #pragma once
 
 #include <atomic>
@@ -47,16 +47,16 @@ struct KOLT_EntityImpl {
     kolt::engine::StatusCondition &status_condition() { return *status_condition_; }
     DDS_InstanceHandle_t instance_handle() const;
 
-    // Makes the engine's entity. Called for a disabled entity only.
+    // Creates the engine's entity. Called for a disabled entity only.
     virtual DDS_ReturnCode_t enable(const char *method) = 0;
 
   protected:
-    // The engine's entity was made: waitsets can watch it.
+    // Keeps the engine's entity, which was just created, and lets waitsets watch it.
     void set_engine(dds_entity_t engine);
-    // Lets go of waitsets and deletes the engine's entity. When it returns no event of the entity
-    // is being handled any more.
+    // Lets go of waitsets and deletes the engine's entity. Once it has returned, no thread handles
+    // an event of the entity.
     void delete_engine(const char *method);
-    // The engine's entity is not ours to delete.
+    // Lets go of waitsets and forgets the engine's entity, which belongs to the application.
     void release_engine();
 
   private:

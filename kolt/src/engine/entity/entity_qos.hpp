@@ -1,4 +1,4 @@
-// The QoS record of an entity, and the one way in which it changes.
+// The QoS record of an entity, and the steps of a change.
 #pragma once
 
 #include <mutex>
@@ -22,20 +22,20 @@ class EntityQos {
         }
     }
 
-    // Into an initialised record.
+    // Copies the record into an initialised one.
     DDS_ReturnCode_t get(Qos *qos) const {
         return read([&](const Qos &value) { return copied(kolt::qos::copy(*qos, value)); });
     }
 
-    // Returns what `look(record)` does, which runs with the tree locked.
+    // Returns `look(record)`, which runs with the tree locked.
     template <typename Look>
     auto read(Look &&look) const {
         const std::lock_guard lock(tree_);
         return look(*value_);
     }
 
-    // Checks the new values, hands what `make_engine_qos(qos)` makes of them to the engine's entity
-    // if there is one, and keeps them. Of an enabled entity not everything can change.
+    // Checks the new values, hands `make_engine_qos(qos)` to the engine's entity if there is one,
+    // and keeps them. Immutable policies of an enabled entity must not differ.
     template <typename MakeEngineQos>
     DDS_ReturnCode_t set(const Qos &qos, const Entity &entity, const char *method,
                          MakeEngineQos &&make_engine_qos) {

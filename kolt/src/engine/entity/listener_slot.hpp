@@ -1,4 +1,4 @@
-// Where an entity keeps its listener.
+// The place where an entity keeps its listener.
 //
 // A listener is called by one thread at a time; a callback may call back into KOLT and thereby, on
 // its own thread, into further callbacks of the same listener. Once set() has returned, no callback
@@ -16,7 +16,7 @@ namespace kolt::engine {
 template <typename Listener>
 class ListenerSlot {
   public:
-    // nullptr removes the listener.
+    // Replaces the listener; nullptr removes it. Waits for callbacks on other threads to end.
     void set(const Listener *listener, DDS_StatusMask mask) {
         std::unique_lock lock(mutex_);
         wait_for_others(lock);

@@ -7,7 +7,7 @@
 
 namespace kolt::engine {
 
-// The elements of `list`, which `mutex` guards, as they are now.
+// Returns pointers to the present elements of `list`, which `mutex` guards.
 template <typename T>
 std::vector<T *> pointers(std::mutex &mutex, const std::vector<std::unique_ptr<T>> &list) {
     const std::lock_guard lock(mutex);
@@ -31,6 +31,7 @@ std::unique_ptr<T> extract(std::vector<std::unique_ptr<T>> &list, const T *raw) 
     return nullptr;
 }
 
+// True when `list` holds `raw`.
 template <typename T>
 bool contains_pointer(const std::vector<std::unique_ptr<T>> &list, const T *raw) {
     for (const auto &element : list) {

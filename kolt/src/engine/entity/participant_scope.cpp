@@ -1,3 +1,4 @@
+// The defaults that a participant keeps for what it creates.
 #include "engine/entity/participant_scope.hpp"
 
 #include "engine/qos/qos_check.hpp"

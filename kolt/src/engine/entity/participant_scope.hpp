@@ -34,6 +34,7 @@ class ParticipantScope : public Entity {
     // the loaded profiles' for `topic_name` (which may be nullptr).
     template <typename Qos>
     DDS_ReturnCode_t get_default(Qos *qos, const char *topic_name);
+    // INCONSISTENT_POLICY for QoS that no entity could have.
     template <typename Qos>
     DDS_ReturnCode_t set_default(const Qos &qos, const char *method);
 

@@ -1,3 +1,4 @@
+// The status condition, on the mask of its entity in the engine.
 #include "engine/entity/status_condition.hpp"
 
 #include "engine/cyclone/convert.hpp"

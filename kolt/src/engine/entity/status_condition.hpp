@@ -18,7 +18,7 @@ class StatusCondition final : public Condition {
     dds_entity_t watched() const override { return entity_.engine(); }
     DDS_StatusMask enabled_statuses() const { return enabled_.load(); }
     DDS_ReturnCode_t set_enabled_statuses(DDS_StatusMask mask);
-    // Tells the engine which statuses count; the entity has just been enabled.
+    // Tells the engine which statuses trigger the condition of the entity, which must be enabled.
     DDS_ReturnCode_t apply_mask();
 
   private:

@@ -1,3 +1,4 @@
+// Status masks, from KOLT's bits to the engine's and back.
 #include "engine/entity/statuses.hpp"
 
 namespace kolt::engine {

@@ -1,6 +1,6 @@
-// The one table of the communication statuses (DDS 1.4, 2.2.4.1): who has which, and what each has
-// on both sides. Masks, registration with the engine, dispatch, getters and the translation of
-// masks follow from it.
+// The one table of the communication statuses (DDS 1.4, 2.2.4.1): which entity has which, and their
+// names on both sides. Masks, registration with the engine, dispatch, getters and the translation
+// of masks follow from it.
 #pragma once
 
 #include <cstdint>
@@ -184,6 +184,7 @@ DDS_ReturnCode_t get_status(const Entity &entity, typename Kind::Status *status)
     return entity.is_enabled() ? Kind::take(entity.engine(), status) : DDS_RETCODE_OK;
 }
 
+// Translate masks. Bits that the other side does not have are dropped.
 std::uint32_t status_to_engine(DDS_StatusMask mask);
 DDS_StatusMask status_from_engine(std::uint32_t mask);
 

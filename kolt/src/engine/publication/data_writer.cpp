@@ -1,3 +1,4 @@
+// Data writers: enabling, events, serialisation, instances, writing.
 #include "engine/publication/data_writer.hpp"
 
 #include <new>
@@ -10,8 +11,6 @@
 #include "engine/topic/topic.hpp"
 
 namespace kolt::engine {
-
-namespace {}  // namespace
 
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
     : Entity(EntityKind::kDataWriter, &handle_._entity, kWriterStatusMask),
@@ -76,7 +75,7 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
                     "the DDS engine could not create a writer for the topic %s",
                     topic_.name().c_str());
     }
-    // Events that came before this point were kept by the engine: nobody could be told yet.
+    // The engine kept the events that came before this point, when no listener could be called yet.
     set_engine(entity);
     dispatch_pending(DDS_STATUS_MASK_ALL);
     return DDS_RETCODE_OK;
@@ -95,7 +94,8 @@ DDS_ReturnCode_t DataWriter::set_qos(const DDS_DataWriterQos &qos, const char *m
 
 // ---- Events -------------------------------------------------------------------------------------
 
-// The writer's own listener comes first, then the publisher's, then the participant's.
+// Tells the first listener that handles the status: the writer's own, the publisher's, the
+// participant's.
 template <typename Kind>
 void DataWriter::dispatch() {
     const auto call = [this](const DDS_DataWriterListener &l) {
@@ -235,8 +235,8 @@ DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
     }
     const SerdataView view(&serdata);
     dds_instance_handle_t handle = DDS_HANDLE_NIL;
-    // The engine keeps an instance that was registered until the domain goes, and its handle with
-    // it; one that was only written may be forgotten between writes.
+    // The engine keeps an instance that was registered, and its handle, until the domain goes. It
+    // may forget an instance between writes that was only written.
     if (dds_register_instance(engine(), &handle, &view) < 0) {
         return DDS_HANDLE_NIL;
     }
@@ -245,7 +245,8 @@ DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
     return handle;
 }
 
-// Instances that were only written have no handle yet; a reader in this process may have told it.
+// Instances that were only written have no handle here yet, but the application may know it from a
+// reader in this process: they are registered first.
 bool DataWriter::find_instance(DDS_InstanceHandle_t handle, KeyBytes *key) {
     if (instances_.find(handle, key)) {
         return true;
@@ -340,7 +341,7 @@ DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
     if (code == DDS_RETCODE_OK) {
         return code;
     }
-    if (code == DDS_RETCODE_TIMEOUT) {  // readers that are slow: no fault of the caller's
+    if (code == DDS_RETCODE_TIMEOUT) {  // the readers are slow, which the caller cannot help
         KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
                          method, "no reader made room for the sample within max_blocking_time");
         return code;

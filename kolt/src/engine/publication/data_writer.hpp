@@ -1,4 +1,4 @@
-// Data writers: instances, serialisation, the way to the engine.
+// Data writers: instances, serialisation, and handing samples to the engine.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ struct SerdataDeleter {
 };
 using SerdataRef = std::unique_ptr<Serdata, SerdataDeleter>;
 
-// What becomes of an instance.
+// The two changes of an instance that are not writes.
 enum class InstanceChange { kDispose, kUnregister };
 
 class DataWriter final : public Entity {
@@ -38,7 +38,8 @@ class DataWriter final : public Entity {
     Topic &topic() const { return topic_; }
     const RegisteredType &type() const { return *type_; }
 
-    // The representation is one that the type allows and the plugin has made its data.
+    // Chooses the representation and attaches the type plugin to the writer. INCONSISTENT_POLICY
+    // when the type does not allow the representation.
     DDS_ReturnCode_t attach_type(const char *method);
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(DDS_DataWriterQos *qos) { return qos_.get(qos); }
@@ -46,7 +47,7 @@ class DataWriter final : public Entity {
 
     DDS_DataWriterListener listener() const { return listener_.get(); }
     DDS_ReturnCode_t set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask);
-    // The engine has an event of this kind. Called on its threads.
+    // Tells the listeners of an event of the engine. Called on its threads.
     template <typename Kind>
     void on_event() {
         if (is_enabled()) {
@@ -69,19 +70,20 @@ class DataWriter final : public Entity {
   private:
     template <typename Kind>
     void dispatch();
-    // Tells the listeners of what happened before they were installed.
+    // Tells the listeners of statuses in `mask` that changed before they were installed.
     void dispatch_pending(DDS_StatusMask mask);
 
-    // Takes over what writing looks at all the time.
+    // Copies the policies that every write reads, so that writing does not lock the tree.
     void note_qos();
 
     const Sertype &sertype() const;
     Result<SerdataRef> serialize(const void *sample, const char *method);
+    // Makes the canonical key of a record; nullptr when the key cannot be serialised.
     SerdataRef key_of(const void *sample);
     // Serialise the key alone, in the writer's encapsulation, as it goes over the wire.
     Result<SerdataRef> key_payload(const void *sample, const char *method);
     Result<SerdataRef> key_payload_of_instance(const KeyBytes &key, const char *method);
-    // Finds the instance that `sample`, or the handle when there is none, tells of; gives its key.
+    // Serialises the key of the sample, or without a sample that of the instance `handle`.
     Result<SerdataRef> payload_of_change(const void *sample, DDS_InstanceHandle_t handle,
                                          const char *method);
     DDS_ReturnCode_t write_deferred(const DDS_WriteParams_t &params, const char *method);
@@ -91,8 +93,10 @@ class DataWriter final : public Entity {
                           const DDS_Time_t &source_timestamp, const char *method);
     DDS_ReturnCode_t check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
                                   const char *method);
-    // The engine's handle of the instance, which stays valid as long as the domain.
+    // Registers the instance with the engine and returns its handle, which is valid until the
+    // domain goes; DDS_HANDLE_NIL when the engine cannot register it.
     DDS_InstanceHandle_t pin_instance(const Serdata &serdata);
+    // Gets the key of a registered instance. False when the handle is not that of one.
     bool find_instance(DDS_InstanceHandle_t handle, KeyBytes *key);
 
     DDS_DataWriter handle_{{this}};

@@ -13,7 +13,7 @@ namespace kolt::engine {
 
 class InstanceRegistry {
   public:
-    // The instance of this key is registered from now on.
+    // Registers the instance of this key.
     void add(std::string_view key) {
         const std::lock_guard lock(mutex_);
         if (by_key_.find(key) == by_key_.end()) {
@@ -24,7 +24,7 @@ class InstanceRegistry {
         const std::lock_guard lock(mutex_);
         return by_key_.find(key) != by_key_.end();
     }
-    // The handle that was set for the instance; DDS_HANDLE_NIL when there is none.
+    // Returns the handle that was set for the instance; DDS_HANDLE_NIL when there is none.
     DDS_InstanceHandle_t handle_of(std::string_view key) const {
         const std::lock_guard lock(mutex_);
         const auto found = by_key_.find(key);
@@ -39,6 +39,7 @@ class InstanceRegistry {
         by_handle_.insert_or_assign(handle, found->first);
         found->second = handle;
     }
+    // Gets the key of the instance with this handle. False when there is none.
     bool find(DDS_InstanceHandle_t handle, KeyBytes *key) const {
         const std::lock_guard lock(mutex_);
         const auto found = by_handle_.find(handle);
@@ -48,7 +49,7 @@ class InstanceRegistry {
         assign(found->second, key);
         return true;
     }
-    // Any one instance whose handle is not known yet.
+    // Gets the key of any one instance without a handle. False when every instance has one.
     bool find_without_handle(KeyBytes *key) const {
         const std::lock_guard lock(mutex_);
         for (const auto &[bytes, handle] : by_key_) {

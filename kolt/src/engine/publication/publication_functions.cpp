@@ -10,7 +10,7 @@
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
 
 extern "C" {
-// Compared by address only.
+// Marks that are recognised by their address.
 const DDS_DataWriterQos DDS_DATAWRITER_QOS_DEFAULT = {};
 const DDS_DataWriterQos DDS_DATAWRITER_QOS_USE_TOPIC_QOS = {};
 const DDS_WriteParams_t DDS_WRITEPARAMS_DEFAULT = {
@@ -161,7 +161,7 @@ DDS_WriteParams_t make_params(DDS_InstanceHandle_t handle,
     return params;
 }
 
-// The forms that take a time stamp want a valid one.
+// True for a valid time stamp, which the functions ..._w_timestamp require.
 bool is_given(const DDS_Time_t *timestamp) {
     return timestamp != nullptr && is_valid_time(*timestamp);
 }
@@ -238,12 +238,16 @@ DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_params(DDS_DataWriter *s
     DDS_ReturnCode_t DDS_DataWriter_##function##_w_timestamp(                                \
         DDS_DataWriter *self, const void *sample, DDS_InstanceHandle_t handle,               \
         const DDS_Time_t *source_timestamp) {                                                \
-        if (!is_given(source_timestamp)) return bad_parameter(__func__, "source_timestamp"); \
+        if (!is_given(source_timestamp)) {                                                   \
+            return bad_parameter(__func__, "source_timestamp");                              \
+        }                                                                                    \
         return change(self, what, sample, make_params(handle, *source_timestamp), __func__); \
     }                                                                                        \
     DDS_ReturnCode_t DDS_DataWriter_##function##_w_params(                                   \
         DDS_DataWriter *self, const void *sample, const DDS_WriteParams_t *params) {         \
-        if (params == nullptr) return bad_parameter(__func__, "params");                     \
+        if (params == nullptr) {                                                             \
+            return bad_parameter(__func__, "params");                                        \
+        }                                                                                    \
         return change(self, what, sample, *params, __func__);                                \
     }
 KOLT_DEFINE_CHANGE(unregister_instance, InstanceChange::kUnregister)

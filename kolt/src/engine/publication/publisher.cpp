@@ -1,3 +1,4 @@
+// Publishers: the group of endpoints for writers, and waiting for acknowledgments.
 #include "engine/publication/publisher.hpp"
 
 #include <algorithm>
@@ -10,14 +11,14 @@ namespace kolt::engine {
 
 template class EndpointGroup<PublisherTraits>;
 
-// The writers are waited for one after the other, all within the one span.
+// Waits for one writer after the other, for all of them within the one span.
 DDS_ReturnCode_t Publisher::wait_for_acknowledgments(const DDS_Duration_t &max_wait,
                                                      const char *method) {
     using Clock = std::chrono::steady_clock;
     if (!is_enabled()) {
         return not_enabled(method);
     }
-    // A writer may be deleted meanwhile: its engine handle stays safe to ask.
+    // A writer may be deleted meanwhile; the engine then rejects its handle.
     std::vector<dds_entity_t> writers;
     {
         const std::lock_guard lock(participant_.tree());

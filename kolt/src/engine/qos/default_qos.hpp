@@ -7,12 +7,12 @@
 
 namespace kolt::engine {
 
-// A default that the application may set. Until it does, the loaded profiles decide.
+// A default that the application may set. Until then the loaded profiles decide.
 template <typename Qos>
 class DefaultQos {
   public:
     bool is_set() const { return set_; }
-    // Into an initialised record. False when memory runs out.
+    // Copies the default into an initialised record. False when memory runs out.
     bool get(Qos *qos) const { return kolt::qos::copy(*qos, *value_); }
     bool set(const Qos &qos) {
         if (!kolt::qos::copy(*value_, qos)) {
@@ -28,7 +28,8 @@ class DefaultQos {
     bool set_ = false;
 };
 
-// The standard's default, or what the default profile says, for this topic (which may be nullptr).
+// Gets the default profile's QoS for this topic (which may be nullptr), else the standard's
+// default. False when memory runs out.
 template <typename Qos>
 bool profile_default(Qos *qos, const char *topic_name) {
     kolt::qos::OwnedQos<Qos> standard;

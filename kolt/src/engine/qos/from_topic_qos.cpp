@@ -1,3 +1,4 @@
+// Copying by type: a policy goes where the endpoint's QoS has one of the same type.
 #include "engine/qos/from_topic_qos.hpp"
 
 #include <type_traits>
@@ -14,7 +15,7 @@ bool copy_from_topic_qos(EndpointQos *qos, const DDS_TopicQos &topic_qos) {
         kolt::qos::for_each_member<EndpointQos>([&](const auto &to) {
             using From = std::remove_cvref_t<decltype(topic_qos.*(from.place))>;
             using To = std::remove_cvref_t<decltype(qos->*(to.place))>;
-            // A mark on the topic says nothing about the endpoint.
+            // The protocol policy of a topic does not apply to its endpoints.
             if constexpr (std::is_same_v<From, To> &&
                           !std::is_same_v<From, DDS_ProtocolQosPolicy>) {
                 complete = kolt::qos::copy(qos->*(to.place), topic_qos.*(from.place)) && complete;

@@ -1,3 +1,4 @@
+// One check for each policy, for policies that must fit each other, and for changes.
 #include "engine/qos/qos_check.hpp"
 
 #include <initializer_list>
@@ -12,7 +13,7 @@ namespace {
 
 constexpr DDS_UnsignedLong kNanosecondsPerSecond = 1000000000U;
 
-// ---- One policy: what is wrong with it, or nullptr ----------------------------------------------
+// ---- One policy: each function returns what is wrong with it, or nullptr -----------------------
 
 const char *wrong_duration(const DDS_Duration_t &d) {
     if (DDS_Duration_is_infinite(&d)) {
@@ -183,8 +184,8 @@ DDS_ReturnCode_t check(const Qos &qos, const char *method) {
 
 // ---- Changes ------------------------------------------------------------------------------------
 
-// The policies that an enabled entity may change (DDS 1.4, table in 2.2.3, column "changeable"),
-// and KOLT's own that have no effect on an entity that exists.
+// True for the policies that an enabled entity may change (DDS 1.4, table in 2.2.3, column
+// "changeable"), and for KOLT's own that have no effect on an entity that exists.
 template <typename Policy>
 constexpr bool kChangeable = std::is_same_v<Policy, DDS_UserDataQosPolicy> ||
                              std::is_same_v<Policy, DDS_TopicDataQosPolicy> ||

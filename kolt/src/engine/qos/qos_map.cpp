@@ -1,3 +1,4 @@
+// One function for each policy that the engine knows.
 #include "engine/qos/qos_map.hpp"
 
 #include <cstring>
@@ -124,7 +125,7 @@ void set(dds_qos_t *q, const DDS_EntityNameQosPolicy &p) {
         dds_qset_entity_name(q, p.name);
     }
 }
-// The engine's public interface sets properties that stay local.
+// Properties that are set through the engine's public interface stay local.
 void set(dds_qos_t *q, const DDS_PropertyQosPolicy &p) {
     const DDS_UnsignedLong count = DDS_PropertySeq_get_length(&p.value);
     for (DDS_UnsignedLong i = 0; i < count; ++i) {
@@ -140,7 +141,7 @@ void set(dds_qos_t *q, const DDS_PropertyQosPolicy &p) {
         dds_qset_prop(q, property->name, property->value);
     }
 }
-// Handled elsewhere, or KOLT's own.
+// These are handled elsewhere, or stay in KOLT.
 void set(dds_qos_t *, const DDS_DataRepresentationQosPolicy &) {}
 void set(dds_qos_t *, const DDS_EntityFactoryQosPolicy &) {}
 void set(dds_qos_t *, const DDS_WireProtocolQosPolicy &) {}
@@ -158,7 +159,7 @@ EngineQos set_all(const Qos &qos) {
 
 // ---- Data representations -----------------------------------------------------------------------
 
-// The list with AUTO resolved; empty when the QoS leaves the choice open.
+// Returns the list with AUTO resolved; empty when the QoS leaves the choice open.
 std::vector<dds_data_representation_id_t> representations(
     const DDS_DataRepresentationQosPolicy &policy, const RegisteredType *type) {
     std::vector<dds_data_representation_id_t> result(DDS_ShortSeq_get_length(&policy.value));
@@ -220,7 +221,7 @@ EngineQos to_engine(const DDS_DataWriterQos &qos, const RegisteredType &type) {
     writer_representation(qos, type, &representation);
     set_representations(result.get(), {representation});
 
-    // What a late joiner gets, the engine takes from the durability service. An application that
+    // The engine sends late joiners the history of the durability service. An application that
     // leaves that policy alone expects the writer's history.
     qos::OwnedQos<DDS_DataWriterQos> defaults;
     if (kolt::qos::equals((*defaults).durability_service, qos.durability_service)) {

@@ -1,8 +1,9 @@
-// QoS records as the engine takes them.
+// QoS records in the form that the engine takes.
 //
-// Policies that the engine knows are handed over one by one. What it has no policy for stays in
-// KOLT: the entity factory (creation of disabled entities), the properties that begin with "dds."
-// and the marks that (K) policies carry.
+// Policies that the engine knows are handed over one by one. The others stay in KOLT:
+//   - the entity factory (creation of disabled entities);
+//   - the properties that begin with "dds.", except those of security;
+//   - wire_protocol and protocol, which are KOLT's own.
 #pragma once
 
 #include <memory>
@@ -26,16 +27,16 @@ EngineQos to_engine(const DDS_SubscriberQos &qos);
 EngineQos to_engine(const DDS_DataWriterQos &qos, const RegisteredType &type);
 EngineQos to_engine(const DDS_DataReaderQos &qos, const RegisteredType &type);
 
-// Is the property there, with this value?
+// True when the property is there and has this value.
 bool has_property(const DDS_PropertyQosPolicy &policy, const char *name, const char *value);
 
-// The representation that a writer of this QoS uses, resolved for the type. False when the type
-// does not allow it.
+// Gets the representation that a writer of this QoS uses, resolved for the type. False when the
+// type does not allow it.
 bool writer_representation(const DDS_DataWriterQos &qos, const RegisteredType &type,
                            DDS_DataRepresentationId_t *representation);
 
-// What the engine's participant has of the policies that `qos` holds, into an initialised record.
-// False when memory runs out.
+// Copies the policies of the engine's participant that `qos` has, too, into that initialised
+// record. False when memory runs out.
 bool from_engine(const dds_qos_t *engine_qos, DDS_DomainParticipantQos *qos);
 
 }  // namespace kolt::engine

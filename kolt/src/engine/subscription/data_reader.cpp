@@ -1,3 +1,4 @@
+// Data readers: enabling, events, conditions.
 #include "engine/subscription/data_reader.hpp"
 
 #include <algorithm>
@@ -89,7 +90,7 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
                     "the DDS engine could not create a reader for the topic %s",
                     topic_.name().c_str());
     }
-    // Events that came before this point were kept by the engine: nobody could be told yet.
+    // The engine kept the events that came before this point, when no listener could be called yet.
     set_engine(entity);
     dispatch_pending(DDS_STATUS_MASK_ALL);
     return DDS_RETCODE_OK;
@@ -145,8 +146,8 @@ void DataReader::dispatch_data_available() {
     });
 }
 
-// A subscriber that wants to know about all of its readers' data is told first, and decides by
-// itself whether its readers' listeners are (DDS 1.4, 2.2.4.2.3.2).
+// Calls on_data_on_readers if a listener handles it; that callback then decides whether the
+// readers' listeners are called (DDS 1.4, 2.2.4.2.3.2).
 void DataReader::on_data_available() {
     if (!is_enabled()) {
         return;
@@ -215,7 +216,7 @@ DDS_QueryCondition *DataReader::create_query_condition(std::uint32_t engine_mask
     if (filter == nullptr) {
         return nullptr;
     }
-    // The lock spans the creation, so that the engine's limit is never passed.
+    // The lock spans the creation, so that the engine's limit is never exceeded.
     const std::lock_guard lock(contents_);
     const auto queries = std::count_if(conditions_.begin(), conditions_.end(),
                                        [](const auto &c) { return c->is_query(); });

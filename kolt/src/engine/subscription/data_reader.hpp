@@ -1,4 +1,4 @@
-// Data readers: events, conditions, and the way from the engine's cache to an application's
+// Data readers: events, conditions, and reading from the engine's cache into an application's
 // records.
 #pragma once
 
@@ -21,10 +21,10 @@ namespace kolt::engine {
 class Subscriber;
 class TopicDescription;
 
-// What a read or take of the engine brought: serialised samples and what is known of each.
+// The outcome of a read or take of the engine: serialised samples and information about each.
 struct Batch {
     std::vector<SerdataView> views;
-    std::vector<void *> pointers;  // to the views, as the engine wants them
+    std::vector<void *> pointers;  // to the views, in the form that the engine takes
     std::vector<dds_sample_info_t> infos;
 
     void resize(std::size_t capacity);
@@ -51,6 +51,8 @@ class DataReader final : public Entity {
     TopicDescription &topic() const { return topic_; }
     const std::shared_ptr<RegisteredType> &type() const { return type_; }
 
+    // Attaches the type plugin to the reader. INCONSISTENT_POLICY when the type does not allow a
+    // representation of the QoS.
     DDS_ReturnCode_t attach_type(const char *method);
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(DDS_DataReaderQos *qos) { return qos_.get(qos); }
@@ -58,7 +60,7 @@ class DataReader final : public Entity {
 
     DDS_DataReaderListener listener() const { return listener_.get(); }
     DDS_ReturnCode_t set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask);
-    // The engine has an event of this kind. Called on its threads.
+    // Tells the listeners of an event of the engine. Called on its threads.
     template <typename Kind>
     void on_event() {
         if (is_enabled()) {
@@ -66,7 +68,7 @@ class DataReader final : public Entity {
         }
     }
     void on_data_available();
-    // Calls on_data_available of whichever listener handles it.
+    // Calls on_data_available of the listener that handles it, if there is one.
     void dispatch_data_available();
     bool has_data_available() const;
 
@@ -76,10 +78,11 @@ class DataReader final : public Entity {
                                                const char *expression,
                                                const DDS_StringSeq *parameters, const char *method);
     DDS_ReturnCode_t delete_read_condition(ReadCondition *condition, const char *method);
+    // Deletes all conditions. Without `attached_too` none is deleted while one is attached.
     DDS_ReturnCode_t delete_conditions(bool attached_too, const char *method);
     bool has_conditions() const;
 
-    // Reading (reader_access.cpp).
+    // Reading (data_reader_access.cpp).
     DDS_ReturnCode_t read_loaned(const KOLT_ReadSelection &selection, void ***loan,
                                  DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
                                  const char *method);
@@ -96,8 +99,8 @@ class DataReader final : public Entity {
     DDS_InstanceHandle_t lookup_instance(const void *key_holder);
 
   private:
-    // Lets the first listener that wants the status have it: the reader's own, then the
-    // subscriber's, then the participant's (DDS 1.4, 2.2.4.2.3).
+    // Calls the first listener that handles the status: the reader's own, the subscriber's, the
+    // participant's (DDS 1.4, 2.2.4.2.3).
     template <typename HasCallback, typename Call>
     void tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call);
     template <typename Kind>
@@ -109,15 +112,18 @@ class DataReader final : public Entity {
                            std::size_t *count);
     DDS_ReturnCode_t fetch_next_instance(const KOLT_ReadSelection &selection, std::size_t limit,
                                          Batch *batch, std::size_t *count);
-    // `locked`: the calling thread has locked the cache, which this unlocks.
+    // Calls the engine's read or take. With `locked` the calling thread has locked the cache, which
+    // the read unlocks.
     dds_return_t engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
                              std::size_t room, bool locked, Batch *batch);
+    // True when the engine knows the one instance that is selected.
     bool is_instance_known(const KOLT_ReadSelection &selection);
-    // The handles of the instances in the cache, ascending.
+    // Returns the handles of the instances in the cache, ascending.
     std::vector<DDS_InstanceHandle_t> cached_instances();
     // Builds the record of a serialised sample, or sets the key members of one without data. False,
     // and a log message, when it is malformed.
     bool deserialize(const Serdata &serdata, bool valid_data, void *record, const char *method);
+    // Initialises a record anew and keeps its buffers.
     void reset(void *record);
     // Gives the loan, which has samples, to the caller.
     DDS_ReturnCode_t hand_out(std::unique_ptr<Loan> loan, void ***samples, DDS_UnsignedLong *count,

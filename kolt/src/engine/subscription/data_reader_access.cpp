@@ -1,4 +1,4 @@
-// Reading and taking: from the engine's cache to loaned or caller-owned records.
+// Reading and taking: samples of the engine's cache become loaned or caller-owned records.
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -15,12 +15,12 @@ namespace {
 
 namespace api = cyclone;
 
-// Room for a read before it is known how much there is.
+// The room for a read before the number of samples is known.
 constexpr std::size_t kFirstGuess = 32;
 // The engine's limit of one read.
 constexpr std::size_t kMaxSamples = std::numeric_limits<std::int32_t>::max();
 
-// What the function below has seen, with a reference on each.
+// Collects the keys that the function below has seen, with a reference on each.
 struct SeenKeys {
     std::vector<const Serdata *> keys;
 
@@ -34,11 +34,11 @@ struct SeenKeys {
     SeenKeys &operator=(const SeenKeys &) = delete;
 };
 
-// Where it goes, on the thread that asks.
+// The collection of the thread that asks; nullptr otherwise.
 thread_local SeenKeys *t_seen = nullptr;
 
-// A query condition that nothing matches. The engine shows it every instance of the cache when the
-// condition is made, on the thread that makes it, as a key without data.
+// The filter of a query condition that never matches. When the condition is created, the engine
+// calls it with every instance of the cache, as a key without data, on the thread that creates it.
 bool collect_keys(const void *view) {
     const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
     if (t_seen != nullptr && serdata != nullptr && !serdata->has_data()) {
@@ -46,13 +46,13 @@ bool collect_keys(const void *view) {
             t_seen->keys.push_back(serdata);
             serdata->ref();
         } catch (...) {
-            return false;  // the instance is missed, as if it had come later
+            return false;  // the instance is left out, as if it had come later
         }
     }
     return false;
 }
 
-// The result of a read, with a log message unless there simply is nothing to read.
+// Returns the result of a read, and logs it unless it is OK or NO_DATA.
 DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
     if (result == DDS_RETCODE_OK || result == DDS_RETCODE_NO_DATA) {
         return result;
@@ -114,8 +114,8 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::siz
     std::size_t room = std::min(limit, batch->capacity());
     std::uint32_t available = 0;
     if (room < limit) {
-        // Locks the cache, unless it is empty. Only a read unlocks it: without memory that read
-        // brings as many samples as there is room for.
+        // Locks the cache, unless it is empty. Only a read unlocks it: when memory runs out here,
+        // that read gets as many samples as there is room for.
         available = dds_reader_lock_samples(engine());
         try {
             batch->resize(std::min<std::size_t>(limit, available));
@@ -135,7 +135,7 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::siz
     return result == api::kPreconditionNotMet ? DDS_RETCODE_BAD_PARAMETER : to_return_code(result);
 }
 
-// An instance without samples is one that the engine's cache does not know.
+// Tells an instance without samples from a handle of none: the engine's read rejects both.
 bool DataReader::is_instance_known(const KOLT_ReadSelection &selection) {
     SerdataView key;
     return selection.scope == KOLT_READ_INSTANCE &&
@@ -165,7 +165,8 @@ std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
     return handles;
 }
 
-// The engine has no order of instances; here it is that of their handles.
+// Fetches from the next instance in the order of handles. The engine itself does not order
+// instances.
 DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selection,
                                                  std::size_t limit, Batch *batch,
                                                  std::size_t *count) {
@@ -188,7 +189,7 @@ DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selec
 
 // ---- To records ---------------------------------------------------------------------------------
 
-// A record that was used before holds what it was used for; without data only the key is set.
+// A caller's record may hold values of its last use, but a sample without data sets only the key.
 void DataReader::reset(void *record) {
     const DDS_TypeAllocationParams_t keep_buffers = {DDS_BOOLEAN_TRUE, DDS_BOOLEAN_FALSE,
                                                      DDS_BOOLEAN_FALSE};
@@ -339,7 +340,7 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
     selection.instance_states = DDS_ANY_INSTANCE_STATE;
     Batch batch;
     std::size_t fetched = 0;
-    // A malformed sample is passed over.
+    // Passes over malformed samples.
     while (true) {
         const DDS_ReturnCode_t result = fetch(selection, 1, &batch, &fetched);
         if (result != DDS_RETCODE_OK) {

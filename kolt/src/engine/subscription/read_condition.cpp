@@ -1,3 +1,4 @@
+// Read and query conditions in the engine, and the functions that lead back to the latter.
 #include "engine/subscription/read_condition.hpp"
 
 #include <array>
@@ -32,7 +33,7 @@ constexpr std::array<dds_querycondition_filter_fn, kSlots> make_functions(
 }
 constexpr auto kFunctions = make_functions(std::make_index_sequence<kSlots>());
 
-// kSlots when all are taken.
+// Takes a free slot for the filter; returns kSlots when all are taken.
 std::size_t claim_slot(const ContentFilter *filter) {
     for (std::size_t slot = 0; slot < kSlots; ++slot) {
         const ContentFilter *free = nullptr;
@@ -115,7 +116,8 @@ DDS_ReturnCode_t QueryCondition::make_engine(const char *method) {
     return DDS_RETCODE_OK;
 }
 
-// The engine judges each sample once, when it arrives or the condition comes: it needs a new one.
+// The engine judges each sample once, when it arrives or the condition is created: the condition is
+// created anew.
 DDS_ReturnCode_t QueryCondition::set_parameters(const DDS_StringSeq &parameters,
                                                 const char *method) {
     const std::lock_guard lock(use_);

@@ -1,7 +1,7 @@
 // Read and query conditions.
 //
-// A query condition of the engine calls a function without an argument; which of KOLT's conditions
-// it is about is told by which function it is. There is a fixed number of them.
+// The engine calls the filter function of a query condition without an argument that would tell the
+// condition. Each condition therefore has a function of its own, of which there is a fixed number.
 #pragma once
 
 #include <cstddef>
@@ -38,12 +38,12 @@ class ReadCondition : public Condition {
     const ReadStates &states() const { return states_; }
     virtual bool is_query() const { return false; }
     dds_entity_t watched() const override { return engine_.load(std::memory_order_acquire); }
-    // To be held while the condition is used for reading: a query condition's engine entity is
-    // replaced when its parameters change.
+    // Returns a lock to hold while the condition is used for reading: the engine entity of a query
+    // condition is replaced when its parameters change.
     virtual std::unique_lock<std::mutex> hold() { return {}; }
 
   protected:
-    // For a query condition, which makes the engine's condition itself.
+    // Marks the constructor for query conditions, which create the engine's condition themselves.
     struct Deferred {};
     ReadCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states,
                   Deferred);
@@ -78,7 +78,7 @@ class QueryCondition final : public ReadCondition {
     const ContentFilter &filter() const { return *filter_; }
     bool is_query() const override { return true; }
     std::unique_lock<std::mutex> hold() override { return std::unique_lock(use_); }
-    // Samples in the cache are judged anew.
+    // Replaces the parameters and judges the samples in the cache anew.
     DDS_ReturnCode_t set_parameters(const DDS_StringSeq &parameters, const char *method);
 
   private:
@@ -94,8 +94,8 @@ class QueryCondition final : public ReadCondition {
     std::mutex use_;
 };
 
-// The engine gives a reader this many query conditions, and does not survive one more; one is kept
-// for KOLT's own use.
+// The number of query conditions that a reader may have. The engine crashes beyond 32; one of these
+// is kept for KOLT's own use.
 inline constexpr std::size_t kMaxQueryConditions = 31;
 
 }  // namespace kolt::engine

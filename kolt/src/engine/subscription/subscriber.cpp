@@ -1,3 +1,4 @@
+// Subscribers: the group of endpoints for readers, and data on readers.
 #include "engine/subscription/subscriber.hpp"
 
 #include "engine/endpoint/endpoint_group_definitions.hpp"

@@ -40,7 +40,7 @@ class Subscriber final : public EndpointGroup<SubscriberTraits> {
     Subscriber(ParticipantScope &participant, const DDS_SubscriberQos &qos)
         : EndpointGroup(participant, qos) {}
 
-    // Calls on_data_available for each reader with news.
+    // Calls on_data_available for each reader with data for which no listener was called yet.
     void notify_readers();
     // Calls on_data_on_readers of this subscriber's or the participant's listener. False when there
     // is none.

@@ -10,7 +10,7 @@
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
 
 extern "C" {
-// Compared by address only.
+// Marks that are recognised by their address.
 const DDS_DataReaderQos DDS_DATAREADER_QOS_DEFAULT = {};
 const DDS_DataReaderQos DDS_DATAREADER_QOS_USE_TOPIC_QOS = {};
 }
@@ -223,7 +223,8 @@ DDS_ReturnCode_t check_selection(const DataReader &reader, const KOLT_ReadSelect
     return DDS_RETCODE_OK;
 }
 
-// DDS 1.4, 2.2.2.5.3.8: both sequences are alike, and either own room or take a loan.
+// Checks that both sequences are alike, and either own room or can take a loan (DDS 1.4,
+// 2.2.2.5.3.8).
 DDS_ReturnCode_t check_sequences(const DDS_SampleInfoSeq *info_seq, DDS_UnsignedLong length,
                                  DDS_UnsignedLong maximum, DDS_Boolean owned, DDS_Long max_samples,
                                  const char *method) {

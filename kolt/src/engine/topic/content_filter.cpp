@@ -1,3 +1,4 @@
+// Compiled filters, their parameters, and the report of what is wrong with either.
 #include "engine/topic/content_filter.hpp"
 
 #include <cstdint>

@@ -25,13 +25,15 @@ class ContentFilter {
     ContentFilter(const ContentFilter &) = delete;
     ContentFilter &operator=(const ContentFilter &) = delete;
 
-    // A key without data passes: it tells that an instance is gone, which whoever was interested in
-    // the instance must learn. A malformed sample does not. May run while parameters are being set.
+    // True for a sample that the filter lets through. Samples without data pass always: readers
+    // must learn that an instance is gone. Malformed samples do not pass. May run while parameters
+    // are being set.
     bool accepts(const Serdata &serdata) const noexcept;
 
     const char *expression() const;
     DDS_ReturnCode_t get_parameters(DDS_StringSeq *parameters) const;
-    // BAD_PARAMETER, and a log message, when they do not fit; the old ones then stay.
+    // Replaces the parameters. BAD_PARAMETER, and a log message, when they do not fit the
+    // expression; the old ones then stay.
     DDS_ReturnCode_t set_parameters(const DDS_StringSeq &parameters, const char *method);
 
   private:

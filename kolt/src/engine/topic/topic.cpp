@@ -1,3 +1,4 @@
+// Topics in the engine, their filters and events.
 #include "engine/topic/topic.hpp"
 
 #include <mutex>
@@ -11,8 +12,8 @@ namespace kolt::engine {
 
 namespace {
 
-// Makes an engine topic. The engine hands back the sertype that it uses, which may be an older
-// equal one.
+// Creates an engine topic. The engine hands back the sertype that it uses, which may be an equal
+// one that it has already.
 dds_entity_t create_engine_topic(ParticipantScope &participant, const Topic &topic,
                                  const dds_qos_t *qos, const dds_listener_t *listener,
                                  ddsi_sertype **sertype) {
@@ -106,7 +107,8 @@ DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                     "the related topic is disabled: enable it first");
     }
-    // The engine wants topics of one name to have one QoS: what it made of the related topic's.
+    // The engine demands that topics of one name have one QoS: that of the related topic in the
+    // engine.
     const EngineQos qos(dds_create_qos());
     if (qos == nullptr) {
         throw std::bad_alloc();

@@ -15,7 +15,7 @@ namespace kolt::engine {
 
 class Topic;
 
-// What a reader is created for.
+// A topic or content-filtered topic, as a reader is created for one.
 class TopicDescription : public Entity {
   public:
     TopicDescription(EntityKind kind, DDS_TopicDescription *handle, ParticipantScope &participant,
@@ -30,10 +30,11 @@ class TopicDescription : public Entity {
     DDS_TopicDescription *description() const {
         return reinterpret_cast<DDS_TopicDescription *>(self());
     }
-    // The topic itself, or the one behind the filter.
+    // Returns the topic itself, or the one behind the filter.
     virtual Topic &topic() = 0;
 
-    // Readers and writers for it, and for a topic also filters on it. Guarded by the tree's mutex.
+    // Counts readers and writers for it, and for a topic also filters on it. Guarded by the tree's
+    // mutex.
     int users = 0;
 
   private:
@@ -53,7 +54,7 @@ class Topic final : public TopicDescription {
     DDS_Topic *handle() { return &handle_; }
     Topic &topic() override { return *this; }
     const std::shared_ptr<RegisteredType> &registered_type() const { return type_; }
-    // The engine's; valid while the topic is enabled.
+    // Returns the sertype that the engine uses. Valid while the topic is enabled.
     const Sertype &sertype() const { return *sertype_; }
     DDS_ReturnCode_t set_listener(const DDS_TopicListener *listener, DDS_StatusMask mask) {
         listener_.set(listener, mask);
