@@ -5,17 +5,14 @@
 
 #include <cstring>
 
-#include "distlogger/levels.hpp"
+#include "distlogger/report.hpp"
 #include "kolt/os.h"
-#include "vur_dl/DistLogger.h"
 
 namespace {
 
-constexpr const char *kTagName = "distributed_logger";
+using vur_dl::report;
 
-void report(const char *message, const char *method) {
-    VUR_DL_DistLogger_printMessage(message, method, vur_dl::kLevelError);
-}
+constexpr const char *kTagName = "distributed_logger";
 
 // Fills a record of zero bytes. False, with a message, on failure.
 bool initialize(VUR_DL_XMLConfig &self, DDS_XMLExtensionClass *extension_class,

@@ -5,12 +5,13 @@
 #include <optional>
 
 #include "XMLConfigParse.hpp"
-#include "distlogger/levels.hpp"
+#include "distlogger/report.hpp"
 #include "vur_dl/DistLogger.h"
 
 namespace {
 
 using vur_dl::NamedInteger;
+using vur_dl::report;
 using vur_dl::report_parse_error;
 
 struct TagRow {
@@ -63,10 +64,6 @@ const char *tag_of(DL_XMLConfig_TagType state) {
         }
     }
     return "";
-}
-
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
 }
 
 // An end tag that the object acts on.

@@ -5,18 +5,16 @@
 #include <cstring>
 #include <memory>
 
-#include "distlogger/levels.hpp"
+#include "distlogger/report.hpp"
 #include "kolt/domain.h"
 #include "vur_dl/DistLogger.h"
 #include "vur_dl/XMLConfig.h"
 
 namespace {
 
-constexpr const char *kFromFileMethod = "VUR_DL_XMLConfig_startFromFile";
+using vur_dl::report;
 
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
-}
+constexpr const char *kFromFileMethod = "VUR_DL_XMLConfig_startFromFile";
 
 __attribute__((format(printf, 1, 2))) void report_from_file(const char *format, ...) {
     char message[1024];

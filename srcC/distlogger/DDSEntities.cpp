@@ -6,10 +6,12 @@
 #include "DistLoggerRecord.hpp"
 #include "kolt/os.h"
 #include "kolt_internal/owned_qos.hpp"
-#include "levels.hpp"
 #include "relaxed.hpp"
+#include "report.hpp"
 
 namespace {
+
+using vur_dl::report;
 
 constexpr char kCreate[] = "VUR_DL_DDSEntities_create";
 constexpr char kContentFilteredTopicName[] = "CommandRequestContentFilteredTopic";
@@ -18,7 +20,7 @@ constexpr char kCommandFilter[] =
 constexpr char kDeferredWriteProperty[] = KOLT_DEFERRED_WRITE_PROPERTY;
 
 bool fail(const char *message) {
-    VUR_DL_DistLogger_printMessage(message, kCreate, vur_dl::kLevelError);
+    report(message, kCreate);
     return false;
 }
 
@@ -294,16 +296,15 @@ void warn_of_missing_profile(VUR_DL_DDSEntities &self) {
     if (self.qosLibrary != nullptr && self.qosProfile != nullptr &&
         !VUR_DL_DDSEntities_doesQosLibraryAndProfileExist(&self, self.qosLibrary,
                                                           self.qosProfile)) {
-        VUR_DL_DistLogger_printMessage("QoS Library and Profile cannot be found, using default QoS",
-                                       kCreate, vur_dl::kLevelWarning);
+        report("QoS Library and Profile cannot be found, using default QoS", kCreate,
+               vur_dl::kLevelWarning);
     }
 }
 
 // Deletions go on after a failure.
 DDS_ReturnCode_t check(DDS_ReturnCode_t result, const char *failure) {
     if (result != DDS_RETCODE_OK) {
-        VUR_DL_DistLogger_printMessage(failure, "VUR_DL_DDSEntities_deleteContainedEntities",
-                                       vur_dl::kLevelWarning);
+        report(failure, "VUR_DL_DDSEntities_deleteContainedEntities", vur_dl::kLevelWarning);
     }
     return result;
 }
@@ -397,8 +398,7 @@ void VUR_DL_DDSEntities_destroy(VUR_DL_DDSEntities *self) {
 
 void VUR_DL_DDSEntities_initialize(VUR_DL_DDSEntities *self) {
     if (self == nullptr) {
-        VUR_DL_DistLogger_printMessage("VUR_DL_DDSEntities is NULL",
-                                       "VUR_DL_DDSEntities_initialize", vur_dl::kLevelError);
+        report("VUR_DL_DDSEntities is NULL", __func__);
         return;
     }
     std::memset(self, 0, sizeof *self);

@@ -1,19 +1,19 @@
 // A record without entities, for those who want to know the QoS before there is a logger.
 #include "DDSEntitiesRecord.hpp"
 #include "kolt/os.h"
-#include "levels.hpp"
+#include "report.hpp"
+
+using vur_dl::report;
 
 VUR_DL_DDSEntities *VUR_DL_DDSEntities_createForQos(DDS_DomainParticipantFactory *factory,
                                                     const VUR_DL_Options *options) {
     if (factory == nullptr || options == nullptr) {
-        VUR_DL_DistLogger_printMessage("factory and options are needed", __func__,
-                                       vur_dl::kLevelError);
+        report("factory and options are needed", __func__);
         return nullptr;
     }
     auto *self = static_cast<VUR_DL_DDSEntities *>(KOLT_Heap_allocate(sizeof(VUR_DL_DDSEntities)));
     if (self == nullptr) {
-        VUR_DL_DistLogger_printMessage("Unable to allocate memory for VUR_DL_DDSEntities", __func__,
-                                       vur_dl::kLevelError);
+        report("Unable to allocate memory for VUR_DL_DDSEntities", __func__);
         return nullptr;
     }
     VUR_DL_DDSEntities_initialize(self);

@@ -1,15 +1,13 @@
 // Remote commands: taken from the command reader, carried out, answered.
 #include "DistLoggerRecord.hpp"
-#include "levels.hpp"
+#include "report.hpp"
 #include "vur_dl/EnumTranslators.h"
 
 namespace {
 
-using StateLock = std::lock_guard<std::recursive_mutex>;
+using vur_dl::report;
 
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
-}
+using StateLock = std::lock_guard<std::recursive_mutex>;
 
 void set_log_level(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_Command &command,
                    VUR_DL_ADMIN_CommandResponse &response) {
@@ -79,7 +77,6 @@ void answer(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_CommandRequest &request,
 
 void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *distLogger,
                                                                 DDS_DataReader *reader) {
-    constexpr char kMethodName[] = "VUR_DL_DistLogger_CommandRequestListener_on_data_available";
     auto *self = static_cast<VUR_DL_DistLogger *>(distLogger);
     // Held throughout: once the logger has been disabled no command is in progress, and what a
     // command uses can be torn down.
@@ -90,7 +87,7 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *distLogger
     VUR_DL_ADMIN_CommandRequestDataReader *request_reader =
         VUR_DL_ADMIN_CommandRequestDataReader_narrow(reader);
     if (request_reader == nullptr) {
-        report("Unable to narrow DataReader", kMethodName);
+        report("Unable to narrow DataReader", __func__);
         return;
     }
     VUR_DL_ADMIN_CommandRequestSeq requests = DDS_SEQUENCE_INITIALIZER;
@@ -102,7 +99,7 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *distLogger
         return;
     }
     if (taken != DDS_RETCODE_OK) {
-        report("Unable to take ComandRequest from DataReader", kMethodName);
+        report("Unable to take ComandRequest from DataReader", __func__);
         return;
     }
     const auto length = static_cast<DDS_Long>(VUR_DL_ADMIN_CommandRequestSeq_get_length(&requests));
@@ -114,7 +111,7 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *distLogger
     }
     if (VUR_DL_ADMIN_CommandRequestDataReader_return_loan(request_reader, &requests, &infos) !=
         DDS_RETCODE_OK) {
-        report("Unable to return loan in CommandRequest's DataReader", kMethodName);
+        report("Unable to return loan in CommandRequest's DataReader", __func__);
     }
 }
 
@@ -124,7 +121,7 @@ void VUR_DL_DistLogger_processCommand(VUR_DL_DistLogger *self,
     if (VUR_DL_ADMIN_CommandResponse_initialize(&response)) {
         answer(*self, *request, response);
     } else {
-        report("Unable to initialize Command Response", "VUR_DL_DistLogger_processCommand");
+        report("Unable to initialize Command Response", __func__);
     }
     VUR_DL_ADMIN_CommandResponse_finalize(&response);
 }
@@ -139,8 +136,7 @@ int VUR_DL_DistLogger_setVURLoggerVerbosityByCategory(VUR_DL_DistLogger *self,
     }
     VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(self);
     if (VUR_DL_DistLogger_writeState(self) != 1) {
-        report("Unable to write Verbosity State",
-               "VUR_DL_DistLogger_setVURLoggerVerbosityByCategory", vur_dl::kLevelWarning);
+        report("Unable to write Verbosity State", __func__, vur_dl::kLevelWarning);
         return 0;
     }
     return 1;
@@ -148,20 +144,19 @@ int VUR_DL_DistLogger_setVURLoggerVerbosityByCategory(VUR_DL_DistLogger *self,
 
 int VUR_DL_DistLogger_setVURLoggerPrintFormat(VUR_DL_DistLogger *self,
                                               KOLT_Config_LogPrintFormat format) {
-    constexpr char kMethodName[] = "VUR_DL_DistLogger_setVURLoggerPrintFormat";
     KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
     if (logger == nullptr) {
-        report("Unable to get VUR Logger", kMethodName);
+        report("Unable to get VUR Logger", __func__);
         return 0;
     }
     if (!KOLT_Config_Logger_set_print_format(logger, format)) {
-        report("Unable to set PrintFormat", kMethodName);
+        report("Unable to set PrintFormat", __func__);
         return 0;
     }
     // What is published is what is in force, read back.
     VUR_DL_DistLogger_updateVURLoggerPrintFormatState(self);
     if (VUR_DL_DistLogger_writeState(self) != 1) {
-        report("Unable to write PrintFormat State", kMethodName, vur_dl::kLevelWarning);
+        report("Unable to write PrintFormat State", __func__, vur_dl::kLevelWarning);
         return 0;
     }
     return 1;
@@ -183,7 +178,7 @@ int VUR_DL_DistLogger_setFilterLevel(VUR_DL_DistLogger *self, int level) {
     self->state->filterLevel = level;
     vur_dl::refresh_threshold(self);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
-        report("Unable to write State", "VUR_DL_DistLogger_setFilterLevel", vur_dl::kLevelWarning);
+        report("Unable to write State", __func__, vur_dl::kLevelWarning);
     }
     return 0;
 }

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "DistLoggerRecord.hpp"
-#include "levels.hpp"
+#include "report.hpp"
 
 KOLT_GlobalLock gVUR_DL_DistLogger_lock = KOLT_GLOBAL_LOCK_INITIALIZER;
 int gVUR_DL_DistLogger_initialized = 0;
@@ -14,6 +14,7 @@ VUR_DL_Options *gVUR_DL_DistLogger_currentOptions = nullptr;
 namespace {
 
 using vur_dl::load_acquire;
+using vur_dl::report;
 using vur_dl::store_relaxed;
 using vur_dl::store_release;
 
@@ -22,10 +23,6 @@ constexpr char kCreateInstance[] = "VUR_DL_DistLogger_createInstance";
 constexpr char kFinalizeInstance[] = "VUR_DL_DistLogger_finalizeInstance";
 constexpr char kSetOptions[] = "VUR_DL_DistLogger_setOptions";
 constexpr std::size_t kMaxApplicationKindLength = 256;
-
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
-}
 
 bool fail(const char *message) {
     report(message, kCreateInstance);
@@ -291,7 +288,7 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_createInstance(DDS_DomainParticipantFactory
 
 void VUR_DL_DistLogger_initialize(VUR_DL_DistLogger *self) {
     if (self == nullptr) {
-        report("VUR_DL_DistLogger is NULL", "VUR_DL_DistLogger_initialize");
+        report("VUR_DL_DistLogger is NULL", __func__);
         return;
     }
     std::memset(static_cast<void *>(self), 0, sizeof *self);
@@ -364,7 +361,7 @@ void VUR_DL_DistLogger_disable(void) {
     vur_dl::refresh_threshold(self);
     store_relaxed(self->logMessageWriteThread->shouldRun, 0);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
-        report("Unable to Write State", "VUR_DL_DistLogger_disable", vur_dl::kLevelWarning);
+        report("Unable to Write State", __func__, vur_dl::kLevelWarning);
     }
 }
 

@@ -4,16 +4,14 @@
 #include <cstdint>
 
 #include "DistLoggerRecord.hpp"
-#include "levels.hpp"
+#include "report.hpp"
 
 namespace {
 
+using vur_dl::report;
+
 std::atomic<int> effect_threshold{INT_MAX};
 std::atomic<KOLT_Clock *> process_clock{nullptr};
-
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
-}
 
 // Whether a call that is right in every other respect would have no effect. A record that is not
 // the logger, or a wrong argument, is left to the checks under the lock.
@@ -213,16 +211,15 @@ void VUR_DL_DistLogger_logMessageWithLevelCategory(VUR_DL_DistLogger *self, int 
 
 void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,
                                             const VUR_DL_DistLogger_MessageParams *params) {
-    static constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
     if (refusal(self, params) == nullptr && has_no_effect(self, params->log_level)) {
         return;
     }
     if (KOLT_GlobalLock_take(&gVUR_DL_DistLogger_lock) != 0) {
-        report("Unable to lock: It is not safe to log message", kMethodName);
+        report("Unable to lock: It is not safe to log message", __func__);
         return;
     }
     log_locked(self, params);
     if (KOLT_GlobalLock_give(&gVUR_DL_DistLogger_lock) != 0) {
-        report("Unable to unlock when logging message.", kMethodName);
+        report("Unable to unlock when logging message.", __func__);
     }
 }

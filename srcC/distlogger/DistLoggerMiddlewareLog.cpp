@@ -5,10 +5,12 @@
 #include <cstring>
 
 #include "DistLoggerRecord.hpp"
-#include "levels.hpp"
+#include "report.hpp"
 #include "vur_dl/EnumTranslators.h"
 
 namespace {
+
+using vur_dl::report;
 
 constexpr char kForwardedCategory[] = "com.vur.kolt.config.Logger";
 
@@ -75,16 +77,13 @@ void VUR_DL_DistLogger_writeDevice(KOLT_Config_LoggerDevice *,
 
 void VUR_DL_DistLogger_maskSystemVerbosity(KOLT_Config_LogVerbosity mask[8],
                                            DDS_DomainParticipantFactory *factory) {
-    constexpr char kMethodName[] = "VUR_DL_DistLogger_maskSystemVerbosity";
     // First, because profiles may configure the verbosities that are saved here.
     if (DDS_DomainParticipantFactory_load_profiles(factory) != DDS_RETCODE_OK) {
-        VUR_DL_DistLogger_printMessage("Unable to load profiles", kMethodName,
-                                       vur_dl::kLevelWarning);
+        report("Unable to load profiles", __func__, vur_dl::kLevelWarning);
     }
     KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
     if (logger == nullptr) {
-        VUR_DL_DistLogger_printMessage("Unable to get VUR Logger", kMethodName,
-                                       vur_dl::kLevelError);
+        report("Unable to get VUR Logger", __func__);
         return;
     }
     for (int category = 0; category < KOLT_CONFIG_LOG_CATEGORY_COUNT; ++category) {
@@ -97,9 +96,7 @@ void VUR_DL_DistLogger_maskSystemVerbosity(KOLT_Config_LogVerbosity mask[8],
 void VUR_DL_DistLogger_unmaskSystemVerbosity(const KOLT_Config_LogVerbosity mask[8]) {
     KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
     if (logger == nullptr) {
-        VUR_DL_DistLogger_printMessage("Unable to get VUR Logger",
-                                       "VUR_DL_DistLogger_unmaskSystemVerbosity",
-                                       vur_dl::kLevelError);
+        report("Unable to get VUR Logger", __func__);
         return;
     }
     for (int category = 0; category < KOLT_CONFIG_LOG_CATEGORY_COUNT; ++category) {

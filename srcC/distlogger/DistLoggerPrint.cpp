@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr char kMethodName[] = "VUR_DL_DistLogger_printMessage";
 constexpr unsigned int kMessageIsEmpty = 3;
 constexpr unsigned int kTextIsNull = 4;
 
@@ -16,12 +15,12 @@ constexpr unsigned int kTextIsNull = 4;
 unsigned int VUR_DL_DistLogger_printMessage(const char *message, const char *methodName,
                                             int logLevel) {
     if (message == nullptr || methodName == nullptr) {
-        std::printf("DL Error: %s: String passed as parameter is NULL.\n", kMethodName);
+        std::printf("DL Error: %s: String passed as parameter is NULL.\n", __func__);
         return kTextIsNull;
     }
     const std::size_t length = std::strlen(message);
     if (length == 0) {
-        std::printf("DL Error: %s: Message to print is empty.\n", kMethodName);
+        std::printf("DL Error: %s: Message to print is empty.\n", __func__);
         return kMessageIsEmpty;
     }
     char level_name[16];

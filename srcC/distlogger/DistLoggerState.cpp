@@ -2,16 +2,14 @@
 // middleware's logger.
 #include "DDSEntitiesRecord.hpp"
 #include "DistLoggerRecord.hpp"
-#include "levels.hpp"
+#include "report.hpp"
 #include "vur_dl/EnumTranslators.h"
 
 namespace {
 
-using StateLock = std::lock_guard<std::recursive_mutex>;
+using vur_dl::report;
 
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
-}
+using StateLock = std::lock_guard<std::recursive_mutex>;
 
 bool publish_initial_state(VUR_DL_DistLogger &self, DDS_DataWriter *writer) {
     constexpr char kMethodName[] = "VUR_DL_DDSEntities_stateWriterOnPublicationMatched";
@@ -51,8 +49,7 @@ void VUR_DL_DDSEntities_stateWriterOnPublicationMatched(void *distLogger, DDS_Da
         return;
     }
     if (writer == nullptr) {
-        report("Could not get DL state data writer",
-               "VUR_DL_DDSEntities_stateWriterOnPublicationMatched");
+        report("Could not get DL state data writer", __func__);
         return;
     }
     auto &self = *static_cast<VUR_DL_DistLogger *>(distLogger);
@@ -75,9 +72,8 @@ void VUR_DL_DDSEntities_stateWriterOnDataReturn(void *, DDS_DataWriter *, void *
 }
 
 int VUR_DL_DistLogger_writeState(VUR_DL_DistLogger *self) {
-    constexpr char kMethodName[] = "VUR_DL_DistLogger_writeState";
     if (self == nullptr || self->_ddsEntities == nullptr) {
-        report("could not get DL entities", kMethodName);
+        report("could not get DL entities", __func__);
         return 0;
     }
     const StateLock lock(vur_dl::state_lock());
@@ -86,17 +82,17 @@ int VUR_DL_DistLogger_writeState(VUR_DL_DistLogger *self) {
     }
     VUR_DL_ADMIN_StateDataWriter *writer = VUR_DL_DDSEntities_getStateWriter(self->_ddsEntities);
     if (writer == nullptr) {
-        report("could not get DL state data writer", kMethodName);
+        report("could not get DL state data writer", __func__);
         return 0;
     }
     DDS_DataWriter *untyped_writer = VUR_DL_ADMIN_StateDataWriter_as_datawriter(writer);
     if (untyped_writer == nullptr) {
-        report("could not get State DataWriter as DDS DataWriter", kMethodName);
+        report("could not get State DataWriter as DDS DataWriter", __func__);
         return 0;
     }
     DDS_Entity *entity = DDS_DataWriter_as_entity(untyped_writer);
     if (entity == nullptr) {
-        report("could not get DataWriter as DDS Entity", kMethodName);
+        report("could not get DataWriter as DDS Entity", __func__);
         return 0;
     }
     if (!DDS_Entity_is_enabled(entity)) {
@@ -104,7 +100,7 @@ int VUR_DL_DistLogger_writeState(VUR_DL_DistLogger *self) {
     }
     if (VUR_DL_ADMIN_StateDataWriter_write(writer, self->state, self->loggerStateInstanceHandle) !=
         DDS_RETCODE_OK) {
-        report("Unable to write State in DataWriter", kMethodName);
+        report("Unable to write State in DataWriter", __func__);
         return 0;
     }
     return 1;
@@ -113,8 +109,7 @@ int VUR_DL_DistLogger_writeState(VUR_DL_DistLogger *self) {
 void VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(VUR_DL_DistLogger *self) {
     KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
     if (logger == nullptr) {
-        report("Unable to get VUR Logger",
-               "VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState");
+        report("Unable to get VUR Logger", __func__);
         return;
     }
     const StateLock lock(vur_dl::state_lock());
@@ -130,7 +125,7 @@ void VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(VUR_DL_DistLogge
 void VUR_DL_DistLogger_updateVURLoggerPrintFormatState(VUR_DL_DistLogger *self) {
     KOLT_Config_Logger *logger = KOLT_Config_Logger_get_instance();
     if (logger == nullptr) {
-        report("Unable to get VUR Logger", "VUR_DL_DistLogger_updateVURLoggerPrintFormatState");
+        report("Unable to get VUR Logger", __func__);
         return;
     }
     const StateLock lock(vur_dl::state_lock());

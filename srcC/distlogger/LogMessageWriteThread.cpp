@@ -1,11 +1,12 @@
 // The write thread: waits on the queue and publishes each message in place.
 #include "vur_dl/LogMessageWriteThread.h"
 
-#include "levels.hpp"
 #include "relaxed.hpp"
-#include "vur_dl/DistLogger.h"
+#include "report.hpp"
 
 namespace {
+
+using vur_dl::report;
 
 // How soon an idle thread notices that it is to end.
 constexpr DDS_Duration_t kBlockingTime{0, 100'000'000};
@@ -14,10 +15,6 @@ constexpr char kThreadName[] = "vDl#########Wri";
 static_assert(sizeof kThreadName == 16);
 // The level of the one message that is no diagnostic of the usual kind; printed as "DL Silent".
 constexpr int kLevelOfJoinFailure = 1;
-
-void report(const char *message, const char *method, int level = vur_dl::kLevelError) {
-    VUR_DL_DistLogger_printMessage(message, method, level);
-}
 
 void publish_front(VUR_DL_LogMessageWriteThread &self, const VUR_DL_LogMessagePlusTime &front) {
     const DDS_ReturnCode_t result = VUR_DL_LogMessageDataWriter_write_w_timestamp(
@@ -68,8 +65,7 @@ VUR_DL_LogMessageWriteThread *LogMessageWriteThread_create(
     auto *self = static_cast<VUR_DL_LogMessageWriteThread *>(
         KOLT_Heap_allocate_zeroed(sizeof(VUR_DL_LogMessageWriteThread)));
     if (self == nullptr) {
-        report("Unable to allocate memory for LogMessageWriteThread",
-               "LogMessageWriteThread_create");
+        report("Unable to allocate memory for LogMessageWriteThread", __func__);
         return nullptr;
     }
     self->logMessageWriter = writer;
@@ -85,7 +81,7 @@ void *LogMessageWriteThread_run(void *argument) {
     const DDS_UnsignedLongLong id = KOLT_Thread_current_id();
     vur_dl::store_relaxed(self.threadId, id);
     if (id == 0) {
-        report("Unable to get WrteThread ID.", "LogMessageWriteThread_run");
+        report("Unable to get WrteThread ID.", __func__);
         return nullptr;
     }
     while (vur_dl::load_relaxed(self.shouldRun) == 1) {
@@ -102,8 +98,7 @@ void LogMessageWriteThread_delete(VUR_DL_LogMessageWriteThread *self) {
         return;
     }
     if (self->thread != nullptr && KOLT_Thread_delete(self->thread) != 0) {
-        report("Error deleting Distributed logger thread.", "LogMessageWriteThread_delete",
-               kLevelOfJoinFailure);
+        report("Error deleting Distributed logger thread.", __func__, kLevelOfJoinFailure);
     }
     vur_dl::store_relaxed(self->threadId, 0);
     VUR_DL_MessageQueue_delete(self->q);

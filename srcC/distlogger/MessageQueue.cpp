@@ -7,11 +7,12 @@
 #include <new>
 
 #include "kolt/os.h"
-#include "levels.hpp"
 #include "relaxed.hpp"
-#include "vur_dl/DistLogger.h"
+#include "report.hpp"
 
 namespace {
+
+using vur_dl::report;
 
 constexpr std::size_t kInlineMessageSize = 128;
 constexpr std::size_t kInlineCategorySize = 32;
@@ -28,10 +29,6 @@ static_assert(offsetof(VUR_DL_MessageQueueElement, node) == 0, "a node is its el
 
 VUR_DL_MessageQueueElement *element_of(KOLT_ListNode *node) {
     return reinterpret_cast<VUR_DL_MessageQueueElement *>(node);
-}
-
-void report(const char *message, const char *method) {
-    VUR_DL_DistLogger_printMessage(message, method, vur_dl::kLevelError);
 }
 
 // Copies `source` into the inline buffer if it fits, into a new heap string of at most `max_length`
@@ -168,7 +165,7 @@ VUR_DL_MessageQueue *VUR_DL_MessageQueue_new(const VUR_DL_MessageQueueProperty *
     auto *self =
         static_cast<VUR_DL_MessageQueue *>(KOLT_Heap_allocate_zeroed(sizeof(VUR_DL_MessageQueue)));
     if (self == nullptr) {
-        report("Unable to allocate memory for Message Queue", "VUR_DL_MessageQueue_new");
+        report("Unable to allocate memory for Message Queue", __func__);
         return nullptr;
     }
     self->property = *property;
@@ -194,17 +191,16 @@ void VUR_DL_MessageQueue_delete(VUR_DL_MessageQueue *self) {
 }
 
 int VUR_DL_MessageQueue_push(VUR_DL_MessageQueue *self, const VUR_DL_LogMessagePlusTime *item) {
-    static constexpr char kMethodName[] = "VUR_DL_MessageQueue_push";
     if (KOLT_Mutex_take(self->mutex) != 0) {
-        report("Unable to take message queue mutex", kMethodName);
+        report("Unable to take message queue mutex", __func__);
         return 0;
     }
     const bool queued = enqueue(*self, *item);
     if (KOLT_Mutex_give(self->mutex) != 0) {
-        report("Unable to give message queue mutex", kMethodName);
+        report("Unable to give message queue mutex", __func__);
     }
     if (queued && KOLT_Semaphore_give(self->countSem) != KOLT_SEMAPHORE_OK) {
-        report("Unable to give message queue counting semaphore", kMethodName);
+        report("Unable to give message queue counting semaphore", __func__);
     }
     return queued ? 1 : 0;
 }
@@ -232,14 +228,13 @@ VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
 }
 
 void VUR_DL_MessageQueue_pop(VUR_DL_MessageQueue *self) {
-    static constexpr char kMethodName[] = "VUR_DL_MessageQueue_pop";
     if (KOLT_Mutex_take(self->mutex) != 0) {
-        report("Unable to take message queue mutex", kMethodName);
+        report("Unable to take message queue mutex", __func__);
         return;
     }
     remove_first(*self);
     if (KOLT_Mutex_give(self->mutex) != 0) {
-        report("Unable to give message queue mutex", kMethodName);
+        report("Unable to give message queue mutex", __func__);
     }
 }
 

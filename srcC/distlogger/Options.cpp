@@ -4,10 +4,11 @@
 #include <cstring>
 
 #include "kolt/os.h"
-#include "levels.hpp"
-#include "vur_dl/DistLogger.h"
+#include "report.hpp"
 
 namespace {
+
+using vur_dl::report;
 
 constexpr int kDefaultFilterLevel = vur_dl::kLevelInfo;
 constexpr DDS_UnsignedLong kDefaultQueueSize = 128;
@@ -19,7 +20,7 @@ bool copy_string(DDS_Char *&destination, const DDS_Char *source, const char *fai
     }
     destination = DDS_String_dup(source);
     if (destination == nullptr) {
-        VUR_DL_DistLogger_printMessage(failure, "VUR_DL_Options_copy", vur_dl::kLevelError);
+        report(failure, "VUR_DL_Options_copy");
         return false;
     }
     return true;
@@ -56,8 +57,7 @@ void VUR_DL_Options_initialize(VUR_DL_Options *self) {
 VUR_DL_Options *VUR_DL_Options_createDefault(void) {
     auto *self = static_cast<VUR_DL_Options *>(KOLT_Heap_allocate(sizeof(VUR_DL_Options)));
     if (self == nullptr) {
-        VUR_DL_DistLogger_printMessage("Unable to allocate memory for VUR_DL_Options",
-                                       "VUR_DL_Options_createDefault", vur_dl::kLevelWarning);
+        report("Unable to allocate memory for VUR_DL_Options", __func__, vur_dl::kLevelWarning);
         return nullptr;
     }
     VUR_DL_Options_initialize(self);
@@ -65,15 +65,12 @@ VUR_DL_Options *VUR_DL_Options_createDefault(void) {
 }
 
 int VUR_DL_Options_copy(VUR_DL_Options *self, const VUR_DL_Options *other) {
-    constexpr char kMethodName[] = "VUR_DL_Options_copy";
     if (self == nullptr) {
-        VUR_DL_DistLogger_printMessage("Pointer to destination VUR_DL_Options is NULL", kMethodName,
-                                       vur_dl::kLevelError);
+        report("Pointer to destination VUR_DL_Options is NULL", __func__);
         return 0;
     }
     if (other == nullptr) {
-        VUR_DL_DistLogger_printMessage("Pointer to origin VUR_DL_Option s is NULL", kMethodName,
-                                       vur_dl::kLevelError);
+        report("Pointer to origin VUR_DL_Option s is NULL", __func__);
         return 0;
     }
     self->enabled = other->enabled;
@@ -127,8 +124,7 @@ VUR_DL_Options *VUR_DL_Options_dup(const VUR_DL_Options *other) {
 
 void VUR_DL_Options_finalize(VUR_DL_Options *self) {
     if (self == nullptr) {
-        VUR_DL_DistLogger_printMessage("VUR_DL_Options was already NULL", "VUR_DL_Options_finalize",
-                                       vur_dl::kLevelInfo);
+        report("VUR_DL_Options was already NULL", __func__, vur_dl::kLevelInfo);
         return;
     }
     DDS_ThreadSettings_t_finalize(&self->threadSettings);

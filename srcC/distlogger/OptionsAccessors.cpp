@@ -1,14 +1,11 @@
 // Getters and setters of the options record, each with its own bounds and messages.
 #include "DistLoggerRecord.hpp"
-#include "levels.hpp"
-#include "vur_dl/DistLogger.h"
+#include "report.hpp"
 #include "vur_dl/Options.h"
 
 namespace {
 
-void report(const char *message, const char *method) {
-    VUR_DL_DistLogger_printMessage(message, method, vur_dl::kLevelError);
-}
+using vur_dl::report;
 
 template <typename T, typename Result>
 Result get(const VUR_DL_Options *self, T VUR_DL_Options::*field, Result sentinel,
@@ -68,34 +65,30 @@ DDS_ReturnCode_t set_string(VUR_DL_Options *self, DDS_Char *VUR_DL_Options::*fie
 
 DDS_DomainParticipant *VUR_DL_Options_getDomainParticipant(const VUR_DL_Options *self) {
     return get<DDS_DomainParticipant *, DDS_DomainParticipant *>(
-        self, &VUR_DL_Options::domainParticipant, nullptr, "VUR_DL_Options_getDomainParticipant");
+        self, &VUR_DL_Options::domainParticipant, nullptr, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setDomainParticipant(VUR_DL_Options *self,
                                                      DDS_DomainParticipant *domainParticipant) {
     return set(self, &VUR_DL_Options::domainParticipant, domainParticipant,
-               domainParticipant == nullptr ? "domainParticipant is null" : nullptr,
-               "VUR_DL_Options_setDomainParticipant");
+               domainParticipant == nullptr ? "domainParticipant is null" : nullptr, __func__);
 }
 
 int VUR_DL_Options_isRemoteAdministrationEnabled(const VUR_DL_Options *self) {
-    return get(self, &VUR_DL_Options::remoteAdministrationEnabled, 0,
-               "VUR_DL_Options_isRemoteAdministrationEnabled");
+    return get(self, &VUR_DL_Options::remoteAdministrationEnabled, 0, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setRemoteAdministrationEnabled(VUR_DL_Options *self, int enabled) {
-    return set(self, &VUR_DL_Options::remoteAdministrationEnabled, enabled, nullptr,
-               "VUR_DL_Options_setRemoteAdministrationEnabled");
+    return set(self, &VUR_DL_Options::remoteAdministrationEnabled, enabled, nullptr, __func__);
 }
 
 int VUR_DL_Options_getFilterLevel(const VUR_DL_Options *self) {
-    return get(self, &VUR_DL_Options::filterLevel, -1, "VUR_DL_Options_getFilterLevel");
+    return get(self, &VUR_DL_Options::filterLevel, -1, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setFilterLevel(VUR_DL_Options *self, int filterLevel) {
     return set(self, &VUR_DL_Options::filterLevel, filterLevel,
-               filterLevel < 0 ? "Filter Level must be positive or zero" : nullptr,
-               "VUR_DL_Options_setFilterLevel");
+               filterLevel < 0 ? "Filter Level must be positive or zero" : nullptr, __func__);
 }
 
 int VUR_DL_Options_getDomainId(const VUR_DL_Options *self) {
@@ -104,8 +97,7 @@ int VUR_DL_Options_getDomainId(const VUR_DL_Options *self) {
 
 DDS_ReturnCode_t VUR_DL_Options_setDomainId(VUR_DL_Options *self, int domainId) {
     return set(self, &VUR_DL_Options::domainId, domainId,
-               domainId < 0 ? "Domain Id must be positive or zero" : nullptr,
-               "VUR_DL_Options_setDomainId");
+               domainId < 0 ? "Domain Id must be positive or zero" : nullptr, __func__);
 }
 
 const char *VUR_DL_Options_getQosLibrary(const VUR_DL_Options *self) {
@@ -131,18 +123,17 @@ DDS_ReturnCode_t VUR_DL_Options_setQosProfile(VUR_DL_Options *self, const char *
 }
 
 int VUR_DL_Options_getQueueSize(const VUR_DL_Options *self) {
-    return get(self, &VUR_DL_Options::queueSize, -1, "VUR_DL_Options_getQueueSize");
+    return get(self, &VUR_DL_Options::queueSize, -1, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setQueueSize(VUR_DL_Options *self, int queueSize) {
     return set(self, &VUR_DL_Options::queueSize, queueSize,
-               queueSize < 1 ? "Queue Size must be positive" : nullptr,
-               "VUR_DL_Options_setQueueSize");
+               queueSize < 1 ? "Queue Size must be positive" : nullptr, __func__);
 }
 
 DDS_ThreadSettings_t *VUR_DL_Options_getThreadSettings(VUR_DL_Options *self) {
     if (self == nullptr) {
-        report("VUR_DL_Options is null", "VUR_DL_Options_getThreadSettings");
+        report("VUR_DL_Options is null", __func__);
         return nullptr;
     }
     return &self->threadSettings;
@@ -150,38 +141,35 @@ DDS_ThreadSettings_t *VUR_DL_Options_getThreadSettings(VUR_DL_Options *self) {
 
 DDS_ReturnCode_t VUR_DL_Options_setThreadSettings(VUR_DL_Options *self,
                                                   const DDS_ThreadSettings_t *threadSettings) {
-    constexpr char kMethodName[] = "VUR_DL_Options_setThreadSettings";
     if (self == nullptr) {
-        report("VUR_DL_Options is null", kMethodName);
+        report("VUR_DL_Options is null", __func__);
         return DDS_RETCODE_NO_DATA;
     }
     if (!DDS_ThreadSettings_t_copy(&self->threadSettings, threadSettings)) {
-        report("couldn't copy thread settings", kMethodName);
+        report("couldn't copy thread settings", __func__);
         return DDS_RETCODE_ERROR;
     }
     return DDS_RETCODE_OK;
 }
 
 const char *VUR_DL_Options_getApplicationKind(const VUR_DL_Options *self) {
-    return get<DDS_Char *, const char *>(self, &VUR_DL_Options::applicationKind, nullptr,
-                                         "VUR_DL_Options_getApplicationKind");
+    return get<DDS_Char *, const char *>(self, &VUR_DL_Options::applicationKind, nullptr, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setApplicationKind(VUR_DL_Options *self,
                                                    const char *applicationKind) {
-    return set_string(self, &VUR_DL_Options::applicationKind, applicationKind,
-                      {"application kind is NULL", "Unable to allocate memory for Application Kind",
-                       "VUR_DL_Options_setApplicationKind"});
+    return set_string(
+        self, &VUR_DL_Options::applicationKind, applicationKind,
+        {"application kind is NULL", "Unable to allocate memory for Application Kind", __func__});
 }
 
 int VUR_DL_Options_getEchoToStdout(const VUR_DL_Options *self) {
-    return get(self, &VUR_DL_Options::echoToStdout, 0, "VUR_DL_Options_getEchoToStdout");
+    return get(self, &VUR_DL_Options::echoToStdout, 0, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setEchoToStdout(VUR_DL_Options *self, int echoToStdout) {
-    constexpr char kMethodName[] = "VUR_DL_Options_setEchoToStdout";
     if (self == nullptr) {
-        report("VUR_DL_Options is null", kMethodName);
+        report("VUR_DL_Options is null", __func__);
         return DDS_RETCODE_NO_DATA;
     }
     // The running logger shares this record, so the echo may be switched while others log.
@@ -191,11 +179,9 @@ DDS_ReturnCode_t VUR_DL_Options_setEchoToStdout(VUR_DL_Options *self, int echoTo
 }
 
 int VUR_DL_Options_getLogInfrastructureMessages(const VUR_DL_Options *self) {
-    return get(self, &VUR_DL_Options::logInfrastructureMessages, 0,
-               "VUR_DL_Options_getLogInfrastructureMessages");
+    return get(self, &VUR_DL_Options::logInfrastructureMessages, 0, __func__);
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setLogInfrastructureMessages(VUR_DL_Options *self, int log) {
-    return set(self, &VUR_DL_Options::logInfrastructureMessages, log, nullptr,
-               "VUR_DL_Options_setLogInfrastructureMessages");
+    return set(self, &VUR_DL_Options::logInfrastructureMessages, log, nullptr, __func__);
 }
