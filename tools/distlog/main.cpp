@@ -6,8 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "command.hpp"
+#include "check/check.hpp"
+#include "command/action.hpp"
+#include "command/failure.hpp"
+#include "ls/ls.hpp"
 #include "net/session.hpp"
+#include "set/set.hpp"
+#include "tail/tail.hpp"
 #include "text/text.hpp"
 
 namespace {
@@ -43,7 +48,7 @@ int main(int argc, char **argv) {
     app.require_subcommand(1);
     distlog::Action action;
     distlog::add_tail(app, action);
-    distlog::add_list(app, action);
+    distlog::add_ls(app, action);
     distlog::add_set(app, action);
     distlog::add_check(app, action);
     try {

@@ -1,4 +1,6 @@
 // distlog check: what a configuration document says, and what would be in force with it.
+#include "check/check.hpp"
+
 #include <fmt/format.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -14,7 +16,7 @@
 
 #include "check/check_log.hpp"
 #include "check/check_report.hpp"
-#include "command.hpp"
+#include "command/failure.hpp"
 
 namespace distlog {
 namespace {

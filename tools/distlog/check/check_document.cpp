@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 
 namespace distlog::check {
 namespace {

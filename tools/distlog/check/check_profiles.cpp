@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 
 namespace distlog::check {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 #include "kolt_internal/owned_qos.hpp"
 #include "net/endpoints.hpp"
 

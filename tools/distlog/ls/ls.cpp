@@ -1,4 +1,6 @@
 // distlog ls: the loggers of a domain, once or as they come, change and go.
+#include "ls/ls.hpp"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -6,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 #include "net/directory.hpp"
 #include "net/waiting.hpp"
 #include "text/arguments.hpp"
@@ -19,7 +21,7 @@ namespace {
 
 constexpr Seconds kDefaultTimeout{5.0};
 
-struct ListOptions {
+struct LsOptions {
     int domain = 0;
     bool json = false;
     bool watch = false;
@@ -65,9 +67,9 @@ std::string to_text(const LoggerInfo &logger) {
                        verbosities_of(logger));
 }
 
-class List {
+class Ls {
   public:
-    explicit List(const ListOptions &options)
+    explicit Ls(const LsOptions &options)
         : options_(options), session_(options.domain), directory_(session_) {}
 
     int once() {
@@ -163,7 +165,7 @@ class List {
         }
     }
 
-    ListOptions options_;
+    LsOptions options_;
     StopSignal stop_;
     Output output_;
     Session session_;
@@ -174,9 +176,9 @@ class List {
 
 }  // namespace
 
-void add_list(CLI::App &app, Action &action) {
+void add_ls(CLI::App &app, Action &action) {
     CLI::App *command = app.add_subcommand("ls", "List the loggers of a domain");
-    const auto options = std::make_shared<ListOptions>();
+    const auto options = std::make_shared<LsOptions>();
     add_domain(*command, options->domain);
     command->add_flag("--json", options->json, "One JSON object a line");
     command->add_flag("--watch", options->watch,
@@ -191,8 +193,8 @@ void add_list(CLI::App &app, Action &action) {
         ->type_name("S");
     command->callback([&action, options] {
         action = [options] {
-            List list(*options);
-            return options->watch ? list.watch() : list.once();
+            Ls ls(*options);
+            return options->watch ? ls.watch() : ls.once();
         };
     });
 }

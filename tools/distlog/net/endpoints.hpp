@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 #include "kolt_internal/owned_qos.hpp"
 #include "net/session.hpp"
 

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 #include "kolt_internal/owned_qos.hpp"
 
 namespace distlog {

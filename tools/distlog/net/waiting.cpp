@@ -12,7 +12,7 @@
 #include <csignal>
 #include <cstdint>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 
 namespace distlog {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 
+#include "command/failure.hpp"
 #include "text/text.hpp"
 
 namespace distlog {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "command.hpp"
+#include "command/action.hpp"
 #include "net/directory.hpp"
 #include "net/requests.hpp"
 #include "net/waiting.hpp"

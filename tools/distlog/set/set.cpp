@@ -1,4 +1,6 @@
 // distlog set: changes running loggers by remote command.
+#include "set/set.hpp"
+
 #include "set/administration.hpp"
 
 namespace distlog {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "command/failure.hpp"
 #include "set/administration.hpp"
 #include "text/names.hpp"
 

@@ -1,4 +1,6 @@
 // distlog tail: prints log messages as they arrive and keeps account of those that do not.
+#include "tail/tail.hpp"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -8,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "command.hpp"
+#include "command/failure.hpp"
 #include "net/directory.hpp"
 #include "net/endpoints.hpp"
 #include "net/waiting.hpp"

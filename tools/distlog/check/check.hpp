@@ -1,0 +1,11 @@
+// distlog check: examines configuration documents without starting anything.
+#pragma once
+
+#include "command/action.hpp"
+
+namespace distlog {
+
+// Adds the subcommand to the parser; choosing it sets `action`.
+void add_check(CLI::App &app, Action &action);
+
+}  // namespace distlog
