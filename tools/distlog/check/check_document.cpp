@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "check/check_text.hpp"
 #include "command/failure.hpp"
 
 namespace distlog::check {
@@ -29,14 +30,6 @@ constexpr std::array<std::string_view, 7> kBuildingBlocks{kLogger,
 
 std::string_view tag_of(const DDS_XMLObject *object) {
     return DDS_XMLObject_get_tag_name(object);
-}
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kWhiteSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
 }
 
 // The first few characters, for a message.

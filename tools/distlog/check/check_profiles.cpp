@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "check/check_text.hpp"
 #include "command/failure.hpp"
 
 namespace distlog::check {
@@ -14,14 +15,6 @@ namespace {
 
 constexpr const char *kVariable = "KOLT_QOS_PROFILES";
 constexpr const char *kUserFile = "KOLT_QOS_PROFILES.xml";
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kWhiteSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
-}
 
 std::vector<ProfileSource> sources_of(const Document &document) {
     std::vector<ProfileSource> sources;
