@@ -1,7 +1,8 @@
 /* The DDS entities of the logger: participant, topics, publisher, writers, subscriber, reader.
  *
- * Made when the logger is created, unchanged until it is finalised. The accessors read a field and
- * take no lock; the record must not be NULL.
+ * The record is made when the logger is created and stays unchanged until the logger is finalised.
+ * The accessors read one field and take no lock, so any thread may call them. Unless a comment says
+ * otherwise, `self` must not be NULL.
  */
 #pragma once
 
@@ -24,20 +25,22 @@ typedef struct VUR_DL_DDSEntities VUR_DL_DDSEntities;
 #define VUR_DL_COMMAND_REQUEST_TYPE_NAME "com::vur::dl::admin::CommandRequest"
 #define VUR_DL_COMMAND_RESPONSE_TYPE_NAME "com::vur::dl::admin::CommandResponse"
 
-/* Creates all entities as the logger's options ask. NULL, with a printed line, on failure. */
+/* Creates all entities as the logger's options ask. Returns the record, to be released with
+ * VUR_DL_DDSEntities_destroy, or NULL, with a printed line, on failure. */
 VUR_DL_EXPORT VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *distLogger,
                                                             DDS_DomainParticipantFactory *factory);
 /* Deletes the entities and frees the record. NULL is allowed. */
 VUR_DL_EXPORT void VUR_DL_DDSEntities_destroy(VUR_DL_DDSEntities *self);
-/* Zero-fills the record; NULL prints a line. */
+/* Fills the record with zeros. Prints a line when `self` is NULL. */
 VUR_DL_EXPORT void VUR_DL_DDSEntities_initialize(VUR_DL_DDSEntities *self);
-/* Deletes what the record created and nothing that it was handed or only looked up. Goes on after a
- * failure, with a printed line; the result is that of the last deletion. */
+/* Deletes the entities that the record created. Entities that it was handed or looked up stay. Goes
+ * on after a failure, with a printed line, and returns the result of the last deletion. */
 VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_deleteContainedEntities(VUR_DL_DDSEntities *self);
 
-/* The QoS that each entity is created with: from the options' profile if it exists, else the
- * default, with the logger's own needs on top. Each fills a record that the caller finalises; an
- * error of the middleware is returned as it is. Topic names are compared without regard to case. */
+/* The following functions fill in the QoS that each entity is created with: the one of the options'
+ * profile if that exists, else the default one, with the logger's own needs on top. The caller
+ * finalises the filled record. An error of the middleware is returned as it is. Topic names are
+ * compared without regard to case. */
 VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDomainParticipantQos(
     VUR_DL_DDSEntities *self, DDS_DomainParticipantQos *qos, const VUR_DL_Options *options);
 VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getSubscriberQos(VUR_DL_DDSEntities *self,
@@ -53,24 +56,29 @@ VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDataWriterQos(VUR_DL_DDSEnt
 VUR_DL_EXPORT DDS_ReturnCode_t VUR_DL_DDSEntities_getDataReaderQos(VUR_DL_DDSEntities *self,
                                                                    DDS_DataReaderQos *qos,
                                                                    const char *topicName);
-/* A record without entities, for the functions above: what a logger with these options would create
- * its entities with, asked without creating one. The options and their strings are borrowed. The
- * functions for topics, writers and readers, publishers and subscribers look into the options'
- * participant for defaults; it may be one that is not enabled, so that nothing reaches the network.
- * Without one they fail with BAD_PARAMETER, unless the options' profile exists. NULL, with a
- * printed line, for NULL arguments and when memory runs out. To be released with
- * VUR_DL_DDSEntities_destroy. */
+/* Returns a record without entities. With it the functions above tell the QoS that a logger with
+ * these options would create its entities with, without creating a logger.
+ *
+ * The options and their strings are borrowed. The functions for topics, writers, readers,
+ * publishers and subscribers take their defaults from the options' participant. That participant
+ * may be one that is not enabled, so that nothing reaches the network. Without a participant those
+ * functions fail with BAD_PARAMETER, unless the options' profile exists.
+ *
+ * Returns NULL, with a printed line, for NULL arguments and when memory runs out. Release the
+ * record with VUR_DL_DDSEntities_destroy. */
 VUR_DL_EXPORT VUR_DL_DDSEntities *VUR_DL_DDSEntities_createForQos(
     DDS_DomainParticipantFactory *factory, const VUR_DL_Options *options);
-/* 1 when the factory knows the library and, in it, the profile (exact names); else 0. */
+/* Returns 1 when the factory knows the library and the profile in it, by their exact names; else
+ * 0, also for names that are NULL or empty. */
 VUR_DL_EXPORT int VUR_DL_DDSEntities_doesQosLibraryAndProfileExist(VUR_DL_DDSEntities *self,
                                                                    const char *library,
                                                                    const char *profile);
-/* 1 once the first State sample has been written, which the first matching reader triggers. The
- * argument is not used. */
+/* Returns 1 once the first State sample has been written, else 0. The first reader that matches
+ * triggers that sample. The argument is not used and may be NULL. */
 VUR_DL_EXPORT int VUR_DL_DDSEntities_hasInitialStateBeenSent(const VUR_DL_DDSEntities *self);
 
-/* First and second 4 bytes of the participant's RTPS GUID prefix, as signed numbers. */
+/* Return the first and the second 4 bytes of the participant's RTPS GUID prefix as signed numbers.
+ */
 VUR_DL_EXPORT int VUR_DL_DDSEntities_getRtpsHostId(const VUR_DL_DDSEntities *self);
 VUR_DL_EXPORT int VUR_DL_DDSEntities_getRtpsAppId(const VUR_DL_DDSEntities *self);
 VUR_DL_EXPORT DDS_DomainParticipant *VUR_DL_DDSEntities_getDomainParticipant(
@@ -79,14 +87,15 @@ VUR_DL_EXPORT VUR_DL_LogMessageDataWriter *VUR_DL_DDSEntities_getLogMessageWrite
     const VUR_DL_DDSEntities *self);
 VUR_DL_EXPORT VUR_DL_ADMIN_StateDataWriter *VUR_DL_DDSEntities_getStateWriter(
     const VUR_DL_DDSEntities *self);
-/* NULL when remote administration is disabled, like the next one. */
+/* Return NULL when remote administration is disabled. */
 VUR_DL_EXPORT VUR_DL_ADMIN_CommandRequestDataReader *VUR_DL_DDSEntities_getCommandRequestReader(
     const VUR_DL_DDSEntities *self);
 VUR_DL_EXPORT VUR_DL_ADMIN_CommandResponseDataWriter *VUR_DL_DDSEntities_getCommandResponseWriter(
     const VUR_DL_DDSEntities *self);
 
-/* Callbacks of the State writer; `distLogger` is the logger. The first reader that matches triggers
- * the first State sample, a deferred write whose data are the logger's live State. */
+/* The callbacks of the State writer; `distLogger` is the logger. The first reader that matches
+ * triggers the first State sample. That is a deferred write: the middleware asks for the data when
+ * it sends them, and gets the logger's live State. */
 VUR_DL_EXPORT void VUR_DL_DDSEntities_stateWriterOnPublicationMatched(
     void *distLogger, DDS_DataWriter *writer, const DDS_PublicationMatchedStatus *status);
 VUR_DL_EXPORT void *VUR_DL_DDSEntities_stateWriterOnDataRequest(void *distLogger,

@@ -1,4 +1,4 @@
-/* The one thread of the logger: it publishes what the queue holds. */
+/* The one thread of the logger, which publishes the queued messages. */
 #pragma once
 
 #include "kolt/config_logger.h"
@@ -10,6 +10,7 @@
 
 VUR_DL_EXTERN_C_BEGIN
 
+/* The thread and what it works with. The fields belong to the library. */
 typedef struct VUR_DL_LogMessageWriteThread {
     KOLT_Thread *thread;                   /* NULL until started */
     VUR_DL_MessageQueue *q;                /* owned */
@@ -20,15 +21,17 @@ typedef struct VUR_DL_LogMessageWriteThread {
     DDS_UnsignedLongLong threadId;                 /* of the running thread; 0 before and after */
 } VUR_DL_LogMessageWriteThread;
 
-/* Makes the queue and starts the thread. `queueSize` is 1 or more; `threadSettings` gives priority,
- * options and stack size. NULL, with a printed line and nothing left behind, on failure. */
+/* Makes the queue and starts the thread. `writer` is borrowed and must outlive the thread.
+ * `queueSize` is the capacity in messages, 1 or more. `threadSettings` gives priority, options and
+ * stack size, and is read during the call only. Returns NULL, with a printed line and nothing left
+ * behind, on failure. */
 VUR_DL_EXPORT VUR_DL_LogMessageWriteThread *LogMessageWriteThread_create(
     VUR_DL_LogMessageDataWriter *writer, int queueSize, const DDS_ThreadSettings_t *threadSettings);
 /* The thread's function; `self` is the record. Ends soon after `shouldRun` became 0: within one
- * wait of 100 ms, or one write. Messages still queued are not published. Returns NULL. */
+ * wait of 100 ms, or one write. Messages that are still queued are not published. Returns NULL. */
 VUR_DL_EXPORT void *LogMessageWriteThread_run(void *self);
-/* Waits for the thread to end, deletes the queue, frees the record. The caller has set `shouldRun`
- * to 0. NULL is allowed. */
+/* Waits for the thread to end, deletes the queue and frees the record. The caller has to set
+ * `shouldRun` to 0 before. NULL is allowed. */
 VUR_DL_EXPORT void LogMessageWriteThread_delete(VUR_DL_LogMessageWriteThread *self);
 /* Sets the middleware logger's verbosity for the communication category. */
 VUR_DL_EXPORT void LogMessageWriteThread_setCommunicationsLogVerbosity(
