@@ -1,14 +1,14 @@
 /* The logger's types towards the middleware: plugins, sample life cycle, buffers, keys and text.
  *
  * Applications rarely need these functions: the type support of distlogSupport.h offers the useful
- * ones under the standard's names. Nothing here marshals by hand: sizes, bytes, keys and text come
- * from the type codes of distlog.h.
+ * ones under the standard's names. The type codes of distlog.h determine sizes, bytes, keys and
+ * text.
  *
- *  1. Which type has which families is told by the list at the end of the file.
- *  2. Functions of a type's plugin that take endpoint data are called by KOLT, which makes that
- *     data through the plugin. They have the signature of the slot that they fill
- *     (kolt/type_plugin.h), in which a sample is a `void *`: it is always a record of the type.
- *     The size functions accept NULL for the endpoint data and then use the type's own programs.
+ *  1. The list at the end of the file says which type has which families.
+ *  2. KOLT calls the functions of a type's plugin that take endpoint data, and makes that data
+ *     through the plugin. They have the signature of the slot that they fill (kolt/type_plugin.h),
+ *     in which a sample is a `void *`: it is always a record of the type. The size functions accept
+ *     NULL for the endpoint data and then use the type's own programs.
  *  3. All functions may be called from any thread; a sample belongs to one thread at a time.
  */
 #pragma once
@@ -19,16 +19,16 @@
 
 VUR_DL_EXTERN_C_BEGIN
 
-/* What every type has.
+/* The functions of every type.
  *
- * - TPlugin_get_serialized_sample_max_size: Largest size in bytes of any sample in an
+ * - TPlugin_get_serialized_sample_max_size: Returns the largest size in bytes of any sample in an
  *   encapsulation, with its 4-byte header if asked for, when it begins at `current_alignment`.
- *   KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED when there is no limit. An encapsulation that the type
- *   does not have stands for the endpoint's own, or XCDR1 without endpoint data.
+ *   Returns KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED when there is no limit. An encapsulation that
+ *   the type does not have stands for the endpoint's own, or for XCDR1 without endpoint data.
  * - TPluginSupport_print_data: Prints a sample on standard output: `indent` steps and
- *   "<description>:" (or nothing, without a description), then each member on a line of its own
- *   one step further in; of a union the discriminator and the branch that it selects. A NULL
- *   sample prints "NULL".
+ *   "<description>:" (nothing without a description), then each member on a line of its own one
+ *   step further in. Of a union it prints the discriminator and the branch that it selects. For a
+ *   NULL sample it prints "NULL".
  */
 #define VUR_DL_PLUGIN_DECLARE_COMMON(T)                                                      \
     VUR_DL_EXPORT DDS_UnsignedLong T##Plugin_get_serialized_sample_max_size(                 \
@@ -37,10 +37,10 @@ VUR_DL_EXTERN_C_BEGIN
     VUR_DL_EXPORT void T##PluginSupport_print_data(const T *sample, const char *description, \
                                                    DDS_UnsignedLong indent)
 
-/* What structured types have.
+/* The functions of structured types.
  *
- * - TPluginSupport_create_data_w_params: A new sample, initialised with the parameters; the
- *   caller frees it with a destroy_data function. NULL when `params` is NULL, when its
+ * - TPluginSupport_create_data_w_params: Returns a new sample, initialised with the parameters; the
+ *   caller frees it with a destroy_data function. Returns NULL when `params` is NULL, when its
  *   allocate_memory is false (logged: a sample without memory for its strings could not be
  *   filled), or when memory runs out.
  * - TPluginSupport_create_data_ex: The same with default parameters and the given
@@ -49,9 +49,9 @@ VUR_DL_EXTERN_C_BEGIN
  * - TPluginSupport_destroy_data_w_params, _destroy_data_ex, _destroy_data: Finalise the sample
  *   as the parameters say (the default ones for NULL) and free it. A NULL sample is ignored.
  * - TPluginSupport_copy_data: T_copy.
- * - TPlugin_get_key_kind: Whether samples have a key.
- * - TPlugin_get_programs: The type's serialisation programs, compiled at the first call and kept
- *   from then on: nothing to give back. NULL when memory runs out.
+ * - TPlugin_get_key_kind: Returns whether samples have a key.
+ * - TPlugin_get_programs: Returns the type's serialisation programs, which are compiled at the
+ *   first call and kept from then on; the caller gives nothing back. NULL when memory runs out.
  * - TPlugin_serialize_to_cdr_buffer_ex: Writes `sample`, with the encapsulation header, into
  *   `buffer`. `*length` goes in as the buffer's size and comes out as the bytes written. With a
  *   NULL buffer `*length` becomes the exact size that is needed. False for a NULL length or
@@ -91,8 +91,9 @@ VUR_DL_EXTERN_C_BEGIN
         const T *sample, DDS_Char *string, DDS_UnsignedLong *length,                             \
         const DDS_PrintFormatProperty *property)
 
-/* Key sizes, as TPlugin_get_serialized_sample_max_size; the second is of the big-endian form that
- * the key hash is made of (RTPS 2.3, 9.6.3.8), without a header. */
+/* Return the largest size of a key, as TPlugin_get_serialized_sample_max_size does for samples. The
+ * second function counts the big-endian form that the key hash is made of (RTPS 2.3, 9.6.3.8),
+ * without a header. */
 #define VUR_DL_PLUGIN_DECLARE_KEY_SIZES(T)                                             \
     VUR_DL_EXPORT DDS_UnsignedLong T##Plugin_get_serialized_key_max_size(              \
         KOLT_TypePluginEndpointData *endpoint_data, DDS_Boolean include_encapsulation, \
@@ -101,15 +102,16 @@ VUR_DL_EXTERN_C_BEGIN
         KOLT_TypePluginEndpointData *endpoint_data, DDS_UnsignedShort encapsulation,   \
         DDS_UnsignedLong current_alignment)
 
-/* What keyed types have. A key holder is a record of the type, of which the key members count.
+/* The functions of keyed types. A key holder is a record of the type in which only the key members
+ * count.
  *
- * - TPluginSupport_create_key_ex, _create_key: A new key holder, as create_data_ex and
- *   create_data.
- * - TPluginSupport_destroy_key_ex, _destroy_key: As destroy_data_ex and destroy_data.
+ * - TPluginSupport_create_key_ex, _create_key: Return a new key holder, as create_data_ex and
+ *   create_data do.
+ * - TPluginSupport_destroy_key_ex, _destroy_key: Free it, as destroy_data_ex and destroy_data do.
  * - TPlugin_instance_to_key, _key_to_instance: Copy the key members. False for NULLs.
  * - TPlugin_deserialize_key: Reads a key-only payload into the sample that `sample` points at.
- * - TPlugin_serialized_sample_to_keyhash: The key hash of a serialised sample: reads its key
- *   members into a key holder of the endpoint's and hashes these. False when there is no key
+ * - TPlugin_serialized_sample_to_keyhash: Works out the key hash of a serialised sample: reads its
+ *   key members into one of the endpoint's key holders and hashes these. False when there is no key
  *   holder or the bytes are malformed.
  */
 #define VUR_DL_PLUGIN_DECLARE_KEYED(T)                                                             \
@@ -130,18 +132,18 @@ VUR_DL_EXTERN_C_BEGIN
         KOLT_TypePluginEndpointData *endpoint_data, KOLT_CdrStream *stream, KOLT_KeyHash *keyhash, \
         DDS_Boolean deserialize_encapsulation, void *endpoint_plugin_qos)
 
-/* What topic types have.
+/* The functions of topic types.
  *
- * - TPlugin_new: A plugin record for DDS_DomainParticipant_register_type, to be freed with
+ * - TPlugin_new: Returns a plugin record for DDS_DomainParticipant_register_type, to be freed with
  *   TPlugin_delete. NULL when memory runs out. The keyed types fill every slot that is not
  *   reserved; the unkeyed one leaves the slots of keys and key hashes empty.
  * - TPlugin_delete: Frees a plugin record. NULL is ignored.
- * - TPlugin_on_participant_attached: Participant data that holds the type's programs; NULL when
- *   they cannot be had.
+ * - TPlugin_on_participant_attached: Returns participant data that hold the type's programs; NULL
+ *   when memory runs out.
  * - TPlugin_on_participant_detached: Gives the programs and the data back. NULL is ignored.
- * - TPlugin_on_endpoint_attached: Endpoint data with sample and key pools; for keyed types with
- *   the key-hash stream; for writers with the buffer pool. NULL when `participant_data` or
- *   `endpoint_info` is NULL or memory runs out.
+ * - TPlugin_on_endpoint_attached: Returns endpoint data with sample and key pools, for keyed types
+ *   also with the key-hash stream, for writers also with the buffer pool. NULL when
+ *   `participant_data` or `endpoint_info` is NULL or memory runs out.
  * - TPlugin_on_endpoint_detached: Frees the endpoint data.
  * - TPlugin_copy_sample: T_copy.
  * - TPlugin_return_sample: Frees the sample's optional members and gives it back to the pool.
@@ -168,7 +170,7 @@ VUR_DL_EXTERN_C_BEGIN
     VUR_DL_EXPORT void T##Plugin_finalize_optional_members(                                        \
         KOLT_TypePluginEndpointData *endpoint_data, void *sample, DDS_Boolean delete_pointers)
 
-/* ---- Which type has what -------------------------------------------------------------------- */
+/* ---- The families of each type -------------------------------------------------------------- */
 
 VUR_DL_PLUGIN_DECLARE_STRUCTURED(VUR_DL_HostAndAppId);
 VUR_DL_PLUGIN_DECLARE_KEYED(VUR_DL_HostAndAppId);

@@ -1,15 +1,15 @@
 /* Type support, typed data writers and typed data readers of the four topic types.
  *
- * The functions are those of the IDL to C mapping of DDS 1.4: the untyped ones of
- * kolt/publication.h and kolt/subscription.h with the sample's type put in, and with their results.
- * Each family is declared by one macro; what the operations do is told at the macro.
+ * The functions are those of the IDL to C mapping of DDS 1.4. They do the same as the untyped ones
+ * of kolt/publication.h and kolt/subscription.h, for samples of one type, and have their results.
+ * One macro declares each family; the comment at the macro describes the operations.
  *
- *  1. A typed writer or reader is the untyped one under another type: _narrow, after it has checked
- *     the type, and _as_datawriter / _as_datareader return the same address. There is nothing to
- *     free; the publisher or subscriber deletes the untyped one.
+ *  1. A typed writer or reader is the untyped one under another type: _narrow, which checks the
+ *     type, and _as_datawriter / _as_datareader return the same address. The caller frees nothing;
+ *     the publisher or subscriber deletes the untyped one.
  *  2. Writers and readers may be used by any number of threads. A sequence belongs to one thread.
- *  3. A NULL where a pointer is required gives DDS_RETCODE_BAD_PARAMETER, NULL or DDS_HANDLE_NIL. A
- *     wrong call that is found here is logged (category API) under the function's own name.
+ *  3. A NULL where a pointer is required gives DDS_RETCODE_BAD_PARAMETER, NULL or DDS_HANDLE_NIL.
+ *     The typed function logs a wrong call (category API) under its own name.
  */
 #pragma once
 
@@ -27,10 +27,11 @@ VUR_DL_EXTERN_C_BEGIN
  *   otherwise the result of DDS_DomainParticipant_register_type.
  * - TTypeSupport_unregister_type: The reverse. ERROR for a NULL participant; otherwise the
  *   result of DDS_DomainParticipant_unregister_type.
- * - TTypeSupport_get_type_name: The name in the type code, "VUR::DL::LogMessage".
+ * - TTypeSupport_get_type_name: Returns the name in the type code, for example
+ *   "VUR::DL::LogMessage".
  * - TTypeSupport_get_typecode: T_get_typecode.
- * - TTypeSupport_create_data, _create_data_ex, _create_data_w_params: A new sample, to be freed
- *   with a delete_data function: TPluginSupport_create_data and its variants.
+ * - TTypeSupport_create_data, _create_data_ex, _create_data_w_params: Return a new sample, to be
+ *   freed with a delete_data function, as TPluginSupport_create_data and its variants do.
  * - TTypeSupport_delete_data, _delete_data_ex, _delete_data_w_params: Free such a sample. OK.
  * - TTypeSupport_initialize_data, _initialize_data_ex, _initialize_data_w_params: T_initialize
  *   and its variants. OK or ERROR.
@@ -40,8 +41,8 @@ VUR_DL_EXTERN_C_BEGIN
  * - TTypeSupport_copy_data: T_copy. OK or ERROR.
  * - TTypeSupport_print_data: Prints a sample on standard output.
  * - TTypeSupport_serialize_data_to_cdr_buffer, _ex,
- *   TTypeSupport_deserialize_data_from_cdr_buffer: To bytes and back:
- *   TPlugin_serialize_to_cdr_buffer and its like. True on success.
+ *   TTypeSupport_deserialize_data_from_cdr_buffer: Convert to bytes and back, as
+ *   TPlugin_serialize_to_cdr_buffer and its variants do. True on success.
  * - TTypeSupport_data_to_string: TPlugin_data_to_string.
  */
 #define VUR_DL_TYPE_SUPPORT_DECLARE(T)                                                           \
@@ -86,16 +87,16 @@ VUR_DL_EXTERN_C_BEGIN
 
 /* Typed writer (DDS 1.4, 2.2.2.4.2).
  *
- * - TDataWriter_narrow: The writer as a typed one. NULL (logged) for NULL ("null writer") and
- *   for a writer of another type ("wrong type writer"); the name under which the type was
- *   registered does not matter.
- * - TDataWriter_as_datawriter: The reverse. NULL (logged) for NULL.
- * - TDataWriter_create_data, _create_data_w_params: A new sample; delete it with the writer's
- *   delete_data functions. NULL when memory runs out or memory is not to be allocated.
+ * - TDataWriter_narrow: Returns the writer as a typed one. Returns NULL, and logs it, for NULL
+ *   ("null writer") and for a writer of another type ("wrong type writer"). The name under which
+ *   the type was registered does not matter.
+ * - TDataWriter_as_datawriter: The reverse. Returns NULL, and logs it, for NULL.
+ * - TDataWriter_create_data, _create_data_w_params: Return a new sample, to be freed with the
+ *   writer's delete_data functions. NULL when memory runs out or when the parameters forbid memory.
  * - TDataWriter_delete_data, _delete_data_w_params: Free such a sample.
- * - TDataWriter_get_loan, _discard_loan: Samples in memory that is shared with readers do not
- *   exist for these types: UNSUPPORTED (logged), `*sample` stays as it is.
- * - The others: As DDS_DataWriter_<operation>.
+ * - TDataWriter_get_loan, _discard_loan: Return UNSUPPORTED, and log it: these types have no
+ *   samples in memory that is shared with readers. `*sample` stays as it is.
+ * - The others: Do what DDS_DataWriter_<operation> does.
  */
 #define VUR_DL_DATA_WRITER_DECLARE(T)                                                              \
     typedef struct T##DataWriter {                                                                 \
@@ -143,8 +144,9 @@ VUR_DL_EXTERN_C_BEGIN
     VUR_DL_EXPORT DDS_InstanceHandle_t T##DataWriter_lookup_instance(T##DataWriter *self,          \
                                                                      const T *key_holder)
 
-/* The forms of read and take, in which `take` says which it is. TDataReader_read is
- * TDataReader_read_or_takeI with false, TDataReader_take with true, and so on. */
+/* The common forms of read and take: `take` is false for a read and true for a take.
+ * TDataReader_read is TDataReader_read_or_takeI with false, TDataReader_take with true, and so on.
+ */
 #define VUR_DL_DATA_READER_DECLARE_INTERNAL(T)                                                    \
     VUR_DL_EXPORT DDS_ReturnCode_t T##DataReader_read_or_takeI(                                   \
         T##DataReader *self, T##Seq *received_data, DDS_SampleInfoSeq *info_seq,                  \
@@ -173,9 +175,11 @@ VUR_DL_EXTERN_C_BEGIN
         DDS_Long max_samples, DDS_InstanceHandle_t previous_handle, DDS_ReadCondition *condition, \
         DDS_Boolean take)
 
-/* The samples of a read or take come in one of two ways (DDS 1.4, 2.2.2.5.3.8): into the caller's
- * sequences when these own elements (maximum above 0), as copies; or, when they own none, as a loan
- * of the reader's, which _return_loan must give back. */
+/* A read or take delivers the samples in one of two ways (DDS 1.4, 2.2.2.5.3.8):
+ *
+ *   as copies  when the caller's sequences own elements (maximum above 0)
+ *   as a loan  when they own none; _return_loan must give the reader's samples back
+ */
 #define VUR_DL_DATA_READER_DECLARE_ACCESS(T, access)                                            \
     VUR_DL_EXPORT DDS_ReturnCode_t T##DataReader_##access(                                      \
         T##DataReader *self, T##Seq *received_data, DDS_SampleInfoSeq *info_seq,                \
@@ -204,22 +208,26 @@ VUR_DL_EXTERN_C_BEGIN
 
 /* Typed reader (DDS 1.4, 2.2.2.5.3).
  *
- * - TDataReader_narrow, _as_datareader: As the writer's ("null reader", "wrong type reader").
- * - TDataReader_read, _take and variants: At most `max_samples` samples (DDS_LENGTH_UNLIMITED:
- *   as many as there are). OK; NO_DATA, with the data sequence's length 0; otherwise as
- *   DDS_DataReader_read_or_take_untypedI. _w_condition: what the condition selects.
- *   _next_sample: the next sample that was not read, copied into the caller's initialised
- *   record. _instance: of one instance. _next_instance: of the first instance with data after
- *   `previous_handle`; DDS_HANDLE_NIL begins.
- * - TDataReader_return_loan: Gives a loan back; both sequences are then empty and owning. OK,
- *   too, when nothing was lent. PRECONDITION_NOT_MET when the sequences are not a loan of this
+ * - TDataReader_narrow, _as_datareader: Do what the writer's do ("null reader", "wrong type
+ *   reader").
+ * - TDataReader_read, _take and variants: Deliver at most `max_samples` samples
+ *   (DDS_LENGTH_UNLIMITED: as many as there are). Return OK; NO_DATA, with the data sequence's
+ *   length 0; otherwise the result of DDS_DataReader_read_or_take_untypedI.
+ *     _w_condition    delivers the samples that the condition selects
+ *     _next_sample    copies the next sample that was not read into the caller's initialised record
+ *     _instance       delivers samples of one instance
+ *     _next_instance  delivers samples of the first instance with data after `previous_handle`;
+ *                     DDS_HANDLE_NIL begins
+ * - TDataReader_return_loan: Gives a loan back. Both sequences are then empty and owning. Returns
+ *   OK, also when nothing was lent; PRECONDITION_NOT_MET when the sequences are not a loan of this
  *   reader.
- * - TDataReader_get_key_value, _lookup_instance: From handle to key and back, while the instance is
- *   known: as long as there are samples of it to read, or a writer that has not unregistered it.
- *   Of an instance that is gone, disposed or without writers and all of its samples taken, they
- *   give BAD_PARAMETER and DDS_HANDLE_NIL: its key is in the sample that told of its end, whose
- *   key members are set although `valid_data` is false.
- * - The others: As DDS_DataReader_<operation>.
+ * - TDataReader_get_key_value, _lookup_instance: Lead from handle to key and back while the
+ *   instance is known: as long as there are samples of it to read, or a writer that has not
+ *   unregistered it. An instance is gone when it is disposed or without writers and all of its
+ *   samples are taken. For it they return BAD_PARAMETER and DDS_HANDLE_NIL. Its key is in the
+ *   sample that reported its end: the key members of that sample are set although `valid_data` is
+ *   false.
+ * - The others: Do what DDS_DataReader_<operation> does.
  */
 #define VUR_DL_DATA_READER_DECLARE(T)                                                              \
     typedef struct T##DataReader {                                                                 \
