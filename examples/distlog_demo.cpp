@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <exception>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -181,6 +182,7 @@ int run(const Settings &settings) {
     std::atomic<int> running{settings.threads};
     Counts sent{};
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(settings.threads));
     for (int i = 0; i < settings.threads; ++i) {
         threads.emplace_back([&, i] {
             log_messages(logger, settings, i, stop, sent);
@@ -201,9 +203,8 @@ int run(const Settings &settings) {
     return result;
 }
 
-}  // namespace
-
-int main(int argc, char **argv) {
+// Parses the arguments and does what they say; returns the exit code.
+int parse_and_run(int argc, char **argv) {
     Settings settings;
     CLI::App app("Logs at all levels from several threads, until done or interrupted.",
                  "distlog-demo");
@@ -219,4 +220,15 @@ int main(int argc, char **argv) {
         return kExitUsage;
     }
     return run(settings);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    try {
+        return parse_and_run(argc, argv);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "distlog-demo: %s\n", error.what());
+        return 1;
+    }
 }

@@ -195,8 +195,10 @@ typedef struct VUR_DL_ADMIN_Command_u {
 /* "VUR::DL::ADMIN::Command": a command with its argument. `_d` selects the branch that counts; only
  * that one goes onto the wire. */
 typedef struct VUR_DL_ADMIN_Command {
+    /* NOLINTBEGIN(readability-identifier-naming): the IDL to C mapping calls a union's members so. */
     VUR_DL_ADMIN_CommandKind _d;
     VUR_DL_ADMIN_Command_u _u;
+    /* NOLINTEND(readability-identifier-naming) */
 } VUR_DL_ADMIN_Command;
 VUR_DL_TYPE_DECLARE(VUR_DL_ADMIN_Command);
 KOLT_SEQUENCE_DECLARE(VUR_DL_ADMIN_CommandSeq, VUR_DL_ADMIN_Command, VUR_DL_EXPORT);

@@ -49,8 +49,8 @@ bool initialize(VUR_DL_XMLConfig &self, DDS_XMLExtensionClass *extension_class,
 }  // namespace
 
 DDS_XMLExtensionClass *VUR_DL_XMLConfig_createXMLExtensionClass(
-    VUR_DL_XMLConfig_ParseErrorLogFunction parseErrorFunction) {
-    if (parseErrorFunction == nullptr) {
+    VUR_DL_XMLConfig_ParseErrorLogFunction parse_error_function) {
+    if (parse_error_function == nullptr) {
         report("invalid log function", __func__);
         return nullptr;
     }
@@ -60,7 +60,7 @@ DDS_XMLExtensionClass *VUR_DL_XMLConfig_createXMLExtensionClass(
         report("could not allocate extension class listener", __func__);
         return nullptr;
     }
-    listener->parserErrorLogFunction = parseErrorFunction;
+    listener->parserErrorLogFunction = parse_error_function;
     DDS_XMLExtensionClass *extension_class =
         DDS_XMLExtensionClass_new(kTagName, listener, nullptr, 0U, VUR_DL_XMLConfig_onStartElement,
                                   VUR_DL_XMLConfig_onEndElement, VUR_DL_XMLConfig_new,
@@ -71,9 +71,9 @@ DDS_XMLExtensionClass *VUR_DL_XMLConfig_createXMLExtensionClass(
     return extension_class;
 }
 
-void VUR_DL_XMLConfig_destroyXMLExtensionClass(DDS_XMLExtensionClass *extensionClass) {
-    KOLT_Heap_free(DDS_XMLExtensionClass_get_user_data(extensionClass));
-    DDS_XMLExtensionClass_delete(extensionClass);
+void VUR_DL_XMLConfig_destroyXMLExtensionClass(DDS_XMLExtensionClass *extension_class) {
+    KOLT_Heap_free(DDS_XMLExtensionClass_get_user_data(extension_class));
+    DDS_XMLExtensionClass_delete(extension_class);
 }
 
 VUR_DL_XMLConfig *VUR_DL_XMLConfig_create() {
@@ -84,8 +84,8 @@ VUR_DL_XMLConfig *VUR_DL_XMLConfig_create() {
     return self;
 }
 
-DDS_XMLObject *VUR_DL_XMLConfig_new(DDS_XMLExtensionClass *extensionClass,
-                                    DDS_XMLObject *parentObject, const char **,
+DDS_XMLObject *VUR_DL_XMLConfig_new(DDS_XMLExtensionClass *extension_class,
+                                    DDS_XMLObject *parent_object, const char **,
                                     DDS_XMLContext *context) {
     VUR_DL_XMLConfig *self = VUR_DL_XMLConfig_create();
     if (self == nullptr) {
@@ -93,7 +93,7 @@ DDS_XMLObject *VUR_DL_XMLConfig_new(DDS_XMLExtensionClass *extensionClass,
         return nullptr;
     }
     *self = VUR_DL_XMLConfig{};
-    if (!initialize(*self, extensionClass, parentObject, context)) {
+    if (!initialize(*self, extension_class, parent_object, context)) {
         VUR_DL_XMLConfig_finalize(self);
         return nullptr;
     }
@@ -120,8 +120,8 @@ VUR_DL_Options *VUR_DL_XMLConfig_getDLOptions(const VUR_DL_XMLConfig *self) {
     return self->parsedDLOptions;
 }
 
-DDS_XMLObject *VUR_DL_XMLConfig_getDLXMLObjectFromRoot(DDS_XMLObject *rootObject) {
-    for (DDS_XMLObject *object = rootObject; object != nullptr;
+DDS_XMLObject *VUR_DL_XMLConfig_getDLXMLObjectFromRoot(DDS_XMLObject *root_object) {
+    for (DDS_XMLObject *object = root_object; object != nullptr;
          object = DDS_XMLObject_get_next_sibling(object)) {
         const char *tag_name = DDS_XMLObject_get_tag_name(object);
         if (tag_name != nullptr && std::strcmp(tag_name, kTagName) == 0) {
@@ -136,7 +136,7 @@ DDS_XMLObject *VUR_DL_XMLConfig_getDLXMLObjectFromRoot(DDS_XMLObject *rootObject
     return nullptr;
 }
 
-const VUR_DL_XMLConfig *VUR_DL_XMLConfig_getXMLConfigFromXMLRoot(DDS_XMLObject *rootObject) {
+const VUR_DL_XMLConfig *VUR_DL_XMLConfig_getXMLConfigFromXMLRoot(DDS_XMLObject *root_object) {
     return reinterpret_cast<const VUR_DL_XMLConfig *>(
-        VUR_DL_XMLConfig_getDLXMLObjectFromRoot(rootObject));
+        VUR_DL_XMLConfig_getDLXMLObjectFromRoot(root_object));
 }

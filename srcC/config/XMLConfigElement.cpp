@@ -41,8 +41,8 @@ bool same(const char *left, const char *right) {
     return std::strcmp(left, right) == 0;
 }
 
-template <std::size_t count>
-std::optional<DL_XMLConfig_TagType> state_of(const TagRow (&tags)[count], const char *tag_name) {
+template <std::size_t kCount>
+std::optional<DL_XMLConfig_TagType> state_of(const TagRow (&tags)[kCount], const char *tag_name) {
     for (const TagRow &row : tags) {
         if (same(row.name, tag_name)) {
             return row.state;
@@ -166,18 +166,18 @@ void save_filter_level(int level, DDS_XMLSaveContext *context) {
 
 }  // namespace
 
-void VUR_DL_XMLConfig_onStartElement(DDS_XMLObject *self, const char *tagName, const char **,
+void VUR_DL_XMLConfig_onStartElement(DDS_XMLObject *self, const char *tag_name, const char **,
                                      DDS_XMLContext *) {
     auto &config = *reinterpret_cast<VUR_DL_XMLConfig *>(self);
-    auto state = state_of(kChildTags, tagName);
+    auto state = state_of(kChildTags, tag_name);
     if (!state && config.currentStatus == DL_XMLCONFIG_THREAD_TAG) {
-        state = state_of(kThreadTags, tagName);
+        state = state_of(kThreadTags, tag_name);
     }
     config.currentStatus = state.value_or(config.currentStatus);
 }
 
-void VUR_DL_XMLConfig_onEndElement(DDS_XMLObject *self, const char *tagName,
-                                   const char *elementText, DDS_XMLContext *context) {
+void VUR_DL_XMLConfig_onEndElement(DDS_XMLObject *self, const char *tag_name,
+                                   const char *element_text, DDS_XMLContext *context) {
     auto &config = *reinterpret_cast<VUR_DL_XMLConfig *>(self);
     if (config.extensionListener == nullptr) {
         report("invalid extension listener", __func__);
@@ -189,19 +189,19 @@ void VUR_DL_XMLConfig_onEndElement(DDS_XMLObject *self, const char *tagName,
         return;
     }
     VUR_DL_Options &options = *config.parsedDLOptions;
-    if (config.currentStatus == DL_XMLCONFIG_THREAD_CPU_LIST_TAG && same(tagName, "element")) {
-        VUR_DL_XMLConfig_addElementToThreadCpuList(&options.threadSettings.cpu_list, elementText,
+    if (config.currentStatus == DL_XMLCONFIG_THREAD_CPU_LIST_TAG && same(tag_name, "element")) {
+        VUR_DL_XMLConfig_addElementToThreadCpuList(&options.threadSettings.cpu_list, element_text,
                                                    context, log);
-    } else if (same(tagName, tag_of(config.currentStatus))) {
+    } else if (same(tag_name, tag_of(config.currentStatus))) {
         config.currentStatus =
-            end_child(config.currentStatus, {options, elementText, context, log, __func__});
+            end_child(config.currentStatus, {options, element_text, context, log, __func__});
     }
 }
 
 int VUR_DL_XMLConfig_getFilterLevelFromString(const char *string, DDS_XMLContext *context,
-                                              VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+                                              VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     if (string == nullptr) {
-        report_parse_error("null string found for filter level", __func__, context, logFunction);
+        report_parse_error("null string found for filter level", __func__, context, log_function);
         return -1;
     }
     for (const NamedInteger &row : kLevels) {
@@ -211,55 +211,55 @@ int VUR_DL_XMLConfig_getFilterLevelFromString(const char *string, DDS_XMLContext
     }
     int level = 0;
     if (!vur_dl::read_integer(string, vur_dl::kBaseTen, level)) {
-        report_parse_error("integer expected in XML text", __func__, context, logFunction);
+        report_parse_error("integer expected in XML text", __func__, context, log_function);
         return -1;
     }
     if (level < 0) {
         report_parse_error("negative integer not allowed for filter level", __func__, context,
-                           logFunction);
+                           log_function);
         return -1;
     }
     return level;
 }
 
 void VUR_DL_XMLConfig_getQueueSize(int *integer, const char *string, DDS_XMLContext *context,
-                                   VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+                                   VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     int size = 0;
-    if (vur_dl::read_bounded_integer(string, 1, size, __func__, context, logFunction)) {
+    if (vur_dl::read_bounded_integer(string, 1, size, __func__, context, log_function)) {
         *integer = size;
     }
 }
 
-void VUR_DL_XMLConfig_save(const DDS_XMLObject *self, DDS_XMLSaveContext *saveContext) {
+void VUR_DL_XMLConfig_save(const DDS_XMLObject *self, DDS_XMLSaveContext *save_context) {
     const auto boolean = [](int value) { return value != 0 ? "true" : "false"; };
 
-    DDS_XMLSaveContext_indent(saveContext);
-    DDS_XMLSaveContext_freeform(saveContext, "<distributed_logger>\n");
-    ++saveContext->depth;
-    DDS_XMLSaveContext_indent(saveContext);
+    DDS_XMLSaveContext_indent(save_context);
+    DDS_XMLSaveContext_freeform(save_context, "<distributed_logger>\n");
+    ++save_context->depth;
+    DDS_XMLSaveContext_indent(save_context);
     const VUR_DL_Options *options =
         VUR_DL_XMLConfig_getDLOptions(reinterpret_cast<const VUR_DL_XMLConfig *>(self));
     if (options == nullptr) {
-        saveContext->error = 1;
+        save_context->error = 1;
         return;
     }
-    save_filter_level(level_to_save(*options), saveContext);
-    DDS_XMLSaveContext_indent(saveContext);
-    DDS_XMLSaveContext_freeform(saveContext, "<enabled>%s</enabled>\n", boolean(options->enabled));
+    save_filter_level(level_to_save(*options), save_context);
+    DDS_XMLSaveContext_indent(save_context);
+    DDS_XMLSaveContext_freeform(save_context, "<enabled>%s</enabled>\n", boolean(options->enabled));
     // These two lines have never been indented, and files are compared by their lines.
-    DDS_XMLSaveContext_freeform(saveContext, "<echo_to_stdout>%s</echo_to_stdout>\n",
+    DDS_XMLSaveContext_freeform(save_context, "<echo_to_stdout>%s</echo_to_stdout>\n",
                                 boolean(options->echoToStdout));
-    DDS_XMLSaveContext_freeform(saveContext,
+    DDS_XMLSaveContext_freeform(save_context,
                                 "<log_infrastructure_messages>%s</log_infrastructure_messages>\n",
                                 boolean(options->logInfrastructureMessages));
-    VUR_DL_XMLConfig_saveThreadSettings("thread", &options->threadSettings, saveContext);
-    if (saveContext->error != 0) {
+    VUR_DL_XMLConfig_saveThreadSettings("thread", &options->threadSettings, save_context);
+    if (save_context->error != 0) {
         return;
     }
-    DDS_XMLSaveContext_indent(saveContext);
-    DDS_XMLSaveContext_freeform(saveContext, "<queue_size>%d</queue_size>\n",
+    DDS_XMLSaveContext_indent(save_context);
+    DDS_XMLSaveContext_freeform(save_context, "<queue_size>%d</queue_size>\n",
                                 static_cast<int>(options->queueSize));
-    --saveContext->depth;
-    DDS_XMLSaveContext_indent(saveContext);
-    DDS_XMLSaveContext_freeform(saveContext, "</distributed_logger>\n");
+    --save_context->depth;
+    DDS_XMLSaveContext_indent(save_context);
+    DDS_XMLSaveContext_freeform(save_context, "</distributed_logger>\n");
 }

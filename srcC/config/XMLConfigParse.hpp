@@ -24,8 +24,8 @@ struct NamedInteger {
 };
 
 // The row whose name is `text` in any letter case; nullptr when there is none.
-template <std::size_t count>
-const NamedInteger *find_name(const NamedInteger (&table)[count], const char *text) {
+template <std::size_t kCount>
+const NamedInteger *find_name(const NamedInteger (&table)[kCount], const char *text) {
     for (const NamedInteger &row : table) {
         if (strcasecmp(row.name, text) == 0) {
             return &row;

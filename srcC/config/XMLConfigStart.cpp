@@ -137,26 +137,26 @@ int VUR_DL_XMLConfig_chooseQosProfile(VUR_DL_Options *options) {
     return 1;
 }
 
-int VUR_DL_XMLConfig_startWithXMLConfiguration(DDS_DomainParticipant *domainParticipant,
+int VUR_DL_XMLConfig_startWithXMLConfiguration(DDS_DomainParticipant *domain_participant,
                                                VUR_DL_Options *options,
-                                               const char *applicationKind) {
+                                               const char *application_kind) {
     if (options == nullptr) {
         report("no options found in XML configuration", __func__);
         return 0;
     }
-    if (domainParticipant == nullptr) {
+    if (domain_participant == nullptr) {
         report("invalid DomainParticipant", __func__);
         return 0;
     }
     if (has_nothing_to_start(*options, __func__)) {
         return 1;
     }
-    VUR_DL_Options_setDomainParticipant(options, domainParticipant);
-    return start(*options, applicationKind, __func__);
+    VUR_DL_Options_setDomainParticipant(options, domain_participant);
+    return start(*options, application_kind, __func__);
 }
 
-int VUR_DL_XMLConfig_startFromFile(const char *path, DDS_DomainParticipant *domainParticipant,
-                                   int domainId, const char *applicationKind) {
+int VUR_DL_XMLConfig_startFromFile(const char *path, DDS_DomainParticipant *domain_participant,
+                                   int domain_id, const char *application_kind) {
     using ClassPtr = std::unique_ptr<DDS_XMLExtensionClass, void (*)(DDS_XMLExtensionClass *)>;
     using ParserPtr = std::unique_ptr<DDS_XMLParser, void (*)(DDS_XMLParser *)>;
 
@@ -193,9 +193,9 @@ int VUR_DL_XMLConfig_startFromFile(const char *path, DDS_DomainParticipant *doma
     if (!VUR_DL_XMLConfig_chooseQosProfile(options)) {
         return 0;
     }
-    if (domainParticipant != nullptr) {
-        return VUR_DL_XMLConfig_startWithXMLConfiguration(domainParticipant, options,
-                                                          applicationKind);
+    if (domain_participant != nullptr) {
+        return VUR_DL_XMLConfig_startWithXMLConfiguration(domain_participant, options,
+                                                          application_kind);
     }
-    return start_in_domain(*options, domainId, applicationKind);
+    return start_in_domain(*options, domain_id, application_kind);
 }

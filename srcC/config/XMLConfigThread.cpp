@@ -133,21 +133,21 @@ bool save_rotation(const DDS_ThreadSettings_t &settings, DDS_XMLSaveContext *con
 }  // namespace
 
 void VUR_DL_XMLConfig_getThreadSettingsKindMask(
-    DDS_ThreadSettingsKindMask *threadSettingsMask, const char *elementText,
-    DDS_XMLContext *context, VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+    DDS_ThreadSettingsKindMask *thread_settings_mask, const char *element_text,
+    DDS_XMLContext *context, VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     constexpr const char *kTrimFailed = "error trimming thread settings mask string";
     char buffer[kMaskBufferSize];
-    const std::size_t length = elementText == nullptr ? 0 : std::strlen(elementText);
+    const std::size_t length = element_text == nullptr ? 0 : std::strlen(element_text);
     if (length >= sizeof(buffer)) {
-        report_parse_error("thread settings kind too long", __func__, context, logFunction);
+        report_parse_error("thread settings kind too long", __func__, context, log_function);
         return;
     }
-    *threadSettingsMask = 0U;
-    if (elementText == nullptr) {
-        report_parse_error(kTrimFailed, __func__, context, logFunction);
+    *thread_settings_mask = 0U;
+    if (element_text == nullptr) {
+        report_parse_error(kTrimFailed, __func__, context, log_function);
         return;
     }
-    std::memcpy(buffer, elementText, length + 1);
+    std::memcpy(buffer, element_text, length + 1);
     trim(buffer);
     if (buffer[0] == '\0') {
         return;
@@ -158,10 +158,10 @@ void VUR_DL_XMLConfig_getThreadSettingsKindMask(
         const NamedInteger *row = vur_dl::find_name(kMaskNames, item);
         if (row == nullptr) {
             report_parse_error("illegal value on thread mask XML tag", __func__, context,
-                               logFunction);
+                               log_function);
             return;
         }
-        *threadSettingsMask |= static_cast<DDS_ThreadSettingsKindMask>(row->value);
+        *thread_settings_mask |= static_cast<DDS_ThreadSettingsKindMask>(row->value);
         item = next;
     }
 }
@@ -177,73 +177,73 @@ char *VUR_DL_XMLConfig_separateFirstElementFromMask(char *string) {
 
 void VUR_DL_XMLConfig_getThreadPriority(DDS_Long *integer, const char *text,
                                         DDS_XMLContext *context,
-                                        VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+                                        VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     const char *given = text == nullptr ? "" : text;
     if (const NamedInteger *row = vur_dl::find_name(kPriorityNames, given)) {
         *integer = row->value;
     } else if (!vur_dl::read_integer(given, vur_dl::kBaseTen, *integer)) {
-        report_parse_error("integer expected in XML text", __func__, context, logFunction);
+        report_parse_error("integer expected in XML text", __func__, context, log_function);
     }
 }
 
 void VUR_DL_XMLConfig_getThreadStackSize(DDS_Long *integer, const char *text,
                                          DDS_XMLContext *context,
-                                         VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+                                         VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     int value = 0;
     const NamedInteger *row = text == nullptr ? nullptr : vur_dl::find_name(kStackSizeNames, text);
     if (row != nullptr) {
         *integer = row->value;
-    } else if (vur_dl::read_bounded_integer(text, 0, value, __func__, context, logFunction)) {
+    } else if (vur_dl::read_bounded_integer(text, 0, value, __func__, context, log_function)) {
         *integer = value;
     }
 }
 
 void VUR_DL_XMLConfig_addElementToThreadCpuList(
     DDS_LongSeq *sequence, const char *text, DDS_XMLContext *context,
-    VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+    VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     // The name under which this function's messages are known.
     constexpr const char *kMethodName = "VUR_DL_XMLConfig_addElementToCpuList";
     const auto length = static_cast<DDS_Long>(DDS_LongSeq_get_length(sequence) + 1U);
     if (!DDS_LongSeq_ensure_length(sequence, length, length)) {
-        report_parse_error("failed to ensure sequence length", kMethodName, context, logFunction);
+        report_parse_error("failed to ensure sequence length", kMethodName, context, log_function);
         return;
     }
     int value = 0;
-    if (vur_dl::read_bounded_integer(text, 0, value, kMethodName, context, logFunction)) {
+    if (vur_dl::read_bounded_integer(text, 0, value, kMethodName, context, log_function)) {
         *DDS_LongSeq_get_reference(sequence, length - 1) = value;
     }
 }
 
 void VUR_DL_XMLConfig_getThreadCpuRotation(DDS_ThreadSettingsCpuRotationKind *result,
                                            const char *text, DDS_XMLContext *context,
-                                           VUR_DL_XMLConfig_ParseErrorLogFunction logFunction) {
+                                           VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     const NamedInteger *row = text == nullptr ? nullptr : vur_dl::find_name(kRotationNames, text);
     if (row == nullptr) {
         report_parse_error("error getting cpu_rotation", "VUR_DL_XMLConfig_getCpuRotation", context,
-                           logFunction);
+                           log_function);
         return;
     }
     *result = static_cast<DDS_ThreadSettingsCpuRotationKind>(row->value);
 }
 
-void VUR_DL_XMLConfig_saveThreadSettings(const char *tagName,
-                                         const DDS_ThreadSettings_t *threadSettings,
+void VUR_DL_XMLConfig_saveThreadSettings(const char *tag_name,
+                                         const DDS_ThreadSettings_t *thread_settings,
                                          DDS_XMLSaveContext *context) {
     const DDS_ThreadSettings_t defaults = DDS_THREAD_SETTINGS_DEFAULT;
-    if (DDS_ThreadSettings_is_equal(threadSettings, &defaults)) {
+    if (DDS_ThreadSettings_is_equal(thread_settings, &defaults)) {
         return;
     }
-    DDS_XMLHelper_save_tag(tagName, DDS_XML_OPEN_TAG, context);
-    save_mask(threadSettings->mask, context);
-    save_priority(threadSettings->priority, context);
-    if (threadSettings->stack_size != DDS_THREAD_STACK_SIZE_DEFAULT) {
-        DDS_XMLHelper_save_long("stack_size", threadSettings->stack_size, nullptr,
+    DDS_XMLHelper_save_tag(tag_name, DDS_XML_OPEN_TAG, context);
+    save_mask(thread_settings->mask, context);
+    save_priority(thread_settings->priority, context);
+    if (thread_settings->stack_size != DDS_THREAD_STACK_SIZE_DEFAULT) {
+        DDS_XMLHelper_save_long("stack_size", thread_settings->stack_size, nullptr,
                                 DDS_BOOLEAN_FALSE, context);
     }
-    DDS_XMLHelper_save_long_seq("cpu_list", &threadSettings->cpu_list, nullptr, context);
-    if (!save_rotation(*threadSettings, context)) {
+    DDS_XMLHelper_save_long_seq("cpu_list", &thread_settings->cpu_list, nullptr, context);
+    if (!save_rotation(*thread_settings, context)) {
         context->error = 1;
         return;
     }
-    DDS_XMLHelper_save_tag(tagName, DDS_XML_CLOSE_TAG, context);
+    DDS_XMLHelper_save_tag(tag_name, DDS_XML_CLOSE_TAG, context);
 }

@@ -347,13 +347,13 @@ DDS_ReturnCode_t delete_participant(VUR_DL_DDSEntities &self) {
 
 int VUR_DL_DDSEntities_gInitialStateSent = 0;
 
-VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *distLogger,
+VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *dist_logger,
                                               DDS_DomainParticipantFactory *factory) {
-    if (distLogger == nullptr) {
+    if (dist_logger == nullptr) {
         fail("VUR_DL_Distlogger is NULL");
         return nullptr;
     }
-    if (distLogger->options == nullptr) {
+    if (dist_logger->options == nullptr) {
         fail("VUR_DL_Options is NULL, expected initialized variable");
         return nullptr;
     }
@@ -362,7 +362,7 @@ VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *distLogger,
         fail("Unable to allocate memory for VUR_DL_DDSEntities");
         return nullptr;
     }
-    const VUR_DL_Options &options = *distLogger->options;
+    const VUR_DL_Options &options = *dist_logger->options;
     VUR_DL_DDSEntities_initialize(self);
     self->qosLibrary = options.qosLibrary;
     self->qosProfile = options.qosProfile;
@@ -380,7 +380,7 @@ VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *distLogger,
         }
         created = result == StateWriterResult::kCreated;
     }
-    created = created && listen_to_state_writer(*self, distLogger) &&
+    created = created && listen_to_state_writer(*self, dist_logger) &&
               (options.remoteAdministrationEnabled == 0 || create_remote_administration(*self));
     if (!created) {
         VUR_DL_DDSEntities_destroy(self);

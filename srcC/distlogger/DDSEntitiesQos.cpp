@@ -132,24 +132,24 @@ DDS_ReturnCode_t VUR_DL_DDSEntities_getPublisherQos(VUR_DL_DDSEntities *self,
 }
 
 DDS_ReturnCode_t VUR_DL_DDSEntities_getTopicQos(VUR_DL_DDSEntities *self, DDS_TopicQos *qos,
-                                                const char *topicName) {
+                                                const char *topic_name) {
     DDS_ReturnCode_t result = DDS_TopicQos_initialize(qos);
     if (result != DDS_RETCODE_OK) {
         return result;
     }
     const bool from_profile = profile_applies(*self);
     result = from_profile ? DDS_DomainParticipantFactory_get_topic_qos_from_profile_w_topic_name(
-                                self->factory, qos, self->qosLibrary, self->qosProfile, topicName)
+                                self->factory, qos, self->qosLibrary, self->qosProfile, topic_name)
                           : DDS_DomainParticipant_get_default_topic_qos_w_topic_name(
-                                self->domainParticipant, qos, topicName);
+                                self->domainParticipant, qos, topic_name);
     if (result != DDS_RETCODE_OK) {
         return result;
     }
     if (!from_profile) {
-        const bool durable = is_topic(topicName, VUR_DL_LOG_TOPIC_NAME) ||
-                             is_topic(topicName, VUR_DL_STATE_TOPIC_NAME);
-        const bool command = is_topic(topicName, VUR_DL_COMMAND_REQUEST_TOPIC_NAME) ||
-                             is_topic(topicName, VUR_DL_COMMAND_RESPONSE_TOPIC_NAME);
+        const bool durable = is_topic(topic_name, VUR_DL_LOG_TOPIC_NAME) ||
+                             is_topic(topic_name, VUR_DL_STATE_TOPIC_NAME);
+        const bool command = is_topic(topic_name, VUR_DL_COMMAND_REQUEST_TOPIC_NAME) ||
+                             is_topic(topic_name, VUR_DL_COMMAND_RESPONSE_TOPIC_NAME);
         if (durable || command) {
             qos->reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
         }
@@ -163,14 +163,14 @@ DDS_ReturnCode_t VUR_DL_DDSEntities_getTopicQos(VUR_DL_DDSEntities *self, DDS_To
 
 DDS_ReturnCode_t VUR_DL_DDSEntities_getDataWriterQos(VUR_DL_DDSEntities *self,
                                                      DDS_DataWriterQos *qos,
-                                                     const char *topicName) {
+                                                     const char *topic_name) {
     static_cast<void>(DDS_DataWriterQos_initialize(qos));
     const bool from_profile = profile_applies(*self);
     const DDS_ReturnCode_t result =
         from_profile ? DDS_DomainParticipantFactory_get_datawriter_qos_from_profile_w_topic_name(
-                           self->factory, qos, self->qosLibrary, self->qosProfile, topicName)
+                           self->factory, qos, self->qosLibrary, self->qosProfile, topic_name)
                      : DDS_DomainParticipant_get_default_datawriter_qos_w_topic_name(
-                           self->domainParticipant, qos, topicName);
+                           self->domainParticipant, qos, topic_name);
     if (result != DDS_RETCODE_OK) {
         return result;
     }
@@ -179,21 +179,21 @@ DDS_ReturnCode_t VUR_DL_DDSEntities_getDataWriterQos(VUR_DL_DDSEntities *self,
     qos->latency_budget.duration = DDS_DURATION_ZERO;
     qos->liveliness.kind = DDS_AUTOMATIC_LIVELINESS_QOS;
     qos->destination_order.kind = DDS_BY_RECEPTION_TIMESTAMP_DESTINATIONORDER_QOS;
-    apply_writer_needs(*qos, topicName, from_profile);
+    apply_writer_needs(*qos, topic_name, from_profile);
     qos->protocol.vendor_specific_entity = DDS_BOOLEAN_TRUE;
     return DDS_RETCODE_OK;
 }
 
 DDS_ReturnCode_t VUR_DL_DDSEntities_getDataReaderQos(VUR_DL_DDSEntities *self,
                                                      DDS_DataReaderQos *qos,
-                                                     const char *topicName) {
+                                                     const char *topic_name) {
     static_cast<void>(DDS_DataReaderQos_initialize(qos));
     const bool from_profile = profile_applies(*self);
     const DDS_ReturnCode_t result =
         from_profile ? DDS_DomainParticipantFactory_get_datareader_qos_from_profile_w_topic_name(
-                           self->factory, qos, self->qosLibrary, self->qosProfile, topicName)
+                           self->factory, qos, self->qosLibrary, self->qosProfile, topic_name)
                      : DDS_DomainParticipant_get_default_datareader_qos_w_topic_name(
-                           self->domainParticipant, qos, topicName);
+                           self->domainParticipant, qos, topic_name);
     if (result != DDS_RETCODE_OK) {
         return result;
     }
@@ -203,7 +203,7 @@ DDS_ReturnCode_t VUR_DL_DDSEntities_getDataReaderQos(VUR_DL_DDSEntities *self,
     qos->latency_budget.duration.sec = DDS_DURATION_INFINITE_SEC;
     qos->latency_budget.duration.nanosec = DDS_DURATION_INFINITE_NSEC;
     qos->liveliness.kind = DDS_AUTOMATIC_LIVELINESS_QOS;
-    if (is_topic(topicName, VUR_DL_COMMAND_REQUEST_TOPIC_NAME)) {
+    if (is_topic(topic_name, VUR_DL_COMMAND_REQUEST_TOPIC_NAME)) {
         qos->reliability.kind = DDS_RELIABLE_RELIABILITY_QOS;
         if (!from_profile) {
             keep_last(*qos, kCommandRequestDepth);

@@ -10,6 +10,7 @@ enum TopicSlot { kLogSlot = 0, kStateSlot, kCommandRequestSlot, kCommandResponse
 
 }  // namespace vur_dl
 
+// NOLINTBEGIN(readability-identifier-naming): the members of this C family are camelCase.
 struct VUR_DL_DDSEntities {
     int participantCreatedLocally;
     DDS_DomainParticipantFactory *factory;
@@ -29,9 +30,10 @@ struct VUR_DL_DDSEntities {
     DDS_Topic *locallyCreatedTopics[vur_dl::kTopicSlots];  // NULL: looked up, not ours to delete
     int rtpsHostId;
     int rtpsAppId;
-    const char *qosLibrary;  // the options' strings
+    const char *qosLibrary;  // borrowed from the options, as the next one
     const char *qosProfile;
 };
+// NOLINTEND(readability-identifier-naming)
 
 // 0 until the first State sample has been written; one per process, reset by each creation.
 extern int VUR_DL_DDSEntities_gInitialStateSent;

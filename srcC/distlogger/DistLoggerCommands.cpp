@@ -75,9 +75,9 @@ void answer(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_CommandRequest &request,
 
 }  // namespace
 
-void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *distLogger,
+void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logger,
                                                                 DDS_DataReader *reader) {
-    auto *self = static_cast<VUR_DL_DistLogger *>(distLogger);
+    auto *self = static_cast<VUR_DL_DistLogger *>(dist_logger);
     // Held throughout: once the logger has been disabled no command is in progress, and what a
     // command uses can be torn down.
     const StateLock lock(vur_dl::state_lock());

@@ -90,6 +90,7 @@ void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *
     if (vur_dl::load_relaxed(self->logMessageWriteThread->threadId) == thread_id) {
         return;
     }
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): refusal() has turned a NULL text away.
     if (vur_dl::load_relaxed(self->options->echoToStdout) == 1 && params->message[0] != '\0') {
         static_cast<void>(VUR_DL_DistLogger_printMessage(params->message, "", params->log_level));
     }
@@ -201,12 +202,12 @@ int VUR_DL_DistLogger_get_debug_log_level(void) {
     return vur_dl::kLevelDebug;
 }
 
-void VUR_DL_DistLogger_logMessageWithLevelCategory(VUR_DL_DistLogger *self, int logLevel,
+void VUR_DL_DistLogger_logMessageWithLevelCategory(VUR_DL_DistLogger *self, int log_level,
                                                    const char *message, const char *category) {
-    if (message != nullptr && category != nullptr && has_no_effect(self, logLevel)) {
+    if (message != nullptr && category != nullptr && has_no_effect(self, log_level)) {
         return;
     }
-    stamp_and_log(self, logLevel, message, category);
+    stamp_and_log(self, log_level, message, category);
 }
 
 void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,

@@ -12,9 +12,9 @@ constexpr unsigned int kTextIsNull = 4;
 
 }  // namespace
 
-unsigned int VUR_DL_DistLogger_printMessage(const char *message, const char *methodName,
-                                            int logLevel) {
-    if (message == nullptr || methodName == nullptr) {
+unsigned int VUR_DL_DistLogger_printMessage(const char *message, const char *method_name,
+                                            int log_level) {
+    if (message == nullptr || method_name == nullptr) {
         std::printf("DL Error: %s: String passed as parameter is NULL.\n", __func__);
         return kTextIsNull;
     }
@@ -25,12 +25,12 @@ unsigned int VUR_DL_DistLogger_printMessage(const char *message, const char *met
     }
     char level_name[16];
     static_assert(sizeof level_name >= VUR_DL_LOG_LEVEL_LABEL_SIZE);
-    const DDS_ReturnCode_t result = VUR_DL_translateFromDLLogLevelToString(logLevel, level_name);
+    const DDS_ReturnCode_t result = VUR_DL_translateFromDLLogLevelToString(log_level, level_name);
     const char *newline = message[length - 1] == '\n' ? "" : "\n";
     if (result == DDS_RETCODE_OK) {
-        std::printf("%s: %s: %s%s", level_name, methodName, message, newline);
+        std::printf("%s: %s: %s%s", level_name, method_name, message, newline);
     } else {
-        std::printf("DL Warning: %s: %s%s", methodName, message, newline);
+        std::printf("DL Warning: %s: %s%s", method_name, message, newline);
     }
     return static_cast<unsigned int>(result);
 }

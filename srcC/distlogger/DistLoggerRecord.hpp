@@ -7,6 +7,7 @@
 #include "vur_dl/DDSEntities.h"
 #include "vur_dl/DistLogger.h"
 
+// NOLINTBEGIN(readability-identifier-naming): the members of this C family are camelCase.
 struct VUR_DL_DistLogger {
     VUR_DL_Options *options;  // the stored options, shared; or defaults of this logger's own
     DDS_Long filterLevel;     // read by log calls, written by remote commands
@@ -19,6 +20,7 @@ struct VUR_DL_DistLogger {
     KOLT_Config_LoggerDevice *ddsLoggerDevice;  // installed device, or NULL
     KOLT_Clock *clock;                          // log_clock()
 };
+// NOLINTEND(readability-identifier-naming)
 
 // The singleton; NULL when there is none. Written under gVUR_DL_DistLogger_lock.
 extern VUR_DL_DistLogger *VUR_DL_DistLogger_instance;

@@ -42,7 +42,7 @@ std::recursive_mutex &vur_dl::state_lock() {
     return lock;
 }
 
-void VUR_DL_DDSEntities_stateWriterOnPublicationMatched(void *distLogger, DDS_DataWriter *writer,
+void VUR_DL_DDSEntities_stateWriterOnPublicationMatched(void *dist_logger, DDS_DataWriter *writer,
                                                         const DDS_PublicationMatchedStatus *) {
     const StateLock lock(vur_dl::state_lock());
     if (VUR_DL_DDSEntities_gInitialStateSent != 0) {
@@ -52,7 +52,7 @@ void VUR_DL_DDSEntities_stateWriterOnPublicationMatched(void *distLogger, DDS_Da
         report("Could not get DL state data writer", __func__);
         return;
     }
-    auto &self = *static_cast<VUR_DL_DistLogger *>(distLogger);
+    auto &self = *static_cast<VUR_DL_DistLogger *>(dist_logger);
     if (DDS_InstanceHandle_is_valid(self.loggerStateInstanceHandle)) {
         return;
     }

@@ -10,11 +10,11 @@
 
 namespace {
 
-template <typename From, typename To, std::size_t N>
-using Table = std::array<std::pair<From, To>, N>;
+template <typename From, typename To, std::size_t kCount>
+using Table = std::array<std::pair<From, To>, kCount>;
 
-template <typename From, typename To, std::size_t N>
-constexpr To forward(const Table<From, To, N> &table, From value, To otherwise) {
+template <typename From, typename To, std::size_t kCount>
+constexpr To forward(const Table<From, To, kCount> &table, From value, To otherwise) {
     for (const auto &[from, to] : table) {
         if (from == value) {
             return to;
@@ -23,8 +23,8 @@ constexpr To forward(const Table<From, To, N> &table, From value, To otherwise) 
     return otherwise;
 }
 
-template <typename From, typename To, std::size_t N>
-constexpr From backward(const Table<From, To, N> &table, To value, From otherwise) {
+template <typename From, typename To, std::size_t kCount>
+constexpr From backward(const Table<From, To, kCount> &table, To value, From otherwise) {
     for (const auto &[from, to] : table) {
         if (to == value) {
             return from;

@@ -60,8 +60,8 @@ bool start(VUR_DL_LogMessageWriteThread &self, int queue_size,
 }  // namespace
 
 VUR_DL_LogMessageWriteThread *LogMessageWriteThread_create(
-    VUR_DL_LogMessageDataWriter *writer, int queueSize,
-    const DDS_ThreadSettings_t *threadSettings) {
+    VUR_DL_LogMessageDataWriter *writer, int queue_size,
+    const DDS_ThreadSettings_t *thread_settings) {
     auto *self = static_cast<VUR_DL_LogMessageWriteThread *>(
         KOLT_Heap_allocate_zeroed(sizeof(VUR_DL_LogMessageWriteThread)));
     if (self == nullptr) {
@@ -69,7 +69,7 @@ VUR_DL_LogMessageWriteThread *LogMessageWriteThread_create(
         return nullptr;
     }
     self->logMessageWriter = writer;
-    if (!start(*self, queueSize, *threadSettings)) {
+    if (!start(*self, queue_size, *thread_settings)) {
         LogMessageWriteThread_delete(self);
         return nullptr;
     }

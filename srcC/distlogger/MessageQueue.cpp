@@ -19,12 +19,14 @@ constexpr std::size_t kInlineCategorySize = 32;
 constexpr std::size_t kMaxMessageLength = 4096;
 constexpr std::size_t kMaxCategoryLength = 512;
 
+// NOLINTBEGIN(readability-identifier-naming): the members of this C family are camelCase.
 struct VUR_DL_MessageQueueElement {
     KOLT_ListNode node;
     VUR_DL_LogMessagePlusTime messagePlusTime;  // its texts: the inline buffers, or heap strings
     char inlineMessage[kInlineMessageSize];
     char inlineCategory[kInlineCategorySize];
 };
+// NOLINTEND(readability-identifier-naming)
 static_assert(offsetof(VUR_DL_MessageQueueElement, node) == 0, "a node is its element's address");
 
 VUR_DL_MessageQueueElement *element_of(KOLT_ListNode *node) {
@@ -61,6 +63,7 @@ void free_texts(VUR_DL_MessageQueueElement &element) {
 
 }  // namespace
 
+// NOLINTBEGIN(readability-identifier-naming): the members of this C family are camelCase.
 struct VUR_DL_MessageQueue {
     VUR_DL_MessageQueueProperty property;
     KOLT_Mutex *mutex;         // guards elementPool, queue and the writing of messageId
@@ -69,6 +72,7 @@ struct VUR_DL_MessageQueue {
     KOLT_List queue;
     DDS_LongLong messageId;  // pushes so far
 };
+// NOLINTEND(readability-identifier-naming)
 
 namespace {
 

@@ -69,9 +69,9 @@ DDS_DomainParticipant *VUR_DL_Options_getDomainParticipant(const VUR_DL_Options 
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setDomainParticipant(VUR_DL_Options *self,
-                                                     DDS_DomainParticipant *domainParticipant) {
-    return set(self, &VUR_DL_Options::domainParticipant, domainParticipant,
-               domainParticipant == nullptr ? "domainParticipant is null" : nullptr, __func__);
+                                                     DDS_DomainParticipant *domain_participant) {
+    return set(self, &VUR_DL_Options::domainParticipant, domain_participant,
+               domain_participant == nullptr ? "domainParticipant is null" : nullptr, __func__);
 }
 
 int VUR_DL_Options_isRemoteAdministrationEnabled(const VUR_DL_Options *self) {
@@ -86,18 +86,18 @@ int VUR_DL_Options_getFilterLevel(const VUR_DL_Options *self) {
     return get(self, &VUR_DL_Options::filterLevel, -1, __func__);
 }
 
-DDS_ReturnCode_t VUR_DL_Options_setFilterLevel(VUR_DL_Options *self, int filterLevel) {
-    return set(self, &VUR_DL_Options::filterLevel, filterLevel,
-               filterLevel < 0 ? "Filter Level must be positive or zero" : nullptr, __func__);
+DDS_ReturnCode_t VUR_DL_Options_setFilterLevel(VUR_DL_Options *self, int filter_level) {
+    return set(self, &VUR_DL_Options::filterLevel, filter_level,
+               filter_level < 0 ? "Filter Level must be positive or zero" : nullptr, __func__);
 }
 
 int VUR_DL_Options_getDomainId(const VUR_DL_Options *self) {
     return get(self, &VUR_DL_Options::domainId, -1, "VUR_DL_Options_hetDomainId");
 }
 
-DDS_ReturnCode_t VUR_DL_Options_setDomainId(VUR_DL_Options *self, int domainId) {
-    return set(self, &VUR_DL_Options::domainId, domainId,
-               domainId < 0 ? "Domain Id must be positive or zero" : nullptr, __func__);
+DDS_ReturnCode_t VUR_DL_Options_setDomainId(VUR_DL_Options *self, int domain_id) {
+    return set(self, &VUR_DL_Options::domainId, domain_id,
+               domain_id < 0 ? "Domain Id must be positive or zero" : nullptr, __func__);
 }
 
 const char *VUR_DL_Options_getQosLibrary(const VUR_DL_Options *self) {
@@ -105,8 +105,8 @@ const char *VUR_DL_Options_getQosLibrary(const VUR_DL_Options *self) {
                                          "VUR_DL_Options_getQoSLibrary");
 }
 
-DDS_ReturnCode_t VUR_DL_Options_setQosLibrary(VUR_DL_Options *self, const char *qosLibrary) {
-    return set_string(self, &VUR_DL_Options::qosLibrary, qosLibrary,
+DDS_ReturnCode_t VUR_DL_Options_setQosLibrary(VUR_DL_Options *self, const char *qos_library) {
+    return set_string(self, &VUR_DL_Options::qosLibrary, qos_library,
                       {"QoS Library is NULL", "Unable to allocate memory for qosLibrary",
                        "VUR_DL_Options_setQoSLibrary"});
 }
@@ -116,8 +116,8 @@ const char *VUR_DL_Options_getQosProfile(const VUR_DL_Options *self) {
                                          "VUR_DL_Options_getQoSProfile");
 }
 
-DDS_ReturnCode_t VUR_DL_Options_setQosProfile(VUR_DL_Options *self, const char *qosProfile) {
-    return set_string(self, &VUR_DL_Options::qosProfile, qosProfile,
+DDS_ReturnCode_t VUR_DL_Options_setQosProfile(VUR_DL_Options *self, const char *qos_profile) {
+    return set_string(self, &VUR_DL_Options::qosProfile, qos_profile,
                       {"QoS Profile is NULL", "Unable to allocate memory for qosProfile",
                        "VUR_DL_Options_setQoSProfile"});
 }
@@ -126,9 +126,9 @@ int VUR_DL_Options_getQueueSize(const VUR_DL_Options *self) {
     return get(self, &VUR_DL_Options::queueSize, -1, __func__);
 }
 
-DDS_ReturnCode_t VUR_DL_Options_setQueueSize(VUR_DL_Options *self, int queueSize) {
-    return set(self, &VUR_DL_Options::queueSize, queueSize,
-               queueSize < 1 ? "Queue Size must be positive" : nullptr, __func__);
+DDS_ReturnCode_t VUR_DL_Options_setQueueSize(VUR_DL_Options *self, int queue_size) {
+    return set(self, &VUR_DL_Options::queueSize, queue_size,
+               queue_size < 1 ? "Queue Size must be positive" : nullptr, __func__);
 }
 
 DDS_ThreadSettings_t *VUR_DL_Options_getThreadSettings(VUR_DL_Options *self) {
@@ -140,12 +140,12 @@ DDS_ThreadSettings_t *VUR_DL_Options_getThreadSettings(VUR_DL_Options *self) {
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setThreadSettings(VUR_DL_Options *self,
-                                                  const DDS_ThreadSettings_t *threadSettings) {
+                                                  const DDS_ThreadSettings_t *thread_settings) {
     if (self == nullptr) {
         report("VUR_DL_Options is null", __func__);
         return DDS_RETCODE_NO_DATA;
     }
-    if (!DDS_ThreadSettings_t_copy(&self->threadSettings, threadSettings)) {
+    if (!DDS_ThreadSettings_t_copy(&self->threadSettings, thread_settings)) {
         report("couldn't copy thread settings", __func__);
         return DDS_RETCODE_ERROR;
     }
@@ -157,9 +157,9 @@ const char *VUR_DL_Options_getApplicationKind(const VUR_DL_Options *self) {
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setApplicationKind(VUR_DL_Options *self,
-                                                   const char *applicationKind) {
+                                                   const char *application_kind) {
     return set_string(
-        self, &VUR_DL_Options::applicationKind, applicationKind,
+        self, &VUR_DL_Options::applicationKind, application_kind,
         {"application kind is NULL", "Unable to allocate memory for Application Kind", __func__});
 }
 
@@ -167,13 +167,13 @@ int VUR_DL_Options_getEchoToStdout(const VUR_DL_Options *self) {
     return get(self, &VUR_DL_Options::echoToStdout, 0, __func__);
 }
 
-DDS_ReturnCode_t VUR_DL_Options_setEchoToStdout(VUR_DL_Options *self, int echoToStdout) {
+DDS_ReturnCode_t VUR_DL_Options_setEchoToStdout(VUR_DL_Options *self, int echo_to_stdout) {
     if (self == nullptr) {
         report("VUR_DL_Options is null", __func__);
         return DDS_RETCODE_NO_DATA;
     }
     // The running logger shares this record, so the echo may be switched while others log.
-    vur_dl::store_relaxed(self->echoToStdout, echoToStdout);
+    vur_dl::store_relaxed(self->echoToStdout, echo_to_stdout);
     vur_dl::refresh_threshold_after(self);
     return DDS_RETCODE_OK;
 }

@@ -365,8 +365,8 @@ void Tables::make_command() noexcept {
 }
 
 const Tables &tables() noexcept {
-    static const Tables instance;
-    return instance;
+    static const Tables kInstance;
+    return kInstance;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <string>
 #include <vector>
@@ -17,10 +18,10 @@
 
 namespace {
 
-// One line, whatever the parser had to say.
+// Prints what the parser refused as one line; returns the exit code.
 int report_usage(const CLI::App &app, const CLI::ParseError &error) {
     std::string text = error.what();
-    // A word that is no subcommand says more about the mistake than the subcommand that is missing.
+    // An unknown word is the mistake; that a subcommand is missing only follows from it.
     const std::vector<std::string> unknown = app.remaining(true);
     if (dynamic_cast<const CLI::RequiredError *>(&error) != nullptr && !unknown.empty()) {
         text = fmt::format("'{}' is no subcommand", unknown.front());
@@ -30,19 +31,8 @@ int report_usage(const CLI::App &app, const CLI::ParseError &error) {
     return distlog::kExitUsage;
 }
 
-int run_action(const distlog::Action &action) {
-    try {
-        distlog::divert_middleware_log();
-        return action();
-    } catch (const std::exception &error) {
-        fmt::print(stderr, "distlog: {}\n", error.what());
-        return distlog::kExitFailure;
-    }
-}
-
-}  // namespace
-
-int main(int argc, char **argv) {
+// Parses the arguments and does what they say; returns the exit code.
+int run(int argc, char **argv) {
     CLI::App app("Watches and administers the distributed loggers of a DDS domain.", "distlog");
     app.set_version_flag("--version", "distlog " VUR_DL_VERSION);
     app.require_subcommand(1);
@@ -57,5 +47,17 @@ int main(int argc, char **argv) {
         // --help and --version come this way, too.
         return error.get_exit_code() == 0 ? app.exit(error) : report_usage(app, error);
     }
-    return run_action(action);
+    distlog::divert_middleware_log();
+    return action();
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "distlog: %s\n", error.what());
+        return distlog::kExitFailure;
+    }
 }

@@ -18,10 +18,10 @@ namespace {
 constexpr const char *kUnlimited = "LENGTH_UNLIMITED";
 
 // The names that a document has for the values of an enumeration, from 0 on.
-template <std::size_t count>
-Json name_of(const std::array<const char *, count> &names, int value) {
+template <std::size_t kCount>
+Json name_of(const std::array<const char *, kCount> &names, int value) {
     const auto index = static_cast<std::size_t>(value);
-    return value >= 0 && index < count ? Json(names[index]) : Json(value);
+    return value >= 0 && index < kCount ? Json(names[index]) : Json(value);
 }
 
 Json to_json(DDS_DurabilityQosPolicyKind kind) {

@@ -73,6 +73,7 @@ void Requester::take_responses(std::map<DDS_Long, Pending> &pending, std::vector
 std::vector<Answer> Requester::send(const std::vector<Request> &requests, const Deadline &deadline,
                                     const StopSignal *stop) {
     std::vector<Answer> answers;
+    answers.reserve(requests.size());
     for (const Request &request : requests) {
         answers.push_back(Answer{request.target, Outcome::kSilent, ""});
     }

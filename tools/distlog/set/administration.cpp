@@ -11,7 +11,7 @@
 namespace distlog {
 
 std::shared_ptr<SetOptions> add_set_options(CLI::App &command) {
-    const auto options = std::make_shared<SetOptions>();
+    auto options = std::make_shared<SetOptions>();
     add_domain(command, options->domain);
     command
         .add_option("APP", options->app,
