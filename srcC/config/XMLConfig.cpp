@@ -1,5 +1,5 @@
 // The configuration object of the element `distributed_logger`: its extension class, its life, and
-// how it is found in a parsed tree.
+// the search for it in a parsed tree.
 
 #include "vur_dl/XMLConfig.h"
 
@@ -14,7 +14,7 @@ using vur_dl::report;
 
 constexpr const char *kTagName = "distributed_logger";
 
-// Fills a record of zero bytes. False, with a message, on failure.
+// Fills in a record of zero bytes. False, with the error reported, on failure.
 bool initialize(VUR_DL_XMLConfig &self, DDS_XMLExtensionClass *extension_class,
                 DDS_XMLObject *parent, DDS_XMLContext *context) {
     constexpr const char *kMethodName = "VUR_DL_XMLConfig_new";
@@ -35,7 +35,7 @@ bool initialize(VUR_DL_XMLConfig &self, DDS_XMLExtensionClass *extension_class,
             DDS_XMLContext_get_current_line_number(context));
         return false;
     }
-    // Off unless the element says otherwise, unlike options made in code.
+    // Unlike options made in code, those of a document leave the logger off unless they enable it.
     self.parsedDLOptions->enabled = 0;
     if (!DDS_XMLObject_initialize(&self.baseObject, extension_class, parent, kTagName, nullptr)) {
         log("XML object initialization failed", kMethodName,

@@ -1,5 +1,5 @@
-// The children of the element: what the parser's callbacks make of their tags and texts, and how
-// they are written back.
+// The children of the element: the parser's callbacks turn their tags and texts into options, and
+// the options are written back.
 
 #include <cstring>
 #include <optional>
@@ -51,7 +51,7 @@ std::optional<DL_XMLConfig_TagType> state_of(const TagRow (&tags)[kCount], const
     return std::nullopt;
 }
 
-// The tag that ends a state; "" for the outer one.
+// Returns the tag that ends a state; "" for the outer one.
 const char *tag_of(DL_XMLConfig_TagType state) {
     for (const TagRow &row : kChildTags) {
         if (row.state == state) {
@@ -66,7 +66,7 @@ const char *tag_of(DL_XMLConfig_TagType state) {
     return "";
 }
 
-// An end tag that the object acts on.
+// One end tag with its text, and the options that it sets.
 struct EndTag {
     VUR_DL_Options &options;
     const char *text;
@@ -80,7 +80,7 @@ struct EndTag {
         return value != DDS_BOOLEAN_FALSE ? 1 : 0;
     }
 
-    // False when the text is no level.
+    // Sets the level. Reports a text that is not a level and returns false.
     bool set_filter_level() const {
         const int level = VUR_DL_XMLConfig_getFilterLevelFromString(text, context, log);
         if (level == -1) {
@@ -101,7 +101,7 @@ struct EndTag {
     }
 };
 
-// Acts on the end of the child that `state` stands for. The state afterwards.
+// Acts on the end of the child that `state` stands for. Returns the state afterwards.
 DL_XMLConfig_TagType end_child(DL_XMLConfig_TagType state, const EndTag &tag) {
     DDS_ThreadSettings_t &thread = tag.options.threadSettings;
     switch (state) {
@@ -142,8 +142,8 @@ DL_XMLConfig_TagType end_child(DL_XMLConfig_TagType state, const EndTag &tag) {
     return DL_XMLCONFIG_OTHER;
 }
 
-// The level of the running logger, which remote commands may have changed; otherwise the parsed
-// one.
+// Returns the level of the running logger, which remote commands may have changed; without a
+// running logger, the parsed level.
 int level_to_save(const VUR_DL_Options &options) {
     if (VUR_DL_DistLogger_isDistLoggerRunning()) {
         if (const VUR_DL_DistLogger *logger = VUR_DL_DistLogger_getInstance()) {
@@ -246,7 +246,7 @@ void VUR_DL_XMLConfig_save(const DDS_XMLObject *self, DDS_XMLSaveContext *save_c
     save_filter_level(level_to_save(*options), save_context);
     DDS_XMLSaveContext_indent(save_context);
     DDS_XMLSaveContext_freeform(save_context, "<enabled>%s</enabled>\n", boolean(options->enabled));
-    // These two lines have never been indented, and files are compared by their lines.
+    // sic: these two lines are not indented.
     DDS_XMLSaveContext_freeform(save_context, "<echo_to_stdout>%s</echo_to_stdout>\n",
                                 boolean(options->echoToStdout));
     DDS_XMLSaveContext_freeform(save_context,

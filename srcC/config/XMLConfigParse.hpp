@@ -1,4 +1,4 @@
-// What the converters of element texts share.
+// Reading of names and numbers, shared by the converters of element texts.
 #pragma once
 
 #include <strings.h>
@@ -18,12 +18,13 @@ inline void report_parse_error(const char *message, const char *method, DDS_XMLC
     context->error = 1;
 }
 
+// A name that stands for a number in a document.
 struct NamedInteger {
     const char *name;
     int value;
 };
 
-// The row whose name is `text` in any letter case; nullptr when there is none.
+// Returns the row whose name is `text` in any letter case; nullptr when there is none.
 template <std::size_t kCount>
 const NamedInteger *find_name(const NamedInteger (&table)[kCount], const char *text) {
     for (const NamedInteger &row : table) {
@@ -34,19 +35,19 @@ const NamedInteger *find_name(const NamedInteger (&table)[kCount], const char *t
     return nullptr;
 }
 
-constexpr int kBaseOfPrefix = 0;  // strtol: as 0x, 0 or nothing in front of the digits says
+constexpr int kBaseOfPrefix = 0;  // strtol: 0x, 0 or nothing in front of the digits decides
 constexpr int kBaseTen = 10;
 
-// The number at the start of the text, cut to 32 bits. False when there are no digits.
+// Reads the number at the start of the text, cut to 32 bits. False when there are no digits.
 inline bool read_integer(const char *text, int base, int &value) {
     char *end = nullptr;
     value = static_cast<int>(std::strtol(text, &end, base));
     return end != text;
 }
 
-// A number in any base, `minimum` or more. False, the error reported, when it is none. Overflow is
-// told by the system's error number, which is tested as it stands: a range error that older code
-// left there counts.
+// Reads a number in any base, `minimum` or more. Any other text is reported as an error and gives
+// false. Overflow shows in errno, which is not cleared before: a range error that an earlier call
+// left there counts, too.
 inline bool read_bounded_integer(const char *text, int minimum, int &value, const char *method,
                                  DDS_XMLContext *context,
                                  VUR_DL_XMLConfig_ParseErrorLogFunction log) {

@@ -31,7 +31,7 @@ void report_parse_error(const char *message, const char *method, DDS_UnsignedLon
     report(text, method);
 }
 
-// True when there is nothing to start, which is reported.
+// True, with a printed line, when there is nothing to start.
 bool has_nothing_to_start(const VUR_DL_Options &options, const char *method) {
     if (options.enabled == 0) {
         report("DL not enabled in XML Options. It won't be created", method, vur_dl::kLevelInfo);
@@ -44,6 +44,7 @@ bool has_nothing_to_start(const VUR_DL_Options &options, const char *method) {
     return false;
 }
 
+// Starts the logger with the options. 0, with a printed line, on failure.
 int start(VUR_DL_Options &options, const char *application_kind, const char *method) {
     if (application_kind != nullptr &&
         VUR_DL_Options_setApplicationKind(&options, application_kind) != DDS_RETCODE_OK) {
@@ -61,7 +62,7 @@ int start(VUR_DL_Options &options, const char *application_kind, const char *met
     return 1;
 }
 
-// Names of libraries or profiles.
+// Owns a list of names, of libraries or of profiles.
 class Names {
   public:
     Names() { DDS_StringSeq_initialize(&names_); }
@@ -85,7 +86,7 @@ class Names {
     DDS_StringSeq names_;
 };
 
-// The same without a participant: the logger makes its own.
+// Starts the logger in a participant that the logger creates.
 int start_in_domain(VUR_DL_Options &options, int domain_id, const char *application_kind) {
     if (has_nothing_to_start(options, kFromFileMethod)) {
         return 1;
@@ -97,8 +98,8 @@ int start_in_domain(VUR_DL_Options &options, int domain_id, const char *applicat
     return start(options, application_kind, kFromFileMethod);
 }
 
-// Names the logger's own profile in the options, from the first library that has it; nothing when
-// none has. False when memory runs out.
+// Names the logger's own profile in the options, from the first library that has it. Leaves them
+// alone when none has. False when memory runs out.
 bool set_own_profile(VUR_DL_Options &options, DDS_DomainParticipantFactory *factory) {
     Names libraries;
     if (DDS_DomainParticipantFactory_get_qos_profile_libraries(factory, libraries.get()) !=

@@ -57,7 +57,7 @@ constexpr NamedInteger kRotationNames[] = {
     {"DDS_THREAD_SETTINGS_CPU_RR_ROTATION", DDS_THREAD_SETTINGS_CPU_RR_ROTATION},
     {"THREAD_SETTINGS_CPU_RR_ROTATION", DDS_THREAD_SETTINGS_CPU_RR_ROTATION}};
 
-// What the writer calls things, the first match in order.
+// The names that the writer uses; the first match counts.
 constexpr NamedInteger kSavedMaskNames[] = {
     {"THREAD_SETTINGS_FLOATING_POINT", DDS_THREAD_SETTINGS_FLOATING_POINT},
     {"THREAD_SETTINGS_STDIO", DDS_THREAD_SETTINGS_STDIO},
@@ -100,7 +100,7 @@ void save_mask(DDS_ThreadSettingsKindMask mask, DDS_XMLSaveContext *context) {
     DDS_XMLSaveContext_freeform(context, "</mask>\n");
 }
 
-// A number is indented twice: here and by the helper that writes it.
+// Writes the priority. sic: a number is indented twice, here and by the helper that writes it.
 void save_priority(DDS_Long priority, DDS_XMLSaveContext *context) {
     DDS_XMLSaveContext_indent(context);
     for (const NamedInteger &row : kSavedPriorityNames) {
@@ -112,8 +112,8 @@ void save_priority(DDS_Long priority, DDS_XMLSaveContext *context) {
     DDS_XMLHelper_save_long("priority", priority, nullptr, DDS_BOOLEAN_FALSE, context);
 }
 
-// False for a rotation that has no name. A program in C may have put any number there, which C++
-// must not look at as the enumeration.
+// Writes the rotation. False for one that has no name: a program in C may have put any number
+// there, so the value is copied as a number before it is compared.
 bool save_rotation(const DDS_ThreadSettings_t &settings, DDS_XMLSaveContext *context) {
     const char *name = nullptr;
     int rotation = 0;
@@ -201,8 +201,7 @@ void VUR_DL_XMLConfig_getThreadStackSize(DDS_Long *integer, const char *text,
 void VUR_DL_XMLConfig_addElementToThreadCpuList(
     DDS_LongSeq *sequence, const char *text, DDS_XMLContext *context,
     VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
-    // The name under which this function's messages are known.
-    constexpr const char *kMethodName = "VUR_DL_XMLConfig_addElementToCpuList";
+    constexpr const char *kMethodName = "VUR_DL_XMLConfig_addElementToCpuList";  // sic
     const auto length = static_cast<DDS_Long>(DDS_LongSeq_get_length(sequence) + 1U);
     if (!DDS_LongSeq_ensure_length(sequence, length, length)) {
         report_parse_error("failed to ensure sequence length", kMethodName, context, log_function);
@@ -219,6 +218,7 @@ void VUR_DL_XMLConfig_getThreadCpuRotation(DDS_ThreadSettingsCpuRotationKind *re
                                            VUR_DL_XMLConfig_ParseErrorLogFunction log_function) {
     const NamedInteger *row = text == nullptr ? nullptr : vur_dl::find_name(kRotationNames, text);
     if (row == nullptr) {
+        // The function's name in the message: sic.
         report_parse_error("error getting cpu_rotation", "VUR_DL_XMLConfig_getCpuRotation", context,
                            log_function);
         return;

@@ -51,11 +51,12 @@ bool create_participant(VUR_DL_DDSEntities &self, const VUR_DL_Options &options)
     return true;
 }
 
-// The ids of the participant in use, created or handed in, are what readers see.
+// Takes the ids from the participant in use, created or handed in: readers know the logger by them.
 bool read_ids(VUR_DL_DDSEntities &self) {
     ParticipantQos qos;
     if (DDS_DomainParticipant_get_qos(self.domainParticipant, qos.get()) != DDS_RETCODE_OK) {
-        return fail("Unable to get Domain Participant QoS to create update HostId and AppId:");
+        return fail(
+            "Unable to get Domain Participant QoS to create update HostId and AppId:");  // sic
     }
     self.rtpsHostId = static_cast<int>(qos->wire_protocol.rtps_host_id);
     self.rtpsAppId = static_cast<int>(qos->wire_protocol.rtps_app_id);
@@ -106,7 +107,8 @@ constexpr TopicRecipe kCommandResponseTopic{vur_dl::kCommandResponseSlot,
                                             "Unable to get QoS for CommandResponse Topic",
                                             "Unable to create commandResponse Topic"};
 
-// A topic that the participant has already is shared; otherwise it is made and becomes ours.
+// Shares a topic that the participant has already; otherwise creates the topic, which the record
+// then owns.
 bool obtain_topic(VUR_DL_DDSEntities &self, const TopicRecipe &recipe) {
     DDS_TopicDescription *existing =
         DDS_DomainParticipant_lookup_topicdescription(self.domainParticipant, recipe.name);
@@ -201,8 +203,9 @@ StateWriterResult create_state_writer(VUR_DL_DDSEntities &self) {
     return StateWriterResult::kCreated;
 }
 
-// The ids are the State's key. A State reader that is there already matches the moment the listener
-// is installed, and the first sample then goes out: the ids have to be in it by then.
+// Puts the ids, which are the State's key, into the State. This must happen before the listener is
+// installed: a State reader that is there already matches at that moment, and the first sample goes
+// out.
 void identify(const VUR_DL_DDSEntities &self, VUR_DL_DistLogger &logger) {
     if (logger.state == nullptr) {
         return;
@@ -224,10 +227,10 @@ bool listen_to_state_writer(VUR_DL_DDSEntities &self, VUR_DL_DistLogger *logger)
     return DDS_DataWriter_set_listener(VUR_DL_ADMIN_StateDataWriter_as_datawriter(self.stateWriter),
                                        &self.stateWriterListener,
                                        DDS_PUBLICATION_MATCHED_STATUS) == DDS_RETCODE_OK ||
-           fail("Unable to set listener in State DataWrite");
+           fail("Unable to set listener in State DataWrite");  // sic
 }
 
-// Only the requests that name this participant pass.
+// Creates the filter that lets only requests that name this participant pass.
 bool create_command_filter(VUR_DL_DDSEntities &self) {
     char host_id[16];
     char app_id[16];
@@ -284,7 +287,8 @@ bool create_remote_administration(VUR_DL_DDSEntities &self) {
            create_command_reader(self) && create_response_writer(self);
 }
 
-// The factory that profiles are looked up in: the one that the participant in use came from.
+// Returns the factory that profiles are looked up in: the one that the participant in use came
+// from.
 DDS_DomainParticipantFactory *factory_of(const VUR_DL_Options &options,
                                          DDS_DomainParticipantFactory *factory) {
     return options.domainParticipant == nullptr
@@ -301,7 +305,7 @@ void warn_of_missing_profile(VUR_DL_DDSEntities &self) {
     }
 }
 
-// Deletions go on after a failure.
+// Prints a failure and hands the result on: deletions go on after a failure.
 DDS_ReturnCode_t check(DDS_ReturnCode_t result, const char *failure) {
     if (result != DDS_RETCODE_OK) {
         report(failure, "VUR_DL_DDSEntities_deleteContainedEntities", vur_dl::kLevelWarning);
@@ -376,7 +380,7 @@ VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *dist_logger,
     if (created) {
         const StateWriterResult result = create_state_writer(*self);
         if (result == StateWriterResult::kFailedLeavingAll) {
-            return nullptr;  // the one failure that, as documented, leaves the entities in place
+            return nullptr;  // sic: this one failure leaves the entities in place
         }
         created = result == StateWriterResult::kCreated;
     }

@@ -1,4 +1,4 @@
-// A record without entities, for those who want to know the QoS before there is a logger.
+// A record of the logger's entities without entities: it tells the QoS before there is a logger.
 #include "DDSEntitiesRecord.hpp"
 #include "kolt/os.h"
 #include "report.hpp"

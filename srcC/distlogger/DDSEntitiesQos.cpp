@@ -1,5 +1,5 @@
-// The QoS of each entity: from the options' profile, or the default, with the logger's needs on
-// top.
+// The QoS of each entity: the one of the options' profile, or the default one, with the logger's
+// needs on top.
 #include <strings.h>
 
 #include <cstring>
@@ -34,7 +34,7 @@ void keep_last(EndpointQos &qos, DDS_Long depth) {
 struct WriterNeeds {
     const char *topic_name;
     bool transient_local;
-    DDS_Long depth;  // unless a profile says otherwise
+    DDS_Long depth;  // used without a profile
 };
 constexpr WriterNeeds kWriterNeeds[] = {
     {VUR_DL_LOG_TOPIC_NAME, true, 10},

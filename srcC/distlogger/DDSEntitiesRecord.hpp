@@ -5,7 +5,7 @@
 
 namespace vur_dl {
 
-// Slots of the topics that this record created.
+// The places of the topics in `locallyCreatedTopics`.
 enum TopicSlot { kLogSlot = 0, kStateSlot, kCommandRequestSlot, kCommandResponseSlot, kTopicSlots };
 
 }  // namespace vur_dl
@@ -27,7 +27,8 @@ struct VUR_DL_DDSEntities {
     VUR_DL_ADMIN_CommandRequestDataReader *commandRequestReader;
     DDS_Topic *commandResponseTopic;
     VUR_DL_ADMIN_CommandResponseDataWriter *commandResponseWriter;
-    DDS_Topic *locallyCreatedTopics[vur_dl::kTopicSlots];  // NULL: looked up, not ours to delete
+    DDS_Topic *
+        locallyCreatedTopics[vur_dl::kTopicSlots];  // NULL: not created here, so never deleted here
     int rtpsHostId;
     int rtpsAppId;
     const char *qosLibrary;  // borrowed from the options, as the next one
@@ -35,5 +36,6 @@ struct VUR_DL_DDSEntities {
 };
 // NOLINTEND(readability-identifier-naming)
 
-// 0 until the first State sample has been written; one per process, reset by each creation.
+// 0 until the first State sample has been written, then 1. One per process; each creation resets
+// it.
 extern int VUR_DL_DDSEntities_gInitialStateSent;

@@ -33,7 +33,7 @@ void set_verbosities(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_Command &comman
     }
 }
 
-// False when the command is to stay unanswered.
+// Carries out the command and fills in the result. False: the command stays unanswered.
 bool carry_out(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_Command &command,
                VUR_DL_ADMIN_CommandResponse &response) {
     switch (static_cast<int>(command._d)) {
@@ -78,8 +78,8 @@ void answer(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_CommandRequest &request,
 void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logger,
                                                                 DDS_DataReader *reader) {
     auto *self = static_cast<VUR_DL_DistLogger *>(dist_logger);
-    // Held throughout: once the logger has been disabled no command is in progress, and what a
-    // command uses can be torn down.
+    // The lock is held throughout. So once the logger has been disabled no command is in progress,
+    // and everything that a command uses can be torn down.
     const StateLock lock(vur_dl::state_lock());
     if (!vur_dl::is_operational(*self)) {
         return;  // requests wait in the reader
@@ -99,7 +99,7 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logge
         return;
     }
     if (taken != DDS_RETCODE_OK) {
-        report("Unable to take ComandRequest from DataReader", __func__);
+        report("Unable to take ComandRequest from DataReader", __func__);  // sic
         return;
     }
     const auto length = static_cast<DDS_Long>(VUR_DL_ADMIN_CommandRequestSeq_get_length(&requests));
@@ -153,7 +153,7 @@ int VUR_DL_DistLogger_setVURLoggerPrintFormat(VUR_DL_DistLogger *self,
         report("Unable to set PrintFormat", __func__);
         return 0;
     }
-    // What is published is what is in force, read back.
+    // Publishes the format in force, read back from the middleware's logger.
     VUR_DL_DistLogger_updateVURLoggerPrintFormatState(self);
     if (VUR_DL_DistLogger_writeState(self) != 1) {
         report("Unable to write PrintFormat State", __func__, vur_dl::kLevelWarning);

@@ -1,4 +1,4 @@
-// The singleton: creation step by step, destruction in reverse, finalisation, stored options.
+// The singleton: its creation step by step, its destruction in reverse, and the stored options.
 #include <algorithm>
 #include <cstring>
 
@@ -18,7 +18,7 @@ using vur_dl::report;
 using vur_dl::store_relaxed;
 using vur_dl::store_release;
 
-constexpr char kGetInstance[] = "VUR_DistLogger_getInstance";
+constexpr char kGetInstance[] = "VUR_DistLogger_getInstance";  // sic: without DL
 constexpr char kCreateInstance[] = "VUR_DL_DistLogger_createInstance";
 constexpr char kFinalizeInstance[] = "VUR_DL_DistLogger_finalizeInstance";
 constexpr char kSetOptions[] = "VUR_DL_DistLogger_setOptions";
@@ -45,8 +45,7 @@ bool give_lock(const char *failure, const char *method) {
     return false;
 }
 
-// ---- Creation, in the order of the steps
-// ----------------------------------------------------------
+// ---- Creation, in the order of the steps --------------------------------------------------------
 
 bool take_options(VUR_DL_DistLogger &self) {
     self.options = gVUR_DL_DistLogger_currentOptions;
@@ -63,7 +62,7 @@ bool create_clock(VUR_DL_DistLogger &self) {
     return self.clock != nullptr || fail("Unable to create clock");
 }
 
-// A kind that is longer than the State can carry is cut.
+// Copies the kind; cuts one that is longer than the State can carry.
 void copy_application_kind(const DDS_Char *source, DDS_Char *destination) {
     const std::size_t length = std::min(std::strlen(source), kMaxApplicationKindLength);
     std::memcpy(destination, source, length);
@@ -97,8 +96,8 @@ DDS_DataReader *command_reader(VUR_DL_DistLogger &self) {
                              : VUR_DL_ADMIN_CommandRequestDataReader_as_datareader(reader);
 }
 
-// Without remote administration there is no reader, and setting a listener on an absent reader
-// succeeds.
+// Sets the listener for requests. Without remote administration there is no reader; setting a
+// listener on an absent reader succeeds.
 bool listen_to_commands(VUR_DL_DistLogger &self) {
     DDS_DataReaderListener listener;
     std::memset(&listener, 0, sizeof listener);
@@ -140,7 +139,8 @@ void set_state_kind(VUR_DL_DistLogger &self, VUR_DL_ADMIN_StateKind kind) {
 
 bool become_operational(VUR_DL_DistLogger &self) {
     if (self.options->remoteAdministrationEnabled == 1) {
-        // Returns at once, the State being what it is; requests that came early wait in the reader.
+        // Returns at once, because the State is not operational yet. Requests that came early wait
+        // in the reader.
         VUR_DL_DistLogger_CommandRequestListener_on_data_available(&self, command_reader(self));
     }
     set_state_kind(self, VUR_DL_STATE_OPERATIONAL);
@@ -166,10 +166,11 @@ bool build(VUR_DL_DistLogger &self, DDS_DomainParticipantFactory *factory) {
     return become_operational(self) && install_device(self);
 }
 
-// Under the lock.
+// Creates the logger and makes it reachable. The caller holds the lock.
 void create_singleton(DDS_DomainParticipantFactory *factory) {
     KOLT_Config_LogVerbosity verbosity_mask[KOLT_CONFIG_LOG_CATEGORY_COUNT];
-    // In case the middleware's logger cannot be had while masking and can afterwards.
+    // These values count if the middleware's logger cannot be reached while masking but can be
+    // afterwards.
     std::fill(std::begin(verbosity_mask), std::end(verbosity_mask),
               KOLT_CONFIG_LOG_VERBOSITY_ERROR);
     VUR_DL_DistLogger_maskSystemVerbosity(verbosity_mask, factory);
@@ -180,7 +181,7 @@ void create_singleton(DDS_DomainParticipantFactory *factory) {
         report("Unable to create DistLogger singleton!", kGetInstance);
         return;
     }
-    // What was published during creation shows the silenced verbosities.
+    // The State that was published during creation shows the silenced verbosities.
     VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(self);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
         report("Unable to Write State", kGetInstance, vur_dl::kLevelWarning);
@@ -195,13 +196,13 @@ bool is_being_destroyed() {
 }
 
 void report_being_destroyed() {
+    // "beingfinalized": sic.
     report("Unable to create DistLogger singleton while it is beingfinalized", kGetInstance);
 }
 
-// ---- Finalisation
-// ---------------------------------------------------------------------------------
+// ---- Finalisation -------------------------------------------------------------------------------
 
-// Under the lock: from here on the singleton cannot be reached.
+// Makes the singleton unreachable and returns it. The caller holds the lock.
 VUR_DL_DistLogger *detach() {
     VUR_DL_DistLogger *self = VUR_DL_DistLogger_instance;
     if (self->_ddsEntities != nullptr) {
@@ -213,7 +214,7 @@ VUR_DL_DistLogger *detach() {
 }
 
 // Takes the lock with the gate of the middleware's log closed. A creation on another thread may
-// open the gate between the two: then once more.
+// open the gate between the two steps; then both are repeated.
 bool take_lock_behind_gate(const char *failure) {
     for (;;) {
         vur_dl::MiddlewareLogGate::close();
@@ -313,7 +314,7 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
         VUR_DL_DDSEntities_destroy(self->_ddsEntities);
         self->_ddsEntities = nullptr;
     }
-    self->clock = nullptr;  // the process's, see log_clock()
+    self->clock = nullptr;  // belongs to the process, see log_clock()
     if (gVUR_DL_DistLogger_currentOptions == nullptr && self->options != nullptr) {
         self->options = VUR_DL_Options_delete(self->options);
     }
@@ -338,7 +339,8 @@ int VUR_DL_DistLogger_finalizeInstance(void) {
     if (!give_lock(kUnlockFailure, kFinalizeInstance)) {
         return 1;
     }
-    // Outside the lock: listener threads that are being waited for may be logging.
+    // The logger is destroyed outside the lock: the listener threads that destruction waits for may
+    // be logging.
     destroy_detached(self);
     if (!take_lock(kLockFailure, kFinalizeInstance)) {
         return 1;

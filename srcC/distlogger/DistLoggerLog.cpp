@@ -1,4 +1,4 @@
-// The log path: stamp, check, echo, filter, queue. It runs on the caller's thread.
+// The log path on the caller's thread: stamp, check, echo, filter, queue.
 #include <atomic>
 #include <climits>
 #include <cstdint>
@@ -13,16 +13,16 @@ using vur_dl::report;
 std::atomic<int> effect_threshold{INT_MAX};
 std::atomic<KOLT_Clock *> process_clock{nullptr};
 
-// Whether a call that is right in every other respect would have no effect. A record that is not
-// the logger, or a wrong argument, is left to the checks under the lock.
+// True when a call with valid arguments would have no effect. A record that is not the logger, or a
+// wrong argument, is left to the checks under the lock.
 bool has_no_effect(const VUR_DL_DistLogger *self, int level) {
     return level > effect_threshold.load(std::memory_order_relaxed) && self != nullptr &&
            self == vur_dl::load_relaxed(VUR_DL_DistLogger_instance);
 }
 
-// Seconds and 2^-32 seconds to seconds and nanoseconds, rounding up what is no whole nanosecond.
+// Converts seconds and 2^-32 seconds to seconds and nanoseconds, rounding up to whole nanoseconds.
 DDS_Time_t to_dds_time(DDS_LongLong seconds, DDS_UnsignedLong fraction) {
-    // 2^61 / 10^9, to the nearest: fraction * 2^29 divided by it is fraction * 10^9 / 2^32.
+    // 2^61 / 10^9, rounded: fraction * 2^29 divided by it is fraction * 10^9 / 2^32.
     constexpr std::uint64_t kUnitsPerNanosecond = 2305843009U;
     constexpr DDS_UnsignedLong kMaxNanoseconds = 999'999'999U;
     constexpr DDS_LongLong kMaxCarrySeconds = 4294967294LL;
@@ -38,6 +38,7 @@ DDS_Time_t to_dds_time(DDS_LongLong seconds, DDS_UnsignedLong fraction) {
     return {seconds, nanoseconds};
 }
 
+// Returns why the call is refused, or NULL.
 const char *refusal(const VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *params) {
     if (self == nullptr) {
         return "self is NULL";
@@ -70,7 +71,7 @@ void enqueue(VUR_DL_DistLogger &self, const VUR_DL_DistLogger_MessageParams &par
     static_cast<void>(VUR_DL_MessageQueue_push(self.q, &item));
 }
 
-// Under the lock.
+// Checks, echoes and queues one message. The caller holds the lock.
 void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *params) {
     static constexpr char kMethodName[] = "VUR_DL_DistLogger_logMessageWithParams";
     if (const char *why = refusal(self, params)) {
@@ -86,7 +87,8 @@ void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *
                vur_dl::kLevelWarning);
         return;
     }
-    // What the middleware says while the write thread publishes must not cause more to publish.
+    // A message that the middleware logs while the write thread publishes must not cause another
+    // message to publish.
     if (vur_dl::load_relaxed(self->logMessageWriteThread->threadId) == thread_id) {
         return;
     }
@@ -100,13 +102,14 @@ void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *
     }
 }
 
-// Apart from its caller, so that a call without effect saves no registers for it.
+// Stamps the message with the time and logs it. Not inlined, so that a call without effect saves no
+// registers for it.
 [[gnu::noinline]] void stamp_and_log(VUR_DL_DistLogger *self, int level, const char *message,
                                      const char *category) {
     DDS_LongLong seconds = 0;
     DDS_UnsignedLong fraction = 0;
-    // Not through the record, which another thread may be finalising. Without a clock there never
-    // was a logger, and the checks that follow turn the call away.
+    // The clock is not read through the record, which another thread may be finalising. Without a
+    // clock there never was a logger, and the checks that follow turn the call away.
     KOLT_Clock *clock = vur_dl::log_clock();
     if (clock != nullptr && KOLT_Clock_get_time(clock, &seconds, &fraction) != 0) {
         report("Unable to get current Time from internal clock",
@@ -118,7 +121,7 @@ void log_locked(VUR_DL_DistLogger *self, const VUR_DL_DistLogger_MessageParams *
     VUR_DL_DistLogger_logMessageWithParams(self, &params);
 }
 
-// A call without effect ends here rather than two calls further on.
+// Logs at a level. A call without effect ends here, before two more calls.
 inline void log_at(VUR_DL_DistLogger *self, int level, const char *message) {
     if (message == nullptr || !has_no_effect(self, level)) {
         VUR_DL_DistLogger_logMessageWithLevelCategory(self, level, message, "");

@@ -14,8 +14,8 @@ using vur_dl::report;
 
 constexpr char kForwardedCategory[] = "com.vur.kolt.config.Logger";
 
-// One word, so that to see the gate open and to be counted is one step: kClosed, or how many
-// threads are forwarding.
+// The state of the gate: the number of threads that are forwarding, plus kClosed while the gate is
+// closed. One word, so that a thread sees the gate open and is counted in one step.
 constexpr int kClosed = 1 << 30;
 std::atomic<int> gate{kClosed};
 
@@ -37,7 +37,7 @@ bool vur_dl::MiddlewareLogGate::enter() {
 }
 
 void vur_dl::MiddlewareLogGate::leave() {
-    // The last one to leave a gate that is being closed wakes the one who closes it.
+    // The last thread to leave a gate that is being closed wakes the thread that closes it.
     if (gate.fetch_sub(1, std::memory_order_release) == kClosed + 1) {
         gate.notify_all();
     }
@@ -77,7 +77,7 @@ void VUR_DL_DistLogger_writeDevice(KOLT_Config_LoggerDevice *,
 
 void VUR_DL_DistLogger_maskSystemVerbosity(KOLT_Config_LogVerbosity mask[8],
                                            DDS_DomainParticipantFactory *factory) {
-    // First, because profiles may configure the verbosities that are saved here.
+    // Loads the profiles first, because they may configure the verbosities that are saved here.
     if (DDS_DomainParticipantFactory_load_profiles(factory) != DDS_RETCODE_OK) {
         report("Unable to load profiles", __func__, vur_dl::kLevelWarning);
     }

@@ -1,4 +1,4 @@
-// The one routine through which the library prints: its own diagnostics and echoed messages.
+// The one routine that prints: the library's own reports and the echoed messages.
 #include <cstdio>
 #include <cstring>
 

@@ -1,4 +1,4 @@
-// The logger's record and what the files of the logger share about it.
+// The logger's record, and the declarations about it that the files of the logger share.
 #pragma once
 
 #include <mutex>
@@ -16,23 +16,24 @@ struct VUR_DL_DistLogger {
     DDS_Cookie_t stateCookie;
     DDS_InstanceHandle_t loggerStateInstanceHandle;
     VUR_DL_LogMessageWriteThread *logMessageWriteThread;
-    VUR_DL_MessageQueue *q;                     // the write thread's
+    VUR_DL_MessageQueue *q;                     // owned by the write thread
     KOLT_Config_LoggerDevice *ddsLoggerDevice;  // installed device, or NULL
     KOLT_Clock *clock;                          // log_clock()
 };
 // NOLINTEND(readability-identifier-naming)
 
-// The singleton; NULL when there is none. Written under gVUR_DL_DistLogger_lock.
+// The singleton, or NULL. Written under gVUR_DL_DistLogger_lock.
 extern VUR_DL_DistLogger *VUR_DL_DistLogger_instance;
 // The stored options. Written under gVUR_DL_DistLogger_lock, or during finalisation.
 extern VUR_DL_Options *gVUR_DL_DistLogger_currentOptions;
 
 namespace vur_dl {
 
-// Guards the State record: the application's thread fills it, the command reader's thread changes
-// it, and the State writer serialises it on either of them or on the thread that found a reader.
-// Recursive, because a State sample that is delivered within the process may come back as a command
-// on the same thread. Taken after gVUR_DL_DistLogger_lock, never before it.
+// Guards the State record. The application's thread fills the record, the command reader's thread
+// changes it, and the State writer serialises it on either of them or on the thread that found a
+// reader. The lock is recursive, because a State sample that is delivered within the process may
+// come back as a command on the same thread. It is taken after gVUR_DL_DistLogger_lock, never
+// before.
 std::recursive_mutex &state_lock();
 
 inline VUR_DL_ADMIN_StateKind state_kind(const VUR_DL_DistLogger &self) {
@@ -44,30 +45,37 @@ inline bool is_operational(const VUR_DL_DistLogger &self) {
 }
 
 // ---- The threshold ------------------------------------------------------------------------------
-// The level above which log calls have no effect at all: neither an echo nor a queued message. Log
-// calls compare with it before they read a clock or take a lock. It is derived from the options'
-// echo, the filter level and the State, and is refreshed whenever one of them changes.
+// The threshold is the level above which log calls have no effect at all: neither an echo nor a
+// queued message. Log calls compare with it before they read a clock or take a lock. It is derived
+// from the options' echo, the filter level and the State, and is refreshed whenever one of them
+// changes.
+
 void refresh_threshold(const VUR_DL_DistLogger *self);
-// The same after a change in an options record, if it is the running logger's.
+// Refreshes the threshold after a change in an options record, if it is the running logger's.
 void refresh_threshold_after(const VUR_DL_Options *options);
 
-// ---- The clock
-// ------------------------------------------------------------------------------------ Log calls
-// read the clock before they take the lock, when another thread may be finalising the logger: so
-// the clock, once made, lives as long as the process and is shared by one logger after another.
+// ---- The clock ----------------------------------------------------------------------------------
+// Log calls read the clock before they take the lock, when another thread may be finalising the
+// logger. So the clock, once made, lives as long as the process, and one logger after another
+// shares it.
+
 KOLT_Clock *create_log_clock();  // under gVUR_DL_DistLogger_lock; NULL when memory runs out
 KOLT_Clock *log_clock();         // NULL before the first logger
 
-// ---- The gate of the middleware's log
-// ------------------------------------------------------------ Finalisation calls the middleware
-// while it holds the logger lock, and the middleware may log, with locks of its own held, on
-// another thread, which then waits for the logger lock: a deadlock. So finalisation closes the gate
-// first and waits until every forwarded message has left; from then on the middleware's messages
-// are printed and not logged.
+// ---- The gate of the middleware's log -----------------------------------------------------------
+
+// Lets the middleware's messages into the distributed log only while finalisation is not under way.
+//
+// Finalisation calls the middleware while it holds the logger lock. The middleware may log on
+// another thread, with locks of its own held, and that thread would wait for the logger lock: a
+// deadlock. So finalisation closes the gate first and waits until every forwarded message has left.
+// From then on the middleware's messages are printed instead of logged.
 class MiddlewareLogGate {
   public:
+    // Returns false when the gate is closed. After true the caller must call leave().
     static bool enter();
     static void leave();
+    // Closes the gate and waits until every thread that entered has left.
     static void close();
     static void open();
     static bool is_closed();

@@ -68,7 +68,7 @@ void *VUR_DL_DDSEntities_stateWriterOnDataRequest(void *, DDS_DataWriter *,
 
 void VUR_DL_DDSEntities_stateWriterOnDataReturn(void *, DDS_DataWriter *, void *,
                                                 const DDS_Cookie_t *) {
-    // What was lent is the logger's live State: there is nothing to release.
+    // The lent record is the logger's live State: there is nothing to release.
 }
 
 int VUR_DL_DistLogger_writeState(VUR_DL_DistLogger *self) {

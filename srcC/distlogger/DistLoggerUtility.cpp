@@ -5,7 +5,7 @@
 
 void VUR_DL_Utility_sleep(int milliseconds) {
     constexpr int kMillisecondsPerSecond = 1000;
-    // The remainder goes in unscaled: programs that were tuned with this function rely on it.
+    // sic: the remainder of the milliseconds goes in as nanoseconds, see the header.
     const DDS_Duration_t duration{
         milliseconds / kMillisecondsPerSecond,
         static_cast<DDS_UnsignedLong>(milliseconds % kMillisecondsPerSecond)};

@@ -8,19 +8,21 @@ namespace {
 
 using vur_dl::report;
 
-// How soon an idle thread notices that it is to end.
+// The time after which an idle thread looks whether it has to end.
 constexpr DDS_Duration_t kBlockingTime{0, 100'000'000};
-// Fits the 16 bytes that the system gives a thread's name.
+// The thread's name, which fits the 16 bytes that the system has for it.
 constexpr char kThreadName[] = "vDl#########Wri";
 static_assert(sizeof kThreadName == 16);
-// The level of the one message that is no diagnostic of the usual kind; printed as "DL Silent".
+// The level of the report about a thread that could not be joined. It has no name of its own, so
+// the line begins with "DL Silent".
 constexpr int kLevelOfJoinFailure = 1;
 
+// Writes the oldest message and removes it from the queue.
 void publish_front(VUR_DL_LogMessageWriteThread &self, const VUR_DL_LogMessagePlusTime &front) {
     const DDS_ReturnCode_t result = VUR_DL_LogMessageDataWriter_write_w_timestamp(
         self.logMessageWriter, &front.message, DDS_HANDLE_NIL, &front.writeTime);
     if (result == DDS_RETCODE_TIMEOUT) {
-        // The message stays at the head and is written again after the next push: retrying at once
+        // The message stays at the front and is written again after the next push. Retrying at once
         // would only wait for the same slow reader.
         return;
     }
@@ -30,6 +32,7 @@ void publish_front(VUR_DL_LogMessageWriteThread &self, const VUR_DL_LogMessagePl
     VUR_DL_MessageQueue_pop(self.q);
 }
 
+// Makes the queue and starts the thread. False, with a printed line, on failure.
 bool start(VUR_DL_LogMessageWriteThread &self, int queue_size,
            const DDS_ThreadSettings_t &settings) {
     constexpr char kMethodName[] = "LogMessageWriteThread_create";
@@ -81,7 +84,7 @@ void *LogMessageWriteThread_run(void *argument) {
     const DDS_UnsignedLongLong id = KOLT_Thread_current_id();
     vur_dl::store_relaxed(self.threadId, id);
     if (id == 0) {
-        report("Unable to get WrteThread ID.", __func__);
+        report("Unable to get WrteThread ID.", __func__);  // sic
         return nullptr;
     }
     while (vur_dl::load_relaxed(self.shouldRun) == 1) {

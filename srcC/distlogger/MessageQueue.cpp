@@ -1,4 +1,5 @@
-// The bounded queue: elements in one block, texts copied in, ids given in push order.
+// The bounded queue: its elements lie in one block, texts are copied in, ids follow the order of
+// the pushes.
 #include "vur_dl/MessageQueue.h"
 
 #include <algorithm>
@@ -29,6 +30,7 @@ struct VUR_DL_MessageQueueElement {
 // NOLINTEND(readability-identifier-naming)
 static_assert(offsetof(VUR_DL_MessageQueueElement, node) == 0, "a node is its element's address");
 
+// Returns the element that a node begins.
 VUR_DL_MessageQueueElement *element_of(KOLT_ListNode *node) {
     return reinterpret_cast<VUR_DL_MessageQueueElement *>(node);
 }
@@ -112,7 +114,7 @@ bool fill(VUR_DL_MessageQueueElement &element, const VUR_DL_LogMessagePlusTime &
     element.messagePlusTime = item;
     VUR_DL_LogMessage &message = element.messagePlusTime.message;
     message.messageId = message_id;
-    // Until each is copied, the text pointers are the caller's: not ours to free.
+    // The copied pointers are the caller's texts, which must not be freed here.
     message.message = nullptr;
     message.category = nullptr;
     message.message = copy_text(item.message.message, element.inlineMessage, kInlineMessageSize,
@@ -131,7 +133,8 @@ bool fill(VUR_DL_MessageQueueElement &element, const VUR_DL_LogMessagePlusTime &
     return true;
 }
 
-// Under the mutex.
+// Numbers the message and queues a copy of it. False when it is dropped. The caller holds the
+// mutex.
 bool enqueue(VUR_DL_MessageQueue &self, const VUR_DL_LogMessagePlusTime &item) {
     vur_dl::store_relaxed(self.messageId, self.messageId + 1);
     if (KOLT_List_get_count(&self.queue) >= self.property.queueSize) {
@@ -151,7 +154,8 @@ bool enqueue(VUR_DL_MessageQueue &self, const VUR_DL_LogMessagePlusTime &item) {
     return true;
 }
 
-// Under the mutex, or when nobody else uses the queue.
+// Removes the oldest message. False when there is none. The caller holds the mutex, or no other
+// thread uses the queue.
 bool remove_first(VUR_DL_MessageQueue &self) {
     KOLT_ListNode *node = KOLT_List_remove_first(&self.queue);
     if (node == nullptr) {
@@ -211,7 +215,7 @@ int VUR_DL_MessageQueue_push(VUR_DL_MessageQueue *self, const VUR_DL_LogMessageP
 
 VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
                                                      const DDS_Duration_t *timeout) {
-    static constexpr char kMethodName[] = "VUR_DL_MEssageQueue_front";
+    static constexpr char kMethodName[] = "VUR_DL_MEssageQueue_front";  // sic
     const KOLT_SemaphoreResult taken = KOLT_Semaphore_take(self->countSem, timeout);
     if (taken != KOLT_SEMAPHORE_OK) {
         if (taken == KOLT_SEMAPHORE_ERROR) {
@@ -227,7 +231,8 @@ VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
     if (KOLT_Mutex_give(self->mutex) != 0) {
         report("Unable to give message queue mutex", kMethodName);
     }
-    // A push whose semaphore failed, or a front without a pop, may leave tokens without elements.
+    // There may be tokens without elements: after a push whose semaphore failed, or after a front
+    // without a pop.
     return first == nullptr ? nullptr : &element_of(first)->messagePlusTime;
 }
 

@@ -70,7 +70,7 @@ int VUR_DL_Options_copy(VUR_DL_Options *self, const VUR_DL_Options *other) {
         return 0;
     }
     if (other == nullptr) {
-        report("Pointer to origin VUR_DL_Option s is NULL", __func__);
+        report("Pointer to origin VUR_DL_Option s is NULL", __func__);  // sic
         return 0;
     }
     self->enabled = other->enabled;
@@ -81,7 +81,7 @@ int VUR_DL_Options_copy(VUR_DL_Options *self, const VUR_DL_Options *other) {
     self->echoToStdout = other->echoToStdout;
     self->logInfrastructureMessages = other->logInfrastructureMessages;
     if (!copy_string(self->applicationKind, other->applicationKind,
-                     "Unable to to copy Application Kind") ||
+                     "Unable to to copy Application Kind") ||  // sic
         !copy_string(self->qosLibrary, other->qosLibrary, "Unable to copy QoS library") ||
         !copy_string(self->qosProfile, other->qosProfile, "Unable to copy QoS profile")) {
         return 0;

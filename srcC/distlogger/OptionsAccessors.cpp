@@ -7,6 +7,7 @@ namespace {
 
 using vur_dl::report;
 
+// Returns a field, or the sentinel, with a printed line, for a NULL record.
 template <typename T, typename Result>
 Result get(const VUR_DL_Options *self, T VUR_DL_Options::*field, Result sentinel,
            const char *method) {
@@ -17,7 +18,7 @@ Result get(const VUR_DL_Options *self, T VUR_DL_Options::*field, Result sentinel
     return static_cast<Result>(self->*field);
 }
 
-// Sets a field unless `refusal` says why the value is out of bounds.
+// Sets a field, unless `refusal` is set: it then holds the reason why the value is out of bounds.
 template <typename T, typename V>
 DDS_ReturnCode_t set(VUR_DL_Options *self, T VUR_DL_Options::*field, V value, const char *refusal,
                      const char *method) {
@@ -50,7 +51,7 @@ DDS_ReturnCode_t set_string(VUR_DL_Options *self, DDS_Char *VUR_DL_Options::*fie
         return DDS_RETCODE_BAD_PARAMETER;
     }
     if (value == self->*field) {
-        return DDS_RETCODE_OK;  // the record's own string: freeing it first would lose it
+        return DDS_RETCODE_OK;  // the record's own string, which the next line would free
     }
     DDS_String_free(self->*field);
     self->*field = DDS_String_dup(value);
@@ -92,7 +93,7 @@ DDS_ReturnCode_t VUR_DL_Options_setFilterLevel(VUR_DL_Options *self, int filter_
 }
 
 int VUR_DL_Options_getDomainId(const VUR_DL_Options *self) {
-    return get(self, &VUR_DL_Options::domainId, -1, "VUR_DL_Options_hetDomainId");
+    return get(self, &VUR_DL_Options::domainId, -1, "VUR_DL_Options_hetDomainId");  // sic
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setDomainId(VUR_DL_Options *self, int domain_id) {
@@ -102,24 +103,24 @@ DDS_ReturnCode_t VUR_DL_Options_setDomainId(VUR_DL_Options *self, int domain_id)
 
 const char *VUR_DL_Options_getQosLibrary(const VUR_DL_Options *self) {
     return get<DDS_Char *, const char *>(self, &VUR_DL_Options::qosLibrary, nullptr,
-                                         "VUR_DL_Options_getQoSLibrary");
+                                         "VUR_DL_Options_getQoSLibrary");  // sic: QoS
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setQosLibrary(VUR_DL_Options *self, const char *qos_library) {
     return set_string(self, &VUR_DL_Options::qosLibrary, qos_library,
                       {"QoS Library is NULL", "Unable to allocate memory for qosLibrary",
-                       "VUR_DL_Options_setQoSLibrary"});
+                       "VUR_DL_Options_setQoSLibrary"});  // sic: QoS
 }
 
 const char *VUR_DL_Options_getQosProfile(const VUR_DL_Options *self) {
     return get<DDS_Char *, const char *>(self, &VUR_DL_Options::qosProfile, nullptr,
-                                         "VUR_DL_Options_getQoSProfile");
+                                         "VUR_DL_Options_getQoSProfile");  // sic: QoS
 }
 
 DDS_ReturnCode_t VUR_DL_Options_setQosProfile(VUR_DL_Options *self, const char *qos_profile) {
     return set_string(self, &VUR_DL_Options::qosProfile, qos_profile,
                       {"QoS Profile is NULL", "Unable to allocate memory for qosProfile",
-                       "VUR_DL_Options_setQoSProfile"});
+                       "VUR_DL_Options_setQoSProfile"});  // sic: QoS
 }
 
 int VUR_DL_Options_getQueueSize(const VUR_DL_Options *self) {
@@ -172,7 +173,7 @@ DDS_ReturnCode_t VUR_DL_Options_setEchoToStdout(VUR_DL_Options *self, int echo_t
         report("VUR_DL_Options is null", __func__);
         return DDS_RETCODE_NO_DATA;
     }
-    // The running logger shares this record, so the echo may be switched while others log.
+    // The running logger shares this record, so other threads may log meanwhile.
     vur_dl::store_relaxed(self->echoToStdout, echo_to_stdout);
     vur_dl::refresh_threshold_after(self);
     return DDS_RETCODE_OK;

@@ -1,4 +1,4 @@
-// Initialisation, finalisation and copy of the logger's records: the type codes say what to do.
+// Initialisation, finalisation and copy of the logger's records, driven by their type codes.
 
 #include "vur_dl/distlog.h"
 

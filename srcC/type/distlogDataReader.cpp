@@ -52,7 +52,7 @@ DDS_DataReader *widen(Reader *reader, const char *method_name) noexcept {
     return untyped(reader);
 }
 
-// What is to be read: all instances, unless one is named afterwards.
+// Selects samples of all instances by their states; of_instance() narrows this to one instance.
 KOLT_ReadSelection by_states(DDS_Boolean take, DDS_Long max_samples,
                              DDS_SampleStateMask sample_states, DDS_ViewStateMask view_states,
                              DDS_InstanceStateMask instance_states) noexcept {
@@ -81,7 +81,7 @@ KOLT_ReadSelection of_instance(KOLT_ReadSelection selection, KOLT_ReadScope scop
     return selection;
 }
 
-// Puts what was read where the caller finds it: a loan into the sequence, of copies the length.
+// Delivers a loan by putting it into the sequence, copies by setting the sequence's length.
 template <typename T>
 DDS_ReturnCode_t deliver(DDS_DataReader *reader, typename vur_dl::TypeOf<T>::Sequence *received,
                          DDS_SampleInfoSeq *info_seq, void **loan,
@@ -118,7 +118,7 @@ DDS_ReturnCode_t read_or_take(DDS_DataReader *reader, const KOLT_ReadSelection &
     return result == DDS_RETCODE_OK ? deliver<T>(reader, received, info_seq, loan, count) : result;
 }
 
-// A condition that is NULL would select by states; as an argument it is an error.
+// Reads or takes by a condition. Refuses a NULL condition, which would select by states.
 template <typename T>
 DDS_ReturnCode_t read_or_take_with_condition(DDS_DataReader *reader,
                                              const KOLT_ReadSelection &selection,
@@ -142,7 +142,7 @@ DDS_ReturnCode_t return_loan(DDS_DataReader *reader, typename vur_dl::TypeOf<T>:
     if (Sequence::kHasOwnership(received) && DDS_SampleInfoSeq_has_ownership(info_seq)) {
         return DDS_RETCODE_OK;
     }
-    // The maximum, since the caller may have shortened the length.
+    // The maximum counts, because the caller may have shortened the length.
     const DDS_ReturnCode_t result = DDS_DataReader_return_loan_untypedI(
         reader, reinterpret_cast<void **>(Sequence::kDiscontiguous(received)),
         Sequence::kGetMaximum(received), info_seq);
@@ -220,7 +220,7 @@ VUR_DL_FOR_EACH_TOPIC_TYPE(VUR_DL_DEFINE_READER_STATES)
     }
 VUR_DL_FOR_EACH_TOPIC_TYPE(VUR_DL_DEFINE_READER_CONDITIONS)
 
-// The public forms of one kind of access; `is_take` is what `access` means.
+// The public forms of one access: `access` is read or take, and `is_take` says which.
 #define VUR_DL_DEFINE_READER_ACCESS(T, access, is_take)                                            \
     DDS_ReturnCode_t T##DataReader_##access(                                                       \
         T##DataReader *self, T##Seq *received_data, DDS_SampleInfoSeq *info_seq,                   \

@@ -1,4 +1,4 @@
-// Typed data writers: the untyped writer with the sample's type put in.
+// Typed data writers: the untyped writer for samples of one type.
 
 #include "type/type_list.hpp"
 #include "type/typed_entity.hpp"
@@ -6,8 +6,7 @@
 
 namespace {
 
-// A typed writer is the untyped one under another name: a record that begins with it and holds
-// nothing else.
+// Returns the writer as a typed one: a record that holds the untyped writer and nothing else.
 template <typename T, typename Writer>
 Writer *narrow(DDS_DataWriter *writer, const char *method_name) noexcept {
     static_assert(sizeof(Writer) == sizeof(DDS_DataWriter));

@@ -1,6 +1,6 @@
-// The type plugins: what KOLT's entities call for the samples of a type. Each slot holds either
+// The type plugins, which KOLT's entities call for the samples of a type. Each slot holds either
 // KOLT's generic operation, which interprets the type code, or one of the functions below, which
-// add what depends on the type.
+// depend on the type.
 
 #include "vur_dl/distlogPlugin.h"
 
@@ -21,8 +21,8 @@ DDS_UnsignedLong key_max_size(const KOLT_TypePrograms *programs, DDS_UnsignedSho
     return KOLT_Cdr_key_max_size(programs);
 }
 
-// Without endpoint data: what the programs say of an encapsulation, or of the type's XCDR1 one when
-// it does not have that; plus what padding may take at an alignment.
+// Returns the largest size without endpoint data: the programs' size for the encapsulation, or for
+// the type's XCDR1 one when it does not have that, plus the padding that the alignment may need.
 DDS_UnsignedLong size_of_programs(const KOLT_TypePrograms *programs, ProgramsSize size_function,
                                   DDS_UnsignedLong header_size, DDS_Boolean include_encapsulation,
                                   DDS_UnsignedShort encapsulation,
@@ -40,7 +40,7 @@ DDS_UnsignedLong size_of_programs(const KOLT_TypePrograms *programs, ProgramsSiz
     if (size < header_size || size >= KOLT_CDR_MAX_SERIALIZED_SIZE_UNBOUNDED) {
         return size;
     }
-    // Alignment counts from behind a header.
+    // Behind a header alignment begins anew.
     const DDS_UnsignedLong more = include_encapsulation ? KOLT_ENCAPSULATION_HEADER_SIZE
                                                         : -current_alignment % kLargestAlignment;
     return size - header_size + more;
@@ -94,7 +94,7 @@ KOLT_TypePluginParticipantData *attach_participant(
     return data;
 }
 
-// The functions of a type that endpoint data are made with; those of keys are NULL without a key.
+// The functions of a type that endpoint data are made with. Without a key those of keys are NULL.
 struct EndpointFunctions {
     void *(*create_data)(void);
     void (*destroy_data)(void *);
@@ -117,7 +117,7 @@ bool create_key_hash_stream(KOLT_TypePluginEndpointData *data, const EndpointFun
     return KOLT_TypePlugin_EndpointData_create_md5_stream(data, key_size, keyhash_size);
 }
 
-// The largest size is worked out here, once, for all samples that the writer will write.
+// Works out the largest size once, for all samples that the writer will write.
 bool create_writer_pool(KOLT_TypePluginEndpointData *data, const EndpointFunctions &functions,
                         DDS_UnsignedShort encapsulation) noexcept {
     KOLT_TypePlugin_EndpointData_set_max_size(
@@ -174,10 +174,9 @@ DDS_Boolean sample_to_key_hash(KOLT_TypePluginEndpointData *endpoint_data, KOLT_
     return done;
 }
 
-// ---- Plugin records
-// ------------------------------------------------------------------------------
+// ---- Plugin records ---------------------------------------------------------------------------
 
-// A record with the slots that all types have in common; what is reserved stays empty.
+// Returns a record with the slots that all types have in common. Reserved slots stay empty.
 KOLT_TypePlugin *new_plugin() noexcept {
     auto *const plugin =
         static_cast<KOLT_TypePlugin *>(KOLT_Heap_allocate_zeroed(sizeof(KOLT_TypePlugin)));
@@ -198,7 +197,7 @@ KOLT_TypePlugin *new_plugin() noexcept {
     return plugin;
 }
 
-// The slots of keys and key hashes: empty unless the type has a key.
+// Fills the slots of keys and key hashes. They stay empty when the type has no key.
 template <typename T>
 struct Keys {
     static constexpr KOLT_TypePluginKeyKind kKind = KOLT_TYPE_PLUGIN_NO_KEY;
@@ -237,8 +236,7 @@ VUR_DL_FOR_EACH_KEYED_TYPE(VUR_DL_DEFINE_KEYS)
 }  // namespace
 }  // namespace vur_dl
 
-// ---- The families
-// ---------------------------------------------------------------------------------
+// ---- The families -----------------------------------------------------------------------------
 
 #define VUR_DL_DEFINE_SAMPLE_MAX_SIZE(T, type_name)                                            \
     DDS_UnsignedLong T##Plugin_get_serialized_sample_max_size(                                 \

@@ -1,4 +1,4 @@
-// Samples and key holders made and freed, samples as bytes and as text.
+// Samples and key holders: made and freed, converted to bytes and to text.
 
 #include <memory>
 
@@ -14,7 +14,7 @@ namespace {
 
 // ---- Samples ----------------------------------------------------------------------------------
 
-// Frees a record; what it owns goes first, as the parameters say.
+// Frees a record and, as the parameters say, what it owns.
 template <typename T>
 void destroy_record(T *record, const DDS_TypeDeallocationParams_t &params) noexcept {
     if (record != nullptr) {
@@ -23,7 +23,7 @@ void destroy_record(T *record, const DDS_TypeDeallocationParams_t &params) noexc
     }
 }
 
-// A new record. `undo` says how a record is finalised whose initialisation failed.
+// Returns a new record. A record whose initialisation failed is finalised as `undo` says.
 template <typename T>
 T *create_record(const DDS_TypeAllocationParams_t &params,
                  const DDS_TypeDeallocationParams_t &undo) noexcept {
@@ -104,7 +104,7 @@ struct DynamicDataDeleter {
     void operator()(DDS_DynamicData *data) const noexcept { DDS_DynamicData_delete(data); }
 };
 
-// The text is that of dynamic data, to which the sample goes by way of its bytes.
+// Renders the sample as text: converts it to bytes, these to dynamic data, and formats those.
 DDS_ReturnCode_t to_string(const DDS_TypeCode *code, const KOLT_TypePrograms *programs,
                            const void *sample, DDS_Char *string, DDS_UnsignedLong *length,
                            const DDS_PrintFormatProperty *property) noexcept {
@@ -141,8 +141,7 @@ DDS_ReturnCode_t to_string(const DDS_TypeCode *code, const KOLT_TypePrograms *pr
 }  // namespace
 }  // namespace vur_dl
 
-// ---- The families
-// ---------------------------------------------------------------------------------
+// ---- The families -----------------------------------------------------------------------------
 
 #define VUR_DL_DEFINE_PRINT(T, type_name)                                          \
     void T##PluginSupport_print_data(const T *sample, const char *description,     \

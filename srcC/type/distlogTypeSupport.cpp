@@ -9,7 +9,7 @@ DDS_ReturnCode_t result_of(DDS_Boolean done) noexcept {
     return done ? DDS_RETCODE_OK : DDS_RETCODE_ERROR;
 }
 
-// The participant keeps a copy of the plugin; the one that is made for the call goes with it.
+// Registers a type. The participant keeps a copy of the plugin, so the one made here is deleted.
 DDS_ReturnCode_t register_type(DDS_DomainParticipant *participant, const char *type_name,
                                KOLT_TypePlugin *(*new_plugin)(void),
                                void (*delete_plugin)(KOLT_TypePlugin *)) noexcept {

@@ -1,9 +1,9 @@
-// The type codes of the thirteen types, with what generic code needs beside them: where the members
-// lie in the records, and the records' own functions.
+// The type codes of the thirteen types, with the places of the members in the records and the
+// records' functions.
 //
-// The tables refer to each other and to KOLT's standard type codes, so that they are filled in when
-// the first of them is asked for, all at once and under the guard of a local static: from then on
-// they are constant, and nothing ever frees them.
+// The tables refer to each other and to KOLT's standard type codes. So all of them are filled in
+// when the first one is asked for, under the guard of a local static. From then on they are
+// constant, and nothing ever frees them.
 
 #include <cstddef>
 #include <iterator>
@@ -28,8 +28,7 @@ constexpr DDS_DataRepresentationMask kRepresentations =
 
 constexpr DDS_Long kDefaultDiscriminator = VUR_DL_SET_LOG_LEVEL;
 
-// ---- Where the members lie
-// ------------------------------------------------------------------------
+// ---- The places of the members ----------------------------------------------------------------
 
 template <typename T>
 struct Offsets;
@@ -120,7 +119,7 @@ DDS_AnnotationParameterValue integer_value(DDS_TCKind kind, DDS_LongLong integer
     return value;
 }
 
-// Default, minimum and maximum: the natural ones of the member's type.
+// Sets default, minimum and maximum to the natural ones of the member's type.
 void annotate(DDS_TypeCodeMember &member) noexcept {
     using Long = std::numeric_limits<DDS_Long>;
     using LongLong = std::numeric_limits<DDS_LongLong>;
@@ -190,7 +189,7 @@ void fill_members(Table<kCount> &table, const Member (&members)[kCount],
         member.id = first_id + static_cast<DDS_UnsignedLong>(i);
         member.type = members[i].type;
         member.is_key = members[i].is_key ? DDS_BOOLEAN_TRUE : DDS_BOOLEAN_FALSE;
-        // Who cannot read the key of a mutable type cannot use the sample.
+        // A reader that cannot read the key of a mutable type cannot use the sample.
         member.is_must_understand = table.code.extensibility == DDS_MUTABLE_EXTENSIBILITY
                                         ? member.is_key
                                         : DDS_BOOLEAN_FALSE;
@@ -314,7 +313,7 @@ void Tables::make_collections() noexcept {
     verbosities_sequence.content_type = &category_and_verbosity.code;
 }
 
-// A member's type is looked at when the member is filled in: what is nested comes first.
+// Makes the nested types first, because a member's type is read when the member is filled in.
 void Tables::make_structures() noexcept {
     make_structure<VUR_DL_HostAndAppId>(
         host_and_app_id, DDS_APPENDABLE_EXTENSIBILITY,

@@ -1,4 +1,4 @@
-// What the plugin and the plugin-support families have in common: a type's programs.
+// A type's serialisation programs, which the plugin and the plugin-support families share.
 #pragma once
 
 #include <atomic>
@@ -8,8 +8,8 @@
 
 namespace vur_dl {
 
-// A type's programs, compiled at the first call; NULL when memory runs out. The reference that is
-// taken then is kept for good: who converts one sample converts more of them.
+// Returns a type's programs, compiled at the first call; NULL when memory runs out. The reference
+// that is taken then is kept for good, because a program that converts one sample converts more.
 template <typename T>
 const KOLT_TypePrograms *programs_of() noexcept {
     static std::atomic<const KOLT_TypePrograms *> kept{nullptr};
@@ -23,7 +23,7 @@ const KOLT_TypePrograms *programs_of() noexcept {
     }
     if (!kept.compare_exchange_strong(programs, acquired, std::memory_order_acq_rel,
                                       std::memory_order_acquire)) {
-        // Another thread was faster; its reference is the one that stays.
+        // Another thread was faster, and its reference stays.
         KOLT_TypePrograms_release(acquired);
         return programs;
     }

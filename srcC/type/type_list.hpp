@@ -1,4 +1,4 @@
-// The table of the logger's types: every family of every type is stamped from these lists.
+// The lists of the logger's types, from which every family of every type is stamped.
 #pragma once
 
 #include "vur_dl/distlog.h"
@@ -31,7 +31,8 @@
     VUR_DL_FOR_EACH_ENUMERATION(X) \
     VUR_DL_FOR_EACH_STRUCTURED_TYPE(X)
 
-// X(record). The keyed types; and the unkeyed ones that can be asked for key sizes all the same.
+// X(record). The first list has the keyed types. The second has the unkeyed types that also have
+// the functions for key sizes.
 #define VUR_DL_FOR_EACH_KEYED_TYPE(X) \
     X(VUR_DL_HostAndAppId)            \
     X(VUR_DL_LogMessage)              \
@@ -43,7 +44,7 @@
 
 namespace vur_dl {
 
-// What the templates know of a type beyond its type code.
+// Holds what the templates need of a type besides its type code.
 template <typename T>
 struct TypeOf;
 
@@ -75,7 +76,7 @@ DDS_Boolean copy_record(void *destination, const void *source) noexcept {
     return KOLT_Record_copy(TypeOf<T>::code(), destination, source);
 }
 
-// The middleware's default parameters with the caller's choices put in.
+// Return the middleware's default parameters with the caller's choices.
 inline DDS_TypeAllocationParams_t allocation_params(DDS_Boolean allocate_pointers,
                                                     DDS_Boolean allocate_memory) noexcept {
     DDS_TypeAllocationParams_t params = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;

@@ -1,4 +1,4 @@
-// How the typed writers and readers report what is wrong with a call.
+// The reports of the typed writers and readers about wrong calls.
 #pragma once
 
 #include <cstring>
@@ -12,7 +12,7 @@ inline void log_error(const char *method_name, const char *text) noexcept {
                      text);
 }
 
-// True for a pointer; otherwise `what` is reported as a bad parameter.
+// True for a pointer. Reports a NULL as the bad parameter `what` and returns false.
 inline bool require(const void *pointer, const char *method_name, const char *what) noexcept {
     if (pointer == nullptr) {
         KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_API, KOLT_CONFIG_LOG_LEVEL_ERROR, method_name,
