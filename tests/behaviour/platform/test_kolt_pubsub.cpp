@@ -124,6 +124,14 @@ TEST(KoltPubSub, RepresentationsThatDoNotMeetAreIncompatible) {
     EXPECT_EQ(matched.current_count, 0);
 }
 
+// Writes 25 samples of an instance, and one of another.
+void write_two_instances(DDS_DataWriter *writer) {
+    for (int i = 0; i < 25; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
+    ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
+}
+
 // A late joiner gets as many samples of an instance as the writer's history keeps.
 TEST(KoltPubSub, LateJoinerGetsTheHistory) {
     Node here(1);
@@ -132,10 +140,7 @@ TEST(KoltPubSub, LateJoinerGetsTheHistory) {
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
         qos.history.depth = 10;
     });
-    for (int i = 0; i < 25; ++i) {
-        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
-    }
-    ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
+    write_two_instances(writer);
     Node there(1);
     DDS_DataReader *const reader =
         there.reader([](DDS_DataReaderQos &qos) { transient_local(qos); });
@@ -158,10 +163,7 @@ TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
         qos.history.depth = 10;
         qos.durability_service.history_depth = 3;
     });
-    for (int i = 0; i < 25; ++i) {
-        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
-    }
-    ASSERT_EQ(write(writer, 1, 2, 100), DDS_RETCODE_OK);
+    write_two_instances(writer);
     Node there(1);
     DDS_DataReader *const reader =
         there.reader([](DDS_DataReaderQos &qos) { transient_local(qos); });
