@@ -57,6 +57,8 @@ class FindFields : FieldWalk {
             DDS_Double real = 0;
             REQUIRE(DDS_DynamicData_get_double(data_, &real, name_.c_str(),
                                                DDS_MEMBER_ID_INVALID) == DDS_RETCODE_OK);
+            // Bit by bit: NaN equals itself, and 0 differs from -0.
+            // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
             REQUIRE(std::memcmp(&real, &found.value.real, sizeof(real)) == 0);
         } else if (type.kind == DDS_TK_ULONGLONG) {
             DDS_UnsignedLongLong number = 0;

@@ -94,7 +94,7 @@ class FieldWalk {
             std::string indexes;
             DDS_UnsignedLong rest = flat;
             for (DDS_UnsignedLong i = type.dimension_count; i-- > 0;) {
-                indexes = "[" + std::to_string(rest % type.dimensions[i]) + "]" + indexes;
+                indexes.insert(0, "[" + std::to_string(rest % type.dimensions[i]) + "]");
                 rest /= type.dimensions[i];
             }
             into(*type.content_type, indexes, {1, flat});

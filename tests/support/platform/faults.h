@@ -65,8 +65,8 @@ class Faults {
         return instance;
     }
     static Plans &plans() {
-        static auto *const instance = new Plans;  // not deleted: libraries allocate at exit, too
-        return *instance;
+        static Plans &instance = *new Plans;  // not deleted: libraries allocate at exit, too
+        return instance;
     }
     static Plan &plan_of(std::string_view function) {
         const auto found = plans().find(function);

@@ -170,6 +170,7 @@ using KeyedTopicTypes =
 // The tests of a type are named after it.
 struct TopicTypeName {
     template <typename T>
+    // NOLINTNEXTLINE(readability-identifier-naming): GoogleTest calls it so.
     static std::string GetName(int) {
         return std::strrchr(TopicType<T>::kTypeName, ':') + 1;
     }

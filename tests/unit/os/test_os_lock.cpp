@@ -44,6 +44,7 @@ using Locks = testing::Types<GlobalLock, Mutex>;
 class LockNames {
   public:
     template <typename Lock>
+    // NOLINTNEXTLINE(readability-identifier-naming): GoogleTest calls it so.
     static std::string GetName(int) {
         return std::is_same_v<Lock, Mutex> ? "Mutex" : "GlobalLock";
     }

@@ -117,6 +117,7 @@ using Structured = testing::Types<FOR_EACH_STRUCTURED_TYPE(BUFFERS_OF, COMMA)>;
 #undef BUFFERS_OF
 struct RecordName {
     template <typename Type>
+    // NOLINTNEXTLINE(readability-identifier-naming): GoogleTest calls it so.
     static std::string GetName(int) {
         return Type::kRecordName;
     }

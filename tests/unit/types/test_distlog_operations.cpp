@@ -41,6 +41,7 @@ using AllTypes = testing::Types<FOR_EACH_TYPE(OPERATIONS_OF, COMMA)>;
 
 struct RecordName {
     template <typename Type>
+    // NOLINTNEXTLINE(readability-identifier-naming): GoogleTest calls it so.
     static std::string GetName(int) {
         return Type::kRecordName;
     }
