@@ -227,6 +227,7 @@ TEST_F(XmlHostile, LargeProfilesAreRefused) {
     std::vector<std::string> fragments(100, std::string(1000000, ' '));
     fragments[0] = "<dds>";
     std::vector<char *> pointers;
+    pointers.reserve(fragments.size());
     for (std::string &fragment : fragments) {
         pointers.push_back(fragment.data());
     }

@@ -162,7 +162,8 @@ TEST_F(XmlSchema, NamesOfTheLoggersValuesAreAccepted) {
             while (!rest.empty()) {
                 const std::size_t slash = rest.rfind('/');
                 const std::string tag = rest.substr(slash == std::string::npos ? 0 : slash + 1);
-                document = "<" + tag + ">" + document + "</" + tag + ">";
+                document.insert(0, "<" + tag + ">");
+                document += "</" + tag + ">";
                 rest.resize(slash == std::string::npos ? 0 : slash);
             }
             std::ofstream(path_) << "<dds>" << document << "</dds>";
@@ -183,6 +184,7 @@ TEST_F(XmlSchema, AgreesOnTheElementOfTheLogger) {
          {"", "<enabled>TRUE</enabled>", "<filter_level>TRACE</filter_level>",
           "<filter_level>650</filter_level>", "<queue_size>0x1F</queue_size>",
           "<thread><mask/></thread>", "<thread><mask> STDIO | FLOATING_POINT </mask></thread>",
+          // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one text in two parts
           "<thread><mask>THREAD_SETTINGS_STDIO|DDS_THREAD_SETTINGS_KIND_MASK_DEFAULT</mask></"
           "thread>",
           "<thread><priority>-5</priority><priority>MAX_PRIORITY</priority></thread>",
