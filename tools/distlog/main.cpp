@@ -18,13 +18,26 @@
 
 namespace {
 
+// Returns the names of the subcommands that were possible where the arguments stopped making sense.
+std::string subcommands_of(const CLI::App &app) {
+    const CLI::App *parser = &app;
+    while (!parser->get_subcommands().empty()) {
+        parser = parser->get_subcommands().front();
+    }
+    std::string names;
+    for (const CLI::App *command : parser->get_subcommands([](const CLI::App *) { return true; })) {
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    return names;
+}
+
 // Prints what the parser refused as one line; returns the exit code.
 int report_usage(const CLI::App &app, const CLI::ParseError &error) {
     std::string text = error.what();
     // An unknown word is the mistake; that a subcommand is missing only follows from it.
     const std::vector<std::string> unknown = app.remaining(true);
     if (dynamic_cast<const CLI::RequiredError *>(&error) != nullptr && !unknown.empty()) {
-        text = fmt::format("'{}' is no subcommand", unknown.front());
+        text = fmt::format("'{}' is not a subcommand: {}", unknown.front(), subcommands_of(app));
     }
     std::replace(text.begin(), text.end(), '\n', ' ');
     fmt::print(stderr, "distlog: {}\n", distlog::printable(text));

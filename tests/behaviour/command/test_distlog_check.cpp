@@ -349,8 +349,8 @@ TEST_F(DistlogCheck, WrongUsageIsExitCode2) {
         const char *mentioned;
     } rows[] = {{{}, "FILE"},
                 {{"--frobnicate", "a.xml"}, "--frobnicate"},
-                {{"--profile", "L", "a.xml"}, "'L' is no LIBRARY::PROFILE"},
-                {{"--profile", "::P", "a.xml"}, "'::P' is no LIBRARY::PROFILE"},
+                {{"--profile", "L", "a.xml"}, "'L' is not LIBRARY::PROFILE"},
+                {{"--profile", "::P", "a.xml"}, "'::P' is not LIBRARY::PROFILE"},
                 {{"a.xml", "--profile"}, "--profile"}};
     for (const auto &row : rows) {
         const Outcome outcome = check(row.arguments);

@@ -1,4 +1,4 @@
-// distlog check: what a configuration document says, and what would be in force with it.
+// distlog check: examines configuration documents and shows what would be in force with them.
 #include "check/check.hpp"
 
 #include <fmt/format.h>
@@ -26,13 +26,13 @@ using check::Severity;
 
 struct CheckOptions {
     std::vector<std::string> files;
-    std::string library;  // of the profile that the application names in code
+    std::string library;  // library and name of the profile that the application names in code
     std::string profile;
     bool all = false;
     bool json = false;
 };
 
-// Standard input as a file that can be read more than once.
+// Copies standard input into a file that can be read more than once.
 class InputCopy {
   public:
     InputCopy() : fd_(memfd_create("stdin", MFD_CLOEXEC)) {
@@ -69,7 +69,8 @@ bool is_loaded(const Report &report, const std::string &wanted) {
     return false;
 }
 
-// What an application names comes first, then the logger's own profile, then the default one.
+// Chooses the profile: first the one that the application names, then the logger's own, then the
+// default one.
 void choose_profile(const CheckOptions &options, Report &report) {
     VUR_DL_Options *logger = report.document.options();
     report.profile = report.profiles.default_profile;
@@ -104,7 +105,7 @@ const check::Policy &policy_of(const check::Entity &entity, std::string_view nam
     throw Failure(fmt::format("no policy {}", name));
 }
 
-// What the QoS means for the logger, beyond its values.
+// Adds problems for QoS that keeps the logger from starting or its messages from arriving.
 void judge_entities(Report &report) {
     const auto add = [&](Severity severity, std::string text) {
         report.problems.add(severity, report.document.name(), 0, std::move(text));
@@ -154,7 +155,7 @@ std::unique_ptr<Report> examine(const std::string &file, const CheckOptions &opt
     auto report = std::make_unique<Report>(input == nullptr ? file : input->path(),
                                            input == nullptr ? file : "stdin");
     const bool well_formed = report->document.read(report->problems);
-    log.take();  // what it said stands among the problems
+    log.take();  // these messages stand among the problems already
     if (!well_formed) {
         return report;
     }
@@ -194,7 +195,9 @@ int check_all(const CheckOptions &options) {
 void set_profile(CheckOptions &options, const std::string &text) {
     const std::size_t separator = text.find("::");
     if (separator == std::string::npos || separator == 0 || separator + 2 == text.size()) {
-        throw CLI::ValidationError("--profile", fmt::format("'{}' is no LIBRARY::PROFILE", text));
+        throw CLI::ValidationError(
+            "--profile",
+            fmt::format("'{}' is not LIBRARY::PROFILE: two names joined by '::'", text));
     }
     options.library = text.substr(0, separator);
     options.profile = text.substr(separator + 2);

@@ -46,6 +46,7 @@ DISTLOG_TOPIC_TYPE(VUR_DL_ADMIN_CommandResponse, VUR_DL_COMMAND_RESPONSE_TOPIC_N
                    VUR_DL_COMMAND_RESPONSE_TYPE_NAME);
 #undef DISTLOG_TOPIC_TYPE
 
+// Returns the topic of a type, which is created at the first call. Throws Failure.
 template <typename T>
 DDS_Topic *topic_of(const Session &session) {
     using Type = TypeOf<T>;
@@ -66,7 +67,7 @@ DDS_Topic *topic_of(const Session &session) {
     return topic;
 }
 
-// How a reader keeps samples until they are taken.
+// Says how a reader keeps samples until they are taken.
 struct ReaderSettings {
     DDS_DurabilityQosPolicyKind durability = DDS_VOLATILE_DURABILITY_QOS;
     DDS_HistoryQosPolicyKind history = DDS_KEEP_ALL_HISTORY_QOS;
@@ -110,15 +111,15 @@ class Reader {
 
     DDS_Condition *condition() const { return DDS_ReadCondition_as_condition(condition_); }
 
-    // Writers that are matched at this moment.
+    // Returns the number of writers that are matched at this moment.
     int matched_writers() const {
         DDS_SubscriptionMatchedStatus status{};
         DDS_DataReader_get_subscription_matched_status(untyped_, &status);
         return status.current_count;
     }
 
-    // Takes what is there and shows each sample to `visit(const T &, const DDS_SampleInfo &)`; then
-    // calls `finish()` while the samples still are there. Throws Failure when the reader fails.
+    // Takes the samples and passes each to `visit(const T &, const DDS_SampleInfo &)`. Then calls
+    // `finish()` while the samples are still on loan. Throws Failure when the reader fails.
     template <typename Visit, typename Finish>
     void take(Visit visit, Finish finish) {
         typename Type::Seq samples = DDS_SEQUENCE_INITIALIZER;
@@ -184,7 +185,7 @@ class Writer {
     DDS_Condition *match_condition() const {
         return DDS_StatusCondition_as_condition(status_condition());
     }
-    // Readers that have ever matched; resets the condition.
+    // Returns the number of readers that have ever matched; resets the condition.
     int matched_readers_in_total() const {
         DDS_PublicationMatchedStatus status{};
         DDS_DataWriter_get_publication_matched_status(untyped_, &status);
@@ -204,7 +205,7 @@ class Writer {
     typename Type::Writer *typed_ = nullptr;
 };
 
-// A sample with its strings and sequences allocated.
+// Owns a sample with its strings and sequences allocated.
 template <typename T>
 struct SampleDeleter {
     void operator()(T *sample) const { TypeOf<T>::kDeleteData(sample); }
@@ -215,7 +216,7 @@ template <typename T>
 Sample<T> make_sample() {
     Sample<T> sample(TypeOf<T>::kCreateData());
     if (sample == nullptr) {
-        throw Failure("memory ran out");
+        throw Failure("out of memory");
     }
     return sample;
 }

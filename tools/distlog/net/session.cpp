@@ -1,4 +1,4 @@
-// The command's presence in a domain.
+// The command's presence in a domain: a participant with a publisher and a subscriber.
 #include "net/session.hpp"
 
 #include <fmt/format.h>
@@ -31,7 +31,10 @@ Session::Session(int domain_id) : domain_(domain_id) {
     participant_ = DDS_DomainParticipantFactory_create_participant(factory, domain_id, nullptr,
                                                                    nullptr, DDS_STATUS_MASK_NONE);
     if (participant_ == nullptr) {
-        throw Failure(fmt::format("unable to join domain {}", domain_id));
+        throw Failure(fmt::format(
+            "unable to join domain {}: CYCLONEDDS_URI must name a readable configuration, a "
+            "network interface of it must be up, and the domain must have a free port",
+            domain_id));
     }
     publisher_ = DDS_DomainParticipant_create_publisher(participant_, nullptr, nullptr,
                                                         DDS_STATUS_MASK_NONE);
@@ -40,7 +43,8 @@ Session::Session(int domain_id) : domain_(domain_id) {
     if (publisher_ == nullptr || subscriber_ == nullptr) {
         DDS_DomainParticipant_delete_contained_entities(participant_);
         DDS_DomainParticipantFactory_delete_participant(factory, participant_);
-        throw Failure(fmt::format("unable to create entities in domain {}", domain_id));
+        throw Failure(
+            fmt::format("unable to create a publisher and a subscriber in domain {}", domain_id));
     }
 }
 

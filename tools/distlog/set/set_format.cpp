@@ -13,7 +13,7 @@ PrintFormat format_argument(const std::string &text) {
     const std::optional<PrintFormat> format = parse_print_format(text);
     if (!format) {
         throw CLI::ValidationError(
-            "FORMAT", fmt::format("'{}' is no print format: {}", text, print_format_names()));
+            "FORMAT", fmt::format("'{}' is not a print format: {}", text, print_format_names()));
     }
     return *format;
 }

@@ -26,20 +26,21 @@ void add_entry(VUR_DL_ADMIN_VURLoggerCategory category, VUR_DL_ADMIN_VURLoggerVe
     entries.push_back(CategoryAndVerbosity{category, verbosity});
 }
 
-// "CATEGORY=VERBOSITY", or "all=VERBOSITY" for the five categories.
+// Reads "CATEGORY=VERBOSITY", or "all=VERBOSITY" for the five categories.
 void parse_entry(const std::string &text, Entries &entries) {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos) {
-        refuse(fmt::format("'{}' has no '='", text));
+        refuse(fmt::format("'{}' has no '=': a category and a verbosity, like api=warning", text));
     }
     const std::string category_text = text.substr(0, equals);
     const auto category = parse_category(category_text);
     if (!category && category_text != "all") {
-        refuse(fmt::format("'{}' is no category: all, {}", category_text, category_names()));
+        refuse(fmt::format("'{}' is not a category: all, {}", category_text, category_names()));
     }
     const auto verbosity = parse_verbosity(text.substr(equals + 1));
     if (!verbosity) {
-        refuse(fmt::format("'{}' is no verbosity: {}", text.substr(equals + 1), verbosity_names()));
+        refuse(
+            fmt::format("'{}' is not a verbosity: {}", text.substr(equals + 1), verbosity_names()));
     }
     if (category) {
         add_entry(*category, *verbosity, entries);
@@ -56,7 +57,7 @@ FillCommand verbosity_command(const Entries &entries) {
         if (!VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_from_array(
                 &command._u.categoryAndVerbosity, entries.data(),
                 static_cast<DDS_Long>(entries.size()))) {
-            throw Failure("memory ran out");
+            throw Failure("out of memory");
         }
     };
 }

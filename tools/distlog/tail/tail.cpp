@@ -23,8 +23,8 @@
 namespace distlog {
 namespace {
 
-// What may pile up while our output is blocked before the middleware holds the senders' samples
-// back.
+// The number of samples that may pile up while our output is blocked. Beyond it the middleware
+// holds the senders' samples back.
 constexpr DDS_Long kMaximumWaitingSamples = 32768;
 constexpr int kLevelWidth = 7;
 
@@ -39,7 +39,7 @@ struct TailOptions {
     std::optional<Seconds> timeout;
 };
 
-// A sample with what is needed to put it into its place; valid while the samples are on loan.
+// A sample with its place in the reading order; valid while the samples are on loan.
 struct Received {
     const VUR_DL_LogMessage *message;
     DDS_Time_t time;
@@ -47,9 +47,9 @@ struct Received {
     std::int64_t order = 0;  // see in_reading_order
 };
 
-// Sorts one batch for reading: messages of one sender by their numbers, different senders by time.
-// Time stamps of one sender may run backwards by a little against its numbers (two threads that log
-// at once), so a message counts as sent no earlier than those with smaller numbers.
+// Sorts one batch for reading: the messages of one sender by their numbers, different senders by
+// time. When two threads log at once, the time stamps of a sender may run slightly backwards
+// against its numbers. So a message counts as sent no earlier than those with smaller numbers.
 void in_reading_order(std::vector<Received> &batch) {
     const auto sender = [](const Received &r) {
         return std::tuple(r.entry.sender, r.entry.publication, r.entry.id);
@@ -103,7 +103,8 @@ class Tail {
     int run() {
         const Deadline deadline = options_.timeout ? deadline_after(*options_.timeout) : Deadline();
         {
-            // States first: a kind that arrives together with messages is shown with them.
+            // States are taken first, so that messages are shown with a kind that arrives with
+            // them.
             Waiter waiter({directory_.condition(), reader_.condition(), stop_.condition()});
             while (!complete() && !stop_.raised() && output_.alive() && waiter.wait(deadline)) {
                 directory_.update();
@@ -142,9 +143,9 @@ class Tail {
             });
     }
 
-    // What was sent before we listened arrives with holes: the writers keep the last few messages
-    // of each level. The first batch of a sender counts as history also when its clock is ahead of
-    // ours.
+    // Tells history from new messages. Messages from before we listened arrive with holes, because
+    // the writers keep only the last few of each level. The first batch of a sender counts as
+    // history also when its clock is ahead of ours.
     Received receive(const VUR_DL_LogMessage &message, const DDS_SampleInfo &info) const {
         const Identity sender(message.hostAndAppId);
         const std::int64_t timestamp = to_nanoseconds(info.source_timestamp);
@@ -214,7 +215,9 @@ Identity app_argument(const std::string &text) {
     const std::optional<Identity> identity = parse_identity(text);
     if (!identity) {
         throw CLI::ValidationError(
-            "--app", fmt::format("'{}' is no HOST:APP (two numbers, see distlog ls)", text));
+            "--app",
+            fmt::format("'{}' is not HOST:APP: two numbers with a colon, as distlog ls shows them",
+                        text));
     }
     return *identity;
 }

@@ -37,7 +37,7 @@ int level_argument(const std::string &what, const std::string &text) {
     if (!level) {
         throw CLI::ValidationError(
             what,
-            fmt::format("'{}' is no level: {}, or a number of 0 or more", text, level_names()));
+            fmt::format("'{}' is not a level: {}, or a number of 0 or more", text, level_names()));
     }
     return *level;
 }
@@ -46,7 +46,10 @@ Seconds duration_argument(const std::string &what, const std::string &text) {
     const std::optional<Seconds> duration = parse_duration(text);
     if (!duration) {
         throw CLI::ValidationError(
-            what, fmt::format("'{}' is no duration: a number above 0 with s, m or h", text));
+            what,
+            fmt::format("'{}' is not a duration: a number above 0, in seconds or with ms, s, m or "
+                        "h, and below a year, like 90, 1.5s or 1h30m",
+                        text));
     }
     return *duration;
 }
@@ -72,7 +75,7 @@ std::optional<Seconds> parse_duration(std::string_view text) {
         text.remove_prefix(unit_length);
         total += number * *unit;
     }
-    // Written so that a number that is none fails, too.
+    // Not-a-number fails both comparisons, so it is refused, too.
     if (!(total > 0.0 && total < kLongestDuration)) {
         return std::nullopt;
     }
