@@ -41,8 +41,7 @@ constexpr int kCallsPerRound = 500;
 
 using Buffer = std::array<DDS_Octet, kBufferSize>;
 
-// ---- Ours
-// -----------------------------------------------------------------------------------------
+// ---- Ours -------------------------------------------------------------------------------------
 
 class OurCodec {
   public:
@@ -118,8 +117,7 @@ class OurCodec {
     std::array<DDS_Octet, 256> key_ = {};
 };
 
-// ---- The types
-// --------------------------------------------------------------------------------------
+// ---- The types --------------------------------------------------------------------------------
 
 // Texts here are literals, far shorter than the bounds of the buffers.
 void put(char *buffer, const char *text) {
@@ -220,8 +218,7 @@ struct CommandResponse {
     }
 };
 
-// ---- The rows
-// ---------------------------------------------------------------------------------------
+// ---- The rows ---------------------------------------------------------------------------------
 
 template <typename Ours, typename Peer>
 struct Values {

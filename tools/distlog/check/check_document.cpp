@@ -1,5 +1,5 @@
-// Reads a document twice: as a plain tree, to see everything that stands in it, and with the
-// logger's own element class, to see what the library makes of it.
+// Reads a document twice: as a plain tree, to see everything in it, and with the logger's own
+// element class, to get the options that the library gets.
 #include "check/check_document.hpp"
 
 #include <fmt/format.h>
@@ -19,7 +19,8 @@ namespace {
 constexpr std::string_view kLogger = "distributed_logger";
 constexpr std::size_t kShownText = 64;
 
-// What may stand below the root besides: the other building blocks of OMG DDS-XML 1.0.
+// The elements that may stand below the root: the building blocks of OMG DDS-XML 1.0 and the
+// logger's.
 constexpr std::array<std::string_view, 7> kBuildingBlocks{kLogger,
                                                           "qos_library",
                                                           "types",
@@ -32,7 +33,7 @@ std::string_view tag_of(const DDS_XMLObject *object) {
     return DDS_XMLObject_get_tag_name(object);
 }
 
-// The first few characters, for a message.
+// Returns the first few characters in quotes, for a message.
 std::string quoted(std::string_view text) {
     return fmt::format("\"{}{}\"", text.substr(0, kShownText),
                        text.size() > kShownText ? "..." : "");
@@ -46,7 +47,7 @@ void for_each_child(const DDS_XMLObject *object, Visit visit) {
     }
 }
 
-// Where an element of this name belongs, when not in `parent`; "" when nowhere.
+// Returns the parent that an element of this name belongs in; "" when there is none.
 std::string_view home_of(std::string_view name) {
     for (const Element &element : elements()) {
         if (element.name == name) {
@@ -56,8 +57,8 @@ std::string_view home_of(std::string_view name) {
     return "";
 }
 
-// True when the number that the library reads is all that the text says: nothing follows it, and it
-// was not cut to 32 bits. Some elements take numbers in any base, some only decimal ones.
+// True when the text consists of the number that the library reads: nothing follows the number, and
+// it was not cut to 32 bits. Some elements take numbers in any base, some only decimal ones.
 bool says_only(const char *text, int value) {
     for (const int base : {0, 10}) {
         char *end = nullptr;
@@ -70,7 +71,7 @@ bool says_only(const char *text, int value) {
 
 void ignore_error(const char *, const char *, DDS_UnsignedLong) {}
 
-// What to look for, where the XML library's own words do not tell.
+// Adds a hint to a message of the XML library that does not say what to look for.
 std::string with_hint(const std::string &message) {
     constexpr std::pair<std::string_view, std::string_view> kHints[] = {
         {"not well-formed",
@@ -147,7 +148,8 @@ void Document::check_root(Problems &problems) const {
     });
 }
 
-// Every logger's element, also those that do not count: what is wrong in them fails the parse, too.
+// Checks every logger's element, also those that do not count: a mistake in them fails the parse,
+// too.
 void Document::check_loggers(const DDS_XMLObject *object, const DDS_XMLObject *first,
                              Problems &problems) {
     for_each_child(object, [&](const DDS_XMLObject *child) {
@@ -186,7 +188,7 @@ void Document::check_children(const DDS_XMLObject *parent, bool in_force, Proble
         if (in_force) {
             const bool repeats = lines_.contains(element);
             lines_[element] = DDS_XMLObject_get_line_number(child);
-            // Lists go on where the one before ended, and so does a second <thread>.
+            // A second list continues the first one, and so does a second <thread>.
             if (repeats && element->accepts != nullptr && element->value != nullptr) {
                 warn(child, fmt::format("<{}> is given again; the last one holds", element->name),
                      problems);
@@ -201,7 +203,8 @@ void Document::check_children(const DDS_XMLObject *parent, bool in_force, Proble
     });
 }
 
-// Attributes, and text or elements where the other belongs. `element` is nullptr for the logger's.
+// Warns of attributes, of text where elements belong, and of elements where text belongs. `element`
+// is nullptr for the logger's own element.
 void Document::check_element(const DDS_XMLObject *object, const Element *element,
                              Problems &problems) {
     const char *const *attributes = DDS_XMLObject_get_attributes(object);

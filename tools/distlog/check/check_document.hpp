@@ -1,4 +1,4 @@
-// The element `distributed_logger` of one configuration document, and what is wrong around it.
+// The element `distributed_logger` of one configuration document, and the problems around it.
 #pragma once
 
 #include <kolt/xml.h>
@@ -17,23 +17,25 @@ namespace distlog::check {
 using ParserPtr = std::unique_ptr<DDS_XMLParser, void (*)(DDS_XMLParser *)>;
 using OptionsPtr = std::unique_ptr<VUR_DL_Options, VUR_DL_Options *(*)(VUR_DL_Options *)>;
 
+// Reads one document and keeps its tree, its options and the lines that set them.
 class Document {
   public:
-    // `path` is what is read, `name` what the user calls it.
+    // Reads the file `path`; problems call it `name`, as the user does.
     Document(std::string path, std::string name);
 
-    // Parses the document and reads the element. False when it is not even well formed.
+    // Parses the document and reads the element. False when the document is not well formed.
     bool read(Problems &problems);
 
     const std::string &name() const { return name_; }
     const std::string &path() const { return path_; }
-    // The element `dds`; valid after a successful read.
+    // Returns the element `dds`; valid after a successful read.
     const DDS_XMLObject *root() const { return DDS_XMLParser_get_root(tree_.get()); }
-    // The line of the element; 0 when the document has none.
+    // Returns the line of the element; 0 when the document has none.
     std::uint32_t logger_line() const { return logger_line_; }
-    // What the element says, with defaults for the rest; without the element, the defaults of code.
+    // Returns the options of the element, with defaults for the rest. Without the element they are
+    // the defaults of options made in code.
     VUR_DL_Options *options() const { return options_.get(); }
-    // The line that sets an option; 0 when none does.
+    // Returns the line that sets an option; 0 when none does.
     std::uint32_t line_of(const Element &element) const;
 
   private:

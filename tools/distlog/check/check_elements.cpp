@@ -41,7 +41,7 @@ bool starts_with_number(const char *text) {
     return text[0] >= '0' && text[0] <= '9';
 }
 
-// A converter of the library's family for integers.
+// True when the library's converter for integers accepts the text.
 template <auto kConvert>
 bool is_integer(const char *text) {
     return converts([&](DDS_XMLContext *context) {
@@ -124,7 +124,7 @@ std::string joined(const Json &array, std::string_view separator, std::string_vi
     return text.empty() ? std::string(empty) : text;
 }
 
-// The value itself, or null for the default that stands for "the system's".
+// Returns the value, or null for the default, which stands for "the system's".
 Json unless_default(DDS_Long value, DDS_Long default_value) {
     return value == default_value ? Json() : Json(value);
 }

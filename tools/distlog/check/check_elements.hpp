@@ -1,5 +1,5 @@
-// The children of the element `distributed_logger`: their names, what they may hold, and the
-// options that they set.
+// The children of the element `distributed_logger`: their names, the texts that they may hold, and
+// the options that they set.
 #pragma once
 
 #include <vur_dl/Options.h>
@@ -16,23 +16,24 @@ namespace distlog::check {
 struct Element {
     std::string_view parent;  // "distributed_logger", "thread" or "cpu_list"
     std::string_view name;
-    std::string_view expected;  // what its text may be; empty: it holds elements
+    std::string_view expected;  // the possible texts, for a message; empty: it holds elements
     // False when the library refuses the text; nullptr when there is none to convert.
     bool (*accepts)(const char *text);
-    // The number that the library reads at the start of the text; nullptr when texts are no
-    // numbers.
+    // Returns the number that the library reads at the start of the text; nullptr when the texts
+    // are not numbers.
     std::optional<int> (*number)(const char *text);
-    // The option's value, for programs and for people; nullptr when it sets none of its own.
+    // Return the option's value, for programs and for people; nullptr when the element sets no
+    // option of its own.
     Json (*value)(const VUR_DL_Options &options);
     std::string (*text)(const VUR_DL_Options &options);
 };
 
 std::span<const Element> elements();
-// nullptr when `parent` has no such child.
+// Returns the child's row; nullptr when `parent` has no such child.
 const Element *find_element(std::string_view parent, std::string_view name);
-// "a, b, c": what may stand in `parent`.
+// Returns the names of the children of `parent`: "a, b, c".
 std::string child_names(std::string_view parent);
-// "thread/mask"; a child of the logger's element has its bare name.
+// Returns "thread/mask", or the bare name for a child of the logger's element.
 std::string path_of(const Element &element);
 
 }  // namespace distlog::check

@@ -1,4 +1,4 @@
-// The middleware's own log while a document is checked: kept, instead of printed.
+// The middleware's own log while a document is checked: it is kept instead of printed.
 #pragma once
 
 #include <kolt/config_logger.h>
@@ -10,13 +10,13 @@ namespace distlog::check {
 
 class MiddlewareLog {
   public:
-    // Until its end, errors of the middleware come here, without the fields in front of their text.
+    // Collects the middleware's messages until its end, without the fields in front of their text.
     MiddlewareLog();
     ~MiddlewareLog();
     MiddlewareLog(const MiddlewareLog &) = delete;
     MiddlewareLog &operator=(const MiddlewareLog &) = delete;
 
-    // What has come since the last call.
+    // Returns the messages that have come since the last call.
     std::vector<std::string> take();
 
   private:

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char *kUnlimited = "LENGTH_UNLIMITED";
 
-// The names that a document has for the values of an enumeration, from 0 on.
+// Returns the name that a document has for a value of an enumeration; `names` begin at value 0.
 template <std::size_t kCount>
 Json name_of(const std::array<const char *, kCount> &names, int value) {
     const auto index = static_cast<std::size_t>(value);
@@ -66,7 +66,7 @@ Json to_json(DDS_Long value) {
 Json to_json(const DDS_Char *value) {
     return value == nullptr ? Json() : Json(value);
 }
-// Seconds with as many decimals as it takes.
+// Returns seconds with as many decimals as necessary.
 Json to_json(const DDS_Duration_t &value) {
     if (DDS_Duration_is_infinite(&value)) {
         return "infinite";
@@ -184,7 +184,7 @@ DISTLOG_MEMBERS(DDS_PropertyQosPolicy, DISTLOG_ROW(value));
 DISTLOG_MEMBERS(DDS_EntityNameQosPolicy, DISTLOG_ROW(name));
 DISTLOG_MEMBERS(DDS_ProtocolQosPolicy, DISTLOG_ROW(vendor_specific_entity));
 
-// What only the engine sets (wire_protocol) is left out.
+// The policy wire_protocol is left out, because only the engine sets it.
 DISTLOG_MEMBERS(DDS_DomainParticipantQos, DISTLOG_IMPORTANT(participant_name),
                 DISTLOG_IMPORTANT(property), DISTLOG_ROW(user_data), DISTLOG_ROW(entity_factory),
                 DISTLOG_ROW(protocol));
@@ -231,7 +231,7 @@ Json members_of(const PolicyRecord &policy) {
         [&](const auto &row) { object[row.name] = to_json(policy.*row.place); });
     return object;
 }
-// Numbers that are no limits: -1 has no name.
+// These numbers are not limits, so -1 has no name.
 Json members_of(const DDS_TransportPriorityQosPolicy &policy) {
     return Json{{"value", policy.value}};
 }
@@ -321,7 +321,7 @@ std::string policy_text(std::string_view name, const Json &value) {
         if (member == "depth" && value["kind"] == "KEEP_ALL_HISTORY_QOS") {
             continue;
         }
-        // The first member of most policies is what the policy is about.
+        // The first member of most policies needs no name: the policy's name says it.
         const bool obvious = text.empty() && (member == "kind" || member == "value" ||
                                               member == "name" || member == "duration" ||
                                               member == "period" || member == "access_scope");

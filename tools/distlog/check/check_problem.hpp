@@ -1,4 +1,4 @@
-// What distlog check finds wrong in a document, and the list that it keeps of it.
+// A problem that distlog check finds in a document, and the list of them.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Loads QoS profiles and reports about it.
+// Loads QoS profiles and reports the problems in them.
 #include "check/check_profiles.hpp"
 
 #include <kolt/domain.h>
@@ -31,7 +31,7 @@ std::vector<ProfileSource> sources_of(const Document &document) {
     if (std::filesystem::exists(kUserFile, error)) {
         sources.push_back({kUserFile, "working directory", false});
     }
-    // A document that stands among the others is loaded in its place there.
+    // A document that is also among the other sources is loaded in its place there.
     for (ProfileSource &source : sources) {
         source.is_document = std::filesystem::equivalent(source.name, document.path(), error);
         if (source.is_document) {
@@ -47,7 +47,7 @@ bool is_true(const char *text) {
     return value == "true" || value == "1";
 }
 
-// The profiles of a document that was loaded, and the last one among them that is the default.
+// Reads the names of a loaded document's profiles, and the last one among them that is the default.
 void read_names(const DDS_XMLObject *root, ProfileSource &source, std::string &default_profile) {
     const auto next = [](const DDS_XMLObject *object) {
         return DDS_XMLObject_get_next_sibling(object);
@@ -68,7 +68,7 @@ void read_names(const DDS_XMLObject *root, ProfileSource &source, std::string &d
     }
 }
 
-// "source:12: text" or "source: text", as the middleware writes it.
+// Takes the middleware's "source:12: text" or "source: text" apart.
 Problem problem_of(std::string_view message, const std::string &source, const std::string &name,
                    Severity severity) {
     Problem problem{severity, name, 0, std::string(message)};

@@ -1,4 +1,4 @@
-// Where a process takes QoS profiles from, and which of them holds.
+// The sources of a process's QoS profiles, and the profile that is in force.
 #pragma once
 
 #include <string>
@@ -21,16 +21,16 @@ struct ProfileSource {
 
 struct Profiles {
     std::vector<ProfileSource> sources;  // in the order in which they are loaded
-    // The one of `is_default_qos`; empty when there is none.
+    // The profile with `is_default_qos`; empty when there is none.
     std::string default_profile;
 
-    // Every "Library::Profile" that can be used, for messages.
+    // Returns every "Library::Profile" that can be used, for messages.
     std::string list() const;
 };
 
-// Loads what an application that starts its logger from the document loads, into a factory that is
-// as it is at the start of a process. What is wrong in the document is an error, what is wrong in
-// the others, which are loaded all the same or left out, a warning.
+// Loads the same profiles as an application that starts its logger from the document, into a
+// factory that is as at the start of a process. Reports a problem in the document as an error.
+// Reports a problem in another source, which is loaded nevertheless or left out, as a warning.
 Profiles load_profiles(const Document &document, MiddlewareLog &log, Problems &problems);
 
 }  // namespace distlog::check

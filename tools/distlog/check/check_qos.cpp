@@ -1,4 +1,4 @@
-// QoS in force, asked of the logger without starting it.
+// The QoS in force, which the logger tells without being started.
 #include "check/check_qos.hpp"
 
 #include <fmt/format.h>
@@ -13,7 +13,8 @@
 namespace distlog::check {
 namespace {
 
-// What the logger sets on its State writer besides: it writes the first sample when a reader comes.
+// A property that the logger adds to its State writer, whose first sample is written when a reader
+// comes.
 constexpr const char *kDeferredWrite = KOLT_DEFERRED_WRITE_PROPERTY;
 
 using RegisterType = DDS_ReturnCode_t (*)(DDS_DomainParticipant *, const char *);
@@ -29,7 +30,7 @@ constexpr TopicRow kState = kRowOf<VUR_DL_ADMIN_State>;
 constexpr TopicRow kRequest = kRowOf<VUR_DL_ADMIN_CommandRequest>;
 constexpr TopicRow kResponse = kRowOf<VUR_DL_ADMIN_CommandResponse>;
 
-// How the QoS of one kind of entity is asked for: of the logger, of a profile, of the defaults.
+// The functions that return the QoS of one kind of entity: the logger's, a profile's, the default.
 template <typename Qos>
 struct Family {
     std::string_view kind;
@@ -39,7 +40,7 @@ struct Family {
     DDS_ReturnCode_t (*by_default)(DDS_DomainParticipant *, Qos *, const char *topic);
 };
 
-// For functions that are not told a topic.
+// Adapt functions that take no topic.
 template <typename Qos, auto kFunction>
 DDS_ReturnCode_t without_topic(VUR_DL_DDSEntities *record, Qos *qos, const char *) {
     return kFunction(record, qos);
@@ -82,7 +83,7 @@ void demand(DDS_ReturnCode_t result, std::string_view what) {
     }
 }
 
-// Everything that the logger would create, in a participant that is not enabled.
+// Creates everything that the logger would create, in a participant that is not enabled.
 class DryRun {
   public:
     DryRun(VUR_DL_Options &options, MiddlewareLog &log) : options_(options), log_(log) {
@@ -170,8 +171,8 @@ class DryRun {
         note("participant", "", *effective, *said, participant_ != nullptr);
     }
 
-    // One entity; `create(qos)` returns it. What needs an entity that was refused is not tried,
-    // and does not count as refused itself: `possible` is false.
+    // Adds one entity, which `create(qos)` returns. With `possible` false the entity needs another
+    // one that was refused: it is not tried and does not count as refused itself.
     template <typename Qos, typename Create>
     auto add(const Family<Qos> &family, const char *topic, bool possible, Create create) {
         kolt::qos::OwnedQos<Qos> effective;

@@ -34,7 +34,7 @@ void row(Output &output, std::string_view name, std::string_view source, std::st
     output.line(line);
 }
 
-// The options that no element of a document sets.
+// An option that no element of a document sets.
 struct CodeOption {
     std::string_view name;
     Json value;
@@ -86,7 +86,7 @@ void print_profiles(const Report &report, Output &output) {
                                                      printable(report.profile), report.chosen_by));
 }
 
-// The value, and what the profile asked for where the logger overrules it.
+// Returns the value and, where the logger overrules the profile, the value that the profile has.
 std::string value_text(const Policy &policy) {
     const std::string text = policy_text(policy.name, policy.value);
     return policy.said == policy.standard || policy.said == policy.value

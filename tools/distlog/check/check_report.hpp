@@ -1,4 +1,4 @@
-// What distlog check found out about one document, and how it is printed.
+// The findings of distlog check about one document, and their output.
 #pragma once
 
 #include <string>
@@ -18,22 +18,23 @@ struct Report {
     Document document;
     Problems problems;
     Profiles profiles;
-    std::string profile;           // the profile that holds; empty: none
-    std::string_view chosen_by;    // what makes it hold
-    std::vector<Entity> entities;  // empty when the document is wrong
+    std::string profile;           // the profile in force; empty: none
+    std::string_view chosen_by;    // the reason why it is in force
+    std::vector<Entity> entities;  // empty when the document has errors
 
     bool has_errors() const { return problems.count(Severity::kError) != 0; }
-    // Nothing that ought to be mended.
+    // True when there is nothing to mend.
     bool is_fine() const { return !has_errors() && problems.count(Severity::kWarning) == 0; }
-    // In one phrase.
+    // Returns the findings in one phrase.
     std::string verdict() const;
 };
 
-// Problems, one a line, "document:line: error: text", to standard error.
+// Prints the problems to standard error, each on a line: "document:line: error: text".
 void print_problems(const Report &report);
-// Everything else, to standard output. `all`: also the policies at the standard's default.
+// Prints everything else to standard output; with `all` also the policies at the standard's
+// default.
 void print_text(const Report &report, bool all, Output &output);
-// The whole as one JSON object.
+// Returns everything as one JSON object.
 Json to_json(const Report &report);
 
 }  // namespace distlog::check

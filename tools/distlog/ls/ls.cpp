@@ -81,7 +81,7 @@ class Ls {
 
     int watch() {
         const Deadline deadline = options_.timeout ? deadline_after(*options_.timeout) : Deadline();
-        // The last message of each level tells how far a logger had got when it went.
+        // The last message of each level shows the last number of a logger that is gone.
         messages_ = std::make_unique<Reader<VUR_DL_LogMessage>>(
             session_, ReaderSettings{DDS_TRANSIENT_LOCAL_DURABILITY_QOS, DDS_KEEP_LAST_HISTORY_QOS,
                                      1, DDS_LENGTH_UNLIMITED});

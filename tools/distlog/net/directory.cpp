@@ -10,8 +10,8 @@
 namespace distlog {
 namespace {
 
-// How long it must be quiet before a collection counts as complete. Long against the time that
-// discovery takes between two loggers that are both there.
+// The time without anything new after which a collection counts as complete. It is long compared
+// with the time that discovery takes between two loggers that are both there.
 constexpr std::chrono::milliseconds kQuiet{500};
 
 LoggerInfo describe(const VUR_DL_ADMIN_State &sample) {
@@ -76,7 +76,7 @@ void Directory::collect(StopSignal &stop, const Deadline &deadline,
         if (all_spoke && is_over(quiet_until)) {
             return;
         }
-        // While something is outstanding the time of quiet does not count.
+        // The quiet time does not run while a writer has not sent its State.
         if (!all_spoke) {
             quiet_until = deadline_after(kQuiet);
         }

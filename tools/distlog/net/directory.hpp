@@ -13,6 +13,7 @@
 
 namespace distlog {
 
+// The description of one logger: the contents of its State.
 struct LoggerInfo {
     Identity identity;
     std::string kind;
@@ -25,7 +26,7 @@ struct LoggerInfo {
     bool operator==(const LoggerInfo &other) const;
 };
 
-// Which loggers a command is about: one identity, every logger of a kind, or all.
+// Selects the loggers that a command is about: one identity, every logger of a kind, or all.
 class Selector {
   public:
     explicit Selector(const std::string &text);
@@ -42,6 +43,7 @@ class Selector {
     bool all_ = false;
 };
 
+// Knows the loggers of a domain from the States that they publish.
 class Directory {
   public:
     enum class Change { kAppeared, kChanged, kVanished };
@@ -51,29 +53,33 @@ class Directory {
     explicit Directory(const Session &session);
 
     DDS_Condition *condition() const { return reader_.condition(); }
-    // Takes the States that have arrived. `listener`, if there is one, is told of each change, with
-    // the description as it is afterwards (as it was last, of one that vanished).
+    // Takes the States that have arrived. Tells `listener`, if there is one, of each change, with
+    // the description as it is afterwards; for a logger that vanished, with its last description.
     void update(const Listener &listener = {});
 
-    // Collects until every writer of States that was found has spoken and nothing new has come for
-    // a while, until `enough()` says so, until the deadline, or until the user wants to stop.
+    // Collects States until one of these holds:
+    //
+    //   - Every writer of States that was found has sent one, and nothing new has come for a while.
+    //   - `enough()` returns true.
+    //   - The deadline is over.
+    //   - The user wants to stop.
     void collect(StopSignal &stop, const Deadline &deadline, const std::function<bool()> &enough);
 
     const std::map<Identity, LoggerInfo> &loggers() const { return loggers_; }
     const LoggerInfo *find(const Identity &identity) const;
     std::vector<LoggerInfo> select(const Selector &selector) const;
-    // What a person calls the logger: its kind, with the identity behind it when the kind is not
-    // its alone; the identity when nothing else is known. Fit for a terminal.
+    // Returns the name for people: the logger's kind, followed by its identity when other loggers
+    // have the same kind, or the identity when the kind is not known. Fit for a terminal.
     std::string label(const Identity &identity) const;
 
   private:
-    // False when nothing changed.
+    // Notes a State. False when nothing changed.
     bool learn(const VUR_DL_ADMIN_State &sample, const Listener &listener);
     void forget(const Identity &identity, const Listener &listener);
 
     Reader<VUR_DL_ADMIN_State> reader_;
     std::map<Identity, LoggerInfo> loggers_;
-    // Kinds stay known after their loggers: a last message may still be on its way.
+    // Kinds stay known when their loggers are gone: a last message may still be on its way.
     std::map<Identity, std::string> kinds_;
     std::map<std::string, int> kind_counts_;
 };

@@ -1,4 +1,4 @@
-// Who a logger is on the network, as text.
+// The identity of a logger as text.
 #include "net/identity.hpp"
 
 #include <fmt/format.h>
@@ -8,7 +8,8 @@
 namespace distlog {
 namespace {
 
-// Ids are shown signed, as the type has them; elsewhere they are often seen unsigned.
+// Reads an id. The command shows ids signed, as the type has them; other tools often show them
+// unsigned, so both are accepted.
 std::optional<std::int32_t> parse_id(std::string_view text) {
     std::int64_t value = 0;
     const char *end = text.data() + text.size();

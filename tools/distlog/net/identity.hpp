@@ -1,5 +1,5 @@
-// Who a logger is on the network: its participant's RTPS host and app id, as its samples carry
-// them.
+// The identity of a logger on the network: its participant's RTPS host and app id, which its
+// samples carry.
 #pragma once
 
 #include <vur_dl/distlog.h>
@@ -24,8 +24,9 @@ struct Identity {
     auto operator<=>(const Identity &) const = default;
 };
 
-// "HOST:APP" in signed decimal.
+// Returns "HOST:APP" in signed decimal.
 std::string to_string(const Identity &identity);
+// Reads "HOST:APP"; accepts each id signed or unsigned. Empty for any other text.
 std::optional<Identity> parse_identity(std::string_view text);
 
 }  // namespace distlog

@@ -6,7 +6,8 @@
 namespace distlog {
 namespace {
 
-// An answer that is on its way takes far less; a reader that has just matched waits no longer.
+// The time after which a request is sent again. An answer takes far less, and a reader that has
+// just matched has to wait no longer than this.
 constexpr std::chrono::milliseconds kRepeatAfter{300};
 
 Outcome outcome_of(VUR_DL_ADMIN_CommandResult result) {
@@ -46,7 +47,7 @@ std::map<DDS_Long, Requester::Pending> Requester::prepare(const std::vector<Requ
 void Requester::write(const std::map<DDS_Long, Pending> &pending) {
     for (const auto &[invocation, request] : pending) {
         const DDS_ReturnCode_t result = requests_.write(*request.sample);
-        // A time-out is a reader that does not acknowledge: its own request will be repeated.
+        // A time-out means that a reader does not acknowledge; its request will be repeated.
         if (result != DDS_RETCODE_OK && result != DDS_RETCODE_TIMEOUT) {
             throw Failure(
                 fmt::format("unable to write a request: {}", KOLT_ReturnCode_to_string(result)));

@@ -1,4 +1,4 @@
-// The command's presence in a domain: a participant, and the logger's four topics.
+// The command's presence in a domain: a participant with a publisher and a subscriber.
 #pragma once
 
 #include <kolt/domain.h>
@@ -10,10 +10,11 @@
 
 namespace distlog {
 
-// Sends the middleware's own messages to standard error: standard output belongs to what the
-// command was asked for. To be called before anything else of the middleware.
+// Sends the middleware's own messages to standard error, so that standard output holds only what
+// the command was asked for. To be called before any other function of the middleware.
 void divert_middleware_log();
 
+// Joins a domain and leaves it again.
 class Session {
   public:
     // Throws Failure when the domain cannot be joined. Endpoints must be gone before their session.
@@ -26,7 +27,7 @@ class Session {
     DDS_DomainParticipant *participant() const { return participant_; }
     DDS_Publisher *publisher() const { return publisher_; }
     DDS_Subscriber *subscriber() const { return subscriber_; }
-    // The participant's own ids: what the command calls itself in requests.
+    // Returns the participant's own ids, by which requests name their sender.
     Identity self() const;
 
   private:

@@ -1,4 +1,4 @@
-// Waiting without polling.
+// Waiting on conditions and signals without polling.
 #include "net/waiting.hpp"
 
 #include <fmt/format.h>
@@ -56,7 +56,7 @@ bool is_over(const Deadline &deadline) {
 StopSignal::StopSignal() {
     const sigset_t set = stop_signals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    // A reader of our output that goes away shows as a failed write, not as the end of the process.
+    // When the reader of our output goes away, a write fails instead of the process ending.
     std::signal(SIGPIPE, SIG_IGN);
     signals_ = signalfd(-1, &set, SFD_CLOEXEC);
     quit_ = eventfd(0, EFD_CLOEXEC);
@@ -69,7 +69,7 @@ StopSignal::StopSignal() {
 
 StopSignal::~StopSignal() {
     const std::uint64_t one = 1;
-    // The counter of an eventfd takes this write always.
+    // The counter of an eventfd always accepts this write.
     [[maybe_unused]] const ssize_t written = write(quit_, &one, sizeof one);
     thread_.join();
     DDS_GuardCondition_delete(guard_);
@@ -92,7 +92,7 @@ void StopSignal::watch() {
     signalfd_siginfo info{};
     [[maybe_unused]] const ssize_t got = read(signals_, &info, sizeof info);
     raise();
-    // From here on the signals do what they do by default, on this thread, to the whole process.
+    // From here on the signals have their default effect, on this thread, for the whole process.
     const sigset_t set = stop_signals();
     pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
     while (poll(&watched[1], 1, -1) < 0) {

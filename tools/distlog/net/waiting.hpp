@@ -12,7 +12,7 @@
 namespace distlog {
 
 using Clock = std::chrono::steady_clock;
-// Empty: never.
+// A point in time; empty for no deadline.
 using Deadline = std::optional<Clock::time_point>;
 
 Deadline deadline_after(std::chrono::duration<double> span);
@@ -20,7 +20,7 @@ Deadline earlier(const Deadline &left, const Deadline &right);
 bool is_over(const Deadline &deadline);
 
 // Turns SIGINT and SIGTERM into a condition. A second signal ends the process at once. To be made
-// before any other thread, so that all threads leave the signals to it.
+// before any other thread, so that every thread has the signals blocked and this one gets them.
 class StopSignal {
   public:
     StopSignal();
@@ -29,7 +29,7 @@ class StopSignal {
     StopSignal &operator=(const StopSignal &) = delete;
 
     bool raised() const { return raised_.load(); }
-    // For reasons other than a signal: standard output is gone.
+    // Triggers the condition without a signal, for example when standard output is gone.
     void raise();
     DDS_Condition *condition() const { return DDS_GuardCondition_as_condition(guard_); }
 

@@ -1,4 +1,4 @@
-// What the three forms of distlog set have in common.
+// The steps that the three forms of distlog set share.
 #include "set/administration.hpp"
 
 #include <fmt/format.h>

@@ -1,5 +1,5 @@
-// What the three forms of distlog set have in common: finding the loggers that are meant, telling
-// them, and saying what came of it.
+// The steps that the three forms of distlog set share: finding the loggers, sending them a command,
+// and reporting the outcome.
 #pragma once
 
 #include <functional>
@@ -24,6 +24,7 @@ struct SetOptions {
 // Adds APP, --domain and --timeout to a form of the command.
 std::shared_ptr<SetOptions> add_set_options(CLI::App &command);
 
+// One run of the command: its arguments, its session, and the loggers that it knows.
 class Administration {
   public:
     // Throws Failure.
@@ -33,23 +34,23 @@ class Administration {
     Directory &directory() { return directory_; }
 
     enum class States { kWelcome, kNeeded };
-    // The loggers that APP stands for; throws Failure when there is none. One that is addressed by
-    // its identity is taken on trust unless its State is needed.
+    // Returns the loggers that APP stands for; throws Failure when there is none. A logger that is
+    // addressed by its identity is not looked for unless its State is needed.
     std::vector<Identity> find_targets(States states);
 
-    // Sends the requests and waits for the answers; unless `in_any_case`, the user may cut that
-    // short.
+    // Sends the requests and waits for the answers. The user may cut that short, unless
+    // `in_any_case` is set.
     std::vector<Answer> send(const std::vector<Request> &requests, bool in_any_case = false);
 
-    // Prints a line for each answer, with what `done` says for those who have done it. The exit
-    // code.
+    // Prints a line for each answer; `done` gives the text for a command that was carried out.
+    // Returns the exit code.
     int report(const std::vector<Answer> &answers,
                const std::function<std::string(const Answer &)> &done);
 
-    // All of it: tells every target the same and says `done`.
+    // Does all of it: sends every target the same command and prints `done`. Returns the exit code.
     int tell_all(const FillCommand &fill, const std::string &done);
 
-    // Kind and identity: who was addressed is said without ambiguity.
+    // Returns kind and identity, so that there is no doubt who was addressed.
     std::string name_of(const Identity &identity) const;
 
   private:

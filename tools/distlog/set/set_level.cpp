@@ -1,4 +1,4 @@
-// distlog set level: the filter level, for good or for a while.
+// distlog set level: sets the filter level, permanently or for a while.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -72,8 +72,8 @@ class LevelForAWhile {
         std::fflush(stdout);
     }
 
-    // A logger that is gone, or whose level somebody else has changed since: that is not ours to
-    // undo.
+    // True for a logger that is gone, or whose level somebody else has changed since: that change
+    // is not ours to undo.
     bool is_settled(const Identity &identity, Changed &change) {
         const LoggerInfo *logger = administration_.directory().find(identity);
         if (logger == nullptr) {
@@ -81,7 +81,7 @@ class LevelForAWhile {
             return true;
         }
         change.seen = change.seen || logger->filter_level == level_;
-        // A State from before our command may come after its answer.
+        // A State that was sent before our command may arrive after its answer.
         const bool ours = logger->filter_level == level_ ||
                           (!change.seen && logger->filter_level == change.previous);
         if (!ours) {
@@ -96,7 +96,7 @@ class LevelForAWhile {
         for (const auto &[identity, change] : changed_) {
             requests.push_back(Request{identity, level_command(change.previous)});
         }
-        // Not cut short by the signal that may have brought us here.
+        // The signal that may have brought us here does not cut this short.
         const std::vector<Answer> answers = administration_.send(requests, true);
         return administration_.report(answers, [this](const Answer &answer) {
             return fmt::format("level set back to {}",

@@ -1,4 +1,4 @@
-// Keeps, for every sender, the account of message numbers.
+// The account of message numbers of every sender.
 #include "tail/loss_ledger.hpp"
 
 namespace distlog {
@@ -7,7 +7,7 @@ LossLedger::Verdict LossLedger::record(const Entry &entry) {
     const auto [position, is_new] = accounts_.try_emplace(entry.sender);
     Account &account = position->second;
     const bool new_writer = account.publication != entry.publication;
-    // Numbers that start over on the same writer: a later time tells a restart from a repetition.
+    // When numbers start over on the same writer, a later time tells a restart from a repetition.
     const bool backwards = entry.id <= account.last_id;
     const bool restarted =
         is_new || new_writer || (backwards && entry.timestamp > account.last_timestamp);

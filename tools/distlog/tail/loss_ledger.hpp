@@ -1,4 +1,4 @@
-// Keeps, for every sender, the account of message numbers: what came, what is missing.
+// The account of message numbers of every sender: those that came and those that are missing.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,17 @@
 
 namespace distlog {
 
-// A logger numbers its messages 1, 2, 3 ... over all levels, also those that its queue refused, so
-// a number that never comes was dropped at the sender or lost on the way. Which numbers are missing
-// can be said only of what was sent while this reader was listening: the history that a late joiner
-// gets is the last few messages of each level and is full of holes that are no losses.
+// Finds the numbers that are missing.
+//
+// A logger numbers its messages 1, 2, 3 ... over all levels, also those that its queue refused. So
+// a number that never comes was dropped at the sender or lost on the way. This holds only for
+// messages that were sent while this reader was listening: the history that a late joiner gets is
+// the last few messages of each level, whose gaps are not losses.
 //
 // The messages of one sender have to be recorded in the order of their numbers, as far as they have
-// arrived. The middleware delivers the samples of one writer in order but a take returns them
-// grouped by instance (a level is one), so that sorting what one take returned gives that order.
+// arrived. The middleware delivers the samples of one writer in order, but a take returns them
+// grouped by instance, and each level is an instance. Sorting the samples of one take gives the
+// order.
 class LossLedger {
   public:
     struct Entry {

@@ -12,6 +12,7 @@
 namespace distlog {
 namespace {
 
+// A value with the name that the command uses for it.
 struct Name {
     std::string_view text;
     int value;
@@ -75,7 +76,7 @@ std::optional<int> parse_name(std::span<const Name> names, std::string_view text
     return found == names.end() ? std::nullopt : std::optional<int>(found->value);
 }
 
-// A value that has a name, given by that name or as a number.
+// Reads a value that has a name, given by that name or as a number.
 template <typename Enumeration>
 std::optional<Enumeration> parse_named(std::span<const Name> names, std::string_view text) {
     std::optional<int> value = parse_name(names, text);

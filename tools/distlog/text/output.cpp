@@ -1,4 +1,4 @@
-// Standard output of the command.
+// Standard output of the command: lines, and the colours of levels.
 #include "text/output.hpp"
 
 #include <fmt/format.h>
@@ -10,7 +10,8 @@
 namespace distlog {
 namespace {
 
-// https://no-color.org: set and not empty switches colour off.
+// True on a terminal, unless NO_COLOR is set and not empty (https://no-color.org) or TERM is
+// "dumb".
 bool wants_colour() {
     const char *no_colour = std::getenv("NO_COLOR");
     const char *terminal = std::getenv("TERM");

@@ -7,16 +7,17 @@
 
 namespace distlog {
 
-// Members appear in the order in which they were set.
+// An object whose members appear in the order in which they were set.
 using Json = nlohmann::ordered_json;
-// One line; bytes that are not UTF-8 become U+FFFD.
+// Renders the object on one line. Bytes that are not UTF-8 become U+FFFD.
 std::string to_line(const Json &json);
 
+// Writes lines to standard output and notices when nobody reads them any more.
 class Output {
   public:
     Output();
 
-    // False once standard output cannot be written any more (its reader has gone).
+    // False once standard output cannot be written any more, because its reader has gone.
     bool alive() const { return alive_; }
     bool colour() const { return colour_; }
     void line(std::string_view text);
@@ -27,7 +28,7 @@ class Output {
     bool alive_ = true;
 };
 
-// `text` in the colour that goes with a level, padded to `width`; plain when `colour` is off.
+// Pads `text` to `width` and, when `colour` is on, gives it the colour of the level.
 std::string level_in_colour(int level, std::string_view text, bool colour, int width);
 
 }  // namespace distlog

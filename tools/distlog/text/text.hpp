@@ -9,16 +9,16 @@
 
 namespace distlog {
 
-// `text` on one line that moves no terminal: control characters (C0, DEL, C1), line and paragraph
-// separators and bidirectional overrides appear as \n, \t, \xNN or \u{NNNN}, and so does every byte
-// that is not UTF-8. Everything else stays as it is. One newline at the end is dropped.
+// Returns `text` as one line that cannot control a terminal. Control characters (C0, DEL, C1), line
+// and paragraph separators, bidirectional overrides and bytes that are not UTF-8 appear as \n, \t,
+// \xNN or \u{NNNN}. Everything else stays as it is. One newline at the end is dropped.
 std::string printable(std::string_view text);
 
-// Nanoseconds since the epoch.
+// Returns nanoseconds since the epoch; saturates when the time is too far away.
 std::int64_t to_nanoseconds(const DDS_Time_t &time);
-// "2026-03-01 14:05:09.123456" in the local time zone.
+// Returns the time in the local time zone: "2026-03-01 14:05:09.123456".
 std::string local_time(const DDS_Time_t &time);
-// The same for this moment, without the date: "14:05:09".
+// Returns the time of day at this moment: "14:05:09".
 std::string local_clock();
 
 }  // namespace distlog
