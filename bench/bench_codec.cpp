@@ -240,7 +240,7 @@ struct Fixture {
     Buffer xcdr1_bytes = {};
     std::size_t xcdr1_size = 0;
 
-    // Why the two can't be compared; NULL when they can.
+    // Returns why the two cannot be compared; NULL when they can.
     const char *prepare() {
         auto *const peer = static_cast<typename Records::PeerRecord *>(engine.sample());
         for (OurCodec *codec : {&ours, &xcdr1}) {

@@ -1,17 +1,17 @@
-// What a log call costs the caller, beside spdlog's asynchronous logger, which also copies the text
-// onto a bounded queue that one thread empties, and never makes the caller wait for room.
+// The cost of a log call for the caller, beside spdlog's asynchronous logger. That one also copies
+// the text onto a bounded queue that one thread empties, and never makes the caller wait for room.
 //
-//   filtered     a level that nobody wants to see.
+//   filtered     calls at a level that is switched off.
 //   queued       bursts of enabled calls. A burst is less than either queue holds, and the
 //                consumers catch up off the clock: the measure is the call with the consumer at
 //                work beside it, not the consumer's throughput. Ours publishes to the network
 //                stack, spdlog's formats to /dev/null.
 //   paced        single enabled calls, with a gap after which the consumer waits again, or sleeps:
-//                what a call costs a program that logs now and then.
+//                the cost for a program that logs now and then.
 //
-// All of it on one thread, with a literal of 40 characters, or of 400 where the name says "long":
-// the first fits a queue element of either logger, for the second both allocate. Ours has an empty
-// category, spdlog's a logger's name.
+// All calls are on one thread, with a literal of 40 characters, or of 400 where the name says
+// "long". The first fits a queue element of either logger; for the second both allocate. Ours has
+// an empty category, spdlog's a logger's name.
 #include <benchmark/benchmark.h>
 #include <spdlog/async.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -35,7 +35,7 @@ constexpr char kMessage[] = "sensor 4711 reports 23.5 degrees, normal";
 constexpr int kFilteredRounds = 200;
 constexpr int kFilteredCalls = 10'000;
 
-// An eighth of the queues. Catching up takes a few milliseconds of a processor.
+// An eighth of the queues' size. Catching up takes a few milliseconds of a processor.
 constexpr int kBurst = 1000;
 constexpr int kBurstRounds = 60;
 constexpr std::chrono::milliseconds kCatchUp{20};
@@ -66,7 +66,7 @@ spdlog::logger &peer() {
     return *instance;
 }
 
-// The logger of a benchmark; NULL, with the benchmark marked as failed, when there is none.
+// Returns the logger of a benchmark; NULL, with the benchmark marked as failed, when there is none.
 VUR_DL_DistLogger *logger_for(benchmark::State &state) {
     VUR_DL_DistLogger *instance = logger();
     if (instance == nullptr) {
@@ -75,7 +75,7 @@ VUR_DL_DistLogger *logger_for(benchmark::State &state) {
     return instance;
 }
 
-// A message that is overwritten in the queue costs less than one that is published.
+// Fails the benchmark when the peer overwrote queued messages: they cost less than published ones.
 void check_overruns(benchmark::State &state) {
     if (spdlog::thread_pool()->overrun_counter() != 0) {
         state.SkipWithError("the peer's queue overran");

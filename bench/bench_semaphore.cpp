@@ -1,5 +1,6 @@
-// What a give costs the caller: KOLT_Semaphore, on which the logger's write thread waits, beside
-// std::counting_semaphore and POSIX sem_post; and the locks of the log path beside std::mutex.
+// The cost of a give for the caller: KOLT_Semaphore, on which the logger's write thread waits,
+// beside std::counting_semaphore and POSIX sem_post. Also the locks of the log path beside
+// std::mutex.
 //
 //   give_vs_<peer>   a consumer thread for each of the two semaphores takes tokens all the time.
 //                    The measured thread gives one and then does something else for `gap_us`
@@ -82,7 +83,7 @@ class Consumed {
   private:
     Semaphore semaphore_;
     std::atomic<bool> running_{true};
-    std::thread consumer_;  // last: it uses the others
+    std::thread consumer_;  // the last member, because it uses the others
 };
 
 template <typename Peer>
@@ -102,7 +103,7 @@ void give(benchmark::State &state) {
         [&] { return bench::time_per_call<WallClock>(calls, [&] { peer.give(); }); });
 }
 
-// Rounds are a property of a whole benchmark: one for each gap.
+// Registers one benchmark for each gap, because the number of rounds belongs to a whole benchmark.
 template <typename Peer>
 void register_gaps(const std::string &name) {
     struct Gap {

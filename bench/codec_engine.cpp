@@ -15,7 +15,8 @@ constexpr std::uint32_t kBufferSize = 8192;
 
 }  // namespace
 
-// Of the engine's type object the stream functions use what comes from the descriptor.
+// Makes a type object of the engine with the parts that the stream functions use; they come from
+// the descriptor.
 struct EngineCodec::Streams {
     explicit Streams(const dds_topic_descriptor &descriptor) {
         ddsi_sertype_default_desc &desc = type.type;

@@ -1,6 +1,6 @@
-// The engine's codec of a type that idlc compiled: its stream functions, as its own writers and
-// readers run them, on buffers and a record that are used again. In a file of its own, because the
-// engine's headers below dds/ddsi and the C API's define some of the same names.
+// The engine's codec of a type that idlc compiled: its stream functions, called as its own writers
+// and readers call them, on buffers and a record that are used again. It has a file of its own,
+// because the engine's headers below dds/ddsi and those of the C API define some of the same names.
 #pragma once
 
 #include <cstddef>
@@ -17,17 +17,18 @@ class EngineCodec {
     EngineCodec(const EngineCodec &) = delete;
     EngineCodec &operator=(const EngineCodec &) = delete;
 
-    // Zeroed when made. What it points to stays its owner's.
+    // The record to write; zeroed at first. The memory that it points to belongs to its owner.
     void *sample() const { return sample_; }
-    // What deserialize() fills.
+    // The record that deserialize() fills.
     void *read() const { return read_; }
 
-    // XCDR2 without a header into a buffer that is there; the bytes written, 0 on failure.
+    // Writes XCDR2 without a header into a buffer that is there. Returns the number of bytes, 0 on
+    // failure.
     std::size_t serialize(const void *sample);
     const unsigned char *bytes() const;
     // Checks the bytes, then reads them.
     bool deserialize(unsigned char *bytes, std::size_t size);
-    // The key of sample(), in native byte order; the bytes written.
+    // Writes the key of sample() in native byte order. Returns the number of bytes.
     std::size_t key();
 
   private:

@@ -1,6 +1,6 @@
-// Ours beside a peer in one run, since figures from different runs of a shared machine say nothing
-// about each other: short rounds of the two take turns, each round gives a ratio, and the median of
-// the ratios is the result.
+// Measures our code beside a peer in one run: short rounds of the two take turns, each round gives
+// a ratio, and the median of the ratios is the result. Figures from different runs of a shared
+// machine cannot be compared with each other.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -14,7 +14,8 @@
 
 namespace bench {
 
-// Time that this thread has spent on a processor: what the machine does for others doesn't count.
+// Counts the time that this thread has spent on a processor. The work of other threads does not
+// count.
 struct ThreadClock {
     static double nanoseconds() {
         std::timespec time = {};
@@ -23,7 +24,7 @@ struct ThreadClock {
     }
 };
 
-// Time that passes, waiting included.
+// Counts the time that passes, waiting included.
 struct WallClock {
     static double nanoseconds() {
         const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -31,7 +32,7 @@ struct WallClock {
     }
 };
 
-// Nanoseconds that one of `calls` calls takes.
+// Returns the nanoseconds that one of `calls` calls takes.
 template <typename Clock, typename Function>
 double time_per_call(int calls, Function &&function) {
     const double start = Clock::nanoseconds();
@@ -41,7 +42,7 @@ double time_per_call(int calls, Function &&function) {
     return (Clock::nanoseconds() - start) / calls;
 }
 
-// The value below which `percent` percent of the values lie; reorders them.
+// Returns the value below which `percent` percent of the values lie; reorders them.
 inline double percentile(std::vector<double> &values, std::size_t percent) {
     if (values.empty()) {
         return 0;
@@ -64,7 +65,7 @@ class Rounds {
         peer_.push_back(peer);
         ratios_.push_back(ours / peer);
     }
-    // Three columns of the benchmark's line: the medians of each side, and of the ratios.
+    // Fills three columns of the benchmark's line: the median of each side and that of the ratios.
     void report(benchmark::State &state) {
         state.counters["ours_ns"] = median(ours_);
         state.counters["peer_ns"] = median(peer_);
@@ -77,8 +78,9 @@ class Rounds {
     std::vector<double> ratios_;
 };
 
-// Rounds in which `time_ours` and `time_peer`, in turns first, say how long a call took them. A
-// benchmark that uses it has a fixed number of iterations (rounds) and manual time, which is ours.
+// Runs the rounds. In each, `time_ours` and `time_peer` return how long a call took; they take
+// turns in being first. A benchmark that uses this has a fixed number of iterations (rounds) and
+// manual time, which is ours.
 template <typename TimeOurs, typename TimePeer>
 void take_turns(benchmark::State &state, TimeOurs &&time_ours, TimePeer &&time_peer) {
     Rounds rounds;
@@ -96,7 +98,7 @@ void take_turns(benchmark::State &state, TimeOurs &&time_ours, TimePeer &&time_p
     rounds.report(state);
 }
 
-// Long gaps asleep, as an application between two events; short ones at work.
+// Spends a long gap asleep, as an application between two events; a short one at work.
 inline void pause_for(std::chrono::microseconds gap) {
     if (gap >= std::chrono::milliseconds(1)) {
         std::this_thread::sleep_for(gap);
@@ -107,14 +109,14 @@ inline void pause_for(std::chrono::microseconds gap) {
     }
 }
 
-// Single calls with a gap after each, so that what they hand over has been taken and whoever took
-// it has gone back to waiting. Only the calls are timed, each alone: two readings of the clock,
-// some tens of nanoseconds, are in every figure.
+// Makes single calls with a gap after each, in which the consumer takes what the call handed over
+// and goes back to waiting. Only the calls are timed, each alone, so every figure contains two
+// readings of the clock: some tens of nanoseconds.
 class PacedCalls {
   public:
     PacedCalls(int calls, std::chrono::microseconds gap) : calls_(calls), gap_(gap) {}
 
-    // A round: the median of its calls.
+    // Runs a round; returns the median of its calls.
     template <typename Function>
     double time(Function &&function) {
         std::vector<double> round;
@@ -127,7 +129,7 @@ class PacedCalls {
         all_.insert(all_.end(), round.begin(), round.end());
         return median(round);
     }
-    // Of the calls of all rounds.
+    // Returns the percentile of the calls of all rounds.
     double p99() { return percentile(all_, 99); }
 
   private:
@@ -136,7 +138,7 @@ class PacedCalls {
     std::vector<double> all_;
 };
 
-// Rounds of paced calls, with the slowest hundredth of them in two columns more.
+// Runs rounds of paced calls; two more columns show the slowest hundredth of the calls.
 template <typename Ours, typename Peer>
 void take_paced_turns(benchmark::State &state, int calls, std::chrono::microseconds gap,
                       Ours &&ours, Peer &&peer) {

@@ -1,4 +1,4 @@
-/* The least that an application does: log, and finalise at the end. */
+/* The smallest application: it logs, and finalises the logger at the end. */
 #include <vur_dl/vur_dl.h>
 
 int main(void) {
@@ -10,7 +10,7 @@ int main(void) {
     VUR_DL_DistLogger_debug(logger, "This one is echoed, but the filter keeps it here");
     VUR_DL_DistLogger_logMessageWithLevelCategory(logger, 400, "The tank is nearly empty", "tank");
 
-    /* What is still queued when the logger is finalised is not published. */
+    /* Messages that are still queued when the logger is finalised are not published. */
     VUR_DL_Utility_sleep(1000);
     return VUR_DL_DistLogger_finalizeInstance();
 }
