@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The everyday commands. They install what is missing from Debian, configure and build the release
 # preset, and run. The build itself is CMake's: cmake --preset release && cmake --build --preset release
 

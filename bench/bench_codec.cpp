@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The codec beside the engine's own: records of the four topic types to bytes and back in XCDR2.
 // Ours runs through the slots of the type plugins, as a DDS write or read does; the peer is what
 // idlc makes of the same types, run by the engine's stream functions, as its own writers and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The cost of a log call for the caller, beside spdlog's asynchronous logger. That one also copies
 // the text onto a bounded queue that one thread empties, and never makes the caller wait for room.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The cost of a give for the caller: KOLT_Semaphore, on which the logger's write thread waits,
 // beside std::counting_semaphore and POSIX sem_post. Also the locks of the log path beside
 // std::mutex.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's codec of a type that idlc compiled: its stream functions, called as its own writers
 // and readers call them, on buffers and a record that are used again. It has a file of its own,
 // because the engine's headers below dds/ddsi and those of the C API define some of the same names.

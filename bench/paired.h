@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measures our code beside a peer in one run: short rounds of the two take turns, each round gives
 // a ratio, and the median of the ratios is the result. Figures from different runs of a shared
 // machine cannot be compared with each other.

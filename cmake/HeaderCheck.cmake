@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Every public header compiles on its own, as C11 and as C++20, without a warning. One generated
 # file per header and language; the objects are part of the normal build and are never linked.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The wire types as idlc compiles them, for what is held against code that shares nothing with ours:
 # the interoperability tests and the codec's benchmark.
 

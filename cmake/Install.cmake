@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Headers, libraries, the distlog command, and what find_package and pkg-config need to find them.
 # Nothing that is installed refers to the engine: its users need neither its headers nor its package.
 

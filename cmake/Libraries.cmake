@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # libkolt, the DDS platform, and libvur_dl, the logger on top of it. Every source below the two
 # folders belongs to its library; a new file is picked up by the next build.
 

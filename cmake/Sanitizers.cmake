@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One switch, VUR_DL_SANITIZE, instruments everything that is compiled here. The environment that the
 # instrumented tests run in is composed here too, so that flags and options stay side by side.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Language levels, warnings, output folders, compiler cache: what holds for every target.
 
 set(CMAKE_C_STANDARD 11)

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The smallest application: it logs, and finalises the logger at the end. */
 #include <vur_dl/vur_dl.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* A logger with options of the application's own: domain, name, filter level, no echo, and a larger
  * queue for bursts. */
 #include <stdio.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog-demo: an application with several threads that log at all levels, until it is done or
 // interrupted. Watch it with `distlog tail`, administer it with `distlog set`.
 #include <vur_dl/vur_dl.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Usage: check-exported-symbols.sh <libvur_dl.so> <libkolt.so>
 #
 # Fails when a library exports a symbol outside its families, or when libvur_dl needs a library

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Usage: check-layers.sh
 #
 # Fails when a file of the product includes a header of a layer above its own (layers.txt), when a

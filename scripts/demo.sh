@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
 # Shows the distributed log at work, with real processes that talk over DDS on the loopback interface:
 #
 #   scripts/demo.sh [build folder]

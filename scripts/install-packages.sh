@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Usage: install-packages.sh <group>...
 #
 # Installs the packages of the named groups in packages.txt that are missing. Silent and without

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Usage: tidy.sh <build folder>
 #
 # Runs clang-tidy over every C and C++ file of ours that the configured build compiles, and prints

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The DDS entities of the logger: participant, topics, publisher, writers, subscriber, reader.
  *
  * The record is made when the logger is created and stays unchanged until the logger is finalised.

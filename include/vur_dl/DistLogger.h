@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The distributed logger: one per process.
  *
  * An application calls VUR_DL_DistLogger_setOptions if it wants other options than the defaults,

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The sleep that the library offers to applications. */
 #pragma once
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Translations between the middleware logger's scales and the ones on the wire. Pure functions. */
 #pragma once
 

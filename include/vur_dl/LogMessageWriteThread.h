@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The one thread of the logger, which publishes the queued messages. */
 #pragma once
 

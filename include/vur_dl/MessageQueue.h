@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The bounded queue between the threads that log and the one thread that publishes.
  *
  * Any number of threads push. One consumer waits with _front, publishes the message that it gets,

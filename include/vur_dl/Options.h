@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The logger's configuration record.
  *
  * An application fills in a record and hands it to VUR_DL_DistLogger_setOptions

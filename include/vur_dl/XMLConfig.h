@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The logger configured by an XML document: the element `distributed_logger`.
  *
  *     <dds>

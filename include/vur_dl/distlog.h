@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The logger's data types as records in memory.
  *
  * Four of the thirteen types are topic types: LogMessage, State, CommandRequest, CommandResponse.

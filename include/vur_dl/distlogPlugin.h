@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The logger's types towards the middleware: plugins, sample life cycle, buffers, keys and text.
  *
  * Applications rarely need these functions: the type support of distlogSupport.h offers the useful

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Type support, typed data writers and typed data readers of the four topic types.
  *
  * The functions are those of the IDL to C mapping of DDS 1.4. They do the same as the untyped ones

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The one macro that makes a logger symbol part of the library's interface. */
 #pragma once
 

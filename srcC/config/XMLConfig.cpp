@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The configuration object of the element `distributed_logger`: its extension class, its life, and
 // the search for it in a parsed tree.
 

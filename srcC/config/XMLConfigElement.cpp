@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The children of the element: the parser's callbacks turn their tags and texts into options, and
 // the options are written back.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading of names and numbers, shared by the converters of element texts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Starting the logger from parsed options, and from a file.
 
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The `thread` child of the element: its conversions and its writer.
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Creation and deletion of the logger's DDS entities, in a fixed order.
 #include <cstdio>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A record of the logger's entities without entities: it tells the QoS before there is a logger.
 #include "DDSEntitiesRecord.hpp"
 #include "kolt/os.h"

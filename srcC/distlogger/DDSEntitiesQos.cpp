@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The QoS of each entity: the one of the options' profile, or the default one, with the logger's
 // needs on top.
 #include <strings.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Remote commands: taken from the command reader, carried out, answered.
 #include "DistLoggerRecord.hpp"
 #include "report.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The singleton: its creation step by step, its destruction in reverse, and the stored options.
 #include <algorithm>
 #include <cstring>

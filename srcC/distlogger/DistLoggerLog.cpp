@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The log path on the caller's thread: stamp, check, echo, filter, queue.
 #include <atomic>
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's own log: forwarded into the distributed log, and silenced during creation.
 #include <array>
 #include <atomic>

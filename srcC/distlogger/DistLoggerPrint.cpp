@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one routine that prints: the library's own reports and the echoed messages.
 #include <cstdio>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger's record, and the declarations about it that the files of the logger share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Publication of the logger's State: the first sample, later ones, and the fields that mirror the
 // middleware's logger.
 #include "DDSEntitiesRecord.hpp"

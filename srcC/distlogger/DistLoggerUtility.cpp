@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sleep that applications may use.
 #include "vur_dl/DistLoggerUtility.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The write thread: waits on the queue and publishes each message in place.
 #include "vur_dl/LogMessageWriteThread.h"
 

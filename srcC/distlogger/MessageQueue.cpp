@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bounded queue: its elements lie in one block, texts are copied in, ids follow the order of
 // the pushes.
 #include "vur_dl/MessageQueue.h"

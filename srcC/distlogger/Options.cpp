@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options record as a whole: defaults, copies, comparison, release.
 #include "vur_dl/Options.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Getters and setters of the options record, each with its own bounds and messages.
 #include "DistLoggerRecord.hpp"
 #include "report.hpp"

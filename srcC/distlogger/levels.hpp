@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The levels at which the library reports about itself.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Atomic access to plain fields of C records that one thread writes and another reads without a
 // lock. On x86 and 64-bit Arm the relaxed accesses compile to plain loads and stores.
 #pragma once

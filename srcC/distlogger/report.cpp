@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's reports go where every line of it goes: through the exported print routine.
 #include "report.hpp"
 

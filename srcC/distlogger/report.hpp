@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the library reports about itself: the lines that its functions print when something fails.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Initialisation, finalisation and copy of the logger's records, driven by their type codes.
 
 #include "vur_dl/distlog.h"

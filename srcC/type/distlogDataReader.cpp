@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data readers: the untyped reader, whose samples go into typed sequences as copies or loans.
 
 #include "type/type_list.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data writers: the untyped writer for samples of one type.
 
 #include "type/type_list.hpp"

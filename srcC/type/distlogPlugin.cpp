@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The type plugins, which KOLT's entities call for the samples of a type. Each slot holds either
 // KOLT's generic operation, which interprets the type code, or one of the functions below, which
 // depend on the type.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Samples and key holders: made and freed, converted to bytes and to text.
 
 #include <memory>

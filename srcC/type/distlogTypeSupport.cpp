@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type support of the four topic types.
 
 #include "type/type_list.hpp"

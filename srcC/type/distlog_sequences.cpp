@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sequences of the thirteen types.
 
 #include "kolt/sequence_define.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The type codes of the thirteen types, with the places of the members in the records and the
 // records' functions.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A type's serialisation programs, which the plugin and the plugin-support families share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lists of the logger's types, from which every family of every type is stamped.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reports of the typed writers and readers about wrong calls.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger's types when the middleware cannot give what they ask for: each failure is a result,
 // and what was made before it is undone.
 #include <gtest/gtest.h>

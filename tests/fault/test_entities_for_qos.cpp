@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A record for questions about QoS, when memory runs out.
 #include <gtest/gtest.h>
 #include <kolt/os.h>

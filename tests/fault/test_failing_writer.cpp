@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A log writer that fails on every write, loudly: what the middleware says about it must not become
 // more messages to write.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The write thread, with the middleware's write replaced by one that the test controls.
 #include <gtest/gtest.h>
 

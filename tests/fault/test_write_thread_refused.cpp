@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A write thread whose thread cannot be created: the queue goes, nothing is joined.
 #include <gtest/gtest.h>
 

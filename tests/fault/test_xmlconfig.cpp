@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element `distributed_logger` when memory runs out or the platform fails: each failure has its
 // message and leaves nothing behind.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The types that the fuzzers of the codec know beforehand.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Arbitrary bytes as samples and keys of many types, types that are made up included. An accepted
 // sample must read the same in every way there is to read it, and survive a round trip.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Arbitrary bytes through the decoder alone, as it stands behind a data reader: one record a type
 // that is used again and again. It checks little else, so that many inputs go through; fuzz_cdr.cpp
 // checks fewer of them closely. Its inputs mean the same here as far as the fixed types go.

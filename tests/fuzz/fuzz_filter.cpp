@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fuzzes content filters: the first line of the input is an expression, the next one a parameter,
 // the rest a serialised sample. A filter that compiles must give the same answer twice for the rest
 // of the input, for a sound sample, and for that sample cut short.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Arbitrary bytes as a configuration document. The first byte chooses what reads them: the element
 // `distributed_logger` with its conversions, written back and parsed again ('1'), the same document
 // as a text and as a file ('3'), or the QoS profiles (the others). xml.dict beside this file has

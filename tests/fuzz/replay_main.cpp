@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a fuzz target over the files of its corpus, in builds that have no libFuzzer.
 
 #include <algorithm>

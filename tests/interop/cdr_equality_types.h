@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger's topic types and what idlc makes of them, side by side, with random samples.
 #pragma once
 

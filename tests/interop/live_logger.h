@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The common part of the tests with idlc's programs: a logger whose writers speak XCDR2 and keep
 // everything, as a QoS profile says, and lines with tabs between their fields.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The common part of the idlc programs: endpoints that speak XCDR2, and standard input.
 #pragma once
 

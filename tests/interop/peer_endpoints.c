@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* An observer that knows nothing but discovery: prints what it hears of every participant, writer
  * and reader in the domain, with tabs between the fields,
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 // A monitor of log messages made by idlc. Prints, with tabs between the fields,
 //
 //     matched  <writers>                                                    when it changes

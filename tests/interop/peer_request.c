@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 // An administration tool made by idlc: sends one request to a logger, and prints, with tabs between
 // the fields,
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A tool that knows no type: finds the writers and readers of topics in a domain, looks their types
 // up over the network, and takes samples as those types tell. Prints, with tabs between the fields,
 //

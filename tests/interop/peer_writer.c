@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 // A source of log messages made by idlc. Carries out the lines of its standard input
 //
 //     matched    <readers>                                        waits until there are so many

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Our bytes against those of an independent encoder: the engine's own serialiser, driven by what
 // idlc made of the same types. Random samples of each topic type in XCDR2, byte for byte, both
 // ways, and their keys.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Participants that the application created with the engine itself.
 #include <gtest/gtest.h>
 

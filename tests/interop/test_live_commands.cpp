@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands from an administration tool that idlc made, in a process of its own, and the State that
 // it reads.
 #include <gtest/gtest.h>

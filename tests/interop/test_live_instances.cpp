@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lives of instances between our writers and readers and idlc's, in processes of their own: an
 // instance disposed or unregistered on one side is so on the other, with the right key.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Log messages to a monitor that idlc made, in a process of its own: all of them, in order.
 #include <gtest/gtest.h>
 #include <vur_dl/DDSEntities.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // QoS that an XML document gives the logger's own entities, without a line of code, as another
 // process hears of it through discovery.
 #include <gtest/gtest.h>

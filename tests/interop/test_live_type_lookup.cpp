@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Our types as seen by a tool that knows none of them: a program of the engine alone, in a process
 // of its own, which looks up the types that are announced.
 

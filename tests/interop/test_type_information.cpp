@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Our descriptions of types against those that idlc makes: of the logger's types, and of types in
 // which everything occurs that idlc and type codes have in common.
 

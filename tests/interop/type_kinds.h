@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The types of type_kinds_idlc.idl as type codes.
 #pragma once
 

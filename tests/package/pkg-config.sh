@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Usage: pkg-config.sh <C compiler> <prefix> <library folder below it> <source> <work folder>
 #
 # Builds and runs one C source with the flags that pkg-config gives for vur_dl.

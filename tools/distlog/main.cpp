@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog: watches and administers the distributed loggers of a DDS domain.
 #include <fmt/format.h>
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The CDR engine: records to bytes and back, driven by type codes (DDS-XTypes 1.3, clause 7.4).
  *
  * A type code is compiled, once per type and representation, into flat programs. A program set is

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Conditions and waitsets (DDS 1.4, 2.2.2.1.6 to 2.2.2.1.9, 2.2.2.5.8, 2.2.2.5.9).
  *
  *  1. Conditions of any participants and domains may be attached to one waitset, and one condition

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The middleware's own logger: categories, a verbosity per category, a print format, a device.
  *
  * Sources are KOLT's own layer and the engine's log, which is mapped to levels and categories in

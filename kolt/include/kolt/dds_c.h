@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Brings in everything that KOLT offers: the OMG DDS C API and the platform's own facilities.
  *
  * Does not support, of DDS 1.4:

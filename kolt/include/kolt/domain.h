@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The participant factory and participants (DDS 1.4, 2.2.2.2). The conventions of publication.h
  * about QoS and listeners hold here, too. Every function may be called from any thread. */
 #pragma once

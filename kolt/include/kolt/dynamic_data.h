@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Dynamic data: samples of any type, reached through its type code (DDS-XTypes 1.3, 7.5.2), and
  * their rendering as text.
  *

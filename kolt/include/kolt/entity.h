@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Entities in general (DDS 1.4, 2.2.2.1), and the types of all of them.
  *
  *  1. Parents create and delete entities. A pointer to one is valid until the entity is deleted.

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Content filters: expressions over the fields of a sample, evaluated on serialised samples. They
  * serve content-filtered topics and query conditions (DDS 1.4, Annex B).
  *

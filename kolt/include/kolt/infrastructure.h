@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* KOLT infrastructure: primitive types, return codes, time, strings, instance handles, cookies.
  *
  * Conventions of every KOLT header:

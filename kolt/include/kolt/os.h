@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Operating-system services: heap, locks, semaphore, buffers, list, threads and time.
  *
  *  1. Every name here is an ordinary exported function of libkolt, so that a program may put one of

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Print formats: the ways in which data are rendered as text (kolt/dynamic_data.h). */
 #pragma once
 

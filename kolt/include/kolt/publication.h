@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Publishers and data writers (DDS 1.4, 2.2.2.4).
  *
  * Conventions of this header, beside those of infrastructure.h and entity.h:

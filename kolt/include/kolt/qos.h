@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* QoS policies and the QoS records of the entities (DDS 1.4, 2.2.3; DDS-XTypes 1.3, 7.6.3).
  *
  * A QoS record owns its strings and sequences: `_initialize` makes the standard's default,

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Typed sequences (IDL to C): one layout, one implementation, a typed family per element type.
  *
  * Every sequence record has the fields below, whatever its element type. The operations are

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Definition of a typed sequence family over the untyped operations. For C++ sources; in C this
  * header is empty.
  *

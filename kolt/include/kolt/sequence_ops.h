@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The untyped sequence operations, from which every typed family is made.
  *
  * `Seq##_<operation>(self, ...)` is `KOLT_Sequence_<operation>(self, type, ...)` with the element

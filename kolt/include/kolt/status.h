@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Statuses (DDS 1.4, 2.2.4.1) and the state masks of samples (2.2.2.5).
  *
  * Members that end in `_change` count since the status was last read. */

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Subscribers and data readers (DDS 1.4, 2.2.2.5). The conventions of publication.h hold here, too.
  *
  * Samples lie serialised in the reader's cache; reading makes records of them. A sample that cannot

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Thread settings: priority, stack size and processors of the threads that a library starts. */
 #pragma once
 

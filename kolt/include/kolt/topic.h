@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Topics and content-filtered topics (DDS 1.4, 2.2.2.3).
  *
  * A content-filtered topic filters in the reader: samples that do not match are received and

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Type objects: a type as others can look it up (DDS-XTypes 1.3, 7.3.4 and 7.6.3).
  *
  * Writers and readers are announced with the identifiers of their type, and the engine answers

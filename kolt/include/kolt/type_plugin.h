@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Type plugins: the table of operations through which KOLT's entities handle samples of a type.
  *
  * A type is registered with a participant by handing over a plugin, whose record

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Type codes: the description of a type that all generic operations interpret.
  *
  * A type code is a static tree, written as tables and never freed. It is read-only once a program

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* XML configuration documents: a parser, the tree it makes, and elements that other libraries add.
  *
  * A document is rooted at the element `dds`. Every element becomes a DDS_XMLObject with its tag

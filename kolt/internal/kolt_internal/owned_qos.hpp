@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The owner of a QoS record, for the C++ of the libraries, the command and the tests. Not installed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic values: life cycle, comparison, and their bytes.
 
 #include "kolt/dynamic_data.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Members of dynamic values: numbers, strings, lengths, discriminators and nested values.
 
 #include <cfloat>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record behind a dynamic value, and the way to a member of it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic values as text: a walk over the type code that tells a writer what it finds.
 
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The way from a value to one of its members: "a.b[2].c", "u._d", or a member id.
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Print formats: makes the formatter's format of the property that a caller gives.
 
 #include "kolt/print_format.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UTF-8 in, JSON strings and XML character data out.
 
 #include "dynamic/text_escape.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Strings from records, which may hold any bytes, as parts of well-formed UTF-8 texts.
 #pragma once
 

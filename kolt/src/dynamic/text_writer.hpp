@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text formats: the calls by which the formatter tells a writer about a value.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text formats: JSON, XML, and the default ones, in lines or on one line.
 
 #include "dynamic/text_escape.hpp"

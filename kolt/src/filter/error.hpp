@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reason why a filter expression or a parameter is refused, and its place.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Running a filter program over a serialised sample.
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Field names of an expression, resolved against the type.
 
 #include "filter/field_path.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Content filters: a compiled expression with its parameters.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of content filters.
 
 #include "kolt/filter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Constants of an expression, converted to the type of the field that they are compared with.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From an expression to a program: recursive descent over the grammar of DDS 1.4, Annex B.
 //
 //   or        := and { OR and }

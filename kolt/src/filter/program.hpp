@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A compiled filter expression: flat, immutable, shared by all threads that evaluate it.
 #pragma once
 

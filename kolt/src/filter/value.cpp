@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparing values, and matching patterns.
 
 #include "filter/value.hpp"

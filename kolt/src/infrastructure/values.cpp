@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Return-code names, times, instance handles and cookies.
 #include <array>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's logger: the public functions, and the way of a message through it.
 
 #include "kolt/config_logger.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The output device.
 //
 // Each installation of a device is a slot that counts the threads inside the device's write. A slot

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The output device: which threads may write to it, and when it may be closed.
 #pragma once
 

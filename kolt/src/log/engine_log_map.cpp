@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one table that maps the engine's log to the middleware's.
 
 #include "log/engine_log_map.hpp"

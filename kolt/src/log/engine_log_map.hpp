@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's log categories, and their levels and categories in the middleware's log.
 #pragma once
 

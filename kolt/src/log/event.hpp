@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A message before it is formatted.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Formatting: one table of bits and fields. A message is printed as the fields that its format
 // selects, in the order of the table, separated by blanks, then a colon and the text.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Line formats: which fields of a message are printed, and how.
 #pragma once
 

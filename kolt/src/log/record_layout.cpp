@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The layout of the two records that the logger exchanges with output devices, whatever language
 // they are written in: field by field, on a 64-bit platform with natural alignment.
 

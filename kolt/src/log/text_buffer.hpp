@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A text that grows: on the stack while it is short, on the heap beyond. What does not fit when
 // memory runs out is cut.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Verbosities of the middleware's logger.
 
 #include "log/verbosity.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The verbosity of each category, read on every attempt to log and written rarely.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pool of fixed-size buffers: blocks of buffers, and a free list that runs through them.
 
 #include <algorithm>

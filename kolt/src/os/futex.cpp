@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // futex(2) by system call: the C library has no wrapper.
 
 #include "os/futex.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // futex(2): waiting for a 32-bit word to change, and waking the threads that wait. Private to the
 // process.
 #pragma once

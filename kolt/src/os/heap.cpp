@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Heap: the C library's allocator behind functions that a program may replace.
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // KOLT_GlobalLock and KOLT_Mutex: one lock, static or created.
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lock behind KOLT_GlobalLock and KOLT_Mutex: a futex word and the thread that holds it.
 //
 // The word is 0 (free), 1 (taken) or 2 (taken, somebody may be waiting); U. Drepper, "Futexes Are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The adaptive counting semaphore.
 //
 // Two words. `count_` holds the tokens. `waiting_` is the word that waiters sleep on: an epoch, a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The calling thread's identifier, cached per thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading one document of QoS profiles.
 
 #include "qos/profile_document.hpp"

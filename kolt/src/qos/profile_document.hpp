@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One document of QoS profiles: its libraries and profiles, checked.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of the reader of QoS elements that need no type parameter.
 
 #include "qos/profile_reader.hpp"

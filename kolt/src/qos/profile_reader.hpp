@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Applies a QoS element of a document to a QoS record. The rows of qos_description.hpp are the
 // grammar: an element of a record's member name holds the member's value. What an element does not
 // mention stays as it was.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store of QoS profiles.
 
 #include "qos/profile_store.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process's QoS profiles, from the documents that the factory's profile QoS and the environment
 // name. Every function may be called from any thread.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of QoS elements as values.
 
 #include "qos/profile_values.hpp"

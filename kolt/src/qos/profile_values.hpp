@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of QoS elements as values (OMG DDS-XML 1.0, 7.3.2): names of enumerators, numbers,
 // booleans.
 #pragma once

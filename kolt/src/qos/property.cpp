@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The property policy: its sequence type and the functions that find, set and remove a property.
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The description of every QoS policy and record: one row per member with its name, its place and,
 // where it is not zero, its default (DDS 1.4, 2.2.3). The operations on records (qos_values.hpp)
 // and the reader of XML profiles (profile_reader.cpp) interpret these tables; no other code knows

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of the QoS records.
 
 #include "kolt/qos.h"

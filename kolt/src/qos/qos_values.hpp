@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Initialise, finalise, copy and compare any value that a QoS record is made of. A described record
 // (qos_description.hpp) is handled member by member; strings and sequences are owned.
 #pragma once

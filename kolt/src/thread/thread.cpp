@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Joinable threads with a name, a priority and a stack size.
 
 #include <pthread.h>

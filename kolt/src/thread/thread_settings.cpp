@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DDS_ThreadSettings_t: the record's life, copy and comparison.
 
 #include "kolt/thread_settings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parse context, and the conversion of booleans, which reports to it.
 
 #include <strings.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Extension classes: the elements of other libraries.
 
 #include <new>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tree of elements.
 
 #include "xml/xml_object.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Functions on objects and extension classes that the files of the XML facility share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parser of configuration documents, on expat.
 
 #include "xml/xml_parser.hpp"

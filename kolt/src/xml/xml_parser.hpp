@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parser of configuration documents, which returns its errors and logs nothing. The public
 // functions (xml_parser_functions.cpp) and the store of QoS profiles use it.
 #pragma once

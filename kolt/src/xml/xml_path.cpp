@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paths and file URLs (RFC 8089) of documents.
 
 #include "xml/xml_parser.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing documents: the save context and the helpers for common elements.
 
 #include <utf8/unchecked.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog ls and distlog set, as a user runs them, and their answers to wrong arguments.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog check, as a user runs it: the errors that it finds, with place and remedy, its report on
 // a document that is right, and its agreement with the library.
 #include <gtest/gtest.h>

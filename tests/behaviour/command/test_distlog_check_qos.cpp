@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The QoS that distlog check shows, and its messages about profiles.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>

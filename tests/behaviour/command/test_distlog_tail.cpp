@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog tail, as a user runs it: lines, filters, history, and the account of losses.
 #include <gtest/gtest.h>
 

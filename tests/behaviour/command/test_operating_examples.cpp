@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The examples of docs/operating.md and docs/configuration.md work: their documents are right and
 // start loggers, their commands run and print the lines that the manuals show.
 #include <gtest/gtest.h>

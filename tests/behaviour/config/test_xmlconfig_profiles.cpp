@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A logger configured by XML and changed from elsewhere: levels set by another process, and QoS
 // profiles that are missing, or missing for some topics.
 #include <gtest/gtest.h>

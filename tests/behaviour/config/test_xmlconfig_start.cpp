@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger started from XML documents: settings that apply and that don't, QoS profiles of the
 // document, the live level in the saved element.
 #include <gtest/gtest.h>

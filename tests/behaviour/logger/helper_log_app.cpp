@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An application that logs, led line by line through its standard input:
 //
 //   option NAME VALUE   domain, filter, queue, echo, forward, remote, kind: for the next creation

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* An application in C11 that sees nothing but the public headers: options, logging at every level,
  * getters, finalisation, and a second life. */
 #include <stdio.h>

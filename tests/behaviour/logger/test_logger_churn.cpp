@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Creating and finalising the logger over and over leaves nothing behind.
 #include <dirent.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Messages of the engine itself, not of the platform's layer, in the distributed log.
 #include <gtest/gtest.h>
 

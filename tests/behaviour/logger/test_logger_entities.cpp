@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The DDS entities that the logger creates, their QoS, and the entities that it leaves alone.
 #include <gtest/gtest.h>
 #include <vur_dl/vur_dl.h>

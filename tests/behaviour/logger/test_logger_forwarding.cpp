@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's own messages in the distributed log.
 //
 // This program puts a function of its own in the place of the platform's

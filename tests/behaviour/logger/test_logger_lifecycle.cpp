@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger's life: creation, options, accessors, finalisation, and creation again.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A log call from the caller's side: checks, echo, filter, and how much arrives of the texts.
 #include <gtest/gtest.h>
 

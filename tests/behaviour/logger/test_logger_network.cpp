@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Messages arrive elsewhere: in another process, at late readers, and under load.
 #include <gtest/gtest.h>
 

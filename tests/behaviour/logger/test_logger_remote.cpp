@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Remote commands: their effects, the answers to them, and commands that get none.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The State that a logger publishes about itself.
 #include <gtest/gtest.h>
 #include <kolt/config_logger.h>

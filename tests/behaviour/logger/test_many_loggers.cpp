@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A domain full of loggers: all are listed soon after joining, and a command reaches its one
 // target.
 #include <gtest/gtest.h>

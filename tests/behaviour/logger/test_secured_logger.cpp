@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A logger whose traffic is authenticated and encrypted (OMG DDS Security), by its XML document
 // alone: a tool with the same document's properties reads it, one without hears nothing.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sends back what it gets: usage helper_kolt_echo <domain> xcdr1|xcdr2 <suffix of the topic
 // names>. Runs until it is ended.
 #include <cstdlib>

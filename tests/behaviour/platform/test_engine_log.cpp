@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's log arrives in the middleware's log: level and category of each kind of message, and
 // nothing of what no verbosity lets through.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Content-filtered topics.
 #include <gtest/gtest.h>
 

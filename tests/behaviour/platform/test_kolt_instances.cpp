@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instances of keyed topics: handles, keys, disposing and unregistering.
 #include <gtest/gtest.h>
 

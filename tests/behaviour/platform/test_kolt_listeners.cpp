@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Listeners: the callbacks of each event, their order, and their end; deferred writes.
 #include <gtest/gtest.h>
 

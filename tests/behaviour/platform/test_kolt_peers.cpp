@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing to and reading from another process, and from many threads.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing and reading through the entity API: what arrives, when, and what is refused.
 #include <gtest/gtest.h>
 

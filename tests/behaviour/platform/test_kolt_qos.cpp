@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // QoS of entities: validity, changes, defaults, and what reaches the other side.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading and taking: samples left and removed, instances, loans, copies.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Readers and writers find each other by what their types have in common, and by the types' names
 // where one has no description.
 

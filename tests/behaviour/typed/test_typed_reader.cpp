@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data readers: every form of read and take, for each of the topic types.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data readers: wrong calls and what they say, loans, keys, and what is not offered.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data readers: instances by key and handle, from the first sample until they are forgotten.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The topic types registered with a participant, under any name, and unregistered; writers and
 // readers narrowed to them.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data writers: every operation, for each of the topic types.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed data writers: instances registered, written, disposed and unregistered, for each of the
 // topic types.
 

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* A user of the installed package: C11, the umbrella header, one call into each library. */
 
 #include <stdio.h>

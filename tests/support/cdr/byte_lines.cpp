@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparison of serialised samples with lines of bytes.
 #include "support/cdr/byte_lines.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Serialised samples written out by hand: a few bytes a line, in both byte orders, and the rule
 // that each line follows from.
 #pragma once

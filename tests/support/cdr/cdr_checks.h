@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checks on the bytes of a sample of any type: each way to read them gives the same result.
 // A check that fails says so on standard error and ends the process, for fuzzing as for tests.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types of which one has a member more: each reads the other's bytes.
 #include "support/cdr/cdr_checks.h"
 #include "support/cdr/cdr_checks_parts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each way to the key of a sample leads to the same key.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of the checks on samples' bytes: requirements, and records and values of any type.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each way to read a sample says the same: record, fields found in the bytes, dynamic value, text.
 #include <kolt/print_format.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values of any type, filled by decisions, and their bytes.
 #include "support/cdr/cdr_checks.h"
 #include "support/cdr/cdr_checks_parts.h"

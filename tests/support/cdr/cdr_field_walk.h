@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A walk over all fields of a value of any type, by their names and by their places in its bytes.
 #pragma once
 

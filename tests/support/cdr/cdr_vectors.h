@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Samples whose bytes are known, for the tests of both representations.
 #pragma once
 

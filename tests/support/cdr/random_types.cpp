@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes up type codes from decisions.
 #include "support/cdr/random_types.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type codes that are made up from bytes, for tests that want any type.
 #pragma once
 

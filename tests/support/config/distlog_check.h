@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog check as a test runs it, in a working directory of its own.
 #pragma once
 

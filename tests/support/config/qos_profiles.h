@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A test that loads QoS profiles: in a working directory of its own, with the messages that are
 // logged.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A parser that knows the element `distributed_logger`, and the errors that were reported.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Short forms for tests that parse and write XML.
 #pragma once
 

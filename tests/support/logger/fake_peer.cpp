@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Peers that behave as a test wants.
 #include "support/logger/fake_peer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Peers that behave as a test wants: a sender of log messages with numbers of its choice, and an
 // administered logger with answers of its choice.
 #pragma once

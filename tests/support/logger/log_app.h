@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application of helper_log_app in a process of its own.
 #pragma once
 

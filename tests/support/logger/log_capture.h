@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's log while a test looks: an output device that keeps the messages.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process's logger for tests.
 #include "support/logger/logger.h"
 

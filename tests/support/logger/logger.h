@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process's logger for tests: created with given options, finalised with the scope.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An administration tool for tests: reads what loggers publish and sends them commands.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Functions that fail when a test wants them to: the n-th call, or every one.
 #pragma once
 

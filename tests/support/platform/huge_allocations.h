@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // For one source of a test program: an allocation that can't succeed is a NULL, under the
 // sanitizers as well, which would rather end the program.
 #pragma once

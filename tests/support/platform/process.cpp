@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Real processes for tests, and this process's own standard output.
 #include "support/platform/process.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Real processes for tests: children with their output line by line, and this process's own
 // standard output.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Participants, writers and readers of support::Message for tests of the entity API.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plugin record of one of the topic types, and what is attached through it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A record of the values that the fields of some samples have held.
 #pragma once
 

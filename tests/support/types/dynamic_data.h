@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic data that free themselves, and the values of their members.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A structure with a field of each kind that a filter can compare, and a sample of it.
 #pragma once
 

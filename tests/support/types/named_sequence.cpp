@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Elements that own a string, are counted and can fail.
 #include "support/types/named_sequence.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A sequence of elements that own a string, are counted, and fail when a test wants it.
 #pragma once
 

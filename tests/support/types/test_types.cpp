@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables behind the test types.
 #include "support/types/test_types.h"
 

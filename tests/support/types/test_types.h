@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small types with every feature that the type layer knows, as records and type codes.
 #pragma once
 

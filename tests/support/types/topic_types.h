@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The four topic types of the logger, each with its functions and a few values of its own, for
 // tests that do the same with all of them.
 #pragma once

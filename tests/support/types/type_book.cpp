@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type codes made at run time.
 #include "support/types/type_book.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type codes made at run time, for tests that describe types and need no records of them.
 #pragma once
 

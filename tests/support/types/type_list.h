@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The list of the logger's types, for tests that stamp something for each of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A writer and a reader of one of the logger's topic types, and what they read.
 #pragma once
 

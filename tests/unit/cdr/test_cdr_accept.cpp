@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Forms that a standard writer may choose and this one doesn't: each is read (DDS-XTypes 1.3, 7.4.1
 // and 7.4.3).
 #include <gtest/gtest.h>

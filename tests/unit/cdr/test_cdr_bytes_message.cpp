@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LogMessage, byte for byte. The clauses are those of DDS-XTypes 1.3.
 #include <gtest/gtest.h>
 #include <vur_dl/distlog.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CommandRequest and Command, byte for byte, with every branch. The clauses are those of DDS-XTypes
 // 1.3.
 #include <gtest/gtest.h>

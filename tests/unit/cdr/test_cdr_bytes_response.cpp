@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CommandResponse, byte for byte, with every result. The clauses are those of DDS-XTypes 1.3.
 #include <gtest/gtest.h>
 #include <vur_dl/distlog.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One version of a type reads what another wrote.
 #include <gtest/gtest.h>
 

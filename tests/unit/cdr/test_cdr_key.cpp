@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys: key-only payloads in every representation, canonical keys, key hashes.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Broken input: refused without reading past its end, and without leaving a record that can't be
 // used.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each way to read a sample gives the same result, for a thousand types that are made up. The fuzz
 // target fuzz_cdr makes the same checks on any number of types.
 #include <gtest/gtest.h>

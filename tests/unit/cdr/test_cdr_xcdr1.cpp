@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XCDR1, byte for byte. Every vector is derived by hand from DDS-XTypes 1.3, clause 7.4.1
 // and 7.4.2; positions in the comments count from behind the encapsulation header.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bytes that docs/wire-format.md shows are the ones that are written and read.
 #include <gtest/gtest.h>
 #include <vur_dl/distlogPlugin.h>

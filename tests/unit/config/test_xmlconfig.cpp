@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element `distributed_logger`: parsing it, its states, its errors, and starting from it as far
 // as that needs no network.
 #include <gtest/gtest.h>

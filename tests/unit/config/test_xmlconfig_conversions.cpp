@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The conversions of the texts inside `distributed_logger`.
 #include <gtest/gtest.h>
 #include <vur_dl/XMLConfig.h>

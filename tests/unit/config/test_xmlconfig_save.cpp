@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element `distributed_logger` written back, and the written element parsed again.
 #include <gtest/gtest.h>
 #include <kolt/xml.h>

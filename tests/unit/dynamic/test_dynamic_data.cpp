@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic data: values, their members by name and id, comparison.
 
 #include <gtest/gtest.h>

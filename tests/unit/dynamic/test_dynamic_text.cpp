@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic data as text: JSON, XML and the default format.
 
 #include <gtest/gtest.h>

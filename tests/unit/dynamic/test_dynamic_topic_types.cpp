@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic data of the logger's topic types: bytes to members and back, and refusals.
 
 #include <gtest/gtest.h>

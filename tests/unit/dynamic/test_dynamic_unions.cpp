@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dynamic data: unions, whose branches are selected by being set, and optional members.
 
 #include <gtest/gtest.h>

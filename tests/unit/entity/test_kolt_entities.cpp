@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Entities: creation, containment, names, preconditions, enabling.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Content filters: grammar, types, absent fields, bytes, parameters, patterns.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Content filters: refused expressions, with the place and the reason.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Strings, cookies, times, return codes and handles.
 
 #include <gtest/gtest.h>

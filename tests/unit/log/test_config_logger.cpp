@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's logger: verbosities, print formats, devices.
 
 #include <gtest/gtest.h>

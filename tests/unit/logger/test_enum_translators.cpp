@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The translations between the middleware logger's scales and the ones on the wire.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bounded queue: order, numbers, text limits, messages dropped when it is full.
 #include <gtest/gtest.h>
 

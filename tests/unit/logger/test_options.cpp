@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options record: defaults, setters and getters with their messages, copies, comparison.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one routine through which the library prints.
 #include <gtest/gtest.h>
 

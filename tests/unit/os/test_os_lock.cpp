@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The global lock and the mutex: exclusion, refusal of a second take, contention.
 
 #include <gtest/gtest.h>

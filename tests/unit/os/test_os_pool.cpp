@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The buffer pool and the intrusive list.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The adaptive counting semaphore: counts, timeouts, and that no wake-up is lost.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Threads: name, priority, stack size, identifier, and refusals of the system.
 
 #include <gtest/gtest.h>

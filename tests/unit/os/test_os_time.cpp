@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Heap, clock, sleep and thread settings.
 
 #include <gtest/gtest.h>

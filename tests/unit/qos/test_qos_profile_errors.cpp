@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Wrong documents of QoS profiles: errors with file, line and the names that would have been right.
 #include <gtest/gtest.h>
 #include <kolt/domain.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every member of every QoS record can be set by a profile, and by nothing else; every enumerator
 // and every symbolic duration has its value. The lists of members and names that the tests must
 // cover come from the error messages of the reader itself and from the records' own types.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // QoS profiles: where they come from, what their elements say, inheritance, topic filters.
 #include <gtest/gtest.h>
 #include <kolt/domain.h>

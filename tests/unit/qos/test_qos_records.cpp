@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // QoS records: the standard's defaults, deep copies, comparison, properties.
 #include <gtest/gtest.h>
 #include <kolt/domain.h>

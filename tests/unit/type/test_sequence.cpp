@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed sequences: state, growth, elements, and the reports of failures.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed sequences: loans, copies and arrays.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptions of types: type objects, identifiers, TypeInformation, TypeMapping. The bytes here
 // are written down by hand from DDS-XTypes 1.3; tests/interop/test_type_information.cpp holds the
 // same code against another implementation.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types that have no description, and the messages about them.
 
 #include <gtest/gtest.h>

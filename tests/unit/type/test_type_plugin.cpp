@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Default participant and endpoint data, and the generic slot operations of type plugins.
 #include <gtest/gtest.h>
 #include <kolt/type_plugin.h>

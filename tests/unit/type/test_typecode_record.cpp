@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type codes and the operations on records that interpret them.
 #include <gtest/gtest.h>
 #include <kolt/cdr.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The logger's types from C: the headers are C, the records are plain, NULL is survived. */
 
 #include <stdio.h>

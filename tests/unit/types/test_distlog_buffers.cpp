@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Samples of the structured types into and out of a caller's buffer.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations that every one of the thirteen types has, and the common properties of their type
 // codes.
 

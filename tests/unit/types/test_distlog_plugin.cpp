@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Plugin support of the seven structured types: samples and key holders made, copied and freed.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Samples of the logger's types as bytes: both representations, sizes, and refusals.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The key slots of the plugin records: key holders, keys on the wire, key hashes.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plugin records of the four topic types: the function in each slot, and its job.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sequences of the logger's types: the rules of the family, and that all thirteen have it.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type support of messages: bytes and text.
 
 #include <gtest/gtest.h>

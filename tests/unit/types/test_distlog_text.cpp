@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger's types as text, in every print format and with every option of it.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type support of the four topic types: records, bytes and text, and what is refused.
 
 #include <gtest/gtest.h>

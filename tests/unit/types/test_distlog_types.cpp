@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The logger's records and their type codes.
 
 #include <gtest/gtest.h>

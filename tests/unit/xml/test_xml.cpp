@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The XML facility: trees, files, errors with their lines, limits.
 #include <gtest/gtest.h>
 #include <kolt/xml.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Extension classes of the XML facility: the arguments of their callbacks, and their refusals.
 #include <gtest/gtest.h>
 #include <kolt/xml.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Documents made to hurt: too large in every way, too deep, of entities, in encodings that are not
 // what they say, cut short, and files that are none. Each is refused with its line and with little
 // memory, measured in a process of its own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing XML, and the helpers for common elements.
 #include <gtest/gtest.h>
 #include <kolt/xml.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // xml/distlog.xsd agrees with the library: what one accepts the other accepts, one knows no
 // element, attribute or name of a value that the other does not, and the examples are right. The
 // checks need xmllint (Debian package libxml2-utils) and fail without it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the grammar from the schema, and out of the library's messages.
 #include "unit/xml/xml_schema_grammar.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The grammar of QoS libraries as a table, told by the schema and, in its messages, by the library.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog check: examines configuration documents and shows what would be in force with them.
 #include "check/check.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog check: examines configuration documents without starting anything.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads a document twice: as a plain tree, to see everything in it, and with the logger's own
 // element class, to get the options that the library gets.
 #include "check/check_document.hpp"

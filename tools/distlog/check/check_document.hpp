@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element `distributed_logger` of one configuration document, and the problems around it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The children of the element `distributed_logger`, in one table.
 #include "check/check_elements.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The children of the element `distributed_logger`: their names, the texts that they may hold, and
 // the options that they set.
 #pragma once

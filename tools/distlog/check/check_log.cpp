@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's own log while a document is checked.
 #include "check/check_log.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The middleware's own log while a document is checked: it is kept instead of printed.
 #pragma once
 

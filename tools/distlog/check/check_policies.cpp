@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The policies of a QoS record as JSON and as text.
 #include "check/check_policies.hpp"
 

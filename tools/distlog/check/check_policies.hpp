@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The policies of a QoS record, one by one: their values, and who decided them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A problem that distlog check finds in a document, and the list of them.
 #pragma once
 

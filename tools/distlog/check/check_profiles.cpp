@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads QoS profiles and reports the problems in them.
 #include "check/check_profiles.hpp"
 

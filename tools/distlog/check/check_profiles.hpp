@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sources of a process's QoS profiles, and the profile that is in force.
 #pragma once
 

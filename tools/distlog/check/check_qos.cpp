@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The QoS in force, which the logger tells without being started.
 #include "check/check_qos.hpp"
 

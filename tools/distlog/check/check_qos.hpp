@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The DDS entities that a logger would have, and the QoS that each would be created with.
 #pragma once
 

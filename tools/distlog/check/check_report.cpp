@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reports of distlog check as text and as JSON.
 #include "check/check_report.hpp"
 

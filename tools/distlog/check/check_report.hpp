@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The findings of distlog check about one document, and their output.
 #pragma once
 

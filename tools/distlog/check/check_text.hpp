@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // White space around the texts of a document.
 #pragma once
 

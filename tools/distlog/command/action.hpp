@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a subcommand registers itself: the parser's callback stores what is to be done afterwards.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a subcommand ends: the exit codes, and the exception that stands for a failure.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog ls: the loggers of a domain, once or as they come, change and go.
 #include "ls/ls.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog ls: lists the loggers of a domain.
 #pragma once
 

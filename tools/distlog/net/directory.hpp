@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The loggers of a domain, as they describe themselves.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed readers and writers of the logger's topics, owned by scope.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The identity of a logger as text.
 #include "net/identity.hpp"
 

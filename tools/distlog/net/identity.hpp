@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The identity of a logger on the network: its participant's RTPS host and app id, which its
 // samples carry.
 #pragma once

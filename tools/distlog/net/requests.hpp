@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Remote commands: sends one command to several loggers and gathers what they answer.
 #pragma once
 

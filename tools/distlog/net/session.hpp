@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command's presence in a domain: a participant with a publisher and a subscriber.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Waiting on conditions and signals without polling.
 #include "net/waiting.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Waiting without polling: for samples, for a point in time, and for the user's wish to stop.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The steps that the three forms of distlog set share: finding the loggers, sending them a command,
 // and reporting the outcome.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog set format: the print format of the middleware's own log.
 #include <fmt/format.h>
 

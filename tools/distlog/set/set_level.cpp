@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog set level: sets the filter level, permanently or for a while.
 #include <fmt/format.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog set verbosity: how much each category of the middleware's own log says.
 #include <fmt/format.h>
 

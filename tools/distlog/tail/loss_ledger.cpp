@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The account of message numbers of every sender.
 #include "tail/loss_ledger.hpp"
 

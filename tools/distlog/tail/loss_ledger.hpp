@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The account of message numbers of every sender: those that came and those that are missing.
 #pragma once
 

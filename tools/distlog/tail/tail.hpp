@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // distlog tail: prints log messages as they arrive.
 #pragma once
 

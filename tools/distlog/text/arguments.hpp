@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Options that several subcommands have, and the checks of their values.
 #pragma once
 

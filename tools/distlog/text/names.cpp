@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names of levels and of the wire enumerations: one table each, and one way to search all of them.
 #include "text/names.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names of levels and of the wire enumerations, as the command prints and accepts them.
 #pragma once
 

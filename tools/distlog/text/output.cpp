@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard output of the command: lines, and the colours of levels.
 #include "text/output.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard output of the command: lines, flushed in batches, with colour on a terminal.
 #pragma once
 

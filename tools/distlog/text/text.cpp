@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts from the network made fit for a terminal, and times as text.
 #include "text/text.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The log messages of the barrier.
 #include "engine/barrier/barrier.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The barrier between the C functions and their implementations: it checks arguments, logs one line
 // for each failure that a user can cause, and stops exceptions.
 #pragma once

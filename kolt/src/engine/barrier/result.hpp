@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The result of a function that gives a value or fails.
 #pragma once
 

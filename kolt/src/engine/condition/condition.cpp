@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Conditions and waitsets: who is attached to whom, and waiting.
 #include "engine/condition/condition.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Conditions and waitsets, on the engine's.
 //
 // The engine's waitsets watch each condition through an engine entity: a status condition through

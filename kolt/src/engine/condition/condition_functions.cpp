@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of any condition, of guard conditions and of waitsets.
 #include "engine/condition/condition.hpp"
 #include "engine/cyclone/convert.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tables and arithmetic of the translation between KOLT's values and the engine's.
 #include "engine/cyclone/convert.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values of the standard, from KOLT's types to the engine's and back.
 #pragma once
 

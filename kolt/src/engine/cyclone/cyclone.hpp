@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's C interface, in a form that can stand beside KOLT's.
 //
 // Both follow the same standard and use the same names for different things: the engine has macros

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's log sinks. The engine calls them on the thread that logs, with complete lines, while
 // it holds its sink lock for reading: nothing in here, and no log device, may set sinks or masks
 // through the functions that take that lock for writing.

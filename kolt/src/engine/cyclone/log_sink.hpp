@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes the engine's log messages to the middleware's logger.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A canonical key. Short ones, which are the rule, need no memory of their own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Attaching type plugins to participants and endpoints.
 #include "engine/data/registered_type.hpp"
 

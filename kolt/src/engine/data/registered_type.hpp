@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A type registered with a participant, and its plugin's data for one endpoint. Both are shared by
 // all that need them: samples in the engine's caches hold buffers of a writer's pool long after the
 // writer is deleted.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's operations on serialised samples.
 #include "engine/data/serdata.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A sample, or a key alone, in serialised form with its encapsulation header, as it lies in the
 // engine's caches and goes over the wire.
 //

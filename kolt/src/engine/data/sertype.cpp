@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The engine's operations on types.
 #include "engine/data/sertype.hpp"
 

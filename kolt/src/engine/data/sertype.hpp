@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A type as the engine knows it. One sertype stands for a type name and its programs in a domain;
 // the engine interns equal ones, so that it holds nothing of a participant's own.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which types are described to other participants, and how.
 #include "engine/data/type_announcement.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The description of a type for the engine, which sends it with the discovery data of writers and
 // readers and answers type lookups from it.
 #pragma once

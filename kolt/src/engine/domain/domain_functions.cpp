@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of the factory and of participants.
 #include "engine/cyclone/convert.hpp"
 #include "engine/domain/participant.hpp"

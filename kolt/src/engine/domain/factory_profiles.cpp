@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The factory's functions for QoS profiles.
 
 #include "kolt/config_logger.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Participants: enabling, QoS, publishers and subscribers, and the deletion of everything.
 #include "engine/domain/participant.hpp"
 

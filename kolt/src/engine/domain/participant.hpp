@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Domain participants: what they contain, and the types registered with them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Creation, deletion and wrapping of participants, and the QoS of the factory.
 #include "engine/domain/participant_factory.hpp"
 

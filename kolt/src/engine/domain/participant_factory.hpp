@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The participant factory of the process.
 #pragma once
 

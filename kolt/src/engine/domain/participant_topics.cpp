@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The types that are registered with a participant, and its topics.
 #include <algorithm>
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The common part of publishers and subscribers: a group of endpoints and the QoS that these get.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The definitions of EndpointGroup, for the two files that instantiate it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The handles of the endpoints that an endpoint is matched with.
 #pragma once
 

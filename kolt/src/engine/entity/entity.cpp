@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The life of an entity's counterpart in the engine.
 #include "engine/entity/entity.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The implementation that stands behind every entity of the C interface.
 //
 // An entity of the engine exists from the moment when the KOLT entity is enabled: the engine does

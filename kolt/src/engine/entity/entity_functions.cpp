@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of any entity and of its status condition.
 #include "engine/entity/entity.hpp"
 #include "engine/entity/status_condition.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The QoS record of an entity, and the steps of a change.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The typed sequences of the entity API.
 #include "kolt/condition.h"
 #include "kolt/sequence_define.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The place where an entity keeps its listener.
 //
 // A listener is called by one thread at a time; a callback may call back into KOLT and thereby, on

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists of owned objects that are named, from outside, by plain pointers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The defaults that a participant keeps for what it creates.
 #include "engine/entity/participant_scope.hpp"
 

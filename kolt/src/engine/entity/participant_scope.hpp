@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A participant as its topics, publishers, subscribers and endpoints see it.
 #pragma once
 

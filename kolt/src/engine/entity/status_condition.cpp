@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The status condition, on the mask of its entity in the engine.
 #include "engine/entity/status_condition.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Status masks, from KOLT's bits to the engine's and back.
 #include "engine/entity/statuses.hpp"
 

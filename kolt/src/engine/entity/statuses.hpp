@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one table of the communication statuses (DDS 1.4, 2.2.4.1): which entity has which, and their
 // names on both sides. Masks, registration with the engine, dispatch, getters and the translation
 // of masks follow from it.

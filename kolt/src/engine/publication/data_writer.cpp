@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data writers: enabling, events, serialisation, instances, writing.
 #include "engine/publication/data_writer.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data writers: instances, serialisation, and handing samples to the engine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instances that a writer has registered, by itself or by writing them.
 #pragma once
 

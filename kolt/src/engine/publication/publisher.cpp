@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Publishers: the group of endpoints for writers, and waiting for acknowledgments.
 #include "engine/publication/publisher.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The QoS that a create function uses when the caller gives none.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copying by type: a policy goes where the endpoint's QoS has one of the same type.
 #include "engine/qos/from_topic_qos.hpp"
 

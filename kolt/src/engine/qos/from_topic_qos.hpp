@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The policies that a topic's QoS shares with an endpoint's.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One check for each policy, for policies that must fit each other, and for changes.
 #include "engine/qos/qos_check.hpp"
 

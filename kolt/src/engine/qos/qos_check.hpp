@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether the policies of a QoS record are in range and fit each other (DDS 1.4, 2.2.3), and
 // whether a change of them is allowed.
 #pragma once

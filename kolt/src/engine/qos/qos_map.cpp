@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One function for each policy that the engine knows.
 #include "engine/qos/qos_map.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // QoS records in the form that the engine takes.
 //
 // Policies that the engine knows are handed over one by one. The others stay in KOLT:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data readers: enabling, events, conditions.
 #include "engine/subscription/data_reader.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data readers: events, conditions, and reading from the engine's cache into an application's
 // records.
 #pragma once

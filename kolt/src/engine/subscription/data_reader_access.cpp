@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading and taking: samples of the engine's cache become loaned or caller-owned records.
 #include <algorithm>
 #include <cstring>

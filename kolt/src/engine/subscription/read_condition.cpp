@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Read and query conditions in the engine, and the functions that lead back to the latter.
 #include "engine/subscription/read_condition.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Read and query conditions.
 //
 // The engine calls the filter function of a query condition without an argument that would tell the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of read and query conditions.
 #include "engine/subscription/data_reader.hpp"
 #include "engine/subscription/read_condition.hpp"

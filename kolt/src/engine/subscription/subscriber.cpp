@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Subscribers: the group of endpoints for readers, and data on readers.
 #include "engine/subscription/subscriber.hpp"
 

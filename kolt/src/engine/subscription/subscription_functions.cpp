@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of subscribers and data readers.
 #include "engine/cyclone/convert.hpp"
 #include "engine/endpoint/matched.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compiled filters, their parameters, and the report of what is wrong with either.
 #include "engine/topic/content_filter.hpp"
 

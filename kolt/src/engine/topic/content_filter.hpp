@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The filter of a content-filtered topic or a query condition, over serialised samples.
 #pragma once
 

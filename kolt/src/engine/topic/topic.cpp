@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Topics in the engine, their filters and events.
 #include "engine/topic/topic.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Topics and content-filtered topics. To the engine, a content-filtered topic is a second topic
 // entity of the same name and type that carries a filter.
 #pragma once

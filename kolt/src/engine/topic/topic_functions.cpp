@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C functions of topics and content-filtered topics.
 #include "engine/cyclone/convert.hpp"
 #include "engine/entity/statuses.hpp"

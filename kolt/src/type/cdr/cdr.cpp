@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported codec functions: argument checks and the encapsulation header.
 #include "kolt/cdr.h"
 

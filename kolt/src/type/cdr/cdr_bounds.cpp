@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The largest and smallest size that a write program can produce.
 //
 // The end of every operation grows with its start and with its content, so that the largest content

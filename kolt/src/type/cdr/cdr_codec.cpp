@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bodies to bytes and back: chooses the program and the byte order.
 #include "type/cdr/cdr_codec.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The codec as the rest of the library sees it: programs of a type, and bodies without their
 // encapsulation header.
 #pragma once

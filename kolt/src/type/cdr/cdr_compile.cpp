@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts that both compilers share: framing, alignment, member selection, well-formedness.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A bounds-checked position in CDR bytes, and the headers that frame members there.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading one field out of serialised bytes.
 #include "type/cdr/cdr_codec.hpp"
 #include "type/cdr/cdr_skipper.hpp"

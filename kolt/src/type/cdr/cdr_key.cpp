@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys: key-only payloads, canonical keys, key hashes.
 #include <md5.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The programs that the codec compiles a type code into: one that writes and one that reads, for
 // each representation and for each form of the key.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interpreter of read programs: bytes into an initialised record.
 #pragma once
 

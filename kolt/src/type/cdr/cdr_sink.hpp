@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sinks of a write program: a buffer in either byte order, and a counter.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Passing over values without a place to put them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encapsulation that a type has in memory order, by its extensibility.
 #include <bit>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process-wide registry of compiled programs.
 #include <list>
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Default participant and endpoint data.
 #include "type/plugin/plugin_data.hpp"
 

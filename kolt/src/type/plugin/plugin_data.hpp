@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default participant and endpoint data.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The generic slot operations of type plugins.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reuse of records and buffers.
 #include "type/plugin/plugin_pools.hpp"
 

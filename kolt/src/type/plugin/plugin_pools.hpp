@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pools of endpoint data: records for readers and keys, buffers for writers.
 #pragma once
 

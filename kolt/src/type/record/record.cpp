@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Initial values and release of records.
 #include "type/record/record.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operations on values in memory, interpreted over their type codes.
 #pragma once
 

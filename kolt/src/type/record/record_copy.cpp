@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copies and equality of records.
 #include <cstring>
 

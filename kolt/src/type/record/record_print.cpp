@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as text on standard output.
 #include <cinttypes>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sequences: state, growth, copies and loans.
 #include "type/sequence/sequence_core.hpp"
 

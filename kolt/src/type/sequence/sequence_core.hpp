@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one implementation of sequences, over elements described by an ElementOps.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported untyped sequence operations: check the arguments, initialise lazily, call the core.
 #include "kolt/sequence_ops.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How values lie in memory, and questions about type codes that several files ask.
 #pragma once
 

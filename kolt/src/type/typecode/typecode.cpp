@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type codes: the primitive ones, and the getters.
 #include "kolt/typecode.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Moving qualified names from one module into another.
 #include "type/typeobject/type_names.hpp"
 

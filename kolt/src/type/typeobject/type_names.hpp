@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Qualified names of types ("module::module::Type"), and types that are announced under other
 // modules than those of their type codes.
 #pragma once

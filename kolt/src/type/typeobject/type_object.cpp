@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TypeInformation and TypeMapping, serialised from the table of a type's parts.
 #include "type/typeobject/type_object.hpp"
 

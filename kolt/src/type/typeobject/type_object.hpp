@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptions of a type as in DDS-XTypes 1.3: type objects (7.3.4), the identifiers made of them,
 // and the two forms in which they are handed out, TypeInformation (7.6.3.2) and TypeMapping.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Finds the reason why a type that the codec handles cannot have a type object.
 #include <algorithm>
 #include <cstring>

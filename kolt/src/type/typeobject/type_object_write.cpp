@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type objects: structures, unions and enumerations, minimal and complete (XTypes 1.3, Annex B).
 #include <algorithm>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Collecting the parts of a type, and writing their identifiers.
 #include "type/typeobject/type_table.hpp"
 

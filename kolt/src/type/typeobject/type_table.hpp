@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The named types that a type consists of, with their type objects and identifiers.
 #pragma once
 

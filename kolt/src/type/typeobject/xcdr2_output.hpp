@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes in little-endian XCDR version 2 (DDS-XTypes 1.3, 7.4.2, 7.4.3), without an encapsulation
 // header, for data that has no record and no type code.
 #pragma once
