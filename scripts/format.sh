@@ -22,7 +22,7 @@ refuse() {
     if [ -n "$found" ]; then
         echo "$problem:" >&2
         sed 's/^/    /' <<<"$found" >&2
-        failed=1
+        return 1
     fi
 }
 
@@ -30,11 +30,12 @@ if [ "${1:-}" = --check ]; then
     failed=0
     files=$(tracked | tr '\0' '\n' | wc -l)
     tracked | xargs -0 --no-run-if-empty "$formatter" --dry-run -Werror || failed=1
-    tracked | refuse "without the license line" -L 'SPDX-License-Identifier: Apache-2.0'
-    tracked | grep -z '\.h' | refuse "headers without #pragma once" -L '^#pragma once$'
+    tracked | refuse "without the license line" -L 'SPDX-License-Identifier: Apache-2.0' ||
+        failed=1
+    tracked | grep -z '\.h' | refuse "headers without #pragma once" -L '^#pragma once$' || failed=1
     # The public headers are C, where the types have no std::.
     tracked | grep -zE '\.(cpp|hpp)$' | refuse "integer types without std::" \
-        -nE '^[^/"]*(^|[^:_a-zA-Z0-9"])(u?int(8|16|32|64|ptr)_t|size_t|ptrdiff_t)\b'
+        -nE '^[^/"]*(^|[^:_a-zA-Z0-9"])(u?int(8|16|32|64|ptr)_t|size_t|ptrdiff_t)\b' || failed=1
     [ "$failed" -eq 0 ] || exit 1
     echo "$files files are formatted"
 else

@@ -67,8 +67,7 @@ class Random {
     std::mt19937 generator_;
 };
 
-// ---- The types, side by side
-// ---------------------------------------------------------------------
+// ---- The types, side by side --------------------------------------------------------------------
 
 inline void convert(com_vur_dl_HostAndAppId &to, const VUR_DL_HostAndAppId &from) {
     to = {from.rtps_host_id, from.rtps_app_id};

@@ -392,8 +392,7 @@ TEST_F(AcceptCollections, Xcdr1IsThePlainForm) {
     EXPECT_EQ(record_->one, 9);
 }
 
-// ---- Values that are not known
-// -------------------------------------------------------------------
+// ---- Values that are not known ------------------------------------------------------------------
 
 TEST(AcceptUnknown, EnumeratorsArriveAsTheyCame) {
     const DDS_TypeCode *const type = VUR_DL_ADMIN_State_get_typecode();
@@ -439,8 +438,7 @@ TEST(AcceptUnknown, BranchesThatAreNotSelected) {
     }
 }
 
-// ---- Members that are not there
-// ------------------------------------------------------------------
+// ---- Members that are not there -----------------------------------------------------------------
 
 template <typename T>
 class AcceptAbsent : public testing::Test {};
@@ -489,8 +487,7 @@ TEST(AcceptAbsentNested, StringsInAnAbsentStructureAreMade) {
     KOLT_Record_finalize_w_params(type, &request, &params);
 }
 
-// ---- Versions of final types
-// ----------------------------------------------------------------------
+// ---- Versions of final types --------------------------------------------------------------------
 
 TEST(AcceptVersions, AFinalTypeIsWholeOrRefused) {
     Record<Everything> record(everything_type());
