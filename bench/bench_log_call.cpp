@@ -56,7 +56,7 @@ VUR_DL_DistLogger *logger() {
 }
 
 spdlog::logger &peer() {
-    static const std::shared_ptr<spdlog::logger> instance = [] {
+    static std::shared_ptr<spdlog::logger> instance = [] {
         spdlog::init_thread_pool(kQueueSize, 1);
         auto created =
             spdlog::create_async_nb<spdlog::sinks::basic_file_sink_mt>("peer", "/dev/null");
