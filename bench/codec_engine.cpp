@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The engine's codec as the benchmark calls it.
 #include "codec_engine.h"
 
 #include <dds/dds.h>

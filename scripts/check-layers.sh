@@ -49,19 +49,23 @@ git -c safe.directory='*' ls-files -z --cached --others --exclude-standard --ded
             if (!(layer in rank)) fail("is in no layer")
         }
 
-        /^#include "/ {
-            split($0, part, "\"")
+        /^[ \t]*#[ \t]*include[ \t]*("|<(kolt|kolt_internal|vur_dl)\/)/ {
+            split($0, part, /["<>]/)
             target = layer_of(resolve(part[2]))
             if (!(target in rank)) fail("includes " part[2] ", which is in no layer")
             else if (rank[target] < rank[layer])
                 fail(layer " must not include " part[2] ", which belongs to " target " above it")
         }
 
-        /^#include <dds\// && FILENAME !~ /^kolt\/src\/engine\// {
+        /^[ \t]*#[ \t]*include[ \t]*[<"]dds(\/|\.h)/ && FILENAME !~ /^kolt\/src\/engine\// {
             fail("the engine is included outside kolt/src/engine")
         }
-        /^#include <expat/ && FILENAME !~ /^kolt\/src\/xml\// {
+        /^[ \t]*#[ \t]*include[ \t]*[<"]expat/ && FILENAME !~ /^kolt\/src\/xml\// {
             fail("expat is included outside kolt/src/xml")
+        }
+
+        /kolt_internal\// && FILENAME ~ /^examples\// {
+            fail("an example includes what is not installed")
         }
 
         END {

@@ -37,9 +37,8 @@ bool create_participant(VUR_DL_DDSEntities &self, const VUR_DL_Options &options)
         self.domainParticipant = options.domainParticipant;
         return true;
     }
-    ParticipantQos qos;
-    if (VUR_DL_DDSEntities_getDomainParticipantQos(&self, qos.emptied(), &options) !=
-        DDS_RETCODE_OK) {
+    ParticipantQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getDomainParticipantQos(&self, qos.get(), &options) != DDS_RETCODE_OK) {
         return fail("Unable to get Domain Participant QoS");
     }
     self.domainParticipant = DDS_DomainParticipantFactory_create_participant(
@@ -123,8 +122,8 @@ bool obtain_topic(VUR_DL_DDSEntities &self, const TopicRecipe &recipe) {
     if (recipe.register_type(self.domainParticipant, recipe.type_name) != DDS_RETCODE_OK) {
         return fail(recipe.register_failure);
     }
-    TopicQos qos;
-    if (VUR_DL_DDSEntities_getTopicQos(&self, qos.emptied(), recipe.name) != DDS_RETCODE_OK) {
+    TopicQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getTopicQos(&self, qos.get(), recipe.name) != DDS_RETCODE_OK) {
         return fail(recipe.qos_failure);
     }
     DDS_Topic *topic =
@@ -139,8 +138,8 @@ bool obtain_topic(VUR_DL_DDSEntities &self, const TopicRecipe &recipe) {
 }
 
 bool create_publisher(VUR_DL_DDSEntities &self) {
-    PublisherQos qos;
-    if (VUR_DL_DDSEntities_getPublisherQos(&self, qos.emptied()) != DDS_RETCODE_OK) {
+    PublisherQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getPublisherQos(&self, qos.get()) != DDS_RETCODE_OK) {
         return fail("Unable to get publisher QoS");
     }
     self.publisher = DDS_DomainParticipant_create_publisher(self.domainParticipant, qos.get(),
@@ -149,8 +148,8 @@ bool create_publisher(VUR_DL_DDSEntities &self) {
 }
 
 bool create_subscriber(VUR_DL_DDSEntities &self) {
-    SubscriberQos qos;
-    if (VUR_DL_DDSEntities_getSubscriberQos(&self, qos.emptied()) != DDS_RETCODE_OK) {
+    SubscriberQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getSubscriberQos(&self, qos.get()) != DDS_RETCODE_OK) {
         return fail("Unable to get Subscriber QoS");
     }
     self.subscriber = DDS_DomainParticipant_create_subscriber(self.domainParticipant, qos.get(),
@@ -165,8 +164,8 @@ DDS_DataWriter *create_writer(VUR_DL_DDSEntities &self, DDS_Topic *topic,
 }
 
 bool create_log_writer(VUR_DL_DDSEntities &self) {
-    WriterQos qos;
-    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.emptied(), VUR_DL_LOG_TOPIC_NAME) !=
+    WriterQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.get(), VUR_DL_LOG_TOPIC_NAME) !=
         DDS_RETCODE_OK) {
         return fail("Unable to get QoS for LogMessage DataWriter");
     }
@@ -180,8 +179,8 @@ bool create_log_writer(VUR_DL_DDSEntities &self) {
 enum class StateWriterResult { kCreated, kFailed, kFailedLeavingAll };
 
 StateWriterResult create_state_writer(VUR_DL_DDSEntities &self) {
-    WriterQos qos;
-    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.emptied(), VUR_DL_STATE_TOPIC_NAME) !=
+    WriterQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.get(), VUR_DL_STATE_TOPIC_NAME) !=
         DDS_RETCODE_OK) {
         fail("Unable to get QoS of State's DataWriter");
         return StateWriterResult::kFailed;
@@ -252,9 +251,9 @@ bool create_command_filter(VUR_DL_DDSEntities &self) {
 }
 
 bool create_command_reader(VUR_DL_DDSEntities &self) {
-    ReaderQos qos;
-    if (VUR_DL_DDSEntities_getDataReaderQos(&self, qos.emptied(),
-                                            VUR_DL_COMMAND_REQUEST_TOPIC_NAME) != DDS_RETCODE_OK) {
+    ReaderQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getDataReaderQos(&self, qos.get(), VUR_DL_COMMAND_REQUEST_TOPIC_NAME) !=
+        DDS_RETCODE_OK) {
         return fail("Unable to get QoS for CommandRequest Reader");
     }
     DDS_DataReader *reader = DDS_Subscriber_create_datareader(
@@ -269,9 +268,9 @@ bool create_command_reader(VUR_DL_DDSEntities &self) {
 }
 
 bool create_response_writer(VUR_DL_DDSEntities &self) {
-    WriterQos qos;
-    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.emptied(),
-                                            VUR_DL_COMMAND_RESPONSE_TOPIC_NAME) != DDS_RETCODE_OK) {
+    WriterQos qos(kolt::qos::kUnfilled);
+    if (VUR_DL_DDSEntities_getDataWriterQos(&self, qos.get(), VUR_DL_COMMAND_RESPONSE_TOPIC_NAME) !=
+        DDS_RETCODE_OK) {
         return fail("Unable to get QoS for CommandResponse DataWriter");
     }
     DDS_DataWriter *writer = create_writer(self, self.commandResponseTopic, *qos);

@@ -15,7 +15,7 @@ using namespace support;  // NOLINT
 
 // In the order of the corpus: appended to, never reordered.
 inline const std::vector<const DDS_TypeCode *> &fixed_types() {
-    static const std::vector<const DDS_TypeCode *> types = {
+    static const std::vector<const DDS_TypeCode *> kTypes = {
         everything_type(),
         message_type(),
         mutable_request_type(),
@@ -45,7 +45,7 @@ inline const std::vector<const DDS_TypeCode *> &fixed_types() {
         fallback_type(),
         point_type(),
     };
-    return types;
+    return kTypes;
 }
 // The first byte of an input chooses one of these; those past the end are types made up on the way.
 constexpr std::uint8_t kTypeSelections = 32;

@@ -22,13 +22,13 @@ using namespace support;  // NOLINT
 
 // Programs that stay: otherwise every input would compile its type again.
 void keep_programs() {
-    static const bool kept = [] {
+    static const bool kKept = [] {
         for (const DDS_TypeCode *type : fixed_types()) {
             KOLT_TypePrograms_acquire(type);
         }
         return true;
     }();
-    static_cast<void>(kept);
+    static_cast<void>(kKept);
 }
 
 // Bytes of a good sample with a few of them changed.

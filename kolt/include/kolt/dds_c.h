@@ -27,6 +27,7 @@
 #include "kolt/domain.h"
 #include "kolt/dynamic_data.h"
 #include "kolt/entity.h"
+#include "kolt/filter.h"
 #include "kolt/infrastructure.h"
 #include "kolt/os.h"
 #include "kolt/print_format.h"

@@ -25,11 +25,17 @@ KOLT_RECORD_FUNCTIONS(DDS_DataWriterQos);
 KOLT_RECORD_FUNCTIONS(DDS_DataReaderQos);
 #undef KOLT_RECORD_FUNCTIONS
 
+// Asks for a record that is not initialised: for functions that initialise what they fill.
+struct Unfilled {};
+inline constexpr Unfilled kUnfilled;
+
 // A record that begins as the standard's default and frees itself.
 template <typename Record>
 class OwnedQos {
   public:
     OwnedQos() { RecordFunctions<Record>::initialize(&record_); }
+    // Begins as zeros, which finalising takes for an empty record.
+    explicit OwnedQos(Unfilled) {}
     ~OwnedQos() { RecordFunctions<Record>::finalize(&record_); }
     OwnedQos(const OwnedQos &) = delete;
     OwnedQos &operator=(const OwnedQos &) = delete;
@@ -40,14 +46,8 @@ class OwnedQos {
     const Record *operator->() const { return &record_; }
     Record *get() { return &record_; }
 
-    // Returns the record finalised, for functions that initialise what they fill.
-    Record *emptied() {
-        RecordFunctions<Record>::finalize(&record_);
-        return &record_;
-    }
-
   private:
-    Record record_;
+    Record record_{};
 };
 
 using FactoryQos = OwnedQos<DDS_DomainParticipantFactoryQos>;

@@ -91,15 +91,15 @@ std::string_view trim(std::string_view text);
 // The value of a name, exactly; nothing when it is none of these.
 std::optional<long long> value_of_name(std::string_view text, const NamedValue *names,
                                        std::size_t count);
-template <std::size_t count>
-std::optional<long long> value_of_name(std::string_view text, const NamedValue (&names)[count]) {
-    return value_of_name(text, names, count);
+template <std::size_t kCount>
+std::optional<long long> value_of_name(std::string_view text, const NamedValue (&names)[kCount]) {
+    return value_of_name(text, names, kCount);
 }
 // "a, b, c"
 std::string list_of_names(const NamedValue *names, std::size_t count);
-template <std::size_t count>
-std::string list_of_names(const NamedValue (&names)[count]) {
-    return list_of_names(names, count);
+template <std::size_t kCount>
+std::string list_of_names(const NamedValue (&names)[kCount]) {
+    return list_of_names(names, kCount);
 }
 
 // A decimal or 0x-hexadecimal integer from `minimum` to `maximum`, and nothing behind it.

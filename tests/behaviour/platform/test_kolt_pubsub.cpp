@@ -141,7 +141,7 @@ TEST(KoltPubSub, LateJoinerGetsTheHistory) {
         qos.history.kind = DDS_KEEP_LAST_HISTORY_QOS;
         qos.history.depth = 10;
     });
-    write_two_instances(writer);
+    ASSERT_NO_FATAL_FAILURE(write_two_instances(writer));
     Node there(1);
     DDS_DataReader *const reader =
         there.reader([](DDS_DataReaderQos &qos) { transient_local(qos); });
@@ -164,7 +164,7 @@ TEST(KoltPubSub, AnExplicitDurabilityServiceCounts) {
         qos.history.depth = 10;
         qos.durability_service.history_depth = 3;
     });
-    write_two_instances(writer);
+    ASSERT_NO_FATAL_FAILURE(write_two_instances(writer));
     Node there(1);
     DDS_DataReader *const reader =
         there.reader([](DDS_DataReaderQos &qos) { transient_local(qos); });

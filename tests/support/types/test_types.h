@@ -13,7 +13,7 @@
 namespace support {
 
 // @appendable enum Color { RED = 1, GREEN = 2, BLUE = 5 }
-enum Color : DDS_Enum { RED = 1, GREEN = 2, BLUE = 5 };
+enum Color : DDS_Enum { RED = 1, GREEN = 2, BLUE = 5 };  // NOLINT: as the IDL has them
 const DDS_TypeCode *color_type();
 
 // @appendable struct Id { @key long host; @key long app; }
@@ -70,6 +70,7 @@ const DDS_TypeCode *everything_type();
 
 // union Choice switch (long) { case 0: long number; case 1: case 2: sequence<Id, 5> ids;
 //                              case 3: string<8> text; }, in each extensibility.
+// NOLINTBEGIN(readability-identifier-naming): unions are as they are mapped to C
 struct Choice {
     DDS_Long _d;
     struct {
@@ -78,11 +79,13 @@ struct Choice {
         DDS_Char *text;
     } _u;
 };
+// NOLINTEND(readability-identifier-naming)
 const DDS_TypeCode *final_choice_type();
 const DDS_TypeCode *appendable_choice_type();
 const DDS_TypeCode *mutable_choice_type();
 
 // @final union Fallback switch (octet) { case 1: long long wide; default: octet small; }
+// NOLINTBEGIN(readability-identifier-naming)
 struct Fallback {
     DDS_Octet _d;
     struct {
@@ -90,6 +93,7 @@ struct Fallback {
         DDS_Octet small;
     } _u;
 };
+// NOLINTEND(readability-identifier-naming)
 const DDS_TypeCode *fallback_type();
 
 // struct Request { Id target; Choice choice; long after; }: @mutable around the mutable union,

@@ -156,11 +156,11 @@ class DryRun {
     }
 
     void add_participant() {
-        kolt::qos::ParticipantQos effective;
+        kolt::qos::ParticipantQos effective(kolt::qos::kUnfilled);
         kolt::qos::ParticipantQos said;
-        demand(VUR_DL_DDSEntities_getDomainParticipantQos(record_.get(), effective.emptied(),
-                                                          &options_),
-               "the participant's QoS");
+        demand(
+            VUR_DL_DDSEntities_getDomainParticipantQos(record_.get(), effective.get(), &options_),
+            "the participant's QoS");
         demand(from_profile_
                    ? DDS_DomainParticipantFactory_get_participant_qos_from_profile(
                          factory_, said.get(), options_.qosLibrary, options_.qosProfile)
@@ -176,9 +176,9 @@ class DryRun {
     // one that was refused: it is not tried and does not count as refused itself.
     template <typename Qos, typename Create>
     auto add(const Family<Qos> &family, const char *topic, bool possible, Create create) {
-        kolt::qos::OwnedQos<Qos> effective;
+        kolt::qos::OwnedQos<Qos> effective(kolt::qos::kUnfilled);
         kolt::qos::OwnedQos<Qos> said;
-        demand(family.effective(record_.get(), effective.emptied(), topic), family.kind);
+        demand(family.effective(record_.get(), effective.get(), topic), family.kind);
         demand(from_profile_ ? family.of_profile(factory_, said.get(), options_.qosLibrary,
                                                  options_.qosProfile, topic)
                              : family.by_default(participant_, said.get(), topic),

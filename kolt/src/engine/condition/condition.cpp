@@ -12,7 +12,7 @@ namespace {
 
 // Guards the attachments of all conditions and waitsets of the process.
 std::mutex &attachments() {
-    static auto *const mutex = new std::mutex;  // outlives every static object
+    static auto *mutex = new std::mutex;  // outlives every static object
     return *mutex;
 }
 
@@ -57,13 +57,11 @@ void KOLT_ConditionImpl::stop_watching() {
 
 namespace kolt::engine {
 
-namespace api = cyclone;
-
 // ---- Guard condition ----------------------------------------------------------------------------
 
 GuardCondition::GuardCondition() : Condition(&handle_._condition) {
     install_log_sink();
-    engine_ = dds_create_guardcondition(api::kLibrary);
+    engine_ = dds_create_guardcondition(cyclone::kLibrary);
     if (engine_ < 0) {
         throw std::bad_alloc();
     }
@@ -87,11 +85,11 @@ DDS_ReturnCode_t GuardCondition::set(bool value) {
 
 WaitSet::WaitSet() {
     install_log_sink();
-    engine_ = dds_create_waitset(api::kLibrary);
+    engine_ = dds_create_waitset(cyclone::kLibrary);
     if (engine_ < 0) {
         throw std::bad_alloc();
     }
-    wake_up_ = dds_create_guardcondition(api::kLibrary);
+    wake_up_ = dds_create_guardcondition(cyclone::kLibrary);
     // The engine's waitsets do not wait unless they watch something.
     if (wake_up_ < 0 || dds_waitset_attach(engine_, wake_up_, 0) < 0) {
         if (wake_up_ > 0) {
@@ -191,7 +189,7 @@ DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
             triggered.resize(conditions_.size() + 1);
         }
         dds_duration_t left = span;
-        if (span != api::kInfinity) {
+        if (span != cyclone::kInfinity) {
             const auto spent =
                 std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start);
             left = std::max<dds_duration_t>(span - spent.count(), 0);
@@ -217,7 +215,9 @@ void WaitSet::collect(const std::vector<dds_attach_t> &triggered,
                       std::vector<Condition *> *active) {
     const std::lock_guard lock(attachments());
     for (const dds_attach_t argument : triggered) {
-        auto *const condition = reinterpret_cast<Condition *>(argument);
+        // The argument is what attach() gave: the condition.
+        auto *const condition =
+            reinterpret_cast<Condition *>(argument);  // NOLINT(performance-no-int-to-ptr)
         if (std::find(conditions_.begin(), conditions_.end(), condition) != conditions_.end()) {
             active->push_back(condition);
         }

@@ -10,25 +10,23 @@ namespace kolt::engine {
 
 namespace {
 
-namespace api = cyclone;
-
 constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
 
 constexpr std::array<std::pair<dds_return_t, DDS_ReturnCode_t>, 14> kReturnCodes = {{
-    {api::kOk, DDS_RETCODE_OK},
-    {api::kError, DDS_RETCODE_ERROR},
-    {api::kUnsupported, DDS_RETCODE_UNSUPPORTED},
-    {api::kBadParameter, DDS_RETCODE_BAD_PARAMETER},
-    {api::kPreconditionNotMet, DDS_RETCODE_PRECONDITION_NOT_MET},
-    {api::kOutOfResources, DDS_RETCODE_OUT_OF_RESOURCES},
-    {api::kNotEnabled, DDS_RETCODE_NOT_ENABLED},
-    {api::kImmutablePolicy, DDS_RETCODE_IMMUTABLE_POLICY},
-    {api::kInconsistentPolicy, DDS_RETCODE_INCONSISTENT_POLICY},
-    {api::kAlreadyDeleted, DDS_RETCODE_ALREADY_DELETED},
-    {api::kTimeout, DDS_RETCODE_TIMEOUT},
-    {api::kNoData, DDS_RETCODE_NO_DATA},
-    {api::kIllegalOperation, DDS_RETCODE_ILLEGAL_OPERATION},
-    {api::kNotAllowedBySecurity, DDS_RETCODE_PRECONDITION_NOT_MET},
+    {cyclone::kOk, DDS_RETCODE_OK},
+    {cyclone::kError, DDS_RETCODE_ERROR},
+    {cyclone::kUnsupported, DDS_RETCODE_UNSUPPORTED},
+    {cyclone::kBadParameter, DDS_RETCODE_BAD_PARAMETER},
+    {cyclone::kPreconditionNotMet, DDS_RETCODE_PRECONDITION_NOT_MET},
+    {cyclone::kOutOfResources, DDS_RETCODE_OUT_OF_RESOURCES},
+    {cyclone::kNotEnabled, DDS_RETCODE_NOT_ENABLED},
+    {cyclone::kImmutablePolicy, DDS_RETCODE_IMMUTABLE_POLICY},
+    {cyclone::kInconsistentPolicy, DDS_RETCODE_INCONSISTENT_POLICY},
+    {cyclone::kAlreadyDeleted, DDS_RETCODE_ALREADY_DELETED},
+    {cyclone::kTimeout, DDS_RETCODE_TIMEOUT},
+    {cyclone::kNoData, DDS_RETCODE_NO_DATA},
+    {cyclone::kIllegalOperation, DDS_RETCODE_ILLEGAL_OPERATION},
+    {cyclone::kNotAllowedBySecurity, DDS_RETCODE_PRECONDITION_NOT_MET},
 }};
 
 struct StateBit {
@@ -36,21 +34,21 @@ struct StateBit {
     std::uint32_t engine;
 };
 constexpr std::array<StateBit, 2> kSampleStates = {{
-    {DDS_READ_SAMPLE_STATE, api::kReadState},
-    {DDS_NOT_READ_SAMPLE_STATE, api::kNotReadState},
+    {DDS_READ_SAMPLE_STATE, cyclone::kReadState},
+    {DDS_NOT_READ_SAMPLE_STATE, cyclone::kNotReadState},
 }};
 constexpr std::array<StateBit, 2> kViewStates = {{
-    {DDS_NEW_VIEW_STATE, api::kNewView},
-    {DDS_NOT_NEW_VIEW_STATE, api::kNotNewView},
+    {DDS_NEW_VIEW_STATE, cyclone::kNewView},
+    {DDS_NOT_NEW_VIEW_STATE, cyclone::kNotNewView},
 }};
 constexpr std::array<StateBit, 3> kInstanceStates = {{
-    {DDS_ALIVE_INSTANCE_STATE, api::kAlive},
-    {DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE, api::kNotAliveDisposed},
-    {DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE, api::kNotAliveNoWriters},
+    {DDS_ALIVE_INSTANCE_STATE, cyclone::kAlive},
+    {DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE, cyclone::kNotAliveDisposed},
+    {DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE, cyclone::kNotAliveNoWriters},
 }};
 
-template <std::size_t N>
-std::uint32_t translate_states(const std::array<StateBit, N> &table, std::uint32_t mask) {
+template <std::size_t kCount>
+std::uint32_t translate_states(const std::array<StateBit, kCount> &table, std::uint32_t mask) {
     std::uint32_t result = 0;
     for (const StateBit &bit : table) {
         if ((mask & bit.standard) != 0) {
@@ -60,8 +58,8 @@ std::uint32_t translate_states(const std::array<StateBit, N> &table, std::uint32
     return result;
 }
 
-template <std::size_t N>
-std::uint32_t state_from_engine(const std::array<StateBit, N> &table, std::uint32_t state) {
+template <std::size_t kCount>
+std::uint32_t state_from_engine(const std::array<StateBit, kCount> &table, std::uint32_t state) {
     for (const StateBit &bit : table) {
         if (bit.engine == state) {
             return bit.standard;
@@ -86,14 +84,14 @@ DDS_ReturnCode_t to_return_code(dds_return_t result) {
 
 dds_duration_t to_engine(const DDS_Duration_t &duration) {
     if (DDS_Duration_is_infinite(&duration)) {
-        return api::kInfinity;
+        return cyclone::kInfinity;
     }
     return static_cast<std::int64_t>(duration.sec) * kNanosecondsPerSecond + duration.nanosec;
 }
 
 DDS_Duration_t from_engine_duration(dds_duration_t duration) {
     constexpr std::int64_t kLongest = std::numeric_limits<DDS_Long>::max();
-    if (duration == api::kInfinity || duration / kNanosecondsPerSecond > kLongest) {
+    if (duration == cyclone::kInfinity || duration / kNanosecondsPerSecond > kLongest) {
         return DDS_DURATION_INFINITE;
     }
     return {static_cast<DDS_Long>(duration / kNanosecondsPerSecond),

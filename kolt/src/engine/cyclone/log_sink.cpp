@@ -55,7 +55,7 @@ void sink(void *, const dds_log_data_t *data) {
 }  // namespace
 
 void install_log_sink() {
-    static const bool installed = [] {
+    static const bool kInstalled = [] {
         // Opens the engine's second mask for the trace categories; only this call sets it.
         dds_set_log_mask(kEveryCategory);
         // The same function and argument twice: the engine then calls it once for each message.
@@ -65,7 +65,7 @@ void install_log_sink() {
         refresh_log_mask();
         return true;
     }();
-    static_cast<void>(installed);
+    static_cast<void>(kInstalled);
 }
 
 void refresh_log_mask() {

@@ -20,7 +20,7 @@ constexpr DDS_DomainId_t kLastDomain = 230;
 }  // namespace
 
 Factory &Factory::instance() {
-    static auto *const factory = new Factory;  // outlives every static object
+    static auto *factory = new Factory;  // outlives every static object
     return *factory;
 }
 

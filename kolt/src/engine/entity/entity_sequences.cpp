@@ -6,9 +6,10 @@
 
 namespace {
 
+// The elements may be pointers, which are copied as they stand.
 template <typename T>
 constexpr KOLT_SequenceElementType plain(const char *name) {
-    return {name, sizeof(T), nullptr, nullptr, nullptr};
+    return {name, sizeof(T), nullptr, nullptr, nullptr};  // NOLINT(bugprone-sizeof-expression)
 }
 constexpr KOLT_SequenceElementType kSampleInfo = plain<DDS_SampleInfo>("DDS_SampleInfoSeq");
 constexpr KOLT_SequenceElementType kCondition = plain<DDS_ConditionPtr>("DDS_ConditionSeq");
@@ -16,4 +17,5 @@ constexpr KOLT_SequenceElementType kCondition = plain<DDS_ConditionPtr>("DDS_Con
 }  // namespace
 
 KOLT_SEQUENCE_DEFINE(DDS_SampleInfoSeq, DDS_SampleInfo, &kSampleInfo);
+// NOLINTNEXTLINE(bugprone-sizeof-expression)
 KOLT_SEQUENCE_DEFINE(DDS_ConditionSeq, DDS_ConditionPtr, &kCondition);

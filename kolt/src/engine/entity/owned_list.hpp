@@ -13,6 +13,7 @@ template <typename T>
 std::vector<T *> pointers(std::mutex &mutex, const std::vector<std::unique_ptr<T>> &list) {
     const std::lock_guard lock(mutex);
     std::vector<T *> result;
+    result.reserve(list.size());
     for (const auto &element : list) {
         result.push_back(element.get());
     }

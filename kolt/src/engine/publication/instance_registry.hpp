@@ -75,7 +75,7 @@ class InstanceRegistry {
   private:
     // Lets a string_view be looked up without making a string of it.
     struct Hash {
-        using is_transparent = void;
+        using is_transparent = void;  // NOLINT(readability-identifier-naming): the library's name
         std::size_t operator()(std::string_view key) const {
             return std::hash<std::string_view>()(key);
         }

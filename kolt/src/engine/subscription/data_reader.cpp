@@ -17,8 +17,6 @@ namespace kolt::engine {
 
 namespace {
 
-namespace api = cyclone;
-
 void on_engine_data(dds_entity_t, void *reader) {
     static_cast<DataReader *>(reader)->on_data_available();
 }
@@ -142,7 +140,7 @@ void DataReader::dispatch_data_available() {
     const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
     tell_listener(DDS_DATA_AVAILABLE_STATUS, has, [this](const DDS_DataReaderListener &l) {
         std::uint32_t taken = 0;
-        dds_take_status(engine(), &taken, api::kDataAvailableStatus);
+        dds_take_status(engine(), &taken, cyclone::kDataAvailableStatus);
         l.on_data_available(l.listener_data, &handle_);
     });
 }
@@ -160,7 +158,7 @@ void DataReader::on_data_available() {
 
 bool DataReader::has_data_available() const {
     std::uint32_t status = 0;
-    return is_enabled() && dds_read_status(engine(), &status, api::kDataAvailableStatus) >= 0 &&
+    return is_enabled() && dds_read_status(engine(), &status, cyclone::kDataAvailableStatus) >= 0 &&
            status != 0;
 }
 

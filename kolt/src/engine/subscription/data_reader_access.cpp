@@ -14,8 +14,6 @@ namespace kolt::engine {
 
 namespace {
 
-namespace api = cyclone;
-
 // The room for a read before the number of samples is known.
 constexpr std::size_t kFirstGuess = 32;
 // The engine's limit of one read.
@@ -85,7 +83,7 @@ dds_return_t DataReader::engine_read(const KOLT_ReadSelection &selection, std::u
                                      std::size_t room, bool locked, Batch *batch) {
     ReadCondition *const condition = ReadCondition::of(selection.condition);
     const dds_entity_t source = condition != nullptr ? condition->watched() : engine();
-    const std::uint32_t limit = locked ? api::kReadLocked : static_cast<std::uint32_t>(room);
+    const std::uint32_t limit = locked ? cyclone::kReadLocked : static_cast<std::uint32_t>(room);
     void **const views = batch->pointers.data();
     dds_sample_info_t *const infos = batch->infos.data();
     if (selection.scope == KOLT_READ_ALL) {
@@ -104,7 +102,7 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::siz
         return fetch_next_instance(selection, limit, batch, count);
     }
     ReadCondition *const condition = ReadCondition::of(selection.condition);
-    std::uint32_t mask = api::kNoStateMask;
+    std::uint32_t mask = cyclone::kNoStateMask;
     if (condition == nullptr && !states_to_engine(selection.sample_states, selection.view_states,
                                                   selection.instance_states, &mask)) {
         return DDS_RETCODE_NO_DATA;
@@ -133,7 +131,8 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::siz
     if (result == 0 || is_instance_known(selection)) {
         return DDS_RETCODE_NO_DATA;
     }
-    return result == api::kPreconditionNotMet ? DDS_RETCODE_BAD_PARAMETER : to_return_code(result);
+    return result == cyclone::kPreconditionNotMet ? DDS_RETCODE_BAD_PARAMETER
+                                                  : to_return_code(result);
 }
 
 // Tells an instance without samples from a handle of none: the engine's read rejects both.
@@ -147,7 +146,7 @@ std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
     SeenKeys seen;
     t_seen = &seen;
     const dds_entity_t condition =
-        dds_create_querycondition(engine(), api::kNoStateMask - 1U, collect_keys);
+        dds_create_querycondition(engine(), cyclone::kNoStateMask - 1U, collect_keys);
     t_seen = nullptr;
     if (condition > 0) {
         dds_delete(condition);
