@@ -119,16 +119,16 @@ void print_value(const DDS_TypeCode &type, const void *value, const std::string 
     }
     print_indent(indent);
     std::printf("%s: ", name.c_str());
-    if (value == nullptr) {
+    const bool is_string = type.kind == DDS_TK_STRING;
+    const void *const shown = is_string && value != nullptr ? load_pointer(value) : value;
+    if (shown == nullptr) {
         std::fputs("NULL", stdout);
+    } else if (is_string) {
+        std::printf("\"%s\"", static_cast<const char *>(shown));
     } else if (type.kind == DDS_TK_ENUM) {
         print_enumeration(type, value);
-    } else if (type.kind != DDS_TK_STRING) {
-        print_primitive(type, value);
-    } else if (const void *const text = load_pointer(value)) {
-        std::printf("\"%s\"", static_cast<const char *>(text));
     } else {
-        std::fputs("NULL", stdout);
+        print_primitive(type, value);
     }
     std::putchar('\n');
 }
