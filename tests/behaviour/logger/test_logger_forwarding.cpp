@@ -25,14 +25,14 @@ std::atomic<int> g_talkative_writes{0};
 DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *self, const void *sample,
                                                   DDS_InstanceHandle_t handle,
                                                   const DDS_Time_t *source_timestamp) {
-    static const auto real = reinterpret_cast<decltype(&DDS_DataWriter_write_w_timestamp)>(
+    static const auto kReal = reinterpret_cast<decltype(&DDS_DataWriter_write_w_timestamp)>(
         dlsym(RTLD_NEXT, "DDS_DataWriter_write_w_timestamp"));
     if (g_talkative_writes > 0) {
         --g_talkative_writes;
         KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_API, KOLT_CONFIG_LOG_LEVEL_ERROR, "write",
                          "from the write thread");
     }
-    return real(self, sample, handle, source_timestamp);
+    return kReal(self, sample, handle, source_timestamp);
 }
 
 namespace {

@@ -15,7 +15,6 @@
 namespace {
 
 using support::Logger;
-using support::LoggerOptions;
 using support::LogSample;
 using support::Monitor;
 using support::StdoutCapture;
