@@ -58,7 +58,7 @@ class Random {
         buffer[length] = '\0';
     }
     VUR_DL_HostAndAppId identity() { return {number(), number()}; }
-    VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity categoryAndVerbosity() {
+    VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity category_and_verbosity() {
         return {enumerator<VUR_DL_ADMIN_VURLoggerCategory>(5),
                 enumerator<VUR_DL_ADMIN_VURLoggerVerbosity>(6)};
     }
@@ -125,7 +125,7 @@ struct State {
         random.text(record.applicationKind, VUR_DL_ADMIN_STATE_APPLICATION_KIND_BOUND);
         record.filterLevel = random.number();
         for (VUR_DL_ADMIN_VURLoggerCategoryAndVerbosity &element : record.vurLoggerVerbosities) {
-            element = random.categoryAndVerbosity();
+            element = random.category_and_verbosity();
         }
         record.vurLoggerPrintFormat = random.enumerator<VUR_DL_ADMIN_VURLoggerPrintFormat>(7);
     }
@@ -166,7 +166,7 @@ struct CommandRequest {
         ASSERT_TRUE(VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_set_length(&sequence, length));
         for (DDS_Long i = 0; i < length; ++i) {
             *VUR_DL_ADMIN_VURLoggerCategoryAndVerbositySeq_get_reference(&sequence, i) =
-                random.categoryAndVerbosity();
+                random.category_and_verbosity();
         }
         record.command._u.printFormat = random.enumerator<VUR_DL_ADMIN_VURLoggerPrintFormat>(7);
     }

@@ -8,7 +8,7 @@
 
 // Of the engine's interface, declared here because its headers and KOLT's do not go together.
 extern "C" {
-typedef std::int32_t dds_entity_t;
+typedef std::int32_t dds_entity_t;  // NOLINT(readability-identifier-naming): the engine's name
 struct dds_qos;
 struct dds_listener;
 dds_entity_t dds_create_participant(std::uint32_t domain, const dds_qos *qos,
