@@ -17,7 +17,6 @@ namespace {
 
 using support::errors;
 using support::Lines;
-using support::log_error;
 using support::StdoutCapture;
 using Document = support::XmlConfigDocument;
 

@@ -23,6 +23,7 @@ struct Wrong {
     const char *text;
 };
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name that GoogleTest looks for
 void PrintTo(const Wrong &wrong, std::ostream *stream) {
     *stream << wrong.expression;
 }
