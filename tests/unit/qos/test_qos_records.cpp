@@ -196,8 +196,8 @@ struct Change {
     void (*apply)(Qos &qos);
 };
 
-template <typename Qos, std::size_t count>
-void expect_each_change_seen_and_copied(const Change<Qos> (&changes)[count]) {
+template <typename Qos, std::size_t kCount>
+void expect_each_change_seen_and_copied(const Change<Qos> (&changes)[kCount]) {
     using F = Functions<Qos>;
     for (const auto &change : changes) {
         SCOPED_TRACE(change.name);
