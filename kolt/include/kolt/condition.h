@@ -43,8 +43,8 @@ KOLT_EXPORT DDS_Boolean DDS_Condition_get_trigger_value(DDS_Condition *self);
 /* Returns the same object as a condition; NULL for NULL. */
 KOLT_EXPORT DDS_Condition *DDS_StatusCondition_as_condition(DDS_StatusCondition *self);
 /* Sets the statuses that trigger the condition; all of them do at first. Bits of statuses that the
- * entity does not have are ignored. Must not be called from a listener callback of the same entity:
- * it waits for that to end. Returns the engine's code when the engine cannot set them. */
+ * entity does not have are ignored. When one of them has changed already, waits on the condition
+ * end. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_StatusCondition_set_enabled_statuses(DDS_StatusCondition *self,
                                                                       DDS_StatusMask mask);
 /* Returns the statuses as they were set, ignored bits included; 0 for NULL. */

@@ -9,17 +9,24 @@
  *     counterpart in the network: QoS (immutable policies included), listener and conditions can be
  *     set, statuses stay at zero, and functions that need the network give
  *     DDS_RETCODE_NOT_ENABLED.
- *  3. Listener callbacks run on the engine's threads, or on the thread that installs a listener or
- *     writes to a reader in the same process; one at a time per listener. They may read, write,
- *     create and install listeners. They must not delete their own entity, and must not write
- *     through the writer whose write they are called from (a reader's callback on the writing
- *     thread).
+ *  3. Listener callbacks run on a thread of the participant's, the listener thread, which begins with
+ *     the first listener: one at a time, in the order of what happened, with no lock of the engine's
+ *     or KOLT's held. A callback may call every function, also those that create, write and delete,
+ *     its own entity included. What changes again before its callback is called is told by one
+ *     callback; so that of on_data_available takes until there are no more data. A callback that
+ *     does not return holds up those of its participant and nothing else.
  *  4. A listener handles a status when the status is in its mask and the callback is not NULL.
  *     A status that an entity's own listener does not handle goes to the listener of its publisher
  *     or subscriber, and then to that of its participant. A status that none of them handles is
- *     kept until a getter or a later listener asks for it.
- *  5. When a function that replaces or removes a listener has returned, no callback of the old one
- *     runs on another thread. When an entity has been deleted, no callback about it runs.
+ *     kept until a getter or a later listener asks for it. A callback that is called resets the
+ *     changes of its status, as a getter does (DDS 1.4, 2.2.4.1).
+ *  5. Functions that replace or remove a listener, and those that delete an entity, wait for a
+ *     callback of that listener or about that entity to end, except when called from a callback of
+ *     the same participant: then none comes after it. They must not be called with a lock held that
+ *     the callback takes.
+ *  6. Statuses and their changes are read without waiting, beside a write that is blocked, too.
+ *  7. Called on other threads are the data requests of deferred writes (publication.h), on the writing
+ *     one, and the devices of the middleware's log (config_logger.h), on the one that logs.
  */
 #pragma once
 

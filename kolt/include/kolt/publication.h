@@ -120,8 +120,10 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_get_qos(DDS_DataWriter *self, DDS_Da
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_qos(DDS_DataWriter *self,
                                                     const DDS_DataWriterQos *qos);
 /* Replaces the listener (the record is copied; NULL removes it). When a status in `mask` has
- * changed already (a reader matched before the listener came), its callback is called at once, on
- * the calling thread. */
+ * changed already (a reader matched before the listener came), its callback is called now, on the
+ * listener thread. Waits for a deferred write in progress to give its data back, except when called
+ * from its on_data_request or on_data_return. OUT_OF_RESOURCES, and the listener as it was, when the
+ * listener thread cannot be started. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_listener(DDS_DataWriter *self,
                                                          const DDS_DataWriterListener *listener,
                                                          DDS_StatusMask mask);

@@ -84,7 +84,7 @@ DDS_Subscriber_set_default_datareader_qos(DDS_Subscriber *self, const DDS_DataRe
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_copy_from_topic_qos(DDS_Subscriber *self,
                                                                 DDS_DataReaderQos *reader_qos,
                                                                 const DDS_TopicQos *topic_qos);
-/* Calls on_data_available, on the calling thread, for each reader that has data for which no
+/* Lets on_data_available be called, on the listener thread, for each reader that has data for which no
  * listener was called yet. NOT_ENABLED. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_Subscriber_notify_datareaders(DDS_Subscriber *self);
 /* Returns the participant that created it. */
@@ -96,8 +96,9 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_qos(DDS_DataReader *self, DDS_Da
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_qos(DDS_DataReader *self,
                                                     const DDS_DataReaderQos *qos);
 /* Replaces the listener (the record is copied; NULL removes it). When a status in `mask` has
- * changed already (data arrived before the listener came), its callback is called at once, on the
- * calling thread. A NULL reader is an absent reader and gives OK: there is nothing to listen to. */
+ * changed already (data arrived before the listener came), its callback is called now, on the
+ * listener thread. OUT_OF_RESOURCES, and the listener as it was, when that cannot be started. A NULL
+ * reader is an absent reader and gives OK: there is nothing to listen to. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_set_listener(DDS_DataReader *self,
                                                          const DDS_DataReaderListener *listener,
                                                          DDS_StatusMask mask);

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <vector>
 
 #include "support/platform/pubsub.h"
 
@@ -311,6 +312,93 @@ TEST(KoltConditions, DeletedEntityLeavesTheWaitset) {
     EXPECT_EQ(DDS_ConditionSeq_get_length(&attached), 0U);
     DDS_ConditionSeq_finalize(&attached);
     EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
+}
+
+TEST(KoltConditions, EnablingAStatusThatHasChangedEndsAWait) {
+    Node node(10);
+    DDS_DataWriter *const writer = node.writer();
+    DDS_Condition *const condition =
+        status_condition(DDS_DataWriter_as_entity(writer), DDS_LIVELINESS_LOST_STATUS);
+    Waiter waiter;
+    ASSERT_EQ(waiter.attach(condition), DDS_RETCODE_OK);
+    node.reader();
+    ASSERT_TRUE(eventually([&] {
+        return (DDS_Entity_get_status_changes(DDS_DataWriter_as_entity(writer)) &
+                DDS_PUBLICATION_MATCHED_STATUS) != 0;
+    }));
+    ASSERT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
+    std::thread enabler([&] {
+        status_condition(DDS_DataWriter_as_entity(writer), DDS_PUBLICATION_MATCHED_STATUS);
+    });
+    EXPECT_EQ(waiter.wait(kLong), DDS_RETCODE_OK);
+    EXPECT_TRUE(waiter.is_active(condition));
+    enabler.join();
+    // Reading the status makes it false again.
+    DDS_PublicationMatchedStatus status{};
+    EXPECT_EQ(DDS_DataWriter_get_publication_matched_status(writer, &status), DDS_RETCODE_OK);
+    EXPECT_EQ(waiter.wait(kShort), DDS_RETCODE_TIMEOUT);
+    EXPECT_EQ(waiter.detach(condition), DDS_RETCODE_OK);
+}
+
+// Conditions that are detached and deleted while a thread waits for them and lists them.
+TEST(KoltConditions, ConditionsMayGoWhileAThreadWaits) {
+    DDS_WaitSet *const set = DDS_WaitSet_new();
+    DDS_GuardCondition *const keep = DDS_GuardCondition_new();
+    ASSERT_EQ(DDS_WaitSet_attach_condition(set, DDS_GuardCondition_as_condition(keep)),
+              DDS_RETCODE_OK);
+    std::atomic<bool> stop{false};
+    std::thread waiting([&] {
+        DDS_ConditionSeq active = DDS_SEQUENCE_INITIALIZER;
+        while (!stop) {
+            DDS_WaitSet_wait(set, &active, &kShort);
+        }
+        DDS_ConditionSeq_finalize(&active);
+    });
+    std::thread listing([&] {
+        DDS_ConditionSeq attached = DDS_SEQUENCE_INITIALIZER;
+        while (!stop) {
+            EXPECT_EQ(DDS_WaitSet_get_conditions(set, &attached), DDS_RETCODE_OK);
+        }
+        DDS_ConditionSeq_finalize(&attached);
+    });
+    for (int round = 0; round < 2000; ++round) {
+        DDS_GuardCondition *const guard = DDS_GuardCondition_new();
+        DDS_Condition *const condition = DDS_GuardCondition_as_condition(guard);
+        ASSERT_EQ(DDS_WaitSet_attach_condition(set, condition), DDS_RETCODE_OK);
+        DDS_GuardCondition_set_trigger_value(guard, DDS_BOOLEAN_TRUE);
+        ASSERT_EQ(DDS_WaitSet_detach_condition(set, condition), DDS_RETCODE_OK);
+        ASSERT_EQ(DDS_GuardCondition_delete(guard), DDS_RETCODE_OK);
+    }
+    stop = true;
+    DDS_GuardCondition_set_trigger_value(keep, DDS_BOOLEAN_TRUE);
+    waiting.join();
+    listing.join();
+    ASSERT_EQ(DDS_WaitSet_delete(set), DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_GuardCondition_delete(keep), DDS_RETCODE_OK);
+}
+
+// A waitset that is deleted while a reader that is attached to it goes, too.
+TEST(KoltConditions, WaitsetsAndEntitiesMayGoAtOnce) {
+    Node node(10);
+    for (int round = 0; round < 200; ++round) {
+        DDS_WaitSet *const set = DDS_WaitSet_new();
+        std::vector<DDS_DataReader *> readers;
+        for (int i = 0; i < 4; ++i) {
+            readers.push_back(node.reader());
+            ASSERT_EQ(DDS_WaitSet_attach_condition(
+                          set, status_condition(DDS_DataReader_as_entity(readers.back()),
+                                                DDS_DATA_AVAILABLE_STATUS)),
+                      DDS_RETCODE_OK);
+        }
+        std::thread deleting([&] {
+            for (DDS_DataReader *const reader : readers) {
+                EXPECT_EQ(DDS_Subscriber_delete_datareader(node.subscriber, reader),
+                          DDS_RETCODE_OK);
+            }
+        });
+        EXPECT_EQ(DDS_WaitSet_delete(set), DDS_RETCODE_OK);
+        deleting.join();
+    }
 }
 
 }  // namespace

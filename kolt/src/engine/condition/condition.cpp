@@ -20,13 +20,6 @@ std::mutex &attachments() {
 
 // ---- Any condition ------------------------------------------------------------------------------
 
-KOLT_ConditionImpl::~KOLT_ConditionImpl() {
-    const std::lock_guard lock(attachments());
-    for (kolt::engine::WaitSet *const waitset : waitsets_) {
-        std::erase(waitset->conditions_, this);
-    }
-}
-
 bool KOLT_ConditionImpl::is_triggered() const {
     const dds_entity_t entity = watched();
     return entity > 0 && dds_triggered(entity) > 0;
@@ -39,20 +32,26 @@ bool KOLT_ConditionImpl::is_attached() const {
 
 void KOLT_ConditionImpl::start_watching() {
     const std::lock_guard lock(attachments());
-    for (const kolt::engine::WaitSet *const waitset : waitsets_) {
-        dds_waitset_attach(waitset->engine_, watched(), reinterpret_cast<dds_attach_t>(this));
+    for (kolt::engine::WaitSet *const waitset : waitsets_) {
+        waitset->watch(&*waitset->find(this));
     }
 }
 
 void KOLT_ConditionImpl::stop_watching() {
     const std::lock_guard lock(attachments());
-    const dds_entity_t entity = watched();
-    if (entity <= 0) {
-        return;
+    for (kolt::engine::WaitSet *const waitset : waitsets_) {
+        waitset->unwatch(&*waitset->find(this));
     }
-    for (const kolt::engine::WaitSet *const waitset : waitsets_) {
-        dds_waitset_detach(waitset->engine_, entity);
+}
+
+void KOLT_ConditionImpl::leave_waitsets() {
+    const std::lock_guard lock(attachments());
+    for (kolt::engine::WaitSet *const waitset : waitsets_) {
+        const auto attachment = waitset->find(this);
+        waitset->unwatch(&*attachment);
+        waitset->attachments_.erase(attachment);
     }
+    waitsets_.clear();
 }
 
 namespace kolt::engine {
@@ -68,9 +67,8 @@ GuardCondition::GuardCondition() : Condition(&handle_._condition) {
 }
 
 GuardCondition::~GuardCondition() {
-    stop_watching();
+    leave_waitsets();
     dds_delete(engine_);
-    engine_ = 0;
 }
 
 GuardCondition *GuardCondition::of(DDS_GuardCondition *self) {
@@ -103,33 +101,58 @@ WaitSet::WaitSet() {
 WaitSet::~WaitSet() {
     {
         const std::lock_guard lock(attachments());
-        for (Condition *const condition : conditions_) {
-            if (condition->watched() > 0) {
-                dds_waitset_detach(engine_, condition->watched());
-            }
-            std::erase(condition->waitsets_, this);
+        for (Attachment &attachment : attachments_) {
+            unwatch(&attachment);
+            std::erase(attachment.condition->waitsets_, this);
         }
-        conditions_.clear();
+        attachments_.clear();
     }
     dds_delete(engine_);
     dds_delete(wake_up_);
 }
 
-DDS_ReturnCode_t WaitSet::attach(Condition *condition) {
-    const std::lock_guard lock(attachments());
-    if (std::find(conditions_.begin(), conditions_.end(), condition) != conditions_.end()) {
+std::vector<WaitSet::Attachment>::iterator WaitSet::find(const Condition *condition) {
+    return std::find_if(attachments_.begin(), attachments_.end(),
+                        [&](const Attachment &a) { return a.condition == condition; });
+}
+
+DDS_ReturnCode_t WaitSet::watch(Attachment *attachment) {
+    const dds_entity_t watched = attachment->condition->watched();
+    if (watched <= 0) {
         return DDS_RETCODE_OK;
     }
-    conditions_.reserve(conditions_.size() + 1);
-    condition->waitsets_.reserve(condition->waitsets_.size() + 1);
-    if (condition->watched() > 0) {
-        const dds_return_t result = dds_waitset_attach(engine_, condition->watched(),
-                                                       reinterpret_cast<dds_attach_t>(condition));
-        if (result < 0) {
-            return to_return_code(result);
-        }
+    const dds_return_t result = dds_waitset_attach(engine_, watched, attachment->number);
+    if (result < 0) {
+        return to_return_code(result);
     }
-    conditions_.push_back(condition);
+    attachment->watched = watched;
+    return DDS_RETCODE_OK;
+}
+
+void WaitSet::unwatch(Attachment *attachment) {
+    if (attachment->watched > 0) {
+        dds_waitset_detach(engine_, attachment->watched);
+        attachment->watched = 0;
+    }
+}
+
+DDS_ReturnCode_t WaitSet::attach(Condition *condition) {
+    const std::lock_guard lock(attachments());
+    if (find(condition) != attachments_.end()) {
+        return DDS_RETCODE_OK;
+    }
+    attachments_.reserve(attachments_.size() + 1);
+    condition->waitsets_.reserve(condition->waitsets_.size() + 1);
+    const DDS_ReturnCode_t prepared = condition->prepare_watching();
+    if (prepared != DDS_RETCODE_OK) {
+        return prepared;
+    }
+    Attachment attachment{++last_number_, condition, 0};
+    const DDS_ReturnCode_t watched = watch(&attachment);
+    if (watched != DDS_RETCODE_OK) {
+        return watched;
+    }
+    attachments_.push_back(attachment);
     condition->waitsets_.push_back(this);
     return DDS_RETCODE_OK;
 }
@@ -137,11 +160,11 @@ DDS_ReturnCode_t WaitSet::attach(Condition *condition) {
 DDS_ReturnCode_t WaitSet::detach(Condition *condition, const char *method) {
     {
         const std::lock_guard lock(attachments());
-        if (std::erase(conditions_, condition) != 0) {
+        const auto attachment = find(condition);
+        if (attachment != attachments_.end()) {
+            unwatch(&*attachment);
+            attachments_.erase(attachment);
             std::erase(condition->waitsets_, this);
-            if (condition->watched() > 0) {
-                dds_waitset_detach(engine_, condition->watched());
-            }
             return DDS_RETCODE_OK;
         }
     }
@@ -150,12 +173,15 @@ DDS_ReturnCode_t WaitSet::detach(Condition *condition, const char *method) {
 }
 
 DDS_ReturnCode_t WaitSet::get_conditions(DDS_ConditionSeq *conditions, const char *method) const {
-    std::vector<Condition *> copy;
+    std::vector<DDS_Condition *> attached;
     {
         const std::lock_guard lock(attachments());
-        copy = conditions_;
+        attached.reserve(attachments_.size());
+        for (const Attachment &attachment : attachments_) {
+            attached.push_back(attachment.condition->self());
+        }
     }
-    return fill_sequence(copy, conditions, method);
+    return fill_sequence(attached, conditions, method);
 }
 
 DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &timeout,
@@ -164,7 +190,7 @@ DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &t
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
                     "another thread waits on the waitset: only one may wait at a time");
     }
-    std::vector<Condition *> triggered;
+    std::vector<DDS_Condition *> triggered;
     DDS_ReturnCode_t result = DDS_RETCODE_ERROR;
     try {
         result = wait_for_trigger(timeout, &triggered);
@@ -178,7 +204,7 @@ DDS_ReturnCode_t WaitSet::wait(DDS_ConditionSeq *active, const DDS_Duration_t &t
 }
 
 DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
-                                           std::vector<Condition *> *active) {
+                                           std::vector<DDS_Condition *> *active) {
     using Clock = std::chrono::steady_clock;
     const dds_duration_t span = to_engine(timeout);
     const Clock::time_point start = Clock::now();
@@ -186,7 +212,7 @@ DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
     while (true) {
         {
             const std::lock_guard lock(attachments());
-            triggered.resize(conditions_.size() + 1);
+            triggered.resize(attachments_.size() + 1);
         }
         dds_duration_t left = span;
         if (span != cyclone::kInfinity) {
@@ -212,20 +238,17 @@ DDS_ReturnCode_t WaitSet::wait_for_trigger(const DDS_Duration_t &timeout,
 }
 
 void WaitSet::collect(const std::vector<dds_attach_t> &triggered,
-                      std::vector<Condition *> *active) {
+                      std::vector<DDS_Condition *> *active) {
     const std::lock_guard lock(attachments());
-    for (const dds_attach_t argument : triggered) {
-        // The argument is what attach() gave: the condition.
-        auto *const condition =
-            reinterpret_cast<Condition *>(argument);  // NOLINT(performance-no-int-to-ptr)
-        if (std::find(conditions_.begin(), conditions_.end(), condition) != conditions_.end()) {
-            active->push_back(condition);
+    for (const Attachment &attachment : attachments_) {
+        if (std::find(triggered.begin(), triggered.end(), attachment.number) != triggered.end()) {
+            active->push_back(attachment.condition->self());
         }
     }
 }
 
-DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_ConditionSeq *seq,
-                               const char *method) {
+DDS_ReturnCode_t fill_sequence(const std::vector<DDS_Condition *> &conditions,
+                               DDS_ConditionSeq *seq, const char *method) {
     const auto count = static_cast<DDS_Long>(conditions.size());
     if (DDS_ConditionSeq_ensure_length(seq, count, count) == DDS_BOOLEAN_FALSE) {
         return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
@@ -233,7 +256,7 @@ DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_C
                     static_cast<int>(count));
     }
     for (DDS_Long i = 0; i < count; ++i) {
-        *DDS_ConditionSeq_get_reference(seq, i) = conditions[static_cast<std::size_t>(i)]->self();
+        *DDS_ConditionSeq_get_reference(seq, i) = conditions[static_cast<std::size_t>(i)];
     }
     return DDS_RETCODE_OK;
 }

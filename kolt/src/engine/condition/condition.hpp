@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Conditions and waitsets, on the engine's.
 //
-// The engine's waitsets watch each condition through an engine entity: a status condition through
-// its entity, a guard, read or query condition through one of its own. One process-wide mutex
+// The engine's waitsets watch each condition through an engine entity: a status or guard condition
+// through a guard condition, a read or query condition through one of its kind. One process-wide mutex
 // guards the attachments: attaching is rare, and a thread does not hold the mutex while it waits.
 #pragma once
 
@@ -23,8 +23,8 @@ struct KOLT_ConditionImpl {
   public:
     // `self` is the derived object's C record, which that object makes point back to itself.
     explicit KOLT_ConditionImpl(DDS_Condition *self) : self_(self) {}
-    // Takes the condition out of the waitsets. The derived destructor has called stop_watching().
-    virtual ~KOLT_ConditionImpl();
+    // The derived destructor has called leave_waitsets().
+    virtual ~KOLT_ConditionImpl() = default;
     KOLT_ConditionImpl(const KOLT_ConditionImpl &) = delete;
     KOLT_ConditionImpl &operator=(const KOLT_ConditionImpl &) = delete;
 
@@ -35,13 +35,19 @@ struct KOLT_ConditionImpl {
     DDS_Condition *self() const { return self_; }
     // Returns the engine entity that waitsets watch; 0 while there is none.
     virtual dds_entity_t watched() const = 0;
-    bool is_triggered() const;
+    virtual bool is_triggered() const;
     bool is_attached() const;
 
     // Attach the watched entity, which has just been created, to the engine's waitsets, and detach
     // it before it goes.
     void start_watching();
     void stop_watching();
+
+  protected:
+    // Takes the condition out of all waitsets; before anything of it goes.
+    void leave_waitsets();
+    // Makes what waitsets watch, if it is not there yet. Called by one thread at a time.
+    virtual DDS_ReturnCode_t prepare_watching() { return DDS_RETCODE_OK; }
 
   private:
     friend class kolt::engine::WaitSet;
@@ -96,20 +102,34 @@ class WaitSet final : public DDS_WaitSet {
   private:
     friend struct ::KOLT_ConditionImpl;
 
+    // One condition in the set. The engine reports it by its number, which no other attachment of the
+    // set ever had: a condition may be gone by then, and another one lie at its address.
+    struct Attachment {
+        dds_attach_t number;
+        Condition *condition;
+        dds_entity_t watched;  // as the engine's waitset knows it; 0 while it does not
+    };
+
+    std::vector<Attachment>::iterator find(const Condition *condition);
+    // Let the engine's waitset watch what stands behind a condition, and forget it.
+    DDS_ReturnCode_t watch(Attachment *attachment);
+    void unwatch(Attachment *attachment);
     // Waits for conditions that trigger, and appends them to `active`.
     DDS_ReturnCode_t wait_for_trigger(const DDS_Duration_t &timeout,
-                                      std::vector<Condition *> *active);
+                                      std::vector<DDS_Condition *> *active);
     // Appends those of the triggered conditions that are still attached.
-    void collect(const std::vector<dds_attach_t> &triggered, std::vector<Condition *> *active);
+    void collect(const std::vector<dds_attach_t> &triggered, std::vector<DDS_Condition *> *active);
 
     dds_entity_t engine_ = 0;
     dds_entity_t wake_up_ = 0;  // an engine guard condition that keeps the engine's set non-empty
     std::atomic<bool> waiting_{false};
-    std::vector<Condition *> conditions_;  // guarded by the process-wide mutex
+    // Guarded by the process-wide mutex:
+    std::vector<Attachment> attachments_;
+    dds_attach_t last_number_ = 0;
 };
 
 // Copies `conditions` into the caller's sequence.
-DDS_ReturnCode_t fill_sequence(const std::vector<Condition *> &conditions, DDS_ConditionSeq *seq,
-                               const char *method);
+DDS_ReturnCode_t fill_sequence(const std::vector<DDS_Condition *> &conditions,
+                               DDS_ConditionSeq *seq, const char *method);
 
 }  // namespace kolt::engine

@@ -125,23 +125,6 @@ inline constexpr dds_return_t kNoData = DDS_RETCODE_NO_DATA;
 inline constexpr dds_return_t kIllegalOperation = DDS_RETCODE_ILLEGAL_OPERATION;
 inline constexpr dds_return_t kNotAllowedBySecurity = DDS_RETCODE_NOT_ALLOWED_BY_SECURITY;
 
-// Statuses.
-inline constexpr std::uint32_t kInconsistentTopicStatus = DDS_INCONSISTENT_TOPIC_STATUS;
-inline constexpr std::uint32_t kOfferedDeadlineMissedStatus = DDS_OFFERED_DEADLINE_MISSED_STATUS;
-inline constexpr std::uint32_t kRequestedDeadlineMissedStatus =
-    DDS_REQUESTED_DEADLINE_MISSED_STATUS;
-inline constexpr std::uint32_t kOfferedIncompatibleQosStatus = DDS_OFFERED_INCOMPATIBLE_QOS_STATUS;
-inline constexpr std::uint32_t kRequestedIncompatibleQosStatus =
-    DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS;
-inline constexpr std::uint32_t kSampleLostStatus = DDS_SAMPLE_LOST_STATUS;
-inline constexpr std::uint32_t kSampleRejectedStatus = DDS_SAMPLE_REJECTED_STATUS;
-inline constexpr std::uint32_t kDataOnReadersStatus = DDS_DATA_ON_READERS_STATUS;
-inline constexpr std::uint32_t kDataAvailableStatus = DDS_DATA_AVAILABLE_STATUS;
-inline constexpr std::uint32_t kLivelinessLostStatus = DDS_LIVELINESS_LOST_STATUS;
-inline constexpr std::uint32_t kLivelinessChangedStatus = DDS_LIVELINESS_CHANGED_STATUS;
-inline constexpr std::uint32_t kPublicationMatchedStatus = DDS_PUBLICATION_MATCHED_STATUS;
-inline constexpr std::uint32_t kSubscriptionMatchedStatus = DDS_SUBSCRIPTION_MATCHED_STATUS;
-
 // Sample, view and instance states, which the engine keeps in one mask.
 inline constexpr std::uint32_t kReadState = DDS_READ_SAMPLE_STATE;
 inline constexpr std::uint32_t kNotReadState = DDS_NOT_READ_SAMPLE_STATE;

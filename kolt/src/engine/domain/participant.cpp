@@ -37,12 +37,13 @@ Participant::~Participant() {
 }
 
 void Participant::close(const char *method) {
-    listener().set(nullptr, 0);
+    listener().remove();
     if (wrapped_) {
         release_engine();
     } else {
         delete_engine(method);
     }
+    listener_thread().stop();
 }
 
 // ---- Enabling and QoS ---------------------------------------------------------------------------
@@ -84,7 +85,7 @@ DDS_ReturnCode_t Participant::enable_contained(const char *method) {
         if (entity->is_enabled()) {
             continue;
         }
-        const DDS_ReturnCode_t enabled = entity->enable(method);
+        const DDS_ReturnCode_t enabled = entity->enable_and_announce(method);
         if (enabled != DDS_RETCODE_OK) {
             result = enabled;
         }
@@ -165,8 +166,8 @@ typename Group::Record *Participant::create_group(std::vector<std::unique_ptr<Gr
         return nullptr;
     }
     auto group = std::make_unique<Group>(*this, *chosen);
-    group->set_listener(listener, mask);
-    if (autoenables() && group->enable(method) != DDS_RETCODE_OK) {
+    if (group->set_listener(listener, mask, method) != DDS_RETCODE_OK ||
+        (autoenables() && group->enable(method) != DDS_RETCODE_OK)) {
         return nullptr;
     }
     typename Group::Record *const handle = group->handle();

@@ -56,7 +56,9 @@ DDS_DomainParticipant *Factory::create_participant(DDS_DomainId_t domain_id,
         return nullptr;
     }
     auto participant = std::make_unique<Participant>(domain_id, *chosen);
-    participant->set_listener(listener, mask);
+    if (participant->set_listener(listener, mask, method) != DDS_RETCODE_OK) {
+        return nullptr;
+    }
     bool autoenable = false;
     {
         const std::lock_guard lock(mutex_);

@@ -136,16 +136,20 @@ DDS_Topic *Participant::create_topic(const char *name, const char *type_name,
         type = found->second;
     }
     auto topic = std::make_unique<Topic>(*this, name, std::move(type), *chosen);
-    topic->set_listener(listener, mask);
-    if (autoenables() && topic->enable(method) != DDS_RETCODE_OK) {
+    if (topic->set_listener(listener, mask, method) != DDS_RETCODE_OK ||
+        (autoenables() && topic->enable(method) != DDS_RETCODE_OK)) {
         return nullptr;
     }
-    DDS_Topic *const handle = topic->handle();
+    Topic *const created = topic.get();
+    DDS_Topic *const handle = created->handle();
     {
         const std::lock_guard lock(tree());
         topics_.push_back(std::move(topic));
     }
     note_entity(method, "created", "topic", name);
+    if (created->is_enabled()) {
+        created->announce();
+    }
     return handle;
 }
 

@@ -41,9 +41,9 @@ class EndpointGroup : public Entity {
     Record *handle() { return &handle_; }
     ParticipantScope &participant() const { return participant_; }
     ListenerSlot<Listener> &listener() { return listener_; }
-    DDS_ReturnCode_t set_listener(const Listener *listener, DDS_StatusMask mask) {
-        listener_.set(listener, mask);
-        return DDS_RETCODE_OK;
+    DDS_ReturnCode_t set_listener(const Listener *listener, DDS_StatusMask mask,
+                                  const char *method) {
+        return listener_.set(listener, mask, method);
     }
 
     DDS_ReturnCode_t enable(const char *method) override;

@@ -22,11 +22,12 @@ template <typename Traits>
 EndpointGroup<Traits>::EndpointGroup(ParticipantScope &participant, const Qos &qos)
     : Entity(Traits::kKind, &handle_._entity, Traits::kStatuses),
       participant_(participant),
+      listener_(participant.listener_thread()),
       qos_(participant.tree(), qos) {}
 
 template <typename Traits>
 EndpointGroup<Traits>::~EndpointGroup() {
-    listener_.set(nullptr, 0);
+    listener_.remove();
     delete_engine(Traits::kDelete);
 }
 
@@ -57,7 +58,7 @@ DDS_ReturnCode_t EndpointGroup<Traits>::enable(const char *method) {
         return result;
     }
     for (Endpoint *const endpoint : endpoints()) {
-        const DDS_ReturnCode_t enabled = endpoint->enable(method);
+        const DDS_ReturnCode_t enabled = endpoint->enable_and_announce(method);
         if (enabled != DDS_RETCODE_OK) {
             result = enabled;
         }
@@ -131,17 +132,21 @@ auto EndpointGroup<Traits>::create(EndpointTopic *topic, const EndpointQos *qos,
     }
 
     auto endpoint = std::make_unique<Endpoint>(self(), *topic, *chosen);
-    if (endpoint->attach_type(method) != DDS_RETCODE_OK) {
+    if (endpoint->attach_type(method) != DDS_RETCODE_OK ||
+        endpoint->set_listener(listener, mask, method) != DDS_RETCODE_OK ||
+        (autoenables() && endpoint->enable(method) != DDS_RETCODE_OK)) {
         return nullptr;
     }
-    endpoint->set_listener(listener, mask);
-    if (autoenables() && endpoint->enable(method) != DDS_RETCODE_OK) {
-        return nullptr;
+    Endpoint *const created = endpoint.get();
+    {
+        const std::lock_guard lock(participant_.tree());
+        endpoints_.push_back(std::move(endpoint));
     }
-    EndpointRecord *const handle = endpoint->handle();
-    const std::lock_guard lock(participant_.tree());
-    endpoints_.push_back(std::move(endpoint));
     note_entity(method, "created", Traits::kEndpointOf, topic->name().c_str());
+    EndpointRecord *const handle = created->handle();
+    if (created->is_enabled()) {
+        created->announce();
+    }
     return handle;
 }
 

@@ -24,12 +24,16 @@ DDS_InstanceHandle_t KOLT_EntityImpl::instance_handle() const {
     return handle;
 }
 
+DDS_ReturnCode_t KOLT_EntityImpl::enable_and_announce(const char *method) {
+    const DDS_ReturnCode_t result = enable(method);
+    if (is_enabled()) {
+        announce();
+    }
+    return result;
+}
+
 void KOLT_EntityImpl::set_engine(dds_entity_t engine) {
     engine_.store(engine, std::memory_order_release);
-    if (valid_statuses_ != 0) {
-        status_condition_->apply_mask();
-    }
-    status_condition_->start_watching();
 }
 
 void KOLT_EntityImpl::delete_engine(const char *method) {
@@ -37,7 +41,6 @@ void KOLT_EntityImpl::delete_engine(const char *method) {
     if (entity == 0) {
         return;
     }
-    status_condition_->stop_watching();
     const dds_return_t result = dds_delete(entity);
     engine_.store(0, std::memory_order_release);
     if (result < 0) {
@@ -47,7 +50,6 @@ void KOLT_EntityImpl::delete_engine(const char *method) {
 }
 
 void KOLT_EntityImpl::release_engine() {
-    status_condition_->stop_watching();
     engine_.store(0, std::memory_order_release);
 }
 

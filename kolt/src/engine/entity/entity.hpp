@@ -4,7 +4,7 @@
 // An entity of the engine exists from the moment when the KOLT entity is enabled: the engine does
 // not have disabled ones. Until then the engine handle is 0. One mutex per participant tree guards
 // the structure (who contains whom, QoS records); it is never held across a call that may wait for
-// the engine's threads. The engine's threads handle events without it.
+// the engine's threads. The engine's threads note events without it.
 #pragma once
 
 #include <atomic>
@@ -50,14 +50,17 @@ struct KOLT_EntityImpl {
 
     // Creates the engine's entity. Called for a disabled entity only.
     virtual DDS_ReturnCode_t enable(const char *method) = 0;
+    // Begins to tell listeners what happens to the entity, which is enabled and which the application
+    // can know of; what has happened before is told now.
+    virtual void announce() {}
+    DDS_ReturnCode_t enable_and_announce(const char *method);
 
   protected:
-    // Keeps the engine's entity, which was just created, and lets waitsets watch it.
+    // Keeps the engine's entity, which was just created.
     void set_engine(dds_entity_t engine);
-    // Lets go of waitsets and deletes the engine's entity. Once it has returned, no thread handles
-    // an event of the entity.
+    // Deletes the engine's entity. Once it has returned, the engine tells no event of the entity.
     void delete_engine(const char *method);
-    // Lets go of waitsets and forgets the engine's entity, which belongs to the application.
+    // Forgets the engine's entity, which belongs to the application.
     void release_engine();
 
   private:

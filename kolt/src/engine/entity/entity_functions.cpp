@@ -2,7 +2,6 @@
 // The C functions of any entity and of its status condition.
 #include "engine/entity/entity.hpp"
 #include "engine/entity/status_condition.hpp"
-#include "engine/entity/statuses.hpp"
 
 using namespace kolt::engine;  // NOLINT: this file is nothing but the face of that namespace
 
@@ -22,7 +21,7 @@ DDS_ReturnCode_t DDS_Entity_enable(DDS_Entity *self) {
     if (impl->is_enabled()) {
         return DDS_RETCODE_OK;
     }
-    return guarded(__func__, [&](const char *method) { return impl->enable(method); });
+    return guarded(__func__, [&](const char *method) { return impl->enable_and_announce(method); });
 }
 
 DDS_Boolean DDS_Entity_is_enabled(DDS_Entity *self) {
@@ -31,15 +30,8 @@ DDS_Boolean DDS_Entity_is_enabled(DDS_Entity *self) {
 }
 
 DDS_StatusMask DDS_Entity_get_status_changes(DDS_Entity *self) {
-    const KOLT_EntityImpl *const impl = impl_of(self);
-    std::uint32_t mask = 0;
-    if (impl == nullptr || !impl->is_enabled() || impl->valid_statuses() == 0) {
-        return 0;
-    }
-    if (dds_get_status_changes(impl->engine(), &mask) < 0) {
-        return 0;
-    }
-    return status_from_engine(mask) & impl->valid_statuses();
+    KOLT_EntityImpl *const impl = impl_of(self);
+    return impl != nullptr ? impl->status_condition().changed() : 0;
 }
 
 DDS_StatusCondition *DDS_Entity_get_statuscondition(DDS_Entity *self) {

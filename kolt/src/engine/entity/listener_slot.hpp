@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // The place where an entity keeps its listener.
 //
-// A listener is called by one thread at a time; a callback may call back into KOLT and thereby, on
-// its own thread, into further callbacks of the same listener. Once set() has returned, no callback
-// of the old listener runs on another thread.
+// Listeners are called on the participant's listener thread. Once set() has returned, no callback of
+// the old listener runs on another thread.
 #pragma once
 
-#include <condition_variable>
 #include <mutex>
-#include <thread>
 
+#include "engine/barrier/barrier.hpp"
+#include "engine/entity/listener_thread.hpp"
 #include "kolt/infrastructure.h"
 
 namespace kolt::engine {
@@ -17,57 +16,51 @@ namespace kolt::engine {
 template <typename Listener>
 class ListenerSlot {
   public:
-    // Replaces the listener; nullptr removes it. Waits for callbacks on other threads to end.
-    void set(const Listener *listener, DDS_StatusMask mask) {
-        std::unique_lock lock(mutex_);
-        wait_for_others(lock);
+    explicit ListenerSlot(ListenerThread &thread) : thread_(thread) {}
+
+    // Replaces the listener; nullptr removes it. Waits for a callback of the old one to end, unless
+    // called from one. OUT_OF_RESOURCES, and the old listener stays, when no thread could be made.
+    DDS_ReturnCode_t set(const Listener *listener, DDS_StatusMask mask, const char *method) {
+        if (listener != nullptr && mask != 0 && !thread_.start()) {
+            return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                        "the system has no thread left to call the listener on");
+        }
+        std::unique_lock lock(thread_.mutex());
         listener_ = listener != nullptr ? *listener : Listener{};
         mask_ = listener != nullptr ? mask : 0;
+        thread_.wait_until_not_called(lock, this);
+        return DDS_RETCODE_OK;
     }
 
+    void remove() { set(nullptr, 0, nullptr); }
+
     Listener get() const {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(thread_.mutex());
         return listener_;
     }
 
-    // If the mask has `status` and `has_callback(listener)` holds, calls `call(listener)` and
-    // returns true.
+    // If the mask has `status` and `has_callback(listener)` holds, calls `call(listener)` and returns
+    // true. The slot may be gone by then. Only while an event is being told.
     template <typename HasCallback, typename Call>
     bool handle(DDS_StatusMask status, HasCallback &&has_callback, Call &&call) {
-        std::unique_lock lock(mutex_);
-        const auto handles = [&] { return (mask_ & status) != 0 && has_callback(listener_); };
-        if (!handles()) {
-            return false;
+        Listener listener;
+        {
+            const std::lock_guard lock(thread_.mutex());
+            if ((mask_ & status) == 0 || !has_callback(listener_)) {
+                return false;
+            }
+            listener = listener_;
+            thread_.mark_called(this);
         }
-        wait_for_others(lock);
-        if (!handles()) {
-            return false;
-        }
-        const Listener listener = listener_;
-        owner_ = std::this_thread::get_id();
-        ++depth_;
-        lock.unlock();
         call(listener);
-        lock.lock();
-        if (--depth_ == 0) {
-            owner_ = {};
-            idle_.notify_all();
-        }
         return true;
     }
 
   private:
-    void wait_for_others(std::unique_lock<std::mutex> &lock) {
-        const auto self = std::this_thread::get_id();
-        idle_.wait(lock, [&] { return depth_ == 0 || owner_ == self; });
-    }
-
-    mutable std::mutex mutex_;
-    std::condition_variable idle_;
+    ListenerThread &thread_;
+    // Guarded by the thread's mutex:
     Listener listener_{};
     DDS_StatusMask mask_ = 0;
-    std::thread::id owner_;  // the thread that is in callbacks, `depth_` of them
-    int depth_ = 0;
 };
 
 }  // namespace kolt::engine

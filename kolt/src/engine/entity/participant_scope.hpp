@@ -22,11 +22,12 @@ class ParticipantScope : public Entity {
     DDS_DomainId_t domain_id() const { return domain_id_; }
     // Guards the structure and the QoS records of everything in the participant.
     std::mutex &tree() { return tree_; }
+    // The thread that calls the listeners of everything in the participant.
+    ListenerThread &listener_thread() { return listener_thread_; }
     ListenerSlot<DDS_DomainParticipantListener> &listener() { return listener_; }
     DDS_ReturnCode_t set_listener(const DDS_DomainParticipantListener *listener,
-                                  DDS_StatusMask mask) {
-        listener_.set(listener, mask);
-        return DDS_RETCODE_OK;
+                                  DDS_StatusMask mask, const char *method) {
+        return listener_.set(listener, mask, method);
     }
     // True when entities are to be enabled as they are created in the participant.
     bool autoenables() const;
@@ -51,7 +52,8 @@ class ParticipantScope : public Entity {
 
     DDS_DomainParticipant handle_{{this}};
     const DDS_DomainId_t domain_id_;
-    ListenerSlot<DDS_DomainParticipantListener> listener_;
+    ListenerThread listener_thread_;
+    ListenerSlot<DDS_DomainParticipantListener> listener_{listener_thread_};
     std::mutex tree_;
     EntityQos<DDS_DomainParticipantQos> qos_;
     // Guarded by tree_:

@@ -1,23 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 // The one table of the communication statuses (DDS 1.4, 2.2.4.1): which entity has which, and their
-// names on both sides. Masks, registration with the engine, dispatch, getters and the translation
-// of masks follow from it.
+// names on both sides. Masks, registration with the engine, dispatch and getters follow from it. What
+// has changed is kept here, not in the engine, whose getters wait behind a blocked write.
 #pragma once
 
-#include <cstdint>
 #include <utility>
 
-#include "engine/cyclone/convert.hpp"
-#include "engine/entity/entity.hpp"
+#include "engine/cyclone/cyclone.hpp"
 #include "kolt/publication.h"
 #include "kolt/subscription.h"
 
 namespace kolt::engine {
 
 // One row for each status with a record, as ROW(Name, name, NAME):
-//   - Name: the type below, and cyclone::k<Name>Status, the engine's bit;
+//   - Name: the type below;
 //   - name: on_<name>, the callback; DDS_<Entity>_get_<name>_status, the getter;
-//     dds_get_<name>_status and dds_lset_<name>_arg, the engine's getter and registration;
+//     dds_<name>_status_t and dds_lset_<name>_arg, the engine's record and registration;
 //   - NAME: DDS_<NAME>_STATUS, the bit.
 // Pending statuses are told to listeners in the order of the rows.
 // clang-format off
@@ -83,54 +81,60 @@ inline DDS_SubscriptionMatchedStatus convert(const dds_subscription_matched_stat
             s.last_publication_handle};
 }
 
+// Adds a change to what is kept. Totals grow by changes, since KOLT counts events of its own, too.
 template <typename Status>
-bool has_changed(const Status &s) {
-    if constexpr (requires { s.current_count_change; }) {
-        return s.total_count_change != 0 || s.current_count_change != 0;
-    } else if constexpr (requires { s.alive_count_change; }) {
-        return s.alive_count_change != 0 || s.not_alive_count_change != 0;
-    } else {
-        return s.total_count_change != 0;
+void add(const Status &change, Status *kept) {
+    const Status before = *kept;
+    *kept = change;
+    if constexpr (requires { kept->total_count; }) {
+        kept->total_count = before.total_count + change.total_count_change;
+        kept->total_count_change = before.total_count_change + change.total_count_change;
+    }
+    if constexpr (requires { kept->current_count_change; }) {
+        kept->current_count_change = before.current_count_change + change.current_count_change;
+    }
+    if constexpr (requires { kept->alive_count_change; }) {
+        kept->alive_count_change = before.alive_count_change + change.alive_count_change;
+        kept->not_alive_count_change =
+            before.not_alive_count_change + change.not_alive_count_change;
+    }
+}
+
+// Begins to count changes anew.
+template <typename Status>
+void reset_changes(Status *status) {
+    if constexpr (requires { status->total_count_change; }) {
+        status->total_count_change = 0;
+    }
+    if constexpr (requires { status->current_count_change; }) {
+        status->current_count_change = 0;
+    }
+    if constexpr (requires { status->alive_count_change; }) {
+        status->alive_count_change = 0;
+        status->not_alive_count_change = 0;
     }
 }
 
 }  // namespace status_detail
 
-// One status: its bit, the engine's getter and registration of a callback, and the member of the
-// listener that is called.
-template <DDS_StatusMask kStatusBit, auto kEngineGet, auto kEngineListen, auto kListenerMember>
-struct StatusKind;
-
-template <DDS_StatusMask kStatusBit, typename EngineStatusType,
-          dds_return_t (*kEngineGet)(dds_entity_t, EngineStatusType *), auto kEngineListen,
+// One status: its bit, the engine's registration of a callback, and the member of the listener that is
+// called.
+template <DDS_StatusMask kStatusBit, typename EngineStatusType, auto kEngineListen,
           auto kListenerMember>
-struct StatusKind<kStatusBit, kEngineGet, kEngineListen, kListenerMember> {
+struct StatusKind {
     static constexpr DDS_StatusMask kBit = kStatusBit;
     static constexpr auto kCallback = kListenerMember;
     using EngineStatus = EngineStatusType;
     using Status = decltype(status_detail::convert(std::declval<EngineStatus>()));
 
-    // Reads the status and resets what it counts as changes.
-    static DDS_ReturnCode_t take(dds_entity_t entity, Status *status) {
-        EngineStatus engine_status{};
-        const dds_return_t result = kEngineGet(entity, &engine_status);
-        if (result < 0) {
-            return to_return_code(result);
-        }
-        *status = status_detail::convert(engine_status);
-        return DDS_RETCODE_OK;
-    }
-    static bool take_changed(dds_entity_t entity, Status *status) {
-        return take(entity, status) == DDS_RETCODE_OK && status_detail::has_changed(*status);
-    }
-
-    // Lets `listener` call `receiver->on_event<StatusKind>()`.
+    // Lets the engine call `receiver->note<StatusKind>(status)`, and forget what it has told.
     template <typename Receiver>
     static void listen(dds_listener_t *listener, Receiver *receiver) {
-        const auto on_event = [](dds_entity_t, const EngineStatus, void *argument) {
-            static_cast<Receiver *>(argument)->template on_event<StatusKind>();
+        const auto on_event = [](dds_entity_t, const EngineStatus status, void *argument) {
+            static_cast<Receiver *>(argument)->template note<StatusKind>(
+                status_detail::convert(status));
         };
-        kEngineListen(listener, on_event, receiver, false);
+        kEngineListen(listener, on_event, receiver, true);
     }
 };
 
@@ -150,8 +154,8 @@ struct StatusList {
     }
 };
 
-#define KOLT_STATUS_KIND(Listener, Name, name, NAME)                                             \
-    using Name = StatusKind<DDS_##NAME##_STATUS, dds_get_##name##_status, dds_lset_##name##_arg, \
+#define KOLT_STATUS_KIND(Listener, Name, name, NAME)                                           \
+    using Name = StatusKind<DDS_##NAME##_STATUS, dds_##name##_status_t, dds_lset_##name##_arg, \
                             &Listener::on_##name>;
 #define KOLT_TOPIC_STATUS(...) KOLT_STATUS_KIND(DDS_TopicListener, __VA_ARGS__)
 #define KOLT_WRITER_STATUS(...) KOLT_STATUS_KIND(DDS_DataWriterListener, __VA_ARGS__)
@@ -177,16 +181,5 @@ inline constexpr DDS_StatusMask kWriterStatusMask = WriterStatuses::kMask;
 inline constexpr DDS_StatusMask kReaderStatusMask =
     ReaderStatuses::kMask | DDS_DATA_AVAILABLE_STATUS;
 inline constexpr DDS_StatusMask kSubscriberStatusMask = DDS_DATA_ON_READERS_STATUS;
-
-// Reads a status of the entity and resets its changes; all zero while the entity is disabled.
-template <typename Kind>
-DDS_ReturnCode_t get_status(const Entity &entity, typename Kind::Status *status) {
-    *status = {};
-    return entity.is_enabled() ? Kind::take(entity.engine(), status) : DDS_RETCODE_OK;
-}
-
-// Translate masks. Bits that the other side does not have are dropped.
-std::uint32_t status_to_engine(DDS_StatusMask mask);
-DDS_StatusMask status_from_engine(std::uint32_t mask);
 
 }  // namespace kolt::engine

@@ -18,6 +18,8 @@ DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQ
       publisher_(publisher),
       topic_(topic),
       type_(topic.registered_type()),
+      listener_(publisher.participant().listener_thread()),
+      statuses_(*this, publisher.participant().listener_thread()),
       qos_(publisher.participant().tree(), qos) {
     note_qos();
     const std::lock_guard lock(publisher.participant().tree());
@@ -25,8 +27,9 @@ DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQ
 }
 
 DataWriter::~DataWriter() {
-    listener_.set(nullptr, 0);
+    listener_.remove();
     delete_engine("DDS_Publisher_delete_datawriter");
+    publisher_.participant().listener_thread().forget(this);
     const std::lock_guard lock(publisher_.participant().tree());
     --topic_.users;
 }
@@ -67,8 +70,8 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
     const EngineQos engine_qos =
         qos_.read([&](const DDS_DataWriterQos &qos) { return to_engine(qos, *type_); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
-        dds_create_listener(this), dds_delete_listener);
-    WriterStatuses::listen(listener.get(), this);
+        dds_create_listener(nullptr), dds_delete_listener);
+    WriterStatuses::listen(listener.get(), &statuses_);
     const dds_entity_t entity =
         dds_create_writer(publisher_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
@@ -76,9 +79,7 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
                     "the DDS engine could not create a writer for the topic %s",
                     topic_.name().c_str());
     }
-    // The engine kept the events that came before this point, when no listener could be called yet.
     set_engine(entity);
-    dispatch_pending(DDS_STATUS_MASK_ALL);
     return DDS_RETCODE_OK;
 }
 
@@ -98,11 +99,10 @@ DDS_ReturnCode_t DataWriter::set_qos(const DDS_DataWriterQos &qos, const char *m
 // Tells the first listener that handles the status: the writer's own, the publisher's, the
 // participant's.
 template <typename Kind>
-void DataWriter::dispatch() {
+void DataWriter::deliver() {
     const auto call = [this](const DDS_DataWriterListener &l) {
-        typename Kind::Status status{};
-        if (Kind::take_changed(engine(), &status)) {
-            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
+        if (const auto status = statuses_.take_changed<Kind>()) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &*status);
         }
     };
     const auto has = [](const DDS_DataWriterListener &l) { return l.*Kind::kCallback != nullptr; };
@@ -118,24 +118,15 @@ void DataWriter::dispatch() {
         [&](const DDS_DomainParticipantListener &l) { call(l.publisher_listener); });
 }
 
-void DataWriter::dispatch_pending(DDS_StatusMask mask) {
-    std::uint32_t engine_mask = 0;
-    if (dds_get_status_changes(engine(), &engine_mask) < 0) {
-        return;
-    }
-    const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
-    WriterStatuses::for_each([&]<typename Kind>() {
-        if ((changed & Kind::kBit) != 0) {
-            dispatch<Kind>();
-        }
-    });
-}
-
 DDS_ReturnCode_t DataWriter::set_listener(const DDS_DataWriterListener *listener,
-                                          DDS_StatusMask mask) {
-    listener_.set(listener, mask);
-    if (listener != nullptr && is_enabled()) {
-        dispatch_pending(mask);
+                                          DDS_StatusMask mask, const char *method) {
+    const DDS_ReturnCode_t result = listener_.set(listener, mask, method);
+    if (result != DDS_RETCODE_OK) {
+        return result;
+    }
+    requests_.wait();
+    if (listener != nullptr) {
+        statuses_.tell_changed(mask);
     }
     return DDS_RETCODE_OK;
 }
@@ -367,6 +358,7 @@ DDS_ReturnCode_t DataWriter::write_now(const void *sample, const DDS_WriteParams
 }
 
 DDS_ReturnCode_t DataWriter::write_deferred(const DDS_WriteParams_t &params, const char *method) {
+    const DataRequests::InProgress in_progress(requests_);
     const DDS_DataWriterListener l = listener_.get();
     if (l.on_data_request == nullptr) {
         return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,

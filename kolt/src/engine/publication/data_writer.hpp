@@ -10,6 +10,8 @@
 #include "engine/entity/entity.hpp"
 #include "engine/entity/entity_qos.hpp"
 #include "engine/entity/listener_slot.hpp"
+#include "engine/entity/status_records.hpp"
+#include "engine/publication/data_requests.hpp"
 #include "engine/publication/instance_registry.hpp"
 #include "kolt/publication.h"
 
@@ -47,14 +49,13 @@ class DataWriter final : public Entity {
     DDS_ReturnCode_t set_qos(const DDS_DataWriterQos &qos, const char *method);
 
     DDS_DataWriterListener listener() const { return listener_.get(); }
-    DDS_ReturnCode_t set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask);
-    // Tells the listeners of an event of the engine. Called on its threads.
+    DDS_ReturnCode_t set_listener(const DDS_DataWriterListener *listener, DDS_StatusMask mask,
+                                  const char *method);
+    StatusRecords<DataWriter, WriterStatuses> &statuses() { return statuses_; }
+    void announce() override { statuses_.announce(); }
+    // Tells the listeners of a change, on their thread.
     template <typename Kind>
-    void on_event() {
-        if (is_enabled()) {
-            dispatch<Kind>();
-        }
-    }
+    void deliver();
 
     DDS_ReturnCode_t write(const void *sample, const DDS_WriteParams_t &params, const char *method);
     DDS_ReturnCode_t change_instance(InstanceChange change, const void *sample,
@@ -69,11 +70,6 @@ class DataWriter final : public Entity {
     DDS_ReturnCode_t delete_data(void *sample);
 
   private:
-    template <typename Kind>
-    void dispatch();
-    // Tells the listeners of statuses in `mask` that changed before they were installed.
-    void dispatch_pending(DDS_StatusMask mask);
-
     // Copies the policies that every write reads, so that writing does not lock the tree.
     void note_qos();
 
@@ -110,6 +106,8 @@ class DataWriter final : public Entity {
     std::atomic<bool> autodispose_{true};
     InstanceRegistry instances_;
     ListenerSlot<DDS_DataWriterListener> listener_;
+    DataRequests requests_;
+    StatusRecords<DataWriter, WriterStatuses> statuses_;
     EntityQos<DDS_DataWriterQos> qos_;
 };
 

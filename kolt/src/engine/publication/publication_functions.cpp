@@ -136,10 +136,11 @@ DDS_ReturnCode_t DDS_DataWriter_assert_liveliness(DDS_DataWriter *self) {
     return forward<DataWriter>(self, __func__, assert_liveliness);
 }
 
-#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                  \
-    DDS_ReturnCode_t DDS_DataWriter_get_##name##_status(DDS_DataWriter *self,                     \
-                                                        Name::Status *status) {                   \
-        return forward<DataWriter>(self, __func__, get_status<Name>, required(status, "status")); \
+#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                 \
+    DDS_ReturnCode_t DDS_DataWriter_get_##name##_status(DDS_DataWriter *self,    \
+                                                        Name::Status *status) {  \
+        return forward<DataWriter>(self, __func__, get_status<Name, DataWriter>, \
+                                   required(status, "status"));                  \
     }
 KOLT_WRITER_STATUSES(KOLT_DEFINE_GET_STATUS)
 #undef KOLT_DEFINE_GET_STATUS

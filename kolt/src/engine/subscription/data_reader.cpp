@@ -18,7 +18,15 @@ namespace kolt::engine {
 namespace {
 
 void on_engine_data(dds_entity_t, void *reader) {
-    static_cast<DataReader *>(reader)->on_data_available();
+    static_cast<DataReader *>(reader)->note_data();
+}
+
+void tell_data(void *reader) {
+    static_cast<DataReader *>(reader)->deliver_data();
+}
+
+void tell_notification(void *reader) {
+    static_cast<DataReader *>(reader)->deliver_data_available();
 }
 
 }  // namespace
@@ -29,15 +37,20 @@ DataReader::DataReader(Subscriber &subscriber, TopicDescription &topic,
       subscriber_(subscriber),
       topic_(topic),
       type_(topic.topic().registered_type()),
+      listener_(subscriber.participant().listener_thread()),
+      statuses_(*this, subscriber.participant().listener_thread()),
+      data_(this, tell_data),
+      notification_(this, tell_notification),
       qos_(subscriber.participant().tree(), qos) {
     const std::lock_guard lock(subscriber.participant().tree());
     ++topic.users;
 }
 
 DataReader::~DataReader() {
-    listener_.set(nullptr, 0);
+    listener_.remove();
     conditions_.clear();
     delete_engine("DDS_Subscriber_delete_datareader");
+    subscriber_.participant().listener_thread().forget(this);
     const std::lock_guard lock(subscriber_.participant().tree());
     --topic_.users;
 }
@@ -79,9 +92,9 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
     const EngineQos engine_qos =
         qos_.read([&](const DDS_DataReaderQos &qos) { return to_engine(qos, *type_); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
-        dds_create_listener(this), dds_delete_listener);
-    ReaderStatuses::listen(listener.get(), this);
-    dds_lset_data_available_arg(listener.get(), on_engine_data, this, false);
+        dds_create_listener(nullptr), dds_delete_listener);
+    ReaderStatuses::listen(listener.get(), &statuses_);
+    dds_lset_data_available_arg(listener.get(), on_engine_data, this, true);
     const dds_entity_t entity =
         dds_create_reader(subscriber_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
@@ -89,9 +102,7 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
                     "the DDS engine could not create a reader for the topic %s",
                     topic_.name().c_str());
     }
-    // The engine kept the events that came before this point, when no listener could be called yet.
     set_engine(entity);
-    dispatch_pending(DDS_STATUS_MASK_ALL);
     return DDS_RETCODE_OK;
 }
 
@@ -126,65 +137,74 @@ void DataReader::tell_listener(DDS_StatusMask status, HasCallback &&has_callback
 }
 
 template <typename Kind>
-void DataReader::dispatch() {
+void DataReader::deliver() {
     const auto has = [](const DDS_DataReaderListener &l) { return l.*Kind::kCallback != nullptr; };
     tell_listener(Kind::kBit, has, [this](const DDS_DataReaderListener &l) {
-        typename Kind::Status status{};
-        if (Kind::take_changed(engine(), &status)) {
-            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
+        if (const auto status = statuses_.take_changed<Kind>()) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &*status);
         }
     });
 }
 
-void DataReader::dispatch_data_available() {
-    const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
-    tell_listener(DDS_DATA_AVAILABLE_STATUS, has, [this](const DDS_DataReaderListener &l) {
-        std::uint32_t taken = 0;
-        dds_take_status(engine(), &taken, cyclone::kDataAvailableStatus);
-        l.on_data_available(l.listener_data, &handle_);
-    });
+void DataReader::note_data() {
+    status_condition().set_changed(DDS_DATA_AVAILABLE_STATUS);
+    status_condition().update();
+    subscriber_.note_data();
+    statuses_.tell(data_);
+}
+
+void DataReader::notify() {
+    if (has_data_available()) {
+        statuses_.tell(notification_);
+    }
 }
 
 // Calls on_data_on_readers if a listener handles it; that callback then decides whether the
 // readers' listeners are called (DDS 1.4, 2.2.4.2.3.2).
-void DataReader::on_data_available() {
-    if (!is_enabled()) {
-        return;
-    }
-    if (!subscriber_.dispatch_data_on_readers()) {
-        dispatch_data_available();
+void DataReader::deliver_data() {
+    if (has_data_available() && !subscriber_.deliver_data_on_readers()) {
+        deliver_data_available();
     }
 }
 
-bool DataReader::has_data_available() const {
-    std::uint32_t status = 0;
-    return is_enabled() && dds_read_status(engine(), &status, cyclone::kDataAvailableStatus) >= 0 &&
-           status != 0;
-}
-
-void DataReader::dispatch_pending(DDS_StatusMask mask) {
-    std::uint32_t engine_mask = 0;
-    if (dds_get_status_changes(engine(), &engine_mask) < 0) {
-        return;
-    }
-    const DDS_StatusMask changed = status_from_engine(engine_mask) & mask;
-    ReaderStatuses::for_each([&]<typename Kind>() {
-        if ((changed & Kind::kBit) != 0) {
-            dispatch<Kind>();
+void DataReader::deliver_data_available() {
+    const auto has = [](const DDS_DataReaderListener &l) { return l.on_data_available != nullptr; };
+    tell_listener(DDS_DATA_AVAILABLE_STATUS, has, [this](const DDS_DataReaderListener &l) {
+        if (has_data_available()) {
+            reset_data_available();
+            l.on_data_available(l.listener_data, &handle_);
         }
     });
-    if ((changed & DDS_DATA_AVAILABLE_STATUS) != 0) {
-        on_data_available();
-    }
+}
+
+bool DataReader::has_data_available() {
+    return (status_condition().changed() & DDS_DATA_AVAILABLE_STATUS) != 0;
+}
+
+void DataReader::reset_data_available() {
+    status_condition().clear_changed(DDS_DATA_AVAILABLE_STATUS);
+    status_condition().update();
+}
+
+void DataReader::announce() {
+    statuses_.announce();
+    tell_data_changed(DDS_STATUS_MASK_ALL);
 }
 
 DDS_ReturnCode_t DataReader::set_listener(const DDS_DataReaderListener *listener,
-                                          DDS_StatusMask mask) {
-    listener_.set(listener, mask);
-    if (listener != nullptr && is_enabled()) {
-        dispatch_pending(mask);
+                                          DDS_StatusMask mask, const char *method) {
+    const DDS_ReturnCode_t result = listener_.set(listener, mask, method);
+    if (result == DDS_RETCODE_OK && listener != nullptr) {
+        statuses_.tell_changed(mask);
+        tell_data_changed(mask);
     }
-    return DDS_RETCODE_OK;
+    return result;
+}
+
+void DataReader::tell_data_changed(DDS_StatusMask mask) {
+    if ((mask & DDS_DATA_AVAILABLE_STATUS) != 0 && has_data_available()) {
+        statuses_.tell(data_);
+    }
 }
 
 // ---- Conditions ---------------------------------------------------------------------------------

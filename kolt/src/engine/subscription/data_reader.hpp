@@ -14,6 +14,7 @@
 #include "engine/entity/entity.hpp"
 #include "engine/entity/entity_qos.hpp"
 #include "engine/entity/listener_slot.hpp"
+#include "engine/entity/status_records.hpp"
 #include "engine/subscription/read_condition.hpp"
 #include "kolt/subscription.h"
 
@@ -60,18 +61,20 @@ class DataReader final : public Entity {
     DDS_ReturnCode_t set_qos(const DDS_DataReaderQos &qos, const char *method);
 
     DDS_DataReaderListener listener() const { return listener_.get(); }
-    DDS_ReturnCode_t set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask);
-    // Tells the listeners of an event of the engine. Called on its threads.
+    DDS_ReturnCode_t set_listener(const DDS_DataReaderListener *listener, DDS_StatusMask mask,
+                                  const char *method);
+    StatusRecords<DataReader, ReaderStatuses> &statuses() { return statuses_; }
+    void announce() override;
+    // Notes that data came. Called on the engine's threads.
+    void note_data();
+    // Lets on_data_available be called if data came that no listener was told of yet.
+    void notify();
+
+    // Tell the listeners, on their thread, of a change, and of data.
     template <typename Kind>
-    void on_event() {
-        if (is_enabled()) {
-            dispatch<Kind>();
-        }
-    }
-    void on_data_available();
-    // Calls on_data_available of the listener that handles it, if there is one.
-    void dispatch_data_available();
-    bool has_data_available() const;
+    void deliver();
+    void deliver_data();
+    void deliver_data_available();
 
     DDS_ReadCondition *create_read_condition(std::uint32_t engine_mask, const ReadStates &states,
                                              const char *method);
@@ -104,9 +107,11 @@ class DataReader final : public Entity {
     // participant's (DDS 1.4, 2.2.4.2.3).
     template <typename HasCallback, typename Call>
     void tell_listener(DDS_StatusMask status, HasCallback &&has_callback, Call &&call);
-    template <typename Kind>
-    void dispatch();
-    void dispatch_pending(DDS_StatusMask mask);
+
+    bool has_data_available();
+    void reset_data_available();
+    // Lets listeners be told of data that came, if `mask` has that.
+    void tell_data_changed(DDS_StatusMask mask);
 
     // Fills `batch` with at most `limit` samples. OK with at least one, or NO_DATA.
     DDS_ReturnCode_t fetch(const KOLT_ReadSelection &selection, std::size_t limit, Batch *batch,
@@ -137,6 +142,9 @@ class DataReader final : public Entity {
     std::shared_ptr<RegisteredType> type_;
     std::shared_ptr<TypeEndpoint> endpoint_;
     ListenerSlot<DDS_DataReaderListener> listener_;
+    StatusRecords<DataReader, ReaderStatuses> statuses_;
+    ListenerThread::Event data_;
+    ListenerThread::Event notification_;
     EntityQos<DDS_DataReaderQos> qos_;
 
     mutable std::mutex contents_;

@@ -109,6 +109,9 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::siz
     }
     const auto held = condition != nullptr ? condition->hold() : std::unique_lock<std::mutex>();
 
+    // Before the read, so that what comes during it counts as new.
+    reset_data_available();
+    subscriber_.reset_data_on_readers();
     batch->resize(std::min(limit, kFirstGuess));
     std::size_t room = std::min(limit, batch->capacity());
     std::uint32_t available = 0;

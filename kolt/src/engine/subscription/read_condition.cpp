@@ -67,6 +67,7 @@ ReadCondition::ReadCondition(DataReader &reader, std::uint32_t engine_mask,
 }
 
 ReadCondition::~ReadCondition() {
+    leave_waitsets();
     delete_engine();
 }
 
@@ -102,6 +103,7 @@ std::unique_ptr<QueryCondition> QueryCondition::create(DataReader &reader,
 }
 
 QueryCondition::~QueryCondition() {
+    leave_waitsets();
     delete_engine();
     g_filters[slot_].store(nullptr, std::memory_order_release);
 }

@@ -20,13 +20,22 @@ void SubscriberTraits::empty(DataReader &reader, const char *method) {
 
 template class EndpointGroup<SubscriberTraits>;
 
-bool Subscriber::dispatch_data_on_readers() {
+void Subscriber::note_data() {
+    status_condition().set_changed(DDS_DATA_ON_READERS_STATUS);
+    status_condition().update();
+}
+
+void Subscriber::reset_data_on_readers() {
+    status_condition().clear_changed(DDS_DATA_ON_READERS_STATUS);
+    status_condition().update();
+}
+
+bool Subscriber::deliver_data_on_readers() {
     const auto has = [](const DDS_SubscriberListener &l) {
         return l.on_data_on_readers != nullptr;
     };
     const auto call = [this](const DDS_SubscriberListener &l) {
-        std::uint32_t taken = 0;
-        dds_take_status(engine(), &taken, cyclone::kDataOnReadersStatus);
+        reset_data_on_readers();
         l.on_data_on_readers(l.reader_listener.listener_data, &handle_);
     };
     if (listener_.handle(DDS_DATA_ON_READERS_STATUS, has, call)) {
@@ -40,9 +49,7 @@ bool Subscriber::dispatch_data_on_readers() {
 
 void Subscriber::notify_readers() {
     for (DataReader *const reader : endpoints()) {
-        if (reader->has_data_available()) {
-            reader->dispatch_data_available();
-        }
+        reader->notify();
     }
 }
 

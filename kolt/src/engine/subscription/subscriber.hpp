@@ -41,11 +41,14 @@ class Subscriber final : public EndpointGroup<SubscriberTraits> {
     Subscriber(ParticipantScope &participant, const DDS_SubscriberQos &qos)
         : EndpointGroup(participant, qos) {}
 
-    // Calls on_data_available for each reader with data for which no listener was called yet.
+    // Lets on_data_available be called for each reader with data that no listener was told of yet.
     void notify_readers();
+    // Change whether a reader has new data.
+    void note_data();
+    void reset_data_on_readers();
     // Calls on_data_on_readers of this subscriber's or the participant's listener. False when there
-    // is none.
-    bool dispatch_data_on_readers();
+    // is none. On the listener thread.
+    bool deliver_data_on_readers();
 };
 
 }  // namespace kolt::engine

@@ -154,10 +154,11 @@ DDS_ReturnCode_t DDS_DataReader_wait_for_historical_data(DDS_DataReader *self,
     });
 }
 
-#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                                  \
-    DDS_ReturnCode_t DDS_DataReader_get_##name##_status(DDS_DataReader *self,                     \
-                                                        Name::Status *status) {                   \
-        return forward<DataReader>(self, __func__, get_status<Name>, required(status, "status")); \
+#define KOLT_DEFINE_GET_STATUS(Name, name, NAME)                                 \
+    DDS_ReturnCode_t DDS_DataReader_get_##name##_status(DDS_DataReader *self,    \
+                                                        Name::Status *status) {  \
+        return forward<DataReader>(self, __func__, get_status<Name, DataReader>, \
+                                   required(status, "status"));                  \
     }
 KOLT_READER_STATUSES(KOLT_DEFINE_GET_STATUS)
 #undef KOLT_DEFINE_GET_STATUS

@@ -41,11 +41,14 @@ Topic::Topic(ParticipantScope &participant, const char *name, std::shared_ptr<Re
     : TopicDescription(EntityKind::kTopic, &handle_._description, participant, name,
                        kTopicStatusMask),
       type_(std::move(type)),
+      listener_(participant.listener_thread()),
+      statuses_(*this, participant.listener_thread()),
       qos_(participant.tree(), qos) {}
 
 Topic::~Topic() {
-    listener_.set(nullptr, 0);
+    listener_.remove();
     delete_engine("DDS_DomainParticipant_delete_topic");
+    participant().listener_thread().forget(this);
 }
 
 DDS_ReturnCode_t Topic::enable(const char *method) {
@@ -55,8 +58,8 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     }
     const EngineQos engine_qos = qos_.read([](const DDS_TopicQos &qos) { return to_engine(qos); });
     const std::unique_ptr<dds_listener_t, void (*)(dds_listener_t *)> listener(
-        dds_create_listener(this), dds_delete_listener);
-    TopicStatuses::listen(listener.get(), this);
+        dds_create_listener(nullptr), dds_delete_listener);
+    TopicStatuses::listen(listener.get(), &statuses_);
     ddsi_sertype *sertype = nullptr;
     const dds_entity_t entity =
         create_engine_topic(participant(), *this, engine_qos.get(), listener.get(), &sertype);
@@ -73,16 +76,24 @@ DDS_ReturnCode_t Topic::set_qos(const DDS_TopicQos &qos, const char *method) {
     return qos_.set(qos, *this, method, [](const DDS_TopicQos &q) { return to_engine(q); });
 }
 
+DDS_ReturnCode_t Topic::set_listener(const DDS_TopicListener *listener, DDS_StatusMask mask,
+                                     const char *method) {
+    const DDS_ReturnCode_t result = listener_.set(listener, mask, method);
+    if (result == DDS_RETCODE_OK && listener != nullptr) {
+        statuses_.tell_changed(mask);
+    }
+    return result;
+}
+
 template <typename Kind>
-void Topic::on_event() {
+void Topic::deliver() {
     const auto has = [](const DDS_TopicListener &l) { return l.*Kind::kCallback != nullptr; };
     const auto call = [this](const DDS_TopicListener &l) {
-        typename Kind::Status status{};
-        if (Kind::take_changed(engine(), &status)) {
-            (l.*Kind::kCallback)(l.listener_data, &handle_, &status);
+        if (const auto status = statuses_.take_changed<Kind>()) {
+            (l.*Kind::kCallback)(l.listener_data, &handle_, &*status);
         }
     };
-    if (!is_enabled() || listener_.handle(Kind::kBit, has, call)) {
+    if (listener_.handle(Kind::kBit, has, call)) {
         return;
     }
     participant().listener().handle(

@@ -9,6 +9,7 @@
 #include "engine/data/registered_type.hpp"
 #include "engine/data/sertype.hpp"
 #include "engine/entity/participant_scope.hpp"
+#include "engine/entity/status_records.hpp"
 #include "engine/topic/content_filter.hpp"
 #include "kolt/topic.h"
 
@@ -57,23 +58,24 @@ class Topic final : public TopicDescription {
     const std::shared_ptr<RegisteredType> &registered_type() const { return type_; }
     // Returns the sertype that the engine uses. Valid while the topic is enabled.
     const Sertype &sertype() const { return *sertype_; }
-    DDS_ReturnCode_t set_listener(const DDS_TopicListener *listener, DDS_StatusMask mask) {
-        listener_.set(listener, mask);
-        return DDS_RETCODE_OK;
-    }
+    DDS_ReturnCode_t set_listener(const DDS_TopicListener *listener, DDS_StatusMask mask,
+                                  const char *method);
+    StatusRecords<Topic, TopicStatuses> &statuses() { return statuses_; }
 
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(DDS_TopicQos *qos) { return qos_.get(qos); }
     DDS_ReturnCode_t set_qos(const DDS_TopicQos &qos, const char *method);
-    // Tells the listeners of an event of the engine. Called on its threads.
+    void announce() override { statuses_.announce(); }
+    // Tells the listeners of a change.
     template <typename Kind>
-    void on_event();
+    void deliver();
 
   private:
     DDS_Topic handle_{{{this}}};
     std::shared_ptr<RegisteredType> type_;
     const Sertype *sertype_ = nullptr;
     ListenerSlot<DDS_TopicListener> listener_;
+    StatusRecords<Topic, TopicStatuses> statuses_;
     EntityQos<DDS_TopicQos> qos_;
 };
 

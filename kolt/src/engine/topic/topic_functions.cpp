@@ -49,7 +49,7 @@ DDS_ReturnCode_t DDS_Topic_set_listener(DDS_Topic *self, const DDS_TopicListener
 
 DDS_ReturnCode_t DDS_Topic_get_inconsistent_topic_status(DDS_Topic *self,
                                                          DDS_InconsistentTopicStatus *status) {
-    return forward<Topic>(self, __func__, get_status<InconsistentTopic>,
+    return forward<Topic>(self, __func__, get_status<InconsistentTopic, Topic>,
                           required(status, "status"));
 }
 
