@@ -127,6 +127,12 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_qos(DDS_DataWriter *self,
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_set_listener(DDS_DataWriter *self,
                                                          const DDS_DataWriterListener *listener,
                                                          DDS_StatusMask mask);
+/* Ends the writes of the writer, for good: one that waits for room, on whatever thread, ends, and it and
+ * all later ones return TIMEOUT at once. For the time before a writer is deleted, which waits for a
+ * write in progress. A write that waits for a reader of another process has then sent nothing; one that
+ * waits for a reader of this process has reached all readers but those without room, and ends within
+ * some 10 ms. May be called from any thread. BAD_PARAMETER for NULL. */
+KOLT_EXPORT DDS_ReturnCode_t KOLT_DataWriter_end_writes(DDS_DataWriter *self);
 /* Returns the listener in force; all members are NULL when there is none. */
 KOLT_EXPORT DDS_DataWriterListener DDS_DataWriter_get_listener(DDS_DataWriter *self);
 /* Return the topic that the writer was created for, and the publisher that created it. */

@@ -96,11 +96,14 @@
 
 #include <dds/dds.h>
 #include <dds/ddsc/dds_internal_api.h>
+#include <dds/ddsc/dds_rhc.h>
 #include <dds/ddsi/ddsi_keyhash.h>
 #include <dds/ddsi/ddsi_serdata.h>
 #include <dds/ddsi/ddsi_sertype.h>
+#include <dds/ddsi/q_bswap.h>
 #include <dds/ddsi/q_protocol.h>
 #include <dds/ddsi/q_radmin.h>
+#include <dds/ddsi/q_thread.h>
 
 #undef DDS_NOT_REJECTED
 #undef DDS_REJECTED_BY_INSTANCES_LIMIT

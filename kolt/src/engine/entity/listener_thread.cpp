@@ -75,7 +75,7 @@ void ListenerThread::stop() {
 
 void ListenerThread::post(Event &event) {
     const std::lock_guard lock(state_->mutex);
-    if (!state_->started || event.queued_) {
+    if (!state_->started || event.queued_ || !event.source_.open_) {
         return;
     }
     event.queued_ = true;
@@ -88,12 +88,18 @@ void ListenerThread::post(Event &event) {
     state_->work.notify_one();
 }
 
-void ListenerThread::forget(const void *entity) {
+void ListenerThread::open(Source &source) {
+    const std::lock_guard lock(state_->mutex);
+    source.open_ = true;
+}
+
+void ListenerThread::close(Source &source) {
     std::unique_lock lock(state_->mutex);
+    source.open_ = false;
     state_->last = nullptr;
     for (Event **link = &state_->first; *link != nullptr;) {
         Event *const event = *link;
-        if (event->entity_ == entity) {
+        if (&event->source_ == &source) {
             *link = event->next_;
             event->next_ = nullptr;
             event->queued_ = false;
@@ -102,7 +108,7 @@ void ListenerThread::forget(const void *entity) {
             link = &event->next_;
         }
     }
-    state_->idle.wait(lock, [&] { return state_->told != entity || state_->is_own_thread(); });
+    state_->idle.wait(lock, [&] { return state_->told != &source || state_->is_own_thread(); });
 }
 
 void ListenerThread::wait_until_not_called(std::unique_lock<std::mutex> &lock,
@@ -121,8 +127,8 @@ void ListenerThread::run(const std::shared_ptr<State> &state) {
         }
         const Event *const event = state->pop();
         const Event::Tell tell = event->tell_;
-        void *const entity = event->entity_;
-        state->told = entity;
+        void *const entity = event->source_.entity_;
+        state->told = &event->source_;
         lock.unlock();
         tell(entity);
         lock.lock();

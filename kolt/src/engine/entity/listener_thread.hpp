@@ -15,19 +15,33 @@ namespace kolt::engine {
 
 class ListenerThread {
   public:
-    // Something that listeners can be told, belonging to an entity. It has a place in the queue of its
-    // own, so that noting it needs no memory.
+    // An entity of which listeners are told while it is open.
+    class Source {
+      public:
+        explicit Source(void *entity) : entity_(entity) {}
+        Source(const Source &) = delete;
+        Source &operator=(const Source &) = delete;
+
+      private:
+        friend class ListenerThread;
+
+        void *const entity_;
+        bool open_ = false;
+    };
+
+    // Something that listeners can be told of an entity. It has a place in the queue of its own, so
+    // that noting it needs no memory.
     class Event {
       public:
         using Tell = void (*)(void *entity);
-        Event(void *entity, Tell tell) : entity_(entity), tell_(tell) {}
+        Event(Source &source, Tell tell) : source_(source), tell_(tell) {}
         Event(const Event &) = delete;
         Event &operator=(const Event &) = delete;
 
       private:
         friend class ListenerThread;
 
-        void *const entity_;
+        Source &source_;
         const Tell tell_;
         Event *next_ = nullptr;
         bool queued_ = false;
@@ -43,12 +57,14 @@ class ListenerThread {
     bool start();
     // Ends the thread. What has not been told is told to nobody.
     void stop();
-    // Appends an event to the queue, unless it is there. Without a thread there is no listener, and
-    // nothing to do.
+    // Appends an event to the queue, unless it is there or its source is not open. Without a thread
+    // there is no listener, and nothing to do.
     void post(Event &event);
+    // From now on listeners are told of the entity.
+    void open(Source &source);
     // Forgets the events of an entity, and waits for a callback about it to end, unless called from
-    // there. The entity posts no more.
-    void forget(const void *entity);
+    // there. None comes after it.
+    void close(Source &source);
 
     // Guards the listeners, so that the one that is called and the one that is replaced are the same.
     std::mutex &mutex() const { return state_->mutex; }
@@ -67,7 +83,7 @@ class ListenerThread {
         std::condition_variable idle;
         Event *first = nullptr;
         Event *last = nullptr;
-        const void *told = nullptr;    // the entity whose event is being told
+        const Source *told = nullptr;  // the source whose event is being told
         const void *called = nullptr;  // the slot whose listener is being called
         bool started = false;
         bool stopping = false;

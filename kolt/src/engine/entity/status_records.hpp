@@ -2,7 +2,6 @@
 // The statuses of an entity, as KOLT keeps them: what has happened, and what is to be told of it.
 #pragma once
 
-#include <atomic>
 #include <mutex>
 #include <optional>
 #include <tuple>
@@ -23,7 +22,10 @@ template <typename Self, typename None, typename... Kinds>
 class StatusRecords<Self, StatusList<None, Kinds...>> {
   public:
     StatusRecords(Self &self, ListenerThread &thread)
-        : condition_(self.status_condition()), thread_(thread), records_(same<Kinds>(&self)...) {}
+        : condition_(self.status_condition()),
+          thread_(thread),
+          source_(&self),
+          records_(same<Kinds>(source_)...) {}
 
     // Adds a change, and lets it be told.
     template <typename Kind>
@@ -64,17 +66,16 @@ class StatusRecords<Self, StatusList<None, Kinds...>> {
         return status;
     }
 
-    // Lets an event be told, once the application can know of the entity.
-    void tell(ListenerThread::Event &event) {
-        if (announced_.load()) {
-            thread_.post(event);
-        }
-    }
-    // From now on events are told.
+    // For other events of the entity.
+    ListenerThread::Source &source() { return source_; }
+    void tell(ListenerThread::Event &event) { thread_.post(event); }
+    // From now on events are told, once the application can know of the entity.
     void announce() {
-        announced_.store(true);
+        thread_.open(source_);
         tell_changed(DDS_STATUS_MASK_ALL);
     }
+    // Tells no more of them, and waits for a callback about the entity to end.
+    void silence() { thread_.close(source_); }
     // Lets the statuses in `mask` that have changed be told, in the order of the table.
     void tell_changed(DDS_StatusMask mask) {
         const DDS_StatusMask changed = condition_.changed() & mask;
@@ -89,15 +90,15 @@ class StatusRecords<Self, StatusList<None, Kinds...>> {
   private:
     template <typename Kind>
     struct Record {
-        explicit Record(Self *self) : event(self, deliver) {}
+        explicit Record(ListenerThread::Source &source) : event(source, deliver) {}
         static void deliver(void *self) { static_cast<Self *>(self)->template deliver<Kind>(); }
 
         typename Kind::Status status{};
         ListenerThread::Event event;
     };
     template <typename>
-    static Self *same(Self *self) {
-        return self;
+    static ListenerThread::Source &same(ListenerThread::Source &source) {
+        return source;
     }
 
     template <typename Kind>
@@ -111,7 +112,7 @@ class StatusRecords<Self, StatusList<None, Kinds...>> {
 
     StatusCondition &condition_;
     ListenerThread &thread_;
-    std::atomic<bool> announced_{false};
+    ListenerThread::Source source_;
     std::mutex mutex_;  // guards the records; nothing of others is called with it held
     std::tuple<Record<Kinds>...> records_;
 };

@@ -2,16 +2,40 @@
 // Data writers: enabling, events, serialisation, instances, writing.
 #include "engine/publication/data_writer.hpp"
 
+#include <bit>
 #include <new>
 
 #include "engine/cyclone/convert.hpp"
 #include "engine/entity/statuses.hpp"
+#include "engine/publication/local_write.hpp"
 #include "engine/publication/publisher.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
 #include "engine/topic/topic.hpp"
 
+// The engine exports it, but its header is not fit for C++.
+extern "C" dds_return_t ddsi_unblock_throttled_writer(ddsi_domaingv *domain,
+                                                      const ddsi_guid *writer);
+
 namespace kolt::engine {
+
+namespace {
+
+// Lets the engine's records that this thread looks at live until it has done.
+class EngineAwake {
+  public:
+    explicit EngineAwake(const ddsi_domaingv *domain) : thread_(lookup_thread_state()) {
+        thread_state_awake(thread_, domain);
+    }
+    ~EngineAwake() { thread_state_asleep(thread_); }
+    EngineAwake(const EngineAwake &) = delete;
+    EngineAwake &operator=(const EngineAwake &) = delete;
+
+  private:
+    thread_state *const thread_;
+};
+
+}  // namespace
 
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
     : Entity(EntityKind::kDataWriter, &handle_._entity, kWriterStatusMask),
@@ -20,6 +44,8 @@ DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQ
       type_(topic.registered_type()),
       listener_(publisher.participant().listener_thread()),
       statuses_(*this, publisher.participant().listener_thread()),
+      outcome_(statuses_.source(),
+               [](void *writer) { static_cast<DataWriter *>(writer)->report_outcome(); }),
       qos_(publisher.participant().tree(), qos) {
     note_qos();
     const std::lock_guard lock(publisher.participant().tree());
@@ -27,9 +53,9 @@ DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQ
 }
 
 DataWriter::~DataWriter() {
+    statuses_.silence();
     listener_.remove();
     delete_engine("DDS_Publisher_delete_datawriter");
-    publisher_.participant().listener_thread().forget(this);
     const std::lock_guard lock(publisher_.participant().tree());
     --topic_.users;
 }
@@ -328,17 +354,68 @@ DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
     }
     serdata->statusinfo = status_info;
     serdata->timestamp.v = stamped ? to_engine(source_timestamp) : dds_time();
+    const DDS_ReturnCode_t code = forward_sample(std::move(serdata));
+    note_outcome(code);
+    return code == DDS_RETCODE_OK || code == DDS_RETCODE_TIMEOUT
+               ? code
+               : fail(code, method, "the DDS engine could not write the sample");
+}
+
+DDS_ReturnCode_t DataWriter::forward_sample(SerdataRef serdata) {
+    if (ended_.load()) {
+        return DDS_RETCODE_TIMEOUT;
+    }
+    const LocalWrite write(ended_);
     const dds_return_t result = dds_forwardcdr(engine(), serdata.release());
-    const DDS_ReturnCode_t code = to_return_code(result);
-    if (code == DDS_RETCODE_OK) {
-        return code;
+    const bool interrupted = ended_.load() && result < 0;
+    return interrupted || write.gave_up() ? DDS_RETCODE_TIMEOUT : to_return_code(result);
+}
+
+// A reader that is slow is news, each write that it delays is not: the log, forwarded to the network,
+// would feed itself. Told on the listener thread, since the log of a thread that publishes the log is
+// not forwarded.
+void DataWriter::note_outcome(DDS_ReturnCode_t code) {
+    const bool times_out = code == DDS_RETCODE_TIMEOUT;
+    if (times_out_.load(std::memory_order_relaxed) == times_out || ended_.load() ||
+        times_out_.exchange(times_out) == times_out) {
+        return;
     }
-    if (code == DDS_RETCODE_TIMEOUT) {  // the readers are slow, which the caller cannot help
-        KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
-                         method, "no reader made room for the sample within max_blocking_time");
-        return code;
+    ListenerThread &thread = publisher_.participant().listener_thread();
+    if (thread.start()) {
+        thread.post(outcome_);
     }
-    return fail(code, method, "the DDS engine could not write the sample");
+}
+
+void DataWriter::report_outcome() {
+    const bool times_out = times_out_.load();
+    if (times_out == reported_times_out_) {
+        return;
+    }
+    reported_times_out_ = times_out;
+    KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING,
+                     "DDS_DataWriter_write",
+                     times_out
+                         ? "the writer of the topic %s times out: a reader does not make room "
+                           "within max_blocking_time"
+                         : "the writer of the topic %s writes again",
+                     topic_.name().c_str());
+}
+
+// The engine's own lock of the writer is held by the write that is to be ended.
+DDS_ReturnCode_t DataWriter::end_writes() {
+    ended_.store(true);
+    if (!is_enabled()) {
+        return DDS_RETCODE_OK;
+    }
+    dds_guid_t guid{};
+    const dds_return_t known = dds_get_guid(engine(), &guid);
+    if (known < 0) {
+        return to_return_code(known);
+    }
+    const ddsi_guid writer = nn_ntoh_guid(std::bit_cast<ddsi_guid>(guid));
+    auto *const domain = static_cast<ddsi_domaingv *>(ddsrt_atomic_ldvoidp(&sertype().gv));
+    const EngineAwake awake(domain);
+    return to_return_code(ddsi_unblock_throttled_writer(domain, &writer));
 }
 
 DDS_ReturnCode_t DataWriter::write_now(const void *sample, const DDS_WriteParams_t &params,

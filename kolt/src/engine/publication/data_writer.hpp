@@ -65,6 +65,8 @@ class DataWriter final : public Entity {
     DDS_InstanceHandle_t lookup_instance(const void *key_holder);
     DDS_ReturnCode_t get_key_value(void *key_holder, DDS_InstanceHandle_t handle,
                                    const char *method);
+    // Ends a write in progress; it and later ones return TIMEOUT.
+    DDS_ReturnCode_t end_writes();
     DDS_ReturnCode_t wait_for_acknowledgments(const DDS_Duration_t &max_wait, const char *method);
     void *create_data();
     DDS_ReturnCode_t delete_data(void *sample);
@@ -88,6 +90,11 @@ class DataWriter final : public Entity {
                                const char *method);
     DDS_ReturnCode_t send(SerdataRef serdata, std::uint32_t status_info,
                           const DDS_Time_t &source_timestamp, const char *method);
+    // Hands a sample to the engine.
+    DDS_ReturnCode_t forward_sample(SerdataRef serdata);
+    // Lets it be known when the writer begins to time out, and when it writes again.
+    void note_outcome(DDS_ReturnCode_t code);
+    void report_outcome();
     DDS_ReturnCode_t check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
                                   const char *method);
     // Registers the instance with the engine and returns its handle, which is valid until the
@@ -104,10 +111,14 @@ class DataWriter final : public Entity {
     DDS_UnsignedShort encapsulation_ = KOLT_ENCAPSULATION_INVALID;
     std::atomic<bool> deferred_write_{false};
     std::atomic<bool> autodispose_{true};
+    std::atomic<bool> ended_{false};
+    std::atomic<bool> times_out_{false};
+    bool reported_times_out_ = false;  // the listener thread's
     InstanceRegistry instances_;
     ListenerSlot<DDS_DataWriterListener> listener_;
     DataRequests requests_;
     StatusRecords<DataWriter, WriterStatuses> statuses_;
+    ListenerThread::Event outcome_;
     EntityQos<DDS_DataWriterQos> qos_;
 };
 

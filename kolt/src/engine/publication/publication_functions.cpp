@@ -104,6 +104,10 @@ DDS_ReturnCode_t DDS_DataWriter_set_listener(DDS_DataWriter *self,
     return forward(self, __func__, &DataWriter::set_listener, listener, mask);
 }
 
+DDS_ReturnCode_t KOLT_DataWriter_end_writes(DDS_DataWriter *self) {
+    return forward(self, __func__, &DataWriter::end_writes);
+}
+
 DDS_DataWriterListener DDS_DataWriter_get_listener(DDS_DataWriter *self) {
     return forward(self, __func__, &DataWriter::listener);
 }

@@ -10,6 +10,7 @@
 #include "engine/entity/statuses.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
+#include "engine/subscription/reader_cache.hpp"
 #include "engine/subscription/subscriber.hpp"
 #include "engine/topic/topic.hpp"
 
@@ -39,18 +40,18 @@ DataReader::DataReader(Subscriber &subscriber, TopicDescription &topic,
       type_(topic.topic().registered_type()),
       listener_(subscriber.participant().listener_thread()),
       statuses_(*this, subscriber.participant().listener_thread()),
-      data_(this, tell_data),
-      notification_(this, tell_notification),
+      data_(statuses_.source(), tell_data),
+      notification_(statuses_.source(), tell_notification),
       qos_(subscriber.participant().tree(), qos) {
     const std::lock_guard lock(subscriber.participant().tree());
     ++topic.users;
 }
 
 DataReader::~DataReader() {
+    statuses_.silence();
     listener_.remove();
     conditions_.clear();
     delete_engine("DDS_Subscriber_delete_datareader");
-    subscriber_.participant().listener_thread().forget(this);
     const std::lock_guard lock(subscriber_.participant().tree());
     --topic_.users;
 }
@@ -95,9 +96,11 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
         dds_create_listener(nullptr), dds_delete_listener);
     ReaderStatuses::listen(listener.get(), &statuses_);
     dds_lset_data_available_arg(listener.get(), on_engine_data, this, true);
-    const dds_entity_t entity =
-        dds_create_reader(subscriber_.engine(), topic_.engine(), engine_qos.get(), listener.get());
+    dds_rhc *const cache = create_reader_cache();
+    const dds_entity_t entity = dds_create_reader_rhc(subscriber_.engine(), topic_.engine(),
+                                                      engine_qos.get(), listener.get(), cache);
     if (entity < 0) {
+        delete_reader_cache(cache);
         return fail(to_return_code(entity), method,
                     "the DDS engine could not create a reader for the topic %s",
                     topic_.name().c_str());

@@ -46,9 +46,9 @@ Topic::Topic(ParticipantScope &participant, const char *name, std::shared_ptr<Re
       qos_(participant.tree(), qos) {}
 
 Topic::~Topic() {
+    statuses_.silence();
     listener_.remove();
     delete_engine("DDS_DomainParticipant_delete_topic");
-    participant().listener_thread().forget(this);
 }
 
 DDS_ReturnCode_t Topic::enable(const char *method) {
