@@ -12,6 +12,8 @@
  *     it.
  *  3. A failure prints one line on standard output: "<level name>: <function>: <text>".
  *  4. Do not log from a signal handler.
+ *  5. A thread that is cancelled (pthread_cancel) within one of these functions goes on until the
+ *     function has released what it holds.
  */
 #pragma once
 
@@ -116,8 +118,10 @@ VUR_DL_EXPORT int VUR_DL_DistLogger_setVURLoggerVerbosityByCategory(
  * a printed line, when the format is refused or the State could not be published. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_setVURLoggerPrintFormat(VUR_DL_DistLogger *self,
                                                             KOLT_Config_LogPrintFormat format);
-/* Publishes the State as it is now. Returns 1 on success, also when no State reader has matched yet
- * and there is nothing to write; 0, with a printed line, on failure. */
+/* Publishes the State as it is now. While another thread publishes it, or a call further up on this
+ * one, this is left to that thread, which publishes again; no call waits for it. Returns 1 on
+ * success, also when it was left to another or when no State reader has matched yet and there is
+ * nothing to write; 0, with a printed line, on failure. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_writeState(VUR_DL_DistLogger *self);
 /* Refresh the State's copy of the middleware logger's settings, without publishing it. */
 VUR_DL_EXPORT void VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(

@@ -7,6 +7,7 @@
 #include "DistLoggerRecord.hpp"
 #include "kolt/os.h"
 #include "kolt_internal/owned_qos.hpp"
+#include "lock_rules.hpp"
 #include "relaxed.hpp"
 #include "report.hpp"
 
@@ -203,14 +204,13 @@ StateWriterResult create_state_writer(VUR_DL_DDSEntities &self) {
     return StateWriterResult::kCreated;
 }
 
-// Puts the ids, which are the State's key, into the State. This must happen before the listener is
-// installed: a State reader that is there already matches at that moment, and the first sample goes
-// out.
+// Puts the ids, which are the State's key, and the domain into the State. This must happen before
+// the listener is installed: a State reader that is there already matches at that moment, and the
+// first sample goes out.
 void identify(const VUR_DL_DDSEntities &self, VUR_DL_DistLogger &logger) {
     if (logger.state == nullptr) {
         return;
     }
-    const std::lock_guard<std::recursive_mutex> lock(vur_dl::state_lock());
     logger.state->hostAndAppId.rtps_host_id = self.rtpsHostId;
     logger.state->hostAndAppId.rtps_app_id = self.rtpsAppId;
     logger.state->administrationDomainId =
@@ -367,6 +367,7 @@ VUR_DL_DDSEntities *VUR_DL_DDSEntities_create(VUR_DL_DistLogger *dist_logger,
         return nullptr;
     }
     const VUR_DL_Options &options = *dist_logger->options;
+    vur_dl::about_to_call_middleware();
     VUR_DL_DDSEntities_initialize(self);
     self->qosLibrary = options.qosLibrary;
     self->qosProfile = options.qosProfile;
@@ -417,6 +418,7 @@ DDS_ReturnCode_t VUR_DL_DDSEntities_deleteContainedEntities(VUR_DL_DDSEntities *
     if (self->domainParticipant == nullptr) {
         return result;
     }
+    vur_dl::about_to_call_middleware();
     if (self->subscriber != nullptr) {
         result = delete_subscriber(*self);
     }

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // Remote commands: taken from the command reader, carried out, answered.
+#include <atomic>
+
 #include "DistLoggerRecord.hpp"
+#include "lock_rules.hpp"
+#include "logger_lock.hpp"
 #include "report.hpp"
+#include "state_owner.hpp"
 #include "vur_dl/EnumTranslators.h"
 
 namespace {
 
 using vur_dl::report;
-
-using StateLock = std::lock_guard<std::recursive_mutex>;
 
 void set_log_level(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_Command &command,
                    VUR_DL_ADMIN_CommandResponse &response) {
@@ -67,6 +70,7 @@ void answer(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_CommandRequest &request,
     if (!carry_out(self, request.command, response)) {
         return;
     }
+    vur_dl::about_to_call_middleware();
     if (VUR_DL_ADMIN_CommandResponseDataWriter_write(
             VUR_DL_DDSEntities_getCommandResponseWriter(self._ddsEntities), &response,
             DDS_HANDLE_NIL) != DDS_RETCODE_OK) {
@@ -76,12 +80,11 @@ void answer(VUR_DL_DistLogger &self, const VUR_DL_ADMIN_CommandRequest &request,
 
 }  // namespace
 
+vur_dl::Gate vur_dl::command_gate;
+
 void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logger,
                                                                 DDS_DataReader *reader) {
     auto *self = static_cast<VUR_DL_DistLogger *>(dist_logger);
-    // The lock is held throughout. So once the logger has been disabled no command is in progress,
-    // and everything that a command uses can be torn down.
-    const StateLock lock(vur_dl::state_lock());
     if (!vur_dl::is_operational(*self)) {
         return;  // requests wait in the reader
     }
@@ -91,6 +94,7 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logge
         report("Unable to narrow DataReader", __func__);
         return;
     }
+    vur_dl::about_to_call_middleware();
     VUR_DL_ADMIN_CommandRequestSeq requests = DDS_SEQUENCE_INITIALIZER;
     DDS_SampleInfoSeq infos = DDS_SEQUENCE_INITIALIZER;
     const DDS_ReturnCode_t taken = VUR_DL_ADMIN_CommandRequestDataReader_take(
@@ -118,6 +122,10 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logge
 
 void VUR_DL_DistLogger_processCommand(VUR_DL_DistLogger *self,
                                       const VUR_DL_ADMIN_CommandRequest *request) {
+    const vur_dl::NoCancellation no_cancellation;
+    if (!vur_dl::command_gate.enter()) {
+        return;  // the logger is being torn down
+    }
     VUR_DL_ADMIN_CommandResponse response;
     if (VUR_DL_ADMIN_CommandResponse_initialize(&response)) {
         answer(*self, *request, response);
@@ -125,6 +133,7 @@ void VUR_DL_DistLogger_processCommand(VUR_DL_DistLogger *self,
         report("Unable to initialize Command Response", __func__);
     }
     VUR_DL_ADMIN_CommandResponse_finalize(&response);
+    vur_dl::command_gate.leave();
 }
 
 int VUR_DL_DistLogger_setVURLoggerVerbosityByCategory(VUR_DL_DistLogger *self,
@@ -171,13 +180,11 @@ int VUR_DL_DistLogger_setFilterLevel(VUR_DL_DistLogger *self, int level) {
     if (level < 0) {
         return 1;
     }
-    const StateLock lock(vur_dl::state_lock());
-    if (level == vur_dl::load_relaxed(self->filterLevel)) {
+    if (std::atomic_ref<DDS_Long>(self->filterLevel).exchange(level) == level) {
         return 0;
     }
-    vur_dl::store_relaxed(self->filterLevel, level);
-    self->state->filterLevel = level;
     vur_dl::refresh_threshold(self);
+    vur_dl::state_owner().carry_out(*self, vur_dl::kRefreshFilterLevel);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
         report("Unable to write State", __func__, vur_dl::kLevelWarning);
     }

@@ -4,9 +4,11 @@
 #include <cstring>
 
 #include "DistLoggerRecord.hpp"
+#include "lock_rules.hpp"
+#include "logger_lock.hpp"
 #include "report.hpp"
+#include "state_owner.hpp"
 
-KOLT_GlobalLock gVUR_DL_DistLogger_lock = KOLT_GLOBAL_LOCK_INITIALIZER;
 int gVUR_DL_DistLogger_initialized = 0;
 int gVUR_DL_DistLogger_beingDestroyed = 0;
 VUR_DL_DistLogger *VUR_DL_DistLogger_instance = nullptr;
@@ -31,7 +33,7 @@ bool fail(const char *message) {
 }
 
 bool take_lock(const char *failure, const char *method) {
-    if (KOLT_GlobalLock_take(&gVUR_DL_DistLogger_lock) == 0) {
+    if (vur_dl::take_logger_lock()) {
         return true;
     }
     report(failure, method);
@@ -39,7 +41,7 @@ bool take_lock(const char *failure, const char *method) {
 }
 
 bool give_lock(const char *failure, const char *method) {
-    if (KOLT_GlobalLock_give(&gVUR_DL_DistLogger_lock) == 0) {
+    if (vur_dl::give_logger_lock()) {
         return true;
     }
     report(failure, method);
@@ -82,6 +84,8 @@ bool create_state(VUR_DL_DistLogger &self) {
     self.state->filterLevel = self.options->filterLevel;
     DDS_Cookie_t_initialize(&self.stateCookie);
     self.loggerStateInstanceHandle = DDS_HANDLE_NIL;
+    store_relaxed(self.stateKind, VUR_DL_STATE_INITIALIZING);
+    vur_dl::state_owner().open();
     return true;
 }
 
@@ -100,6 +104,7 @@ DDS_DataReader *command_reader(VUR_DL_DistLogger &self) {
 // Sets the listener for requests. Without remote administration there is no reader; setting a
 // listener on an absent reader succeeds.
 bool listen_to_commands(VUR_DL_DistLogger &self) {
+    vur_dl::about_to_call_middleware();
     DDS_DataReaderListener listener;
     std::memset(&listener, 0, sizeof listener);
     listener.listener_data = &self;
@@ -118,24 +123,20 @@ bool start_write_thread(VUR_DL_DistLogger &self) {
     }
     self.q = self.logMessageWriteThread->q;
     store_relaxed(self.filterLevel, self.options->filterLevel);
+    vur_dl::command_gate.open();
     return true;
 }
 
+// Fills in what mirrors the middleware's logger. The ids and the domain stand there already: they
+// had to, when the State writer's listener was installed.
 void fill_state(VUR_DL_DistLogger &self) {
-    {
-        const std::lock_guard<std::recursive_mutex> lock(vur_dl::state_lock());
-        self.state->administrationDomainId = DDS_DomainParticipant_get_domain_id(
-            VUR_DL_DDSEntities_getDomainParticipant(self._ddsEntities));
-        self.state->hostAndAppId.rtps_host_id = VUR_DL_DDSEntities_getRtpsHostId(self._ddsEntities);
-        self.state->hostAndAppId.rtps_app_id = VUR_DL_DDSEntities_getRtpsAppId(self._ddsEntities);
-    }
     VUR_DL_DistLogger_updateVURLoggerPrintFormatState(&self);
     VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(&self);
 }
 
 void set_state_kind(VUR_DL_DistLogger &self, VUR_DL_ADMIN_StateKind kind) {
-    const std::lock_guard<std::recursive_mutex> lock(vur_dl::state_lock());
-    store_relaxed(self.state->state, kind);
+    store_relaxed(self.stateKind, kind);
+    vur_dl::state_owner().carry_out(self, vur_dl::kRefreshKind);
 }
 
 bool become_operational(VUR_DL_DistLogger &self) {
@@ -169,6 +170,7 @@ bool build(VUR_DL_DistLogger &self, DDS_DomainParticipantFactory *factory) {
 
 // Creates the logger and makes it reachable. The caller holds the lock.
 void create_singleton(DDS_DomainParticipantFactory *factory) {
+    const vur_dl::MiddlewareCallsAllowed middleware_calls_allowed;
     KOLT_Config_LogVerbosity verbosity_mask[KOLT_CONFIG_LOG_CATEGORY_COUNT];
     // These values count if the middleware's logger cannot be reached while masking but can be
     // afterwards.
@@ -188,7 +190,7 @@ void create_singleton(DDS_DomainParticipantFactory *factory) {
         report("Unable to Write State", kGetInstance, vur_dl::kLevelWarning);
     }
     vur_dl::refresh_threshold(self);
-    vur_dl::MiddlewareLogGate::open();
+    vur_dl::forwarding_gate.open();
     store_release(gVUR_DL_DistLogger_initialized, 1);
 }
 
@@ -218,14 +220,14 @@ VUR_DL_DistLogger *detach() {
 // open the gate between the two steps; then both are repeated.
 bool take_lock_behind_gate(const char *failure) {
     for (;;) {
-        vur_dl::MiddlewareLogGate::close();
+        vur_dl::forwarding_gate.close();
         if (!take_lock(failure, kFinalizeInstance)) {
             if (VUR_DL_DistLogger_isDistLoggerRunning()) {
-                vur_dl::MiddlewareLogGate::open();
+                vur_dl::forwarding_gate.open();
             }
             return false;
         }
-        if (vur_dl::MiddlewareLogGate::is_closed()) {
+        if (vur_dl::forwarding_gate.is_closed()) {
             return true;
         }
         if (!give_lock("Unable to unlock when finalizing DistLogger singleton!",
@@ -305,12 +307,14 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
         static_cast<void>(
             KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr));
     }
+    vur_dl::command_gate.close();
     if (self->logMessageWriteThread != nullptr) {
         store_relaxed(self->logMessageWriteThread->shouldRun, 0);
         LogMessageWriteThread_delete(self->logMessageWriteThread);
         self->logMessageWriteThread = nullptr;
         self->q = nullptr;
     }
+    vur_dl::state_owner().close();
     if (self->_ddsEntities != nullptr) {
         VUR_DL_DDSEntities_destroy(self->_ddsEntities);
         self->_ddsEntities = nullptr;
@@ -330,6 +334,7 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
 int VUR_DL_DistLogger_finalizeInstance(void) {
     constexpr char kLockFailure[] = "Unable to lock when finalizing DistLogger singleton!";
     constexpr char kUnlockFailure[] = "Unable to unlock when finalizing DistLogger singleton!";
+    const vur_dl::NoCancellation no_cancellation;
     if (!take_lock_behind_gate(kLockFailure)) {
         return 1;
     }
@@ -360,6 +365,7 @@ void VUR_DL_DistLogger_disable(void) {
     if (self == nullptr) {
         return;
     }
+    const vur_dl::MiddlewareCallsAllowed middleware_calls_allowed;
     set_state_kind(*self, VUR_DL_STATE_NONOPERATIONAL);
     vur_dl::refresh_threshold(self);
     store_relaxed(self->logMessageWriteThread->shouldRun, 0);

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "DistLoggerRecord.hpp"
+#include "logger_lock.hpp"
 #include "report.hpp"
 
 namespace {
@@ -219,12 +220,12 @@ void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,
     if (refusal(self, params) == nullptr && has_no_effect(self, params->log_level)) {
         return;
     }
-    if (KOLT_GlobalLock_take(&gVUR_DL_DistLogger_lock) != 0) {
+    if (!vur_dl::take_logger_lock()) {
         report("Unable to lock: It is not safe to log message", __func__);
         return;
     }
     log_locked(self, params);
-    if (KOLT_GlobalLock_give(&gVUR_DL_DistLogger_lock) != 0) {
+    if (!vur_dl::give_logger_lock()) {
         report("Unable to unlock when logging message.", __func__);
     }
 }

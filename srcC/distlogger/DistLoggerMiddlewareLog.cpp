@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The middleware's own log: forwarded into the distributed log, and silenced during creation.
-#include <array>
-#include <atomic>
 #include <cstdio>
 #include <cstring>
 
 #include "DistLoggerRecord.hpp"
+#include "logger_lock.hpp"
 #include "report.hpp"
 #include "vur_dl/EnumTranslators.h"
 
@@ -14,11 +13,6 @@ namespace {
 using vur_dl::report;
 
 constexpr char kForwardedCategory[] = "com.vur.kolt.config.Logger";
-
-// The state of the gate: the number of threads that are forwarding, plus kClosed while the gate is
-// closed. One word, so that a thread sees the gate open and is counted in one step.
-constexpr int kClosed = 1 << 30;
-std::atomic<int> gate{kClosed};
 
 void print_as_it_stands(const char *text) {
     const std::size_t length = std::strlen(text);
@@ -29,43 +23,16 @@ void print_as_it_stands(const char *text) {
 
 }  // namespace
 
-bool vur_dl::MiddlewareLogGate::enter() {
-    if ((gate.fetch_add(1, std::memory_order_acquire) & kClosed) != 0) {
-        leave();
-        return false;
-    }
-    return true;
-}
-
-void vur_dl::MiddlewareLogGate::leave() {
-    // The last thread to leave a gate that is being closed wakes the thread that closes it.
-    if (gate.fetch_sub(1, std::memory_order_release) == kClosed + 1) {
-        gate.notify_all();
-    }
-}
-
-void vur_dl::MiddlewareLogGate::close() {
-    int seen = gate.fetch_or(kClosed, std::memory_order_acq_rel) | kClosed;
-    while (seen != kClosed) {
-        gate.wait(seen, std::memory_order_acquire);
-        seen = gate.load(std::memory_order_acquire);
-    }
-}
-
-bool vur_dl::MiddlewareLogGate::is_closed() {
-    return (gate.load(std::memory_order_acquire) & kClosed) != 0;
-}
-
-void vur_dl::MiddlewareLogGate::open() {
-    gate.fetch_and(~kClosed, std::memory_order_release);
-}
+vur_dl::Gate vur_dl::forwarding_gate;
 
 KOLT_Config_LoggerDevice VUR_DL_DistLogger_localDevice = {nullptr, VUR_DL_DistLogger_writeDevice,
                                                           nullptr};
 
 void VUR_DL_DistLogger_writeDevice(KOLT_Config_LoggerDevice *,
                                    const KOLT_Config_LogMessage *message) {
-    if (!VUR_DL_DistLogger_isDistLoggerRunning() || !vur_dl::MiddlewareLogGate::enter()) {
+    // Who were cancelled inside would keep finalisation waiting.
+    const vur_dl::NoCancellation no_cancellation;
+    if (!VUR_DL_DistLogger_isDistLoggerRunning() || !vur_dl::forwarding_gate.enter()) {
         print_as_it_stands(message->text);
         return;
     }
@@ -73,7 +40,7 @@ void VUR_DL_DistLogger_writeDevice(KOLT_Config_LoggerDevice *,
         vur_dl::load_acquire(VUR_DL_DistLogger_instance),
         VUR_DL_translateFromVURLoggerLogLevelToDLLevel(message->level), message->text,
         kForwardedCategory);
-    vur_dl::MiddlewareLogGate::leave();
+    vur_dl::forwarding_gate.leave();
 }
 
 void VUR_DL_DistLogger_maskSystemVerbosity(KOLT_Config_LogVerbosity mask[8],

@@ -2,8 +2,9 @@
 // The logger's record, and the declarations about it that the files of the logger share.
 #pragma once
 
-#include <mutex>
+#include <atomic>
 
+#include "gate.hpp"
 #include "relaxed.hpp"
 #include "vur_dl/DDSEntities.h"
 #include "vur_dl/DistLogger.h"
@@ -13,13 +14,14 @@ struct VUR_DL_DistLogger {
     VUR_DL_Options *options;  // the stored options, shared; or defaults of this logger's own
     DDS_Long filterLevel;     // read by log calls, written by remote commands
     VUR_DL_DDSEntities *_ddsEntities;
-    VUR_DL_ADMIN_State *state;  // what is published; guarded by state_lock()
+    VUR_DL_ADMIN_State *state;  // what is published; touched by its owner (state_owner.hpp)
     DDS_Cookie_t stateCookie;
     DDS_InstanceHandle_t loggerStateInstanceHandle;
     VUR_DL_LogMessageWriteThread *logMessageWriteThread;
     VUR_DL_MessageQueue *q;                     // owned by the write thread
     KOLT_Config_LoggerDevice *ddsLoggerDevice;  // installed device, or NULL
     KOLT_Clock *clock;                          // log_clock()
+    DDS_Long stateKind;                         // what log calls go by; `state` follows it
 };
 // NOLINTEND(readability-identifier-naming)
 
@@ -30,15 +32,8 @@ extern VUR_DL_Options *gVUR_DL_DistLogger_currentOptions;
 
 namespace vur_dl {
 
-// Guards the State record. The application's thread fills the record, the command reader's thread
-// changes it, and the State writer serialises it on either of them or on the thread that found a
-// reader. The lock is recursive, because a State sample that is delivered within the process may
-// come back as a command on the same thread. It is taken after gVUR_DL_DistLogger_lock, never
-// before.
-std::recursive_mutex &state_lock();
-
 inline VUR_DL_ADMIN_StateKind state_kind(const VUR_DL_DistLogger &self) {
-    return load_relaxed(self.state->state);
+    return static_cast<VUR_DL_ADMIN_StateKind>(load_relaxed(self.stateKind));
 }
 
 inline bool is_operational(const VUR_DL_DistLogger &self) {
@@ -63,7 +58,7 @@ void refresh_threshold_after(const VUR_DL_Options *options);
 KOLT_Clock *create_log_clock();  // under gVUR_DL_DistLogger_lock; NULL when memory runs out
 KOLT_Clock *log_clock();         // NULL before the first logger
 
-// ---- The gate of the middleware's log -----------------------------------------------------------
+// ---- The gates ----------------------------------------------------------------------------------
 
 // Lets the middleware's messages into the distributed log only while finalisation is not under way.
 //
@@ -71,15 +66,9 @@ KOLT_Clock *log_clock();         // NULL before the first logger
 // another thread, with locks of its own held, and that thread would wait for the logger lock: a
 // deadlock. So finalisation closes the gate first and waits until every forwarded message has left.
 // From then on the middleware's messages are printed instead of logged.
-class MiddlewareLogGate {
-  public:
-    // Returns false when the gate is closed. After true the caller must call leave().
-    static bool enter();
-    static void leave();
-    // Closes the gate and waits until every thread that entered has left.
-    static void close();
-    static void open();
-    static bool is_closed();
-};
+extern Gate forwarding_gate;
+
+// Lets commands in while there is a write thread, whose settings they change.
+extern Gate command_gate;
 
 }  // namespace vur_dl

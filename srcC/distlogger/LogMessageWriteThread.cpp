@@ -2,6 +2,7 @@
 // The write thread: waits on the queue and publishes each message in place.
 #include "vur_dl/LogMessageWriteThread.h"
 
+#include "lock_rules.hpp"
 #include "relaxed.hpp"
 #include "report.hpp"
 
@@ -20,6 +21,7 @@ constexpr int kLevelOfJoinFailure = 1;
 
 // Writes the oldest message and removes it from the queue.
 void publish_front(VUR_DL_LogMessageWriteThread &self, const VUR_DL_LogMessagePlusTime &front) {
+    vur_dl::about_to_call_middleware();
     const DDS_ReturnCode_t result = VUR_DL_LogMessageDataWriter_write_w_timestamp(
         self.logMessageWriter, &front.message, DDS_HANDLE_NIL, &front.writeTime);
     if (result == DDS_RETCODE_TIMEOUT) {

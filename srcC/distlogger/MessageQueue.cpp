@@ -9,6 +9,7 @@
 #include <new>
 
 #include "kolt/os.h"
+#include "lock_rules.hpp"
 #include "relaxed.hpp"
 #include "report.hpp"
 
@@ -134,6 +135,20 @@ bool fill(VUR_DL_MessageQueueElement &element, const VUR_DL_LogMessagePlusTime &
     return true;
 }
 
+// Take and give the mutex, under which nothing is called. False when the platform refuses.
+bool take(const VUR_DL_MessageQueue &self) {
+    if (KOLT_Mutex_take(self.mutex) != 0) {
+        return false;
+    }
+    vur_dl::leaf_lock_taken();
+    return true;
+}
+
+bool give(const VUR_DL_MessageQueue &self) {
+    vur_dl::leaf_lock_given();
+    return KOLT_Mutex_give(self.mutex) == 0;
+}
+
 // Numbers the message and queues a copy of it. False when it is dropped. The caller holds the
 // mutex.
 bool enqueue(VUR_DL_MessageQueue &self, const VUR_DL_LogMessagePlusTime &item) {
@@ -200,12 +215,12 @@ void VUR_DL_MessageQueue_delete(VUR_DL_MessageQueue *self) {
 }
 
 int VUR_DL_MessageQueue_push(VUR_DL_MessageQueue *self, const VUR_DL_LogMessagePlusTime *item) {
-    if (KOLT_Mutex_take(self->mutex) != 0) {
+    if (!take(*self)) {
         report("Unable to take message queue mutex", __func__);
         return 0;
     }
     const bool queued = enqueue(*self, *item);
-    if (KOLT_Mutex_give(self->mutex) != 0) {
+    if (!give(*self)) {
         report("Unable to give message queue mutex", __func__);
     }
     if (queued && KOLT_Semaphore_give(self->countSem) != KOLT_SEMAPHORE_OK) {
@@ -224,12 +239,12 @@ VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
         }
         return nullptr;
     }
-    if (KOLT_Mutex_take(self->mutex) != 0) {
+    if (!take(*self)) {
         report("Unable to take message queue mutex", kMethodName);
         return nullptr;
     }
     KOLT_ListNode *first = KOLT_List_first(&self->queue);
-    if (KOLT_Mutex_give(self->mutex) != 0) {
+    if (!give(*self)) {
         report("Unable to give message queue mutex", kMethodName);
     }
     // There may be tokens without elements: after a push whose semaphore failed, or after a front
@@ -238,12 +253,12 @@ VUR_DL_LogMessagePlusTime *VUR_DL_MessageQueue_front(VUR_DL_MessageQueue *self,
 }
 
 void VUR_DL_MessageQueue_pop(VUR_DL_MessageQueue *self) {
-    if (KOLT_Mutex_take(self->mutex) != 0) {
+    if (!take(*self)) {
         report("Unable to take message queue mutex", __func__);
         return;
     }
     remove_first(*self);
-    if (KOLT_Mutex_give(self->mutex) != 0) {
+    if (!give(*self)) {
         report("Unable to give message queue mutex", __func__);
     }
 }
