@@ -183,7 +183,7 @@ int VUR_DL_DistLogger_setFilterLevel(VUR_DL_DistLogger *self, int level) {
     if (std::atomic_ref<DDS_Long>(self->filterLevel).exchange(level) == level) {
         return 0;
     }
-    vur_dl::refresh_threshold(self);
+    vur_dl::refresh_threshold();
     vur_dl::state_owner().carry_out(*self, vur_dl::kRefreshFilterLevel);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
         report("Unable to write State", __func__, vur_dl::kLevelWarning);

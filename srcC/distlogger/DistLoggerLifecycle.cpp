@@ -189,7 +189,7 @@ void create_singleton(DDS_DomainParticipantFactory *factory) {
     if (VUR_DL_DistLogger_writeState(self) == 0) {
         report("Unable to Write State", kGetInstance, vur_dl::kLevelWarning);
     }
-    vur_dl::refresh_threshold(self);
+    vur_dl::watch_threshold_of(self);
     vur_dl::forwarding_gate.open();
     store_release(gVUR_DL_DistLogger_initialized, 1);
 }
@@ -211,6 +211,7 @@ VUR_DL_DistLogger *detach() {
     if (self->_ddsEntities != nullptr) {
         VUR_DL_DistLogger_disable();
     }
+    vur_dl::watch_threshold_of(nullptr);
     store_release(VUR_DL_DistLogger_instance, nullptr);
     store_release(gVUR_DL_DistLogger_beingDestroyed, 1);
     return self;
@@ -367,7 +368,7 @@ void VUR_DL_DistLogger_disable(void) {
     }
     const vur_dl::MiddlewareCallsAllowed middleware_calls_allowed;
     set_state_kind(*self, VUR_DL_STATE_NONOPERATIONAL);
-    vur_dl::refresh_threshold(self);
+    vur_dl::refresh_threshold();
     store_relaxed(self->logMessageWriteThread->shouldRun, 0);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
         report("Unable to Write State", __func__, vur_dl::kLevelWarning);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The log path on the caller's thread: stamp, check, echo, filter, queue.
 #include <atomic>
-#include <climits>
 #include <cstdint>
 
 #include "DistLoggerRecord.hpp"
@@ -12,13 +11,12 @@ namespace {
 
 using vur_dl::report;
 
-std::atomic<int> effect_threshold{INT_MAX};
 std::atomic<KOLT_Clock *> process_clock{nullptr};
 
 // True when a call with valid arguments would have no effect. A record that is not the logger, or a
 // wrong argument, is left to the checks under the lock.
 bool has_no_effect(const VUR_DL_DistLogger *self, int level) {
-    return level > effect_threshold.load(std::memory_order_relaxed) && self != nullptr &&
+    return level > vur_dl::effect_threshold.load(std::memory_order_relaxed) && self != nullptr &&
            self == vur_dl::load_relaxed(VUR_DL_DistLogger_instance);
 }
 
@@ -143,21 +141,6 @@ KOLT_Clock *vur_dl::create_log_clock() {
         process_clock.store(clock, std::memory_order_release);
     }
     return clock;
-}
-
-void vur_dl::refresh_threshold(const VUR_DL_DistLogger *self) {
-    int value = INT_MAX;
-    if (self != nullptr && load_relaxed(self->options->echoToStdout) != 1) {
-        value = is_operational(*self) ? load_relaxed(self->filterLevel) : INT_MIN;
-    }
-    effect_threshold.store(value, std::memory_order_relaxed);
-}
-
-void vur_dl::refresh_threshold_after(const VUR_DL_Options *options) {
-    const VUR_DL_DistLogger *self = load_acquire(VUR_DL_DistLogger_instance);
-    if (self != nullptr && self->options == options) {
-        refresh_threshold(self);
-    }
 }
 
 void VUR_DL_DistLogger_fatal(VUR_DL_DistLogger *self, const char *message) {

@@ -43,11 +43,17 @@ inline bool is_operational(const VUR_DL_DistLogger &self) {
 // ---- The threshold ------------------------------------------------------------------------------
 // The threshold is the level above which log calls have no effect at all: neither an echo nor a
 // queued message. Log calls compare with it before they read a clock or take a lock. It is derived
-// from the options' echo, the filter level and the State, and is refreshed whenever one of them
-// changes.
+// from the options' echo, the filter level and the State of the logger in force. Whoever changes
+// one of them refreshes the threshold afterwards; refreshes follow one another, so that the last
+// one has seen every change, and when one returns its change is in force.
 
-void refresh_threshold(const VUR_DL_DistLogger *self);
-// Refreshes the threshold after a change in an options record, if it is the running logger's.
+extern std::atomic<int> effect_threshold;
+
+// Derives the threshold from this logger from now on; from none with NULL, which must happen before
+// the logger is released.
+void watch_threshold_of(const VUR_DL_DistLogger *self);
+void refresh_threshold();
+// Refreshes the threshold after a change in an options record, if it is the watched logger's.
 void refresh_threshold_after(const VUR_DL_Options *options);
 
 // ---- The clock ----------------------------------------------------------------------------------
