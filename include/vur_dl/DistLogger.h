@@ -11,8 +11,11 @@
  *     queue. A message that finds the queue full is dropped; the gap in the message numbers shows
  *     it.
  *  3. A failure prints one line on standard output: "<level name>: <function>: <text>".
- *  4. Do not log from a signal handler.
- *  5. A thread that is cancelled (pthread_cancel) within one of these functions goes on until the
+ *  4. A forked child of a process in which a logger runs has no logger and gets none: log calls return
+ *     at once, and nothing is published in the parent's name. So start the logger after daemon().
+ *     A child that is forked before the logger is created or after it was finalised may create one.
+ *  5. Do not log from a signal handler.
+ *  6. A thread that is cancelled (pthread_cancel) within one of these functions goes on until the
  *     function has released what it holds.
  */
 #pragma once
@@ -35,7 +38,8 @@ typedef struct VUR_DL_DistLogger VUR_DL_DistLogger;
 
 /* Stores a copy of `options` for the next creation. NULL clears the stored options, so that the
  * next creation uses the defaults. Returns 1 on success; 0, with a printed line, when the logger
- * exists already, when memory runs out, or when the lock fails. */
+ * exists already, when memory runs out, when the lock fails, or in the child of a process with a
+ * logger. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_setOptions(const VUR_DL_Options *options);
 /* Returns the stored options. They belong to the library and are valid until they are replaced or
  * the logger is finalised. Returns NULL when none were set, also while a logger runs with the
@@ -43,17 +47,18 @@ VUR_DL_EXPORT int VUR_DL_DistLogger_setOptions(const VUR_DL_Options *options);
 VUR_DL_EXPORT VUR_DL_Options *VUR_DL_DistLogger_getOptions(void);
 /* Returns the logger. The first call creates it with its DDS entities, its thread and its State.
  * Returns NULL, with a printed line that says why, when the logger cannot be created or is being
- * finalised; a later call tries again. */
+ * finalised; a later call tries again. Returns NULL with such a line in the child of a process with a
+ * logger, too. */
 VUR_DL_EXPORT VUR_DL_DistLogger *VUR_DL_DistLogger_getInstance(void);
 /* Does the same with a participant factory of the caller's choice. */
 VUR_DL_EXPORT VUR_DL_DistLogger *VUR_DL_DistLogger_getInstanceI(
     DDS_DomainParticipantFactory *factory);
 /* Tears the logger down: publishes a last, non-operational State, ends the thread, deletes the
  * entities and the stored options. Messages that are still queued are not published. Returns 0 on
- * success, also when there was no logger; 1, with a printed line, when the lock fails. Must not be
+ * success, also when there was no logger and in the child of a process with one; 1, with a printed line, when the lock fails. Must not be
  * called from a listener callback of the middleware. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_finalizeInstance(void);
-/* Returns 1 while the logger exists and is not being finalised, else 0. Takes no lock. */
+/* Returns 1 while the logger exists and is not being finalised, else 0, as in a forked child. Takes no lock. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_isDistLoggerRunning(void);
 /* Return the queue and the write thread of the logger, whose counters an application may watch.
  * Return NULL when there is no logger. The pointers are valid until the logger is finalised. Take

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "DistLoggerRecord.hpp"
+#include "fork.hpp"
 #include "lock_rules.hpp"
 #include "logger_lock.hpp"
 #include "report.hpp"
@@ -123,8 +124,8 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logge
 void VUR_DL_DistLogger_processCommand(VUR_DL_DistLogger *self,
                                       const VUR_DL_ADMIN_CommandRequest *request) {
     const vur_dl::NoCancellation no_cancellation;
-    if (!vur_dl::command_gate.enter()) {
-        return;  // the logger is being torn down
+    if (vur_dl::is_child_without_logger() || !vur_dl::command_gate.enter()) {
+        return;  // there is no logger, or it is being torn down
     }
     VUR_DL_ADMIN_CommandResponse response;
     if (VUR_DL_ADMIN_CommandResponse_initialize(&response)) {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "DistLoggerRecord.hpp"
+#include "fork.hpp"
 #include "lock_rules.hpp"
 #include "logger_lock.hpp"
 #include "report.hpp"
@@ -171,6 +172,7 @@ bool build(VUR_DL_DistLogger &self, DDS_DomainParticipantFactory *factory) {
 // Creates the logger and makes it reachable. The caller holds the lock.
 void create_singleton(DDS_DomainParticipantFactory *factory) {
     const vur_dl::MiddlewareCallsAllowed middleware_calls_allowed;
+    vur_dl::set_logger_exists(true);
     KOLT_Config_LogVerbosity verbosity_mask[KOLT_CONFIG_LOG_CATEGORY_COUNT];
     // These values count if the middleware's logger cannot be reached while masking but can be
     // afterwards.
@@ -181,6 +183,7 @@ void create_singleton(DDS_DomainParticipantFactory *factory) {
     VUR_DL_DistLogger_unmaskSystemVerbosity(verbosity_mask);
     VUR_DL_DistLogger *self = VUR_DL_DistLogger_instance;
     if (self == nullptr) {
+        vur_dl::set_logger_exists(false);
         report("Unable to create DistLogger singleton!", kGetInstance);
         return;
     }
@@ -256,6 +259,13 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_getInstanceI(DDS_DomainParticipantFactory *
     constexpr char kUnlockFailure[] = "Unable to unlock when creating DistLogger singleton!";
     if (VUR_DL_DistLogger_isDistLoggerRunning()) {
         return load_acquire(VUR_DL_DistLogger_instance);
+    }
+    if (vur_dl::is_child_without_logger()) {
+        report(
+            "Unable to create DistLogger singleton in the child of a process with a logger; start "
+            "the logger after fork() or daemon()",
+            kGetInstance);
+        return nullptr;
     }
     if (is_being_destroyed()) {
         report_being_destroyed();
@@ -335,6 +345,9 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
 int VUR_DL_DistLogger_finalizeInstance(void) {
     constexpr char kLockFailure[] = "Unable to lock when finalizing DistLogger singleton!";
     constexpr char kUnlockFailure[] = "Unable to unlock when finalizing DistLogger singleton!";
+    if (vur_dl::is_child_without_logger()) {
+        return 0;
+    }
     const vur_dl::NoCancellation no_cancellation;
     if (!take_lock_behind_gate(kLockFailure)) {
         return 1;
@@ -354,6 +367,7 @@ int VUR_DL_DistLogger_finalizeInstance(void) {
     }
     store_release(gVUR_DL_DistLogger_beingDestroyed, 0);
     store_release(gVUR_DL_DistLogger_initialized, 0);
+    vur_dl::set_logger_exists(false);
     return give_lock(kUnlockFailure, kFinalizeInstance) ? 0 : 1;
 }
 

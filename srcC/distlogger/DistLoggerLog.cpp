@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "DistLoggerRecord.hpp"
+#include "fork.hpp"
 #include "logger_lock.hpp"
 #include "report.hpp"
 
@@ -201,6 +202,9 @@ void VUR_DL_DistLogger_logMessageWithLevelCategory(VUR_DL_DistLogger *self, int 
 void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,
                                             const VUR_DL_DistLogger_MessageParams *params) {
     if (refusal(self, params) == nullptr && has_no_effect(self, params->log_level)) {
+        return;
+    }
+    if (vur_dl::is_child_without_logger()) {
         return;
     }
     if (!vur_dl::take_logger_lock()) {

@@ -55,6 +55,8 @@ void watch_threshold_of(const VUR_DL_DistLogger *self);
 void refresh_threshold();
 // Refreshes the threshold after a change in an options record, if it is the watched logger's.
 void refresh_threshold_after(const VUR_DL_Options *options);
+// For a forked child: watches no logger, whatever the parent's threads were about.
+void forget_threshold_of_parent();
 
 // ---- The clock ----------------------------------------------------------------------------------
 // Log calls read the clock before they take the lock, when another thread may be finalising the

@@ -5,6 +5,7 @@
 
 #include "DDSEntitiesRecord.hpp"
 #include "DistLoggerRecord.hpp"
+#include "fork.hpp"
 #include "logger_lock.hpp"
 #include "report.hpp"
 #include "state_owner.hpp"
@@ -135,6 +136,9 @@ vur_dl::StateOwner &vur_dl::state_owner() {
 }
 
 bool vur_dl::StateOwner::carry_out(VUR_DL_DistLogger &logger, std::uint32_t wishes) {
+    if (is_child_without_logger()) {
+        return false;
+    }
     const NoCancellation no_cancellation;
     {
         const std::lock_guard<LeafMutex> lock(mutex_);

@@ -2,6 +2,7 @@
 // The level above which log calls have no effect, and the one order of its refreshes.
 #include <climits>
 #include <mutex>
+#include <new>
 
 #include "DistLoggerRecord.hpp"
 #include "lock_rules.hpp"
@@ -43,4 +44,10 @@ void vur_dl::refresh_threshold_after(const VUR_DL_Options *options) {
     if (watched != nullptr && watched->options == options) {
         refresh();
     }
+}
+
+void vur_dl::forget_threshold_of_parent() {
+    new (&mutex) LeafMutex;  // a thread that is not here may have held it
+    watched = nullptr;
+    effect_threshold.store(INT_MAX, std::memory_order_relaxed);
 }

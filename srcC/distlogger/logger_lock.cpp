@@ -2,6 +2,7 @@
 // The logger lock, with everything that goes with holding it.
 #include "logger_lock.hpp"
 
+#include "fork.hpp"
 #include "lock_rules.hpp"
 #include "vur_dl/DistLogger.h"
 
@@ -17,7 +18,7 @@ int cancel_state_of_holder = PTHREAD_CANCEL_ENABLE;
 bool vur_dl::take_logger_lock() {
     int before = PTHREAD_CANCEL_ENABLE;
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before);
-    if (KOLT_GlobalLock_take(&gVUR_DL_DistLogger_lock) != 0) {
+    if (is_child_without_logger() || KOLT_GlobalLock_take(&gVUR_DL_DistLogger_lock) != 0) {
         pthread_setcancelstate(before, nullptr);
         return false;
     }

@@ -19,7 +19,8 @@ class NoCancellation {
     int before_ = PTHREAD_CANCEL_ENABLE;
 };
 
-// Take and give the logger lock. False when the platform refuses. Between the two the thread is not
+// Take and give the logger lock. False when the platform refuses, and in the child of a process with
+// a logger, where it may be taken for ever. Between the two the thread is not
 // cancelled.
 bool take_logger_lock();
 bool give_logger_lock();
