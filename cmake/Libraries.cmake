@@ -28,6 +28,8 @@ function(vur_dl_add_library name source_dir include_dir building)
   # No -Bsymbolic and no -fno-semantic-interposition: a program that defines one of the platform's
   # functions itself gets the calls that libvur_dl makes, and the fault tests live on that.
   target_link_options(${name} PRIVATE "-Wl,--version-script=${version_script}" -Wl,--as-needed)
+  # A program may unload a library whose threads run: its code stays.
+  target_link_options(${name} PRIVATE -Wl,-z,nodelete)
   if(NOT VUR_DL_SANITIZE)
     target_link_options(${name} PRIVATE -Wl,-z,defs)
   endif()
