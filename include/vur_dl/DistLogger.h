@@ -48,8 +48,9 @@ VUR_DL_EXPORT int VUR_DL_DistLogger_setOptions(const VUR_DL_Options *options);
 VUR_DL_EXPORT VUR_DL_Options *VUR_DL_DistLogger_getOptions(void);
 /* Returns the logger. The first call creates it with its DDS entities, its thread and its State.
  * Returns NULL, with a printed line that says why, when the logger cannot be created or is being
- * finalised; a later call tries again. Returns NULL with such a line in the child of a process with a
- * logger, too. */
+ * finalised; a later call tries again. The middleware's log is silent meanwhile; after a failure
+ * it tells the errors that it kept to itself. Returns NULL with a line in the child of a process
+ * with a logger, too. */
 VUR_DL_EXPORT VUR_DL_DistLogger *VUR_DL_DistLogger_getInstance(void);
 /* Does the same with a participant factory of the caller's choice. */
 VUR_DL_EXPORT VUR_DL_DistLogger *VUR_DL_DistLogger_getInstanceI(

@@ -169,10 +169,12 @@ bool build(VUR_DL_DistLogger &self, DDS_DomainParticipantFactory *factory) {
     return become_operational(self) && install_device(self);
 }
 
-// Creates the logger and makes it reachable. The caller holds the lock.
+// Creates the logger and makes it reachable. The caller holds the lock, and tells what was silenced
+// meanwhile when it has given it.
 void create_singleton(DDS_DomainParticipantFactory *factory) {
     const vur_dl::MiddlewareCallsAllowed middleware_calls_allowed;
     vur_dl::set_logger_exists(true);
+    KOLT_Log_keep_errors();
     KOLT_Config_LogVerbosity verbosity_mask[KOLT_CONFIG_LOG_CATEGORY_COUNT];
     // These values count if the middleware's logger cannot be reached while masking but can be
     // afterwards.
@@ -285,6 +287,11 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_getInstanceI(DDS_DomainParticipantFactory *
     }
     VUR_DL_DistLogger *self = VUR_DL_DistLogger_instance;
     give_lock(kUnlockFailure, kGetInstance);
+    if (self == nullptr) {
+        KOLT_Log_tell_kept_errors();
+    } else {
+        KOLT_Log_forget_kept_errors();
+    }
     return self;
 }
 

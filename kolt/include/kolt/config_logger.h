@@ -161,8 +161,17 @@ KOLT_EXPORT void KOLT_Log_message(KOLT_Config_LogCategory category, KOLT_Config_
     __attribute__((format(printf, 4, 5)))
 #endif
     ;
-/* True when a message of this kind would be written. One load and one test. */
+/* True when a message of this kind would be written, or kept. One load and one test, but for errors
+ * that are not written. */
 KOLT_EXPORT DDS_Boolean KOLT_Log_is_enabled(KOLT_Config_LogCategory category,
                                             KOLT_Config_LogLevel level);
+
+/* Keep what goes wrong on the calling thread while nobody may hear of it. From _keep_ on, the first
+ * eight messages of this thread that are errors or fatal errors and that a verbosity drops are kept,
+ * the engine's included. _tell_ ends that and logs those that the verbosities of that moment let
+ * pass, _forget_ ends it and drops them. Without a _keep_ before, both do nothing. */
+KOLT_EXPORT void KOLT_Log_keep_errors(void);
+KOLT_EXPORT void KOLT_Log_tell_kept_errors(void);
+KOLT_EXPORT void KOLT_Log_forget_kept_errors(void);
 
 KOLT_EXTERN_C_END

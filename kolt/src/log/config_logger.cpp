@@ -12,6 +12,7 @@
 #include "kolt/os.h"
 #include "log/device.hpp"
 #include "log/event.hpp"
+#include "log/kept_errors.hpp"
 #include "log/line_format.hpp"
 #include "log/verbosity.hpp"
 
@@ -60,6 +61,10 @@ KOLT_Config_LogFacility facility_of(const Event &event) {
 void log_text(KOLT_Config_LogCategory category, KOLT_Config_LogLevel level, Module module,
               const char *method_name, std::string_view text) {
     const ErrnoKept errno_kept;
+    if (!is_enabled(category, level)) {
+        keep(category, level, module, method_name, text);
+        return;
+    }
     Event event{category, level, module, method_name, text, 0, {}};
     event.id = last_message_id.fetch_add(1, std::memory_order_relaxed) + 1;
     clock_gettime(CLOCK_REALTIME, &event.time);
@@ -133,7 +138,7 @@ KOLT_Config_LoggerDevice *KOLT_Config_Logger_get_output_device(KOLT_Config_Logge
 
 void KOLT_Log_message(KOLT_Config_LogCategory category, KOLT_Config_LogLevel level,
                       const char *method_name, const char *format, ...) {
-    if (!kolt::log::is_enabled(category, level) || format == nullptr) {
+    if (!kolt::log::is_wanted(category, level) || format == nullptr) {
         return;
     }
     va_list arguments;
@@ -143,5 +148,5 @@ void KOLT_Log_message(KOLT_Config_LogCategory category, KOLT_Config_LogLevel lev
 }
 
 DDS_Boolean KOLT_Log_is_enabled(KOLT_Config_LogCategory category, KOLT_Config_LogLevel level) {
-    return kolt::log::is_enabled(category, level);
+    return kolt::log::is_wanted(category, level);
 }

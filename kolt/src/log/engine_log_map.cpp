@@ -4,6 +4,7 @@
 #include "log/engine_log_map.hpp"
 
 #include "log/event.hpp"
+#include "log/kept_errors.hpp"
 #include "log/verbosity.hpp"
 
 namespace kolt::log {
@@ -58,7 +59,7 @@ void engine_message(std::uint32_t categories, bool is_security, const char *func
     for (const Row &row : kRows) {
         if ((categories & row.engine) != 0) {
             const auto category = is_security ? KOLT_CONFIG_LOG_CATEGORY_SECURITY : row.category;
-            if (is_enabled(category, row.level)) {
+            if (is_wanted(category, row.level)) {
                 log_text(category, row.level, Module::kEngine, function, text);
             }
             return;
@@ -70,7 +71,8 @@ std::uint32_t enabled_engine_categories() {
     std::uint32_t enabled = 0;
     for (const Row &row : kRows) {
         // The security code uses every category.
-        if (is_enabled(row.category, row.level) ||
+        if ((row.level <= KOLT_CONFIG_LOG_LEVEL_ERROR && are_errors_kept()) ||
+            is_enabled(row.category, row.level) ||
             is_enabled(KOLT_CONFIG_LOG_CATEGORY_SECURITY, row.level)) {
             enabled |= row.engine;
         }

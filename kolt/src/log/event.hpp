@@ -29,8 +29,9 @@ inline bool is_security_message(const Event &event) {
 
 KOLT_Config_LogFacility facility_of(const Event &event);
 
-// Numbers, stamps, formats and delivers a message that passes its category's verbosity. Logging
-// from within is allowed (see device.hpp). errno stays.
+// Numbers, stamps, formats and delivers a message that passes its category's verbosity; one that does
+// not is kept, if the thread keeps it (kept_errors.hpp). Logging from within is allowed (see
+// device.hpp). errno stays.
 void log_text(KOLT_Config_LogCategory category, KOLT_Config_LogLevel level, Module module,
               const char *method_name, std::string_view text);
 

@@ -179,7 +179,9 @@ TEST(LoggerLifecycle, AFailedCreationSaysWhyAndLeavesNothingBehind) {
         EXPECT_EQ(capture.text(),
                   "DL Error: VUR_DL_DDSEntities_create: Unable to create Domain Participant\n"
                   "DL Error: VUR_DL_DistLogger_createInstance: Unable to create DDSEntities\n"
-                  "DL Error: VUR_DistLogger_getInstance: Unable to create DistLogger singleton!\n");
+                  "DL Error: VUR_DistLogger_getInstance: Unable to create DistLogger singleton!\n"
+                  "ERROR kolt DDS_DomainParticipantFactory_create_participant: the domain id 5000 "
+                  "is out of range: it must be 0 to 230 (DDS_RETCODE_BAD_PARAMETER)\n");
     }
     EXPECT_EQ(VUR_DL_DistLogger_isDistLoggerRunning(), 0);
     EXPECT_EQ(VUR_DL_DistLogger_getMessageQueue(), nullptr);

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+// Creations that fail, and the reason that the middleware's log gives for it.
+#include <gtest/gtest.h>
+#include <kolt/dds_c.h>
+#include <vur_dl/DistLogger.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "support/logger/logger.h"
+#include "support/platform/process.h"
+
+namespace {
+
+using support::Logger;
+using support::StdoutCapture;
+
+const std::vector<std::string> kNoParticipant = {
+    "DL Error: VUR_DL_DDSEntities_create: Unable to create Domain Participant",
+    "DL Error: VUR_DL_DistLogger_createInstance: Unable to create DDSEntities",
+    "DL Error: VUR_DistLogger_getInstance: Unable to create DistLogger singleton!"};
+
+// Returns what a creation that fails prints.
+std::vector<std::string> lines_of_failure(int domain) {
+    StdoutCapture capture;
+    const Logger logger({.domain = domain});
+    EXPECT_EQ(logger.get(), nullptr);
+    return capture.lines();
+}
+
+// True when a line below the first three, which are `prescribed`, holds `reason`, and no other does.
+void expect_reason(const std::vector<std::string> &lines,
+                   const std::vector<std::string> &prescribed, const std::string &reason) {
+    ASSERT_GT(lines.size(), prescribed.size()) << "no reason";
+    EXPECT_TRUE(std::equal(prescribed.begin(), prescribed.end(), lines.begin()));
+    std::string all;
+    for (const std::string &line : lines) {
+        all += line + "\n";
+    }
+    EXPECT_NE(all.find(reason), std::string::npos) << all;
+    EXPECT_EQ(all.find(reason), all.rfind(reason)) << all;
+}
+
+TEST(LoggerRefusals, AMissingInterfaceIsNamed) {
+    setenv("CYCLONEDDS_URI",
+           "<CycloneDDS><Domain Id='any'><General><Interfaces><NetworkInterface name='nosuch0'/>"
+           "</Interfaces></General></Domain></CycloneDDS>",
+           1);
+    expect_reason(lines_of_failure(59), kNoParticipant, "nosuch0");
+    // Each attempt says why, and leaves nothing for the next.
+    expect_reason(lines_of_failure(59), kNoParticipant, "nosuch0");
+}
+
+TEST(LoggerRefusals, AConfigurationThatCannotBeReadIsNamed) {
+    setenv("CYCLONEDDS_URI", "file:///no/such/configuration.xml", 1);
+    expect_reason(lines_of_failure(59), kNoParticipant, "/no/such/configuration.xml");
+}
+
+TEST(LoggerRefusals, ADomainBeyondTheLastIsNamed) {
+    expect_reason(lines_of_failure(231), kNoParticipant, "231");
+}
+
+TEST(LoggerRefusals, AVerbosityThatShowsNoErrorsShowsNoReason) {
+    KOLT_Config_Logger_set_verbosity(KOLT_Config_Logger_get_instance(),
+                                     KOLT_CONFIG_LOG_VERBOSITY_SILENT);
+    EXPECT_EQ(lines_of_failure(231), kNoParticipant);
+}
+
+TEST(LoggerRefusals, ACreationThatSucceedsTellsNothing) {
+    EXPECT_EQ(lines_of_failure(231).size(), kNoParticipant.size() + 1);
+    StdoutCapture capture;
+    const Logger logger({.domain = 59});
+    EXPECT_NE(logger.get(), nullptr);
+    EXPECT_EQ(capture.text(), "");
+}
+
+}  // namespace
