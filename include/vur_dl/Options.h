@@ -21,8 +21,8 @@
 VUR_DL_EXTERN_C_BEGIN
 
 typedef struct VUR_DL_Options {
-    /* The participant in which the logger creates its entities; borrowed, must outlive the logger.
-     * NULL: the logger creates one of its own in `domainId`. */
+    /* The participant in which the logger creates its entities; borrowed, must be enabled when the
+     * logger is created, and must outlive the logger. NULL: the logger creates one of its own in `domainId`. */
     DDS_DomainParticipant *domainParticipant;
     /* A participant object of another language binding; borrowed, never used by the library. */
     void *cppDomainParticipant;
@@ -80,7 +80,8 @@ VUR_DL_EXPORT VUR_DL_Options *VUR_DL_Options_delete(VUR_DL_Options *self);
 /* Returns NULL for a NULL record. */
 VUR_DL_EXPORT DDS_DomainParticipant *VUR_DL_Options_getDomainParticipant(
     const VUR_DL_Options *self);
-/* Borrows the participant, which must not be NULL and must outlive the logger. */
+/* Borrows the participant, which must not be NULL and must outlive the logger. The logger is not
+ * created in one that is not enabled yet. */
 VUR_DL_EXPORT DDS_ReturnCode_t
 VUR_DL_Options_setDomainParticipant(VUR_DL_Options *self, DDS_DomainParticipant *domainParticipant);
 /* Returns 0 for a NULL record. */

@@ -68,6 +68,36 @@ TEST(LoggerRefusals, AVerbosityThatShowsNoErrorsShowsNoReason) {
     EXPECT_EQ(lines_of_failure(231), kNoParticipant);
 }
 
+TEST(LoggerRefusals, AParticipantThatIsNotEnabledIsRefused) {
+    DDS_DomainParticipantFactory *factory = DDS_DomainParticipantFactory_get_instance();
+    DDS_DomainParticipantFactoryQos qos;
+    ASSERT_EQ(DDS_DomainParticipantFactoryQos_initialize(&qos), DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_qos(factory, &qos), DDS_RETCODE_OK);
+    qos.entity_factory.autoenable_created_entities = DDS_BOOLEAN_FALSE;
+    ASSERT_EQ(DDS_DomainParticipantFactory_set_qos(factory, &qos), DDS_RETCODE_OK);
+    DDS_DomainParticipant *participant = DDS_DomainParticipantFactory_create_participant(
+        factory, 59, nullptr, nullptr, DDS_STATUS_MASK_NONE);
+    ASSERT_NE(participant, nullptr);
+    {
+        StdoutCapture capture;
+        const Logger logger({.domain = 59, .participant = participant});
+        EXPECT_EQ(logger.get(), nullptr);
+        expect_reason(
+            capture.lines(),
+            {"DL Error: VUR_DL_DDSEntities_create: Unable to get Domain Participant QoS to create "
+             "update HostId and AppId:",
+             kNoParticipant[1], kNoParticipant[2]},
+            "not enabled");
+    }
+    ASSERT_EQ(DDS_Entity_enable(DDS_DomainParticipant_as_entity(participant)), DDS_RETCODE_OK);
+    {
+        const Logger logger({.domain = 59, .participant = participant});
+        EXPECT_NE(logger.get(), nullptr);
+    }
+    EXPECT_EQ(DDS_DomainParticipantFactory_delete_participant(factory, participant),
+              DDS_RETCODE_OK);
+}
+
 TEST(LoggerRefusals, ACreationThatSucceedsTellsNothing) {
     EXPECT_EQ(lines_of_failure(231).size(), kNoParticipant.size() + 1);
     StdoutCapture capture;
