@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // distlog check, as a user runs it: the errors that it finds, with place and remedy, its report on
 // a document that is right, and its agreement with the library.
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <string>
@@ -335,12 +339,76 @@ TEST_F(DistlogCheck, AllShowsEveryPolicy) {
     EXPECT_TRUE(contains(all, "  latency_budget               logger   infinite\n")) << all;
 }
 
-// An engine that is started with this configuration fails, loudly.
-TEST_F(DistlogCheck, TheEngineIsNotStarted) {
+TEST_F(DistlogCheck, TheEnginesConfigurationIsChecked) {
     write_document(logger(""));
-    const Outcome outcome = check({"a.xml"}, {{"CYCLONEDDS_URI", "file:///nonexistent.xml"}});
-    EXPECT_EQ(outcome.code, 0);
-    EXPECT_TRUE(outcome.err.empty()) << joined(outcome.err);
+    const struct {
+        std::string uri;
+        std::string reason;
+    } rows[] = {
+        {"file:///nonexistent.xml", "can't open configuration file file:///nonexistent.xml"},
+        {"<CycloneDDS><Domain Id='any'><General><Interfaces><NetworkInterface name='nosuch0'/>"
+         "</Interfaces></General></Domain></CycloneDDS>",
+         "nosuch0: does not match an available interface."},
+        {"<CycloneDDS><Domain Id='any'><Nonsense/></Domain></CycloneDDS>",
+         "config: //CycloneDDS/Domain: Nonsense: unknown element (CYCLONEDDS_URI+0 line 1)"}};
+    for (const auto &row : rows) {
+        const Outcome outcome = check({"a.xml"}, {{"CYCLONEDDS_URI", row.uri}});
+        EXPECT_EQ(outcome.code, 1);
+        EXPECT_EQ(outcome.err,
+                  Lines{"a.xml: error: the logger does not start with the engine's configuration "
+                        "(CYCLONEDDS_URI): " +
+                        row.reason});
+        EXPECT_EQ(outcome.out, Lines{"a.xml: not valid, 1 error"});
+    }
+}
+
+// A socket that the engine is told to look for others at.
+class Listener {
+  public:
+    Listener() : socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        bind(socket_, reinterpret_cast<sockaddr *>(&address), size);
+        getsockname(socket_, reinterpret_cast<sockaddr *>(&address), &size);
+        port_ = ntohs(address.sin_port);
+    }
+    ~Listener() { close(socket_); }
+    Listener(const Listener &) = delete;
+    Listener &operator=(const Listener &) = delete;
+
+    std::string configuration() const {
+        return "<CycloneDDS><Domain Id='any'><General><Interfaces><NetworkInterface name='lo' "
+               "multicast='false'/></Interfaces><AllowMulticast>false</AllowMulticast></General>"
+               "<Discovery><ParticipantIndex>auto</ParticipantIndex>"
+               "<MaxAutoParticipantIndex>100</MaxAutoParticipantIndex>"
+               "<Peers><Peer Address='127.0.0.1:" +
+               std::to_string(port_) + "'/></Peers></Discovery></Domain></CycloneDDS>";
+    }
+    // True when something has arrived. What is sent on this machine arrives at once.
+    bool heard() const {
+        char byte = 0;
+        return recv(socket_, &byte, sizeof byte, 0) >= 0;
+    }
+
+  private:
+    int socket_;
+    int port_ = 0;
+};
+
+TEST_F(DistlogCheck, NobodyHearsOfIt) {
+    write_document(logger(""));
+    const Listener listener;
+    const Outcome outcome = check({"a.xml"}, {{"CYCLONEDDS_URI", listener.configuration()}});
+    EXPECT_EQ(outcome.code, 0) << joined(outcome.err);
+    EXPECT_FALSE(listener.heard());
+    // Of a command that joins the domain somebody does.
+    support::ChildProcess list(
+        {support::binary_path("distlog"), "ls", "--domain", "21", "--timeout", "0.1s"},
+        {{"CYCLONEDDS_URI", listener.configuration()}});
+    EXPECT_TRUE(list.wait().has_value());
+    EXPECT_TRUE(listener.heard());
 }
 
 TEST_F(DistlogCheck, WrongUsageIsExitCode2) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// distlog check: examines configuration documents without starting anything.
+// distlog check: examines configuration documents without starting a logger.
 #pragma once
 
 #include "command/action.hpp"
