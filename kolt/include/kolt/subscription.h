@@ -179,6 +179,10 @@ typedef struct KOLT_ReadSelection {
  * The order of instances in KOLT_READ_NEXT_INSTANCE is that of the handles' numbers;
  * DDS_HANDLE_NIL comes before all.
  *
+ * A sample that cannot be deserialised is dropped, with a log message, by the first read or take that
+ * comes upon it. It may leave a read with fewer samples than max_samples, but never with none while
+ * there are others to read.
+ *
  * `*loan` is NULL and `*count` 0 unless the result is OK. Other results:
  *   - NO_DATA: no sample is selected, or the instance has none;
  *   - BAD_PARAMETER: a NULL, max_samples of 0 or below -1, a condition of another reader, or a

@@ -30,11 +30,21 @@ struct Batch {
     std::vector<dds_sample_info_t> infos;
 
     void resize(std::size_t capacity);
-    std::size_t capacity() const { return infos.size(); }
+    std::size_t capacity() const { return views.size(); }
 };
 
-// Samples that an application holds.
+// Serialised samples of a batch.
+using Serdatas = std::vector<const Serdata *>;
+
+// Samples that an application holds. They go back to their pool with the loan.
 struct Loan {
+    explicit Loan(std::shared_ptr<TypeEndpoint> type_endpoint)
+        : endpoint(std::move(type_endpoint)) {}
+    ~Loan();
+    Loan(const Loan &) = delete;
+    Loan &operator=(const Loan &) = delete;
+
+    const std::shared_ptr<TypeEndpoint> endpoint;
     std::vector<void *> samples;
     std::vector<void *> pool_handles;
     std::vector<DDS_SampleInfo> infos;
@@ -118,6 +128,11 @@ class DataReader final : public Entity {
                            std::size_t *count);
     DDS_ReturnCode_t fetch_next_instance(const KOLT_ReadSelection &selection, std::size_t limit,
                                          Batch *batch, std::size_t *count);
+    // Fetches samples and lets `build(batch, count, &malformed)` make records of them. It returns
+    // NO_DATA when all of them are malformed: they are dropped, and more are fetched.
+    template <typename Build>
+    DDS_ReturnCode_t fetch_records(const KOLT_ReadSelection &selection, std::size_t limit,
+                                   const char *method, Build &&build);
     // Calls the engine's read or take. With `locked` the calling thread has locked the cache, which
     // the read unlocks.
     dds_return_t engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
@@ -126,15 +141,22 @@ class DataReader final : public Entity {
     bool is_instance_known(const KOLT_ReadSelection &selection);
     // Returns the handles of the instances in the cache, ascending.
     std::vector<DDS_InstanceHandle_t> cached_instances();
-    // Builds the record of a serialised sample, or sets the key members of one without data. False,
-    // and a log message, when it is malformed.
-    bool deserialize(const Serdata &serdata, bool valid_data, void *record, const char *method);
+    // Builds the record of a serialised sample, or sets the key members of one without data. False
+    // when it is malformed.
+    bool deserialize(const Serdata &serdata, bool valid_data, void *record);
+    // Tells of a sample that cannot be deserialised and is therefore dropped.
+    void note_undeserializable(const char *method);
+    // Removes samples that a read has left in the cache. False when memory ran out.
+    bool remove_from_cache(const Serdatas &samples);
     // Initialises a record anew and keeps its buffers.
     void reset(void *record);
+    // Fills `loan` with records of `count` samples of the batch and gathers the malformed ones.
+    // NO_DATA when all of them are, OUT_OF_RESOURCES when there is no memory for any.
+    DDS_ReturnCode_t lend(const Batch &batch, std::size_t count, Loan *loan, Serdatas *malformed,
+                          const char *method);
     // Gives the loan, which has samples, to the caller.
     DDS_ReturnCode_t hand_out(std::unique_ptr<Loan> loan, void ***samples, DDS_UnsignedLong *count,
                               DDS_SampleInfoSeq *info_seq, const char *method);
-    void free_loan(Loan &loan);
 
     DDS_DataReader handle_{{this}};
     Subscriber &subscriber_;

@@ -51,6 +51,15 @@ bool collect_keys(const void *view) {
     return false;
 }
 
+// The samples that the function below matches, ascending by address; nullptr on every other thread.
+thread_local const Serdatas *t_doomed = nullptr;
+
+// The filter of a query condition on samples that a thread wants to remove from the cache.
+bool is_doomed(const void *view) {
+    return t_doomed != nullptr && std::binary_search(t_doomed->begin(), t_doomed->end(),
+                                                     static_cast<const SerdataView *>(view)->get());
+}
+
 // Returns the result of a read, and logs it unless it is OK or NO_DATA.
 DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
     if (result == DDS_RETCODE_OK || result == DDS_RETCODE_NO_DATA) {
@@ -63,6 +72,12 @@ DDS_ReturnCode_t report(DDS_ReturnCode_t result, const char *method) {
 }
 
 }  // namespace
+
+Loan::~Loan() {
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        endpoint->plugin().return_sample(endpoint->data(), samples[i], pool_handles[i]);
+    }
+}
 
 void Batch::resize(std::size_t capacity) {
     if (capacity <= infos.size()) {
@@ -199,8 +214,7 @@ void DataReader::reset(void *record) {
     KOLT_Record_initialize_w_params(type_->type_code(), record, &keep_buffers);
 }
 
-bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *record,
-                             const char *method) {
+bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *record) {
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
     KOLT_CdrStream stream{};
     KOLT_CdrStream_set(&stream, const_cast<DDS_Octet *>(serdata.bytes()), serdata.size());
@@ -214,64 +228,106 @@ bool DataReader::deserialize(const Serdata &serdata, bool valid_data, void *reco
         done = plugin.deserialize_key(endpoint_->data(), &record, &drop, &stream, DDS_BOOLEAN_TRUE,
                                       DDS_BOOLEAN_TRUE, nullptr);
     }
-    if (done != DDS_BOOLEAN_FALSE && drop == DDS_BOOLEAN_FALSE) {
-        return true;
-    }
+    return done != DDS_BOOLEAN_FALSE && drop == DDS_BOOLEAN_FALSE;
+}
+
+void DataReader::note_undeserializable(const char *method) {
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING, method,
                      "a sample of the topic %s cannot be deserialised and is dropped",
                      topic_.name().c_str());
-    return false;
 }
 
-void DataReader::free_loan(Loan &loan) {
-    const KOLT_TypePlugin &plugin = endpoint_->plugin();
-    for (std::size_t i = 0; i < loan.samples.size(); ++i) {
-        plugin.return_sample(endpoint_->data(), loan.samples[i], loan.pool_handles[i]);
+// A query condition selects them: the engine judges the cache when the condition is created, on
+// this thread, and samples that come later do not match.
+bool DataReader::remove_from_cache(const Serdatas &samples) {
+    Serdatas sorted = samples;
+    std::sort(sorted.begin(), sorted.end());
+    Batch batch;
+    batch.resize(samples.size());
+    const std::lock_guard lock(contents_);  // the engine's limit of query conditions
+    t_doomed = &sorted;
+    const dds_entity_t condition =
+        dds_create_querycondition(engine(), cyclone::kNoStateMask - 1U, is_doomed);
+    t_doomed = nullptr;
+    if (condition < 0) {
+        return false;
     }
-    loan.samples.clear();
+    dds_take(condition, batch.pointers.data(), batch.infos.data(), batch.capacity(),
+             static_cast<std::uint32_t>(samples.size()));
+    dds_delete(condition);
+    return true;
+}
+
+template <typename Build>
+DDS_ReturnCode_t DataReader::fetch_records(const KOLT_ReadSelection &selection, std::size_t limit,
+                                           const char *method, Build &&build) {
+    Batch batch;
+    bool has_dropped = false;
+    while (true) {
+        std::size_t count = 0;
+        const DDS_ReturnCode_t fetched = fetch(selection, limit, &batch, &count);
+        if (fetched != DDS_RETCODE_OK) {
+            // An instance may be gone with its last sample.
+            return has_dropped ? DDS_RETCODE_NO_DATA : report(fetched, method);
+        }
+        Serdatas malformed;
+        const DDS_ReturnCode_t built = build(batch, count, &malformed);
+        for (std::size_t i = 0; i < malformed.size(); ++i) {
+            note_undeserializable(method);
+        }
+        if (!malformed.empty() && selection.take == DDS_BOOLEAN_FALSE &&
+            !remove_from_cache(malformed) && built == DDS_RETCODE_NO_DATA) {
+            return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                        "no memory to drop a sample that cannot be deserialised");
+        }
+        if (built != DDS_RETCODE_NO_DATA) {
+            return built;
+        }
+        has_dropped = true;
+    }
 }
 
 DDS_ReturnCode_t DataReader::read_loaned(const KOLT_ReadSelection &selection, void ***samples,
                                          DDS_UnsignedLong *count, DDS_SampleInfoSeq *info_seq,
                                          const char *method) {
-    Batch batch;
-    std::size_t fetched = 0;
     const std::size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
                                   ? kMaxSamples
                                   : static_cast<std::size_t>(selection.max_samples);
-    const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
-    if (result != DDS_RETCODE_OK) {
-        return report(result, method);
-    }
+    auto loan = std::make_unique<Loan>(endpoint_);
+    const auto build = [&](const Batch &batch, std::size_t fetched, Serdatas *malformed) {
+        return lend(batch, fetched, loan.get(), malformed, method);
+    };
+    const DDS_ReturnCode_t result = fetch_records(selection, limit, method, build);
+    return result == DDS_RETCODE_OK ? hand_out(std::move(loan), samples, count, info_seq, method)
+                                    : result;
+}
 
-    auto loan = std::make_unique<Loan>();
-    loan->samples.reserve(fetched);
-    loan->pool_handles.reserve(fetched);
-    loan->infos.reserve(fetched);
+DDS_ReturnCode_t DataReader::lend(const Batch &batch, std::size_t count, Loan *loan,
+                                  Serdatas *malformed, const char *method) {
+    loan->samples.reserve(count);
+    loan->pool_handles.reserve(count);
+    loan->infos.reserve(count);
     const KOLT_TypePlugin &plugin = endpoint_->plugin();
-    bool starved = false;
-    for (std::size_t i = 0; i < fetched; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         const dds_sample_info_t &info = batch.infos[i];
         void *pool_handle = nullptr;
         void *const record = plugin.get_sample(endpoint_->data(), &pool_handle);
         if (record == nullptr) {
-            starved = true;
-            break;
+            return loan->samples.empty() ? fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                                                "no memory for the record of a sample")
+                                         : DDS_RETCODE_OK;
         }
-        if (!deserialize(*batch.views[i].get(), info.valid_data, record, method)) {
+        const Serdata *const serdata = batch.views[i].get();
+        if (deserialize(*serdata, info.valid_data, record)) {
+            loan->samples.push_back(record);
+            loan->pool_handles.push_back(pool_handle);
+            loan->infos.push_back(to_sample_info(info));
+        } else {
             plugin.return_sample(endpoint_->data(), record, pool_handle);
-            continue;
+            malformed->push_back(serdata);
         }
-        loan->samples.push_back(record);
-        loan->pool_handles.push_back(pool_handle);
-        loan->infos.push_back(to_sample_info(info));
     }
-    if (loan->samples.empty()) {
-        return starved ? fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-                              "no memory for the record of a sample")
-                       : DDS_RETCODE_NO_DATA;
-    }
-    return hand_out(std::move(loan), samples, count, info_seq, method);
+    return loan->samples.empty() ? DDS_RETCODE_NO_DATA : DDS_RETCODE_OK;
 }
 
 DDS_ReturnCode_t DataReader::hand_out(std::unique_ptr<Loan> loan, void ***samples,
@@ -280,7 +336,6 @@ DDS_ReturnCode_t DataReader::hand_out(std::unique_ptr<Loan> loan, void ***sample
     const auto length = static_cast<DDS_Long>(loan->samples.size());
     if (DDS_SampleInfoSeq_loan_contiguous(info_seq, loan->infos.data(), length, length) ==
         DDS_BOOLEAN_FALSE) {
-        free_loan(*loan);
         return fail(DDS_RETCODE_ERROR, method,
                     "the info sequence cannot take a loan of %d elements",
                     static_cast<int>(length));
@@ -292,7 +347,6 @@ DDS_ReturnCode_t DataReader::hand_out(std::unique_ptr<Loan> loan, void ***sample
         loans_[loan->samples.data()].swap(loan);
     } catch (...) {
         DDS_SampleInfoSeq_unloan(info_seq);
-        free_loan(*loan);
         throw;
     }
     return DDS_RETCODE_OK;
@@ -305,30 +359,31 @@ DDS_ReturnCode_t DataReader::read_copied(const KOLT_ReadSelection &selection,
     const std::size_t limit = selection.max_samples == DDS_LENGTH_UNLIMITED
                                   ? maximum
                                   : static_cast<std::size_t>(selection.max_samples);
-    Batch batch;
-    std::size_t fetched = 0;
-    const DDS_ReturnCode_t result = fetch(selection, limit, &batch, &fetched);
-    if (result != DDS_RETCODE_OK) {
-        return report(result, method);
-    }
-    if (DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(fetched)) ==
-        DDS_BOOLEAN_FALSE) {
-        return fail(DDS_RETCODE_ERROR, method,
-                    "the info sequence has no room for %zu elements and cannot grow", fetched);
-    }
-    std::size_t copied = 0;
-    for (std::size_t i = 0; i < fetched; ++i) {
-        void *const record = static_cast<char *>(buffer) + copied * element_size;
-        if (!deserialize(*batch.views[i].get(), batch.infos[i].valid_data, record, method)) {
-            continue;
-        }
-        *DDS_SampleInfoSeq_get_reference(info_seq, static_cast<DDS_Long>(copied)) =
-            to_sample_info(batch.infos[i]);
-        ++copied;
-    }
-    DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(copied));
-    *count = static_cast<DDS_UnsignedLong>(copied);
-    return copied != 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA;
+    return fetch_records(
+        selection, limit, method,
+        [&](const Batch &batch, std::size_t fetched, Serdatas *malformed) {
+            if (DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(fetched)) ==
+                DDS_BOOLEAN_FALSE) {
+                return fail(DDS_RETCODE_ERROR, method,
+                            "the info sequence has no room for %zu elements and cannot grow",
+                            fetched);
+            }
+            std::size_t copied = 0;
+            for (std::size_t i = 0; i < fetched; ++i) {
+                void *const record = static_cast<char *>(buffer) + copied * element_size;
+                const Serdata *const serdata = batch.views[i].get();
+                if (!deserialize(*serdata, batch.infos[i].valid_data, record)) {
+                    malformed->push_back(serdata);
+                    continue;
+                }
+                *DDS_SampleInfoSeq_get_reference(info_seq, static_cast<DDS_Long>(copied)) =
+                    to_sample_info(batch.infos[i]);
+                ++copied;
+            }
+            DDS_SampleInfoSeq_set_length(info_seq, static_cast<DDS_Long>(copied));
+            *count = static_cast<DDS_UnsignedLong>(copied);
+            return copied != 0 ? DDS_RETCODE_OK : DDS_RETCODE_NO_DATA;
+        });
 }
 
 DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_SampleInfo *info,
@@ -341,20 +396,16 @@ DDS_ReturnCode_t DataReader::read_next_sample(bool take, void *sample, DDS_Sampl
     selection.sample_states = DDS_NOT_READ_SAMPLE_STATE;
     selection.view_states = DDS_ANY_VIEW_STATE;
     selection.instance_states = DDS_ANY_INSTANCE_STATE;
-    Batch batch;
-    std::size_t fetched = 0;
-    // Passes over malformed samples.
-    while (true) {
-        const DDS_ReturnCode_t result = fetch(selection, 1, &batch, &fetched);
-        if (result != DDS_RETCODE_OK) {
-            return report(result, method);
-        }
-        if (!deserialize(*batch.views[0].get(), batch.infos[0].valid_data, sample, method)) {
-            continue;
-        }
-        *info = to_sample_info(batch.infos[0]);
-        return DDS_RETCODE_OK;
-    }
+    return fetch_records(selection, 1, method,
+                         [&](const Batch &batch, std::size_t, Serdatas *malformed) {
+                             const Serdata *const serdata = batch.views[0].get();
+                             if (!deserialize(*serdata, batch.infos[0].valid_data, sample)) {
+                                 malformed->push_back(serdata);
+                                 return DDS_RETCODE_NO_DATA;
+                             }
+                             *info = to_sample_info(batch.infos[0]);
+                             return DDS_RETCODE_OK;
+                         });
 }
 
 // ---- Loans and keys -----------------------------------------------------------------------------
@@ -377,7 +428,6 @@ DDS_ReturnCode_t DataReader::return_loan(void **samples, DDS_UnsignedLong count,
         loans_.erase(found);
     }
     DDS_SampleInfoSeq_unloan(info_seq);
-    free_loan(*loan);
     return DDS_RETCODE_OK;
 }
 
