@@ -21,6 +21,7 @@ class KeyBytes {
     template <typename Extract>
     bool fill(Extract &&extract) {
         std::size_t length = kInlineSize;
+        elsewhere_ = nullptr;
         if (extract(inline_, &length)) {
             heap_.reset();
             size_ = length;
@@ -39,6 +40,7 @@ class KeyBytes {
     }
 
     void assign(const DDS_Octet *bytes, std::size_t size) {
+        elsewhere_ = nullptr;
         if (size > kInlineSize) {
             heap_ = std::make_unique<DDS_Octet[]>(size);
         } else {
@@ -50,7 +52,19 @@ class KeyBytes {
         }
     }
 
-    const DDS_Octet *data() const { return heap_ ? heap_.get() : inline_; }
+    // Takes bytes that stay where they are as long as this object.
+    void refer(const DDS_Octet *bytes, std::size_t size) {
+        heap_.reset();
+        elsewhere_ = bytes;
+        size_ = size;
+    }
+
+    const DDS_Octet *data() const {
+        if (elsewhere_ != nullptr) {
+            return elsewhere_;
+        }
+        return heap_ ? heap_.get() : inline_;
+    }
     std::size_t size() const { return size_; }
     std::string_view view() const { return {reinterpret_cast<const char *>(data()), size_}; }
 
@@ -58,6 +72,7 @@ class KeyBytes {
     static constexpr std::size_t kInlineSize = 32;
     std::size_t size_ = 0;
     std::unique_ptr<DDS_Octet[]> heap_;
+    const DDS_Octet *elsewhere_ = nullptr;
     DDS_Octet inline_[kInlineSize];
 };
 

@@ -34,6 +34,40 @@ ddsi_serdata *make_or_null(Make &&make) noexcept {
     }
 }
 
+// Memory that a thread sets aside for the next key of no particular type that it makes. The engine
+// makes one when it meets an instance that it does not know, and cannot bear that this fails.
+struct UntypedBlock {
+    void *block;
+    std::size_t size;
+};
+
+// Not destroyed with the thread, whose last destructors may still write.
+thread_local constinit UntypedBlock t_untyped{nullptr, 0};
+
+struct UntypedBlockOwner {
+    ~UntypedBlockOwner() {
+        ::operator delete(std::exchange(t_untyped.block, nullptr));
+        t_untyped.size = 0;
+    }
+};
+
+// Makes sure that there are at least `size` bytes. Throws std::bad_alloc.
+void reserve_untyped(std::size_t size) {
+    static thread_local UntypedBlockOwner owner;
+    if (size > t_untyped.size) {
+        void *const larger = ::operator new(size);
+        ::operator delete(std::exchange(t_untyped.block, larger));
+        t_untyped.size = size;
+    }
+}
+
+// Returns a block for the caller to delete. Throws std::bad_alloc.
+void *take_untyped(std::size_t size) {
+    reserve_untyped(size);
+    t_untyped.size = 0;
+    return std::exchange(t_untyped.block, nullptr);
+}
+
 }  // namespace
 
 const ddsi_serdata_ops Serdata::kOps = {
@@ -62,7 +96,8 @@ const ddsi_serdata_ops Serdata::kOps = {
 
 // Creates an object with room for `inline_size` bytes of its own behind it, in the same block.
 Serdata *Serdata::create(const Sertype *type, ddsi_serdata_kind kind, std::size_t inline_size) {
-    void *const block = ::operator new(sizeof(Serdata) + round_up(inline_size));
+    const std::size_t size = sizeof(Serdata) + round_up(inline_size);
+    void *const block = type == nullptr ? take_untyped(size) : ::operator new(size);
     auto *const serdata = new (block) Serdata;
     // A key of no particular type has no sertype, from which the engine's own initialisation reads
     // the operations: the base is initialised here.
@@ -101,7 +136,7 @@ Serdata *Serdata::from_key(const Sertype *type, const DDS_Octet *key, std::size_
     if (size != 0) {
         std::memcpy(serdata->bytes_ + kHeaderSize, key, size);
     }
-    serdata->key_.assign(key, size);
+    serdata->key_.refer(serdata->bytes_ + kHeaderSize, size);
     serdata->set_hash();
     serdata->seal(kHeaderSize + size);
     return guard.release();
@@ -158,8 +193,12 @@ bool Serdata::unseal() {
     return true;
 }
 
-// The type is not part of the hash: the engine looks keys up across all types.
+// The type is not part of the hash: the engine looks keys up across all types. When it has no
+// instance of this key it asks for the untyped form, on the thread that has set the key.
 void Serdata::set_hash() {
+    if (type != nullptr) {
+        reserve_untyped(sizeof(Serdata) + round_up(kHeaderSize + key_.size()));
+    }
     hash = ddsrt_mh3(key_.data(), key_.size(), 0);
 }
 
@@ -292,10 +331,11 @@ bool Serdata::untyped_to_sample_op(const ddsi_sertype *, const ddsi_serdata *d, 
     return true;
 }
 
-ddsi_serdata *Serdata::to_untyped_op(const ddsi_serdata *d) {
+// Needs no memory but what is set aside, unless the thread makes several of one sample; where even
+// that runs out the process ends, as the engine's own allocations end it.
+ddsi_serdata *Serdata::to_untyped_op(const ddsi_serdata *d) noexcept {
     const Serdata &serdata = of(d);
-    return make_or_null(
-        [&] { return from_key(nullptr, serdata.key_.data(), serdata.key_.size()); });
+    return from_key(nullptr, serdata.key_.data(), serdata.key_.size());
 }
 
 bool Serdata::eqkey_op(const ddsi_serdata *a, const ddsi_serdata *b) {

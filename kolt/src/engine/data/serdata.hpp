@@ -65,6 +65,7 @@ class Serdata final : public ddsi_serdata {
     Serdata() = default;
     ~Serdata();
     static Serdata *create(const Sertype *type, ddsi_serdata_kind kind, std::size_t inline_size);
+    // Throws std::bad_alloc.
     void set_hash();
 
     static bool eqkey_op(const ddsi_serdata *a, const ddsi_serdata *b);
@@ -83,7 +84,7 @@ class Serdata final : public ddsi_serdata {
                                        ddsrt_iovec_t *piece);
     static void to_ser_unref_op(ddsi_serdata *d, const ddsrt_iovec_t *piece);
     static bool to_sample_op(const ddsi_serdata *d, void *sample, void **buffer, void *limit);
-    static ddsi_serdata *to_untyped_op(const ddsi_serdata *d);
+    static ddsi_serdata *to_untyped_op(const ddsi_serdata *d) noexcept;
     static bool untyped_to_sample_op(const ddsi_sertype *type, const ddsi_serdata *d, void *sample,
                                      void **buffer, void *limit);
     static void free_op(ddsi_serdata *d);

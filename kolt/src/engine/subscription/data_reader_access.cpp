@@ -80,13 +80,13 @@ Loan::~Loan() {
 }
 
 void Batch::resize(std::size_t capacity) {
-    if (capacity <= infos.size()) {
+    if (capacity <= views.size()) {
         return;
     }
     std::vector<SerdataView> larger(capacity);
     infos.resize(capacity);
     pointers.resize(capacity);
-    views.swap(larger);
+    views.swap(larger);  // last, since it is what counts
     for (std::size_t i = 0; i < capacity; ++i) {
         pointers[i] = &views[i];
     }
