@@ -45,6 +45,8 @@ target_link_libraries(
   kolt PRIVATE $<BUILD_INTERFACE:vur_dl_warnings> $<BUILD_INTERFACE:kolt_internal> CycloneDDS::ddsc
                EXPAT::EXPAT Threads::Threads utf8cpp "${LIBMD_LIBRARY}")
 target_include_directories(kolt SYSTEM PRIVATE "${LIBMD_INCLUDE_DIR}")
+# The engine's headers for C want the GNU dialect.
+set_target_properties(kolt PROPERTIES C_EXTENSIONS ON)
 add_library(kolt::kolt ALIAS kolt)
 
 vur_dl_add_library(vur_dl "${PROJECT_SOURCE_DIR}/srcC" "${PROJECT_SOURCE_DIR}/include"

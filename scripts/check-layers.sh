@@ -10,7 +10,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 git -c safe.directory='*' ls-files -z --cached --others --exclude-standard --deduplicate -- \
-    'include/*.h' 'kolt/*.h' 'kolt/*.cpp' 'kolt/*.hpp' 'srcC/*.cpp' 'srcC/*.hpp' \
+    'include/*.h' 'kolt/*.h' 'kolt/*.c' 'kolt/*.cpp' 'kolt/*.hpp' 'srcC/*.cpp' 'srcC/*.hpp' \
     'tools/*.cpp' 'tools/*.hpp' 'examples/*.c' 'examples/*.cpp' |
     xargs -0 awk '
         function fail(text) { printf "%s:%d: %s\n", FILENAME, FNR, text; failures++ }

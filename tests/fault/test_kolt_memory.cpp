@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -15,6 +16,9 @@ namespace {
 thread_local int t_failing = 0;
 // The allocations that the calling thread has made since it was set.
 thread_local int t_made = 0;
+
+// The blocks of all threads that are not freed yet.
+std::atomic<long> g_live{0};
 
 bool fails() {
     return t_failing != 0 && ++t_made == t_failing;
@@ -29,10 +33,12 @@ void *operator new(std::size_t size) {
     if (block == nullptr) {
         throw std::bad_alloc();
     }
+    ++g_live;
     return std::memset(block, 0xa5, size);
 }
 void operator delete(void *block) noexcept {
     if (block != nullptr) {
+        --g_live;
         std::memset(block, 0xa5, malloc_usable_size(block));
     }
     std::free(block);
@@ -122,6 +128,22 @@ TEST(KoltMemory, ARegistrationThatRunsOutOfMemoryIsAResult) {
         EXPECT_EQ(DDS_DataWriter_lookup_instance(writer, message.get()), again) << n;
         EXPECT_EQ(DDS_DataWriter_unregister_instance(writer, message.get(), again), DDS_RETCODE_OK);
     });
+}
+
+// The engine frees what nobody refers to on a thread of its own.
+TEST(KoltMemory, UnregisteringGivesBackWhatRegisteringTook) {
+    Node node(21);
+    DDS_DataWriter *const writer = node.writer();
+    Record<Message> message(message_type());
+    const long before = g_live.load();
+    for (int i = 0; i < 2000; ++i) {
+        message->level = i;
+        ASSERT_NE(DDS_DataWriter_register_instance(writer, message.get()), DDS_HANDLE_NIL);
+        ASSERT_EQ(DDS_DataWriter_unregister_instance(writer, message.get(), DDS_HANDLE_NIL),
+                  DDS_RETCODE_OK);
+    }
+    EXPECT_TRUE(eventually([&] { return g_live.load() < before + 100; }))
+        << g_live.load() - before << " blocks are left";
 }
 
 }  // namespace

@@ -173,8 +173,9 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *se
                                                               const DDS_Time_t *source_timestamp);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataWriter_write_w_params(DDS_DataWriter *self, const void *sample,
                                                            const DDS_WriteParams_t *params);
-/* Registers the instance of the sample's key; again is allowed and gives the same handle. Nothing
- * is sent, the time stamp has no effect. DDS_HANDLE_NIL on failure and for unkeyed types. */
+/* Registers the instance of the sample's key; again is allowed and gives the same handle, which is
+ * valid until the instance is unregistered or the writer deleted. Nothing is sent, the time stamp has
+ * no effect. DDS_HANDLE_NIL on failure and for unkeyed types. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance(DDS_DataWriter *self,
                                                                   const void *sample);
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_timestamp(

@@ -213,8 +213,8 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DD
  * it lives and has not unregistered it: also when it is disposed and nothing is left to read. When
  * the last writer has gone and the last sample was taken, the instance is gone: its handle then
  * gives BAD_PARAMETER, its key no handle, and should it come back it is a new instance, under
- * another handle. (Only an instance that a writer of this process has registered by hand stays
- * known.) An application that wants to know which instance has gone therefore keeps the key beside
+ * another handle. (Only an instance that a writer of this process has registered stays known
+ * until that writer unregisters it or is deleted.) An application that wants to know which instance has gone therefore keeps the key beside
  * the handle, or takes it from the sample that tells of the end: a sample without data
  * (`valid_data` is false) has its key members set, and only these. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,

@@ -119,4 +119,46 @@ TEST(KoltInstances, HandlesNameInstances) {
               DDS_RETCODE_BAD_PARAMETER);
 }
 
+// An instance that its writer has unregistered is forgotten, and comes back as another one.
+TEST(KoltInstances, UnregisteringForgetsTheInstance) {
+    for (const bool autodispose : {true, false}) {
+        Node node(1);
+        DDS_DataWriter *const writer = node.writer([&](DDS_DataWriterQos &qos) {
+            qos.writer_data_lifecycle.autodispose_unregistered_instances = autodispose;
+        });
+        Record<Message> message(message_type());
+        message->level = 77;
+        const DDS_InstanceHandle_t first = DDS_DataWriter_register_instance(writer, message.get());
+        ASSERT_NE(first, DDS_HANDLE_NIL);
+        ASSERT_EQ(DDS_DataWriter_unregister_instance(writer, message.get(), first), DDS_RETCODE_OK);
+        EXPECT_EQ(DDS_DataWriter_lookup_instance(writer, message.get()), DDS_HANDLE_NIL);
+        EXPECT_NE(DDS_DataWriter_register_instance(writer, message.get()), first);
+    }
+}
+
+TEST(KoltInstances, DeletingTheWriterForgetsItsInstances) {
+    Node node(1);
+    Record<Message> message(message_type());
+    message->level = 77;
+    DDS_DataWriter *writer = node.writer();
+    const DDS_InstanceHandle_t first = DDS_DataWriter_register_instance(writer, message.get());
+    ASSERT_NE(first, DDS_HANDLE_NIL);
+    ASSERT_EQ(DDS_Publisher_delete_datawriter(node.publisher, writer), DDS_RETCODE_OK);
+    writer = node.writer();
+    EXPECT_NE(DDS_DataWriter_register_instance(writer, message.get()), first);
+}
+
+// Two writers of one instance know it under one handle, until both have unregistered it.
+TEST(KoltInstances, AnInstanceLivesAsLongAsAWriterHasRegisteredIt) {
+    Node node(1);
+    DDS_DataWriter *const one = node.writer();
+    DDS_DataWriter *const two = node.writer();
+    Record<Message> message(message_type());
+    message->level = 78;
+    const DDS_InstanceHandle_t handle = DDS_DataWriter_register_instance(one, message.get());
+    ASSERT_EQ(DDS_DataWriter_register_instance(two, message.get()), handle);
+    ASSERT_EQ(DDS_DataWriter_unregister_instance(one, message.get(), handle), DDS_RETCODE_OK);
+    EXPECT_EQ(DDS_DataWriter_register_instance(one, message.get()), handle);
+}
+
 }  // namespace

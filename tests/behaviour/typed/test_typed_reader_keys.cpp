@@ -98,7 +98,7 @@ TYPED_TEST(TypedReaderKeys, TheKeyOfAnInstanceGoesWithIt) {
     EXPECT_EQ(Type::key(received.at(0)), 100);
 }
 
-// A registered instance is one that the process keeps.
+// A registered instance is one that the process keeps, until it is unregistered.
 TYPED_TEST(TypedReaderKeys, TheKeyOfARegisteredInstanceStays) {
     using Type = TopicType<TypeParam>;
     using Read = typename Type::Read;
@@ -107,13 +107,20 @@ TYPED_TEST(TypedReaderKeys, TheKeyOfARegisteredInstanceStays) {
     Sample<TypeParam> holder;
     const DDS_InstanceHandle_t handle = Type::Write::register_instance(ends.writer, key.get());
     ASSERT_EQ(Type::Write::write(ends.writer, key.get(), handle), DDS_RETCODE_OK);
-    ASSERT_EQ(Type::Write::unregister_instance(ends.writer, key.get(), handle), DDS_RETCODE_OK);
     Received<TypeParam> received(ends.reader);
     ASSERT_EQ(received.take(), DDS_RETCODE_OK);
     ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
     EXPECT_EQ(received.take(), DDS_RETCODE_NO_DATA);
     EXPECT_EQ(Read::get_key_value(ends.reader, holder.get(), handle), DDS_RETCODE_OK);
     EXPECT_EQ(holder.key(), 100);
+
+    ASSERT_EQ(Type::Write::unregister_instance(ends.writer, key.get(), handle), DDS_RETCODE_OK);
+    ASSERT_EQ(received.take(), DDS_RETCODE_OK);
+    ASSERT_EQ(received.give_back(), DDS_RETCODE_OK);
+    EXPECT_EQ(received.take(), DDS_RETCODE_NO_DATA);
+    EXPECT_TRUE(eventually([&] {
+        return Read::get_key_value(ends.reader, holder.get(), handle) == DDS_RETCODE_BAD_PARAMETER;
+    }));
 }
 
 // Without a key there is one nameless instance.

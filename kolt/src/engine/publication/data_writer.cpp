@@ -251,16 +251,8 @@ DDS_InstanceHandle_t DataWriter::pin_instance(const Serdata &serdata) {
     if (known != DDS_HANDLE_NIL) {
         return known;
     }
-    const SerdataView view(&serdata);
-    dds_instance_handle_t handle = DDS_HANDLE_NIL;
-    // The engine keeps an instance that was registered, and its handle, until the domain goes. It
-    // may forget an instance between writes that was only written.
-    if (dds_register_instance(engine(), &handle, &view) < 0) {
-        return DDS_HANDLE_NIL;
-    }
-    instances_.add(serdata.key().view());
-    instances_.set_handle(serdata.key().view(), handle);
-    return handle;
+    InstancePin pin(sertype(), serdata);
+    return instances_.keep(serdata.key().view(), pin);
 }
 
 // Instances that were only written have no handle here yet, but the application may know it from a
@@ -272,9 +264,7 @@ bool DataWriter::find_instance(DDS_InstanceHandle_t handle, KeyBytes *key) {
     KeyBytes candidate;
     while (instances_.find_without_handle(&candidate)) {
         const SerdataRef serdata(Serdata::from_key(&sertype(), candidate.data(), candidate.size()));
-        if (pin_instance(*serdata) == DDS_HANDLE_NIL) {
-            return false;
-        }
+        pin_instance(*serdata);
     }
     return instances_.find(handle, key);
 }
@@ -307,12 +297,7 @@ DDS_InstanceHandle_t DataWriter::register_instance(const void *sample, const DDS
              "the key cannot be serialised: a string is NULL or exceeds its bound");
         return DDS_HANDLE_NIL;
     }
-    const DDS_InstanceHandle_t handle = pin_instance(*key);
-    if (handle == DDS_HANDLE_NIL) {
-        fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
-             "the DDS engine could not register the instance");
-    }
-    return handle;
+    return pin_instance(*key);
 }
 
 DDS_InstanceHandle_t DataWriter::lookup_instance(const void *key_holder) {

@@ -97,8 +97,8 @@ class DataWriter final : public Entity {
     void report_outcome();
     DDS_ReturnCode_t check_handle(const Serdata &serdata, DDS_InstanceHandle_t handle,
                                   const char *method);
-    // Registers the instance with the engine and returns its handle, which is valid until the
-    // domain goes; DDS_HANDLE_NIL when the engine cannot register it.
+    // Keeps the instance alive in the engine and returns its handle, which is valid until the
+    // instance is unregistered or the writer deleted.
     DDS_InstanceHandle_t pin_instance(const Serdata &serdata);
     // Gets the key of a registered instance. False when the handle is not that of one.
     bool find_instance(DDS_InstanceHandle_t handle, KeyBytes *key);

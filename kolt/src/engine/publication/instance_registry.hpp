@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "engine/data/key_bytes.hpp"
+#include "engine/publication/instance_pin.hpp"
 
 namespace kolt::engine {
 
@@ -18,27 +19,28 @@ class InstanceRegistry {
     void add(std::string_view key) {
         const std::lock_guard lock(mutex_);
         if (by_key_.find(key) == by_key_.end()) {
-            by_key_.emplace(std::string(key), DDS_HANDLE_NIL);
+            by_key_.emplace(std::string(key), InstancePin());
         }
     }
     bool contains(std::string_view key) const {
         const std::lock_guard lock(mutex_);
         return by_key_.find(key) != by_key_.end();
     }
-    // Returns the handle that was set for the instance; DDS_HANDLE_NIL when there is none.
+    // Returns the handle of the instance; DDS_HANDLE_NIL when it has no pin.
     DDS_InstanceHandle_t handle_of(std::string_view key) const {
         const std::lock_guard lock(mutex_);
         const auto found = by_key_.find(key);
-        return found != by_key_.end() ? found->second : DDS_HANDLE_NIL;
+        return found != by_key_.end() ? found->second.handle() : DDS_HANDLE_NIL;
     }
-    void set_handle(std::string_view key, DDS_InstanceHandle_t handle) {
+    // Registers the instance, keeps the pin unless it has one already, and returns its handle.
+    DDS_InstanceHandle_t keep(std::string_view key, InstancePin &pin) {
         const std::lock_guard lock(mutex_);
-        const auto found = by_key_.find(key);
-        if (found == by_key_.end()) {
-            return;
+        InstancePin &kept = by_key_.try_emplace(std::string(key)).first->second;
+        if (kept.handle() == DDS_HANDLE_NIL) {
+            by_handle_.insert_or_assign(pin.handle(), std::string(key));
+            kept = std::move(pin);
         }
-        by_handle_.insert_or_assign(handle, found->first);
-        found->second = handle;
+        return kept.handle();
     }
     // Gets the key of the instance with this handle. False when there is none.
     bool find(DDS_InstanceHandle_t handle, KeyBytes *key) const {
@@ -53,8 +55,8 @@ class InstanceRegistry {
     // Gets the key of any one instance without a handle. False when every instance has one.
     bool find_without_handle(KeyBytes *key) const {
         const std::lock_guard lock(mutex_);
-        for (const auto &[bytes, handle] : by_key_) {
-            if (handle != DDS_HANDLE_NIL) {
+        for (const auto &[bytes, pin] : by_key_) {
+            if (pin.handle() != DDS_HANDLE_NIL) {
                 continue;
             }
             assign(bytes, key);
@@ -63,12 +65,14 @@ class InstanceRegistry {
         return false;
     }
     void remove(std::string_view key) {
+        InstancePin pin;  // goes back to the engine without the lock
         const std::lock_guard lock(mutex_);
         const auto found = by_key_.find(key);
         if (found == by_key_.end()) {
             return;
         }
-        by_handle_.erase(found->second);
+        by_handle_.erase(found->second.handle());
+        pin = std::move(found->second);
         by_key_.erase(found);
     }
 
@@ -86,7 +90,7 @@ class InstanceRegistry {
     }
 
     mutable std::mutex mutex_;
-    std::unordered_map<std::string, DDS_InstanceHandle_t, Hash, std::equal_to<>> by_key_;
+    std::unordered_map<std::string, InstancePin, Hash, std::equal_to<>> by_key_;
     std::unordered_map<DDS_InstanceHandle_t, std::string> by_handle_;
 };
 

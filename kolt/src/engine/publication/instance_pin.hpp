@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+// A reference on an instance of the domain. The engine forgets an instance, and its handle, when
+// nothing refers to it, such as one that was only written and whose samples nobody holds.
+#pragma once
+
+#include <utility>
+
+#include "engine/data/serdata.hpp"
+
+struct ddsi_tkmap_instance;
+
+namespace kolt::engine {
+
+class InstancePin {
+  public:
+    // Refers to nothing.
+    InstancePin() = default;
+    // Refers to the instance of the key, which it makes if there is none. `type` is registered with
+    // the domain, which outlives the object.
+    InstancePin(const Sertype &type, const Serdata &key);
+    ~InstancePin();
+    InstancePin(InstancePin &&other) noexcept
+        : domain_(other.domain_), instance_(std::exchange(other.instance_, nullptr)) {}
+    InstancePin &operator=(InstancePin &&other) noexcept {
+        std::swap(domain_, other.domain_);
+        std::swap(instance_, other.instance_);
+        return *this;
+    }
+
+    // Returns the handle of the instance; DDS_HANDLE_NIL without one.
+    DDS_InstanceHandle_t handle() const;
+
+  private:
+    ddsi_domaingv *domain_ = nullptr;
+    ddsi_tkmap_instance *instance_ = nullptr;
+};
+
+}  // namespace kolt::engine
