@@ -149,6 +149,37 @@ TEST(Key, ReadsFramedXcdr2Payloads) {
     EXPECT_EQ(to_hex(key_of_bytes(messages, plain, false)), "deadbeef") << "no sample of the type";
 }
 
+// A framed payload whose frame is broken does not pass for a plain one with something behind it.
+TEST(Key, ABrokenFrameIsNoPlainKey) {
+    const Programs messages(message_type());
+    const Bytes framed = from_hex(
+        "000b0000 1d000000 000000c0 0c000000 08000000 01000000 02000000 010000a0 2c010000");
+    EXPECT_EQ(to_hex(key_of_bytes(messages, framed, true)), "deadbeef");
+    const Bytes with_more = from_hex("000b0000 01000000 02000000 2c010000 00000000");
+    EXPECT_EQ(to_hex(key_of_bytes(messages, with_more, true)), "deadbeef");
+    Record<Message> message(message_type());
+    EXPECT_FALSE(
+        KOLT_Cdr_deserialize_key(messages, with_more.data(), with_more.size(), message.get()));
+}
+
+// What is behind a key may be the padding of the payload to a multiple of 4, whether the header tells
+// of it or not, or that of a key hash.
+TEST(Key, PaddingMayFollowAKey) {
+    const Programs holders(final_holder_type());
+    for (const char *const payload : {"00070001 01000000 02000000 03000000 'ab' 00 00",
+                                      "00070000 01000000 02000000 03000000 'ab' 00 00"}) {
+        EXPECT_EQ(to_hex(key_of_bytes(holders, from_hex(payload), true)),
+                  to_hex(from_hex(kHolderKey)));
+    }
+    const Programs ids(id_type());
+    EXPECT_EQ(
+        to_hex(key_of_bytes(ids, from_hex("00060000 00000001 00000002 00000000 00000000"), true)),
+        to_hex(from_hex("00000001 00000002")));
+    EXPECT_EQ(
+        to_hex(key_of_bytes(ids, from_hex("00060000 00000001 00000002 00000000 00000001"), true)),
+        "deadbeef");
+}
+
 // A framed key of one string begins like a plain one: the count of the frame, then bytes that end
 // in 0.
 TEST(Key, FramedAndPlainStringKeysAreToldApart) {

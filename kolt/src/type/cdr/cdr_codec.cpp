@@ -2,6 +2,7 @@
 // Bodies to bytes and back: chooses the program and the byte order.
 #include "type/cdr/cdr_codec.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -77,6 +78,19 @@ bool decode(const ReadProgram &program, ReadMode mode, bool big_endian, const DD
     }
 }
 
+// True when the last `left` bytes of a key-only body are padding: of the payload to a multiple of 4, or
+// of a key hash, which is the big-endian plain key with zeros behind it (RTPS 2.3, 9.6.3.8).
+bool is_padding(const Encapsulation &encapsulation, const DDS_Octet *bytes, std::size_t length,
+                std::size_t left) {
+    constexpr std::size_t kKeyHashSize = 16;
+    if (left == 0 || (left < 4 && length % 4 == 0)) {
+        return true;
+    }
+    return encapsulation.version == XcdrVersion::k2 && encapsulation.big_endian &&
+           length == kKeyHashSize &&
+           std::all_of(bytes + length - left, bytes + length, [](DDS_Octet b) { return b == 0; });
+}
+
 }  // namespace
 
 bool resolve_encapsulation(const KOLT_TypePrograms &programs, DDS_UnsignedShort identifier,
@@ -140,7 +154,8 @@ bool decode_key_of_sample(const KOLT_TypePrograms &programs, const Encapsulation
 
 // An XCDR2 key comes in one of two forms under one identifier: in the frames of the type, as the
 // standard has it, or plain, as the engine's own types send it. The frames count their bytes, so
-// that a plain key doesn't pass for a framed one; the reverse could happen.
+// that a plain key doesn't pass for a framed one; nor does a broken frame pass for a plain key, with
+// nothing left behind it.
 bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsulation,
                 const DDS_Octet *bytes, std::size_t length, void *record) {
     if (!is_keyed(*programs.type)) {
@@ -150,12 +165,13 @@ bool decode_key(const KOLT_TypePrograms &programs, const Encapsulation &encapsul
     if (!encapsulation.plain_key &&
         decode(programs.read_key[version_index(encapsulation)], ReadMode::kStrictKeys,
                encapsulation.big_endian, bytes, length, record, &left) &&
-        left < 4) {
+        is_padding(encapsulation, bytes, length, left)) {
         return true;
     }
     return encapsulation.version == XcdrVersion::k2 &&
            decode(programs.read_plain_key, ReadMode::kStrictKeys, encapsulation.big_endian, bytes,
-                  length, record, &left);
+                  length, record, &left) &&
+           is_padding(encapsulation, bytes, length, left);
 }
 
 bool read_header(const DDS_Octet *bytes, std::size_t length, DDS_UnsignedShort *identifier,
