@@ -173,7 +173,7 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DomainParticipant_delete_topic(DDS_DomainPartic
 /* Creates a content-filtered topic. NULL (and a log message, with the position) for a wrong filter
  * expression or parameter, a topic of another participant, or a name that is taken.
  * `expression_parameters` may be NULL when the expression uses none; expression and parameters are
- * copied. See kolt/filter.h for the grammar. */
+ * copied. See kolt/filter.h for the grammar. It is enabled with its topic. */
 KOLT_EXPORT DDS_ContentFilteredTopic *DDS_DomainParticipant_create_contentfilteredtopic(
     DDS_DomainParticipant *self, const char *name, DDS_Topic *related_topic,
     const char *filter_expression, const DDS_StringSeq *expression_parameters);

@@ -135,4 +135,50 @@ TEST_F(FilterTopic, WrongOnesAreRefused) {
     EXPECT_EQ(DDS_DomainParticipant_delete_topic(node_.participant, node_.topic), DDS_RETCODE_OK);
 }
 
+// A participant that does not enable what is created in it.
+class DisabledFilterTopic : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        DDS_DomainParticipantQos *const qos = qos_.get();
+        qos->entity_factory.autoenable_created_entities = DDS_BOOLEAN_FALSE;
+        ASSERT_EQ(DDS_DomainParticipant_set_qos(node_.participant, qos), DDS_RETCODE_OK);
+        topic_ = DDS_DomainParticipant_create_topic(node_.participant, own("late").c_str(),
+                                                    kMessageTypeName, nullptr, nullptr,
+                                                    DDS_STATUS_MASK_NONE);
+        Strings none({});
+        filtered_ = DDS_DomainParticipant_create_contentfilteredtopic(
+            node_.participant, "late_filter", topic_, "level > 1", none.get());
+        ASSERT_NE(filtered_, nullptr);
+    }
+
+    Node node_{7};
+    ParticipantQos qos_;
+    DDS_Topic *topic_ = nullptr;
+    DDS_ContentFilteredTopic *filtered_ = nullptr;
+};
+
+TEST_F(DisabledFilterTopic, IsEnabledWithItsTopic) {
+    DDS_TopicDescription *const description =
+        DDS_ContentFilteredTopic_as_topicdescription(filtered_);
+    DDS_DataReader *const early = node_.reader({}, description);
+    EXPECT_EQ(early, nullptr) << "the topic is disabled";
+    ASSERT_EQ(DDS_Entity_enable(DDS_Topic_as_entity(topic_)), DDS_RETCODE_OK);
+    DDS_DataReader *const reader = node_.reader({}, description);
+    ASSERT_NE(reader, nullptr);
+    DDS_DataWriter *const writer = node_.writer({}, topic_);
+    ASSERT_TRUE(is_matched(writer));
+    for (const int level : {1, 2}) {
+        ASSERT_EQ(write(writer, 1, level, level), DDS_RETCODE_OK);
+    }
+    const auto got = take_at_least(reader, 1);
+    ASSERT_EQ(got.size(), 1U);
+    EXPECT_EQ(got[0].level, 2);
+}
+
+TEST_F(DisabledFilterTopic, MayBeDeletedBeforeItsTopicIsEnabled) {
+    EXPECT_EQ(DDS_DomainParticipant_delete_contentfilteredtopic(node_.participant, filtered_),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(DDS_Entity_enable(DDS_Topic_as_entity(topic_)), DDS_RETCODE_OK);
+}
+
 }  // namespace

@@ -205,7 +205,8 @@ DDS_ContentFilteredTopic *Participant::create_filtered_topic(const char *name, T
         }
         auto topic =
             std::make_unique<ContentFilteredTopic>(*this, name, *related, std::move(filter));
-        if (related->is_enabled() && topic->enable(method) != DDS_RETCODE_OK) {
+        if (related->is_enabled() && !topic->is_enabled() &&
+            topic->enable(method) != DDS_RETCODE_OK) {
             give_back();
             return nullptr;
         }

@@ -69,7 +69,25 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     }
     sertype_ = &Sertype::of(sertype);
     set_engine(entity);
-    return DDS_RETCODE_OK;
+    return enable_filters(method);
+}
+
+// A content-filtered topic has no function of its own that enables it.
+DDS_ReturnCode_t Topic::enable_filters(const char *method) {
+    std::vector<ContentFilteredTopic *> disabled;
+    {
+        const std::lock_guard lock(participant().tree());
+        disabled = filters;
+    }
+    DDS_ReturnCode_t result = DDS_RETCODE_OK;
+    for (ContentFilteredTopic *const filter : disabled) {
+        const DDS_ReturnCode_t enabled =
+            filter->is_enabled() ? DDS_RETCODE_OK : filter->enable(method);
+        if (enabled != DDS_RETCODE_OK) {
+            result = enabled;
+        }
+    }
+    return result;
 }
 
 DDS_ReturnCode_t Topic::set_qos(const DDS_TopicQos &qos, const char *method) {
@@ -108,9 +126,16 @@ ContentFilteredTopic::ContentFilteredTopic(ParticipantScope &participant, const 
     : TopicDescription(EntityKind::kContentFilteredTopic, &handle_._description, participant, name,
                        0),
       related_(related),
-      filter_(std::move(filter)) {}
+      filter_(std::move(filter)) {
+    const std::lock_guard lock(participant.tree());
+    related_.filters.push_back(this);
+}
 
 ContentFilteredTopic::~ContentFilteredTopic() {
+    {
+        const std::lock_guard lock(participant().tree());
+        std::erase(related_.filters, this);
+    }
     delete_engine("DDS_DomainParticipant_delete_contentfilteredtopic");
 }
 

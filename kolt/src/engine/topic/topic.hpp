@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "engine/data/registered_type.hpp"
 #include "engine/data/sertype.hpp"
@@ -15,6 +16,7 @@
 
 namespace kolt::engine {
 
+class ContentFilteredTopic;
 class Topic;
 
 // A topic or content-filtered topic, as a reader is created for one.
@@ -56,12 +58,16 @@ class Topic final : public TopicDescription {
     DDS_Topic *handle() { return &handle_; }
     Topic &topic() override { return *this; }
     const std::shared_ptr<RegisteredType> &registered_type() const { return type_; }
+    // The topics that filter this one. Guarded by the tree's mutex.
+    std::vector<ContentFilteredTopic *> filters;
+
     // Returns the sertype that the engine uses. Valid while the topic is enabled.
     const Sertype &sertype() const { return *sertype_; }
     DDS_ReturnCode_t set_listener(const DDS_TopicListener *listener, DDS_StatusMask mask,
                                   const char *method);
     StatusRecords<Topic, TopicStatuses> &statuses() { return statuses_; }
 
+    // Enables the topics that filter it, too.
     DDS_ReturnCode_t enable(const char *method) override;
     DDS_ReturnCode_t get_qos(DDS_TopicQos *qos) { return qos_.get(qos); }
     DDS_ReturnCode_t set_qos(const DDS_TopicQos &qos, const char *method);
@@ -71,6 +77,8 @@ class Topic final : public TopicDescription {
     void deliver();
 
   private:
+    DDS_ReturnCode_t enable_filters(const char *method);
+
     DDS_Topic handle_{{{this}}};
     std::shared_ptr<RegisteredType> type_;
     const Sertype *sertype_ = nullptr;
