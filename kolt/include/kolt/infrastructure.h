@@ -5,7 +5,8 @@
  *  1. Names, values and semantics are those of OMG DDS 1.4 (clause 2.2) and, for types, OMG
  *     DDS-XTypes 1.3, where these define them. `KOLT_*` names are the platform's own.
  *  2. A function that returns a DDS_ReturnCode_t returns DDS_RETCODE_OK on success and
- *     DDS_RETCODE_BAD_PARAMETER for a NULL where a pointer is required. DDS_Boolean results are
+ *     DDS_RETCODE_BAD_PARAMETER for a NULL where a pointer is required, and for an entity of another
+ *     kind than the function takes. DDS_Boolean results are
  *     DDS_BOOLEAN_TRUE on success. Pointers are NULL on failure.
  *  3. Structures go in by pointer to const, handles and enumerations by value. Pointers that a
  *     function hands out stay the property of the object that they came from unless the comment

@@ -27,6 +27,13 @@ DDS_ReturnCode_t bad_parameter(const char *method, const char *name) {
     return fail(DDS_RETCODE_BAD_PARAMETER, method, "bad parameter: %s", name);
 }
 
+DDS_ReturnCode_t bad_handle(const char *method, const char *name, const void *handle) {
+    return handle == nullptr
+               ? bad_parameter(method, name)
+               : fail(DDS_RETCODE_BAD_PARAMETER, method,
+                      "bad parameter: %s: an entity of another kind than the function takes", name);
+}
+
 DDS_ReturnCode_t not_enabled(const char *method) {
     return fail(DDS_RETCODE_NOT_ENABLED, method,
                 "the entity is disabled: enable it with DDS_Entity_enable first");

@@ -23,6 +23,8 @@ DDS_ReturnCode_t fail(DDS_ReturnCode_t code, const char *method, const char *for
 
 // Logs that the argument `name` is NULL or out of range, and returns BAD_PARAMETER.
 DDS_ReturnCode_t bad_parameter(const char *method, const char *name);
+// Logs that the argument `name` is NULL or an entity of another kind, and returns BAD_PARAMETER.
+DDS_ReturnCode_t bad_handle(const char *method, const char *name, const void *handle);
 
 // Logs and returns NOT_ENABLED.
 DDS_ReturnCode_t not_enabled(const char *method);
@@ -75,14 +77,14 @@ auto with(Handle *self, const char *method, Body &&body) noexcept {
     using Result = decltype(call_with_method(method, body, std::declval<Impl &>()));
     Impl *const impl = Impl::of(self);
     if (impl == nullptr) {
-        bad_parameter(method, "self");
+        bad_handle(method, "self", self);
         return failure<Result>(DDS_RETCODE_BAD_PARAMETER);
     }
     return guarded(method, [&] { return call_with_method(method, body, *impl); });
 }
 
 // An argument of a C function that must not be NULL. The log calls it `name`; `get(pointer)` is
-// handed on.
+// handed on, and must not be NULL either.
 template <typename Pointee, typename Get>
 struct Required {
     Pointee *pointer;
@@ -111,14 +113,21 @@ auto required_as(Handle *handle, const char *name) {
 
 namespace barrier_detail {
 
-// Returns the name of a required argument that is NULL; nullptr for any other argument.
+// Logs that a required argument is NULL, or an entity of another kind. False for any other argument.
 template <typename Argument>
-const char *missing(const Argument &) {
-    return nullptr;
+bool refuse(const char *, const Argument &) {
+    return false;
 }
 template <typename Pointee, typename Get>
-const char *missing(const Required<Pointee, Get> &argument) {
-    return argument.pointer == nullptr ? argument.name : nullptr;
+bool refuse(const char *method, const Required<Pointee, Get> &argument) {
+    bool is_usable = argument.pointer != nullptr;
+    if constexpr (std::is_pointer_v<std::invoke_result_t<Get, Pointee *>>) {
+        is_usable = is_usable && argument.get(argument.pointer) != nullptr;
+    }
+    if (!is_usable) {
+        bad_handle(method, argument.name, argument.pointer);
+    }
+    return !is_usable;
 }
 
 template <typename Argument>
@@ -142,10 +151,7 @@ auto forward(Handle *self, const char *method, const Body &body,
         return call_with_method(method, body, impl, barrier_detail::handed_on(arguments)...);
     };
     using Result = decltype(call(std::declval<Impl &>()));
-    const char *missing = nullptr;
-    static_cast<void>(((missing = barrier_detail::missing(arguments), missing != nullptr) || ...));
-    if (missing != nullptr) {
-        bad_parameter(method, missing);
+    if ((barrier_detail::refuse(method, arguments) || ...)) {
         return failure<Result>(DDS_RETCODE_BAD_PARAMETER);
     }
     return with<Impl>(self, method, call);

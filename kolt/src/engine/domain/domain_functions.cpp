@@ -80,7 +80,8 @@ DDS_ReturnCode_t KOLT_DomainParticipant_unwrap(DDS_DomainParticipant *self) {
 }
 
 std::int32_t KOLT_DomainParticipant_engine_handle(DDS_DomainParticipant *self) {
-    return self != nullptr ? Participant::of(self)->engine() : 0;
+    const Participant *const participant = Participant::of(self);
+    return participant != nullptr ? participant->engine() : 0;
 }
 
 // ---- Participant --------------------------------------------------------------------------------

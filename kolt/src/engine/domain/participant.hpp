@@ -28,7 +28,9 @@ class Participant final : public ParticipantScope {
                 dds_entity_t wrapped);
     ~Participant() override;
     static Participant *of(DDS_DomainParticipant *self) {
-        return self != nullptr ? static_cast<Participant *>(self->_entity._impl) : nullptr;
+        return self != nullptr
+                   ? entity_cast<Participant, EntityKind::kParticipant>(self->_entity._impl)
+                   : nullptr;
     }
 
     bool is_wrapper() const { return wrapped_; }

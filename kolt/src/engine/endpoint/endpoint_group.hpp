@@ -35,7 +35,7 @@ class EndpointGroup : public Entity {
     using Group = typename Traits::Group;
 
     static Group *of(Record *self) {
-        return self != nullptr ? static_cast<Group *>(self->_entity._impl) : nullptr;
+        return self != nullptr ? entity_cast<Group, Traits::kKind>(self->_entity._impl) : nullptr;
     }
 
     Record *handle() { return &handle_; }

@@ -4,7 +4,7 @@
 
 #include <mutex>
 
-#include "engine/entity/entity.hpp"
+#include "engine/entity/entity_cast.hpp"
 #include "engine/entity/entity_qos.hpp"
 #include "engine/entity/listener_slot.hpp"
 #include "engine/qos/default_qos.hpp"
@@ -15,7 +15,9 @@ namespace kolt::engine {
 class ParticipantScope : public Entity {
   public:
     static ParticipantScope *of(DDS_DomainParticipant *self) {
-        return self != nullptr ? static_cast<ParticipantScope *>(self->_entity._impl) : nullptr;
+        return self != nullptr
+                   ? entity_cast<ParticipantScope, EntityKind::kParticipant>(self->_entity._impl)
+                   : nullptr;
     }
 
     DDS_DomainParticipant *handle() { return &handle_; }

@@ -7,7 +7,7 @@
 
 #include "engine/barrier/result.hpp"
 #include "engine/data/serdata.hpp"
-#include "engine/entity/entity.hpp"
+#include "engine/entity/entity_cast.hpp"
 #include "engine/entity/entity_qos.hpp"
 #include "engine/entity/listener_slot.hpp"
 #include "engine/entity/status_records.hpp"
@@ -33,7 +33,9 @@ class DataWriter final : public Entity {
     DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos);
     ~DataWriter() override;
     static DataWriter *of(DDS_DataWriter *self) {
-        return self != nullptr ? static_cast<DataWriter *>(self->_entity._impl) : nullptr;
+        return self != nullptr
+                   ? entity_cast<DataWriter, EntityKind::kDataWriter>(self->_entity._impl)
+                   : nullptr;
     }
 
     DDS_DataWriter *handle() { return &handle_; }

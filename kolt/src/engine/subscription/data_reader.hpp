@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "engine/data/serdata.hpp"
-#include "engine/entity/entity.hpp"
+#include "engine/entity/entity_cast.hpp"
 #include "engine/entity/entity_qos.hpp"
 #include "engine/entity/listener_slot.hpp"
 #include "engine/entity/status_records.hpp"
@@ -55,7 +55,9 @@ class DataReader final : public Entity {
     DataReader(Subscriber &subscriber, TopicDescription &topic, const DDS_DataReaderQos &qos);
     ~DataReader() override;
     static DataReader *of(DDS_DataReader *self) {
-        return self != nullptr ? static_cast<DataReader *>(self->_entity._impl) : nullptr;
+        return self != nullptr
+                   ? entity_cast<DataReader, EntityKind::kDataReader>(self->_entity._impl)
+                   : nullptr;
     }
 
     DDS_DataReader *handle() { return &handle_; }

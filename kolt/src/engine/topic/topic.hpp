@@ -9,6 +9,7 @@
 
 #include "engine/data/registered_type.hpp"
 #include "engine/data/sertype.hpp"
+#include "engine/entity/entity_cast.hpp"
 #include "engine/entity/participant_scope.hpp"
 #include "engine/entity/status_records.hpp"
 #include "engine/topic/content_filter.hpp"
@@ -26,7 +27,9 @@ class TopicDescription : public Entity {
                      const char *name, DDS_StatusMask valid_statuses)
         : Entity(kind, &handle->_entity, valid_statuses), participant_(participant), name_(name) {}
     static TopicDescription *of(DDS_TopicDescription *self) {
-        return self != nullptr ? static_cast<TopicDescription *>(self->_entity._impl) : nullptr;
+        return self != nullptr ? entity_cast<TopicDescription, EntityKind::kTopic,
+                                             EntityKind::kContentFilteredTopic>(self->_entity._impl)
+                               : nullptr;
     }
 
     ParticipantScope &participant() const { return participant_; }
@@ -52,7 +55,9 @@ class Topic final : public TopicDescription {
           const DDS_TopicQos &qos);
     ~Topic() override;
     static Topic *of(DDS_Topic *self) {
-        return self != nullptr ? static_cast<Topic *>(self->_description._entity._impl) : nullptr;
+        return self != nullptr
+                   ? entity_cast<Topic, EntityKind::kTopic>(self->_description._entity._impl)
+                   : nullptr;
     }
 
     DDS_Topic *handle() { return &handle_; }
@@ -94,7 +99,8 @@ class ContentFilteredTopic final : public TopicDescription {
     ~ContentFilteredTopic() override;
     static ContentFilteredTopic *of(DDS_ContentFilteredTopic *self) {
         return self != nullptr
-                   ? static_cast<ContentFilteredTopic *>(self->_description._entity._impl)
+                   ? entity_cast<ContentFilteredTopic, EntityKind::kContentFilteredTopic>(
+                         self->_description._entity._impl)
                    : nullptr;
     }
 
