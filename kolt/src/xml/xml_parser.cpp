@@ -10,6 +10,8 @@
 #include <cstring>
 #include <new>
 
+#include "xml/xml_references.hpp"
+
 namespace kolt::xml {
 
 std::string ParseError::text(const std::string &source_name) const {
@@ -48,6 +50,7 @@ struct DocumentParser::Handlers {
     static void doctype(void *user_data, const XML_Char *, const XML_Char *, const XML_Char *,
                         int has_internal_subset) {
         guard(user_data, [&](auto &parser) {
+            parser.has_doctype_ = true;
             if (has_internal_subset != 0) {
                 parser.fail(
                     "document type declarations with content (entities, attribute defaults) are "
@@ -144,6 +147,17 @@ ObjectPtr DocumentParser::parse_file(const std::string &path_or_url) {
     return end();
 }
 
+void DocumentParser::check_references(const char *tag_name) {
+    int offset = 0;
+    int size = 0;
+    const char *const input = XML_GetInputContext(expat_.get(), &offset, &size);
+    const auto length = static_cast<std::size_t>(XML_GetCurrentByteCount(expat_.get()));
+    const std::string name = input != nullptr ? undeclared_reference({input + offset, length}) : "";
+    if (!name.empty()) {
+        fail("undeclared entity \"&%.64s;\" in an attribute of <%.64s>", name.c_str(), tag_name);
+    }
+}
+
 bool DocumentParser::check_start(const char *tag_name) {
     if (open_.empty() && std::strcmp(tag_name, "dds") != 0) {
         fail("the root element is <%.64s>; expected: <dds>", tag_name);
@@ -151,6 +165,8 @@ bool DocumentParser::check_start(const char *tag_name) {
         fail("elements are nested more than %d deep", DDS_XML_MAX_DEPTH);
     } else if (++elements_ > DDS_XML_MAX_ELEMENTS) {
         fail("the document has more than %u elements", DDS_XML_MAX_ELEMENTS);
+    } else if (has_doctype_) {
+        check_references(tag_name);
     }
     return !failed();
 }

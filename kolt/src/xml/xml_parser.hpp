@@ -67,6 +67,8 @@ class DocumentParser {
     void end_element(const char *tag_name);
     void character_data(std::string_view text);
     bool check_start(const char *tag_name);
+    // Refuses a reference to an undeclared entity in an attribute of the start tag that is read.
+    void check_references(const char *tag_name);
     DDS_XMLObject *make_object(const char *tag_name, const char **attributes);
     DDS_XMLObject *make_extension_object(DDS_XMLExtensionClass *extension_class,
                                          DDS_XMLObject *parent, const char *tag_name,
@@ -90,6 +92,7 @@ class DocumentParser {
     ObjectPtr root_;
     std::size_t size_ = 0;
     std::size_t elements_ = 0;
+    bool has_doctype_ = false;
     ParseError error_;
 };
 

@@ -18,6 +18,15 @@ using support::ParserPtr;
 using support::tag_of;
 using support::text_of;
 
+std::string in_utf16(const std::string &ascii) {
+    std::string result = "\xFF\xFE";
+    for (const char character : ascii) {
+        result += character;
+        result += '\0';
+    }
+    return result;
+}
+
 TEST(XmlTree, HasTagsTextsAttributesAndLines) {
     const ParserPtr parser(DDS_XMLParser_new());
     ASSERT_EQ(parse(parser,
@@ -72,12 +81,7 @@ TEST(XmlTree, ReadsEncodings) {
               DDS_RETCODE_OK);
     EXPECT_EQ(text_of(DDS_XMLParser_get_root(parser.get())), "\xC3\xA4");
     const std::string ascii = "<?xml version=\"1.0\"?><dds>x</dds>";
-    std::string utf16 = "\xFF\xFE";
-    for (const char character : ascii) {
-        utf16 += character;
-        utf16 += '\0';
-    }
-    ASSERT_EQ(parse(parser, utf16), DDS_RETCODE_OK)
+    ASSERT_EQ(parse(parser, in_utf16(ascii)), DDS_RETCODE_OK)
         << DDS_XMLParser_get_error_message(parser.get());
     EXPECT_EQ(text_of(DDS_XMLParser_get_root(parser.get())), "x");
 }
@@ -131,6 +135,13 @@ std::vector<WrongDocument> wrong_documents() {
          "document type declarations with content", 1},
         {"entity of an external subset", "<!DOCTYPE dds SYSTEM \"x.dtd\">\n<dds>\n&a;</dds>",
          "undeclared entity \"&a;\"", 3},
+        {"entity of an external subset in an attribute",
+         "<!DOCTYPE dds SYSTEM \"x.dtd\">\n<dds>\n<b c='1&amp;&#65;' d=\"x&a;y\"/></dds>",
+         "undeclared entity \"&a;\" in an attribute of <b>", 3},
+        {"the same in UTF-16, on a tag longer than what is read at once",
+         in_utf16("<!DOCTYPE dds SYSTEM \"x.dtd\">\n<dds>\n<b c='" + std::string(40000, 'x') +
+                  "' d='&a;'/></dds>"),
+         "undeclared entity \"&a;\" in an attribute of <b>", 3},
         {"depth", "<dds>\n" + repeated("<a>", DDS_XML_MAX_DEPTH) + "x",
          "elements are nested more than 64 deep", 2},
         {"text", "<dds>\n" + std::string(DDS_XML_MAX_TEXT_LENGTH, 'x') + "</dds>",
@@ -164,6 +175,11 @@ TEST(XmlErrors, LimitsThemselvesAreAllowed) {
     EXPECT_EQ(parse(parser, "<dds>" + std::string(DDS_XML_MAX_TEXT_LENGTH, 'x') + "</dds>"),
               DDS_RETCODE_OK);
     EXPECT_EQ(parse(parser, "<!DOCTYPE dds SYSTEM \"dds.dtd\"><dds/>"), DDS_RETCODE_OK);
+    EXPECT_EQ(
+        parse(
+            parser,
+            "<!DOCTYPE dds SYSTEM \"dds.dtd\"><dds><a b='&lt;&gt;&amp;&quot;&apos;&#38;'/></dds>"),
+        DDS_RETCODE_OK);
 }
 
 TEST(XmlErrors, EveryPrefixOfADocumentIsRefused) {
