@@ -115,6 +115,41 @@ TEST_F(SequenceTest, SetLengthGrowsExactly) {
     EXPECT_EQ(g_live, 0);
 }
 
+// The buffer has room to spare that the maximum does not show.
+TEST_F(SequenceTest, GrowingOneByOneMovesTheBufferSeldom) {
+    DDS_LongSeq seq = DDS_SEQUENCE_INITIALIZER;
+    int moves = 0;
+    for (DDS_Long length = 1; length <= 20000; ++length) {
+        const DDS_Long *const before = DDS_LongSeq_get_contiguous_buffer(&seq);
+        ASSERT_TRUE(DDS_LongSeq_ensure_length(&seq, length, length));
+        ASSERT_EQ(DDS_LongSeq_get_maximum(&seq), static_cast<DDS_UnsignedLong>(length));
+        ASSERT_EQ(*DDS_LongSeq_get_reference(&seq, length - 1), 0);
+        *DDS_LongSeq_get_reference(&seq, length - 1) = length;
+        moves += DDS_LongSeq_get_contiguous_buffer(&seq) != before ? 1 : 0;
+    }
+    EXPECT_LT(moves, 100);
+    for (DDS_Long i = 0; i < 20000; ++i) {
+        ASSERT_EQ(*DDS_LongSeq_get_reference(&seq, i), i + 1);
+    }
+    DDS_LongSeq_finalize(&seq);
+}
+
+// What lies beyond the length is initialised anew, as everywhere.
+TEST_F(SequenceTest, GrowingForgetsWhatIsBeyondTheLength) {
+    DDS_LongSeq seq = DDS_SEQUENCE_INITIALIZER;
+    ASSERT_TRUE(DDS_LongSeq_set_length(&seq, 3));
+    for (DDS_Long i = 0; i < 3; ++i) {
+        *DDS_LongSeq_get_reference(&seq, i) = 7;
+    }
+    ASSERT_TRUE(DDS_LongSeq_set_length(&seq, 1));
+    ASSERT_TRUE(DDS_LongSeq_set_maximum(&seq, 4));
+    ASSERT_TRUE(DDS_LongSeq_set_length(&seq, 4));
+    EXPECT_EQ(*DDS_LongSeq_get_reference(&seq, 0), 7);
+    EXPECT_EQ(*DDS_LongSeq_get_reference(&seq, 1), 0);
+    EXPECT_EQ(*DDS_LongSeq_get_reference(&seq, 2), 0);
+    DDS_LongSeq_finalize(&seq);
+}
+
 TEST_F(SequenceTest, ShrinkingTheMaximumKeepsTheFirst) {
     NamedSeq seq{};
     ASSERT_TRUE(NamedSeq_set_length(&seq, 4));

@@ -2,6 +2,8 @@
 // Sequences: state, growth, copies and loans.
 #include "type/sequence/sequence_core.hpp"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -66,15 +68,18 @@ const char *maximum_problem(const KOLT_Sequence *self, DDS_Long new_maximum) {
     return nullptr;
 }
 
+void log_out_of_memory(const ElementOps &ops, std::size_t count) {
+    if (KOLT_Log_is_enabled(kCategory, kLevel)) {
+        KOLT_Log_message(kCategory, kLevel, MethodName(ops.sequence_name(), "set_maximum").text(),
+                         "out of memory: %zu elements of %zu bytes", count, ops.size());
+    }
+}
+
 // `count` initialised elements, or NULL (reported).
 char *new_buffer(const KOLT_Sequence *self, const ElementOps &ops, std::size_t count) {
     auto *const buffer = static_cast<char *>(std::calloc(count, ops.size()));
     if (buffer == nullptr) {
-        if (KOLT_Log_is_enabled(kCategory, kLevel)) {
-            KOLT_Log_message(kCategory, kLevel,
-                             MethodName(ops.sequence_name(), "set_maximum").text(),
-                             "out of memory: %zu elements of %zu bytes", count, ops.size());
-        }
+        log_out_of_memory(ops, count);
         return nullptr;
     }
     if (ops.plain()) {
@@ -107,6 +112,32 @@ bool copy_kept(const KOLT_Sequence *self, const ElementOps &ops, char *buffer, s
             return false;
         }
     }
+    return true;
+}
+
+// Returns the block with room for `size` bytes, moved if need be, with half as much again to spare so
+// that a sequence which grows by one element at a time is seldom moved. NULL, and the block is as it
+// was, when memory runs out.
+void *grow_block(void *block, std::size_t old_size, std::size_t size) {
+    if (malloc_usable_size(block) >= size) {
+        return block;
+    }
+    void *const roomy = std::realloc(block, std::max(size, old_size + old_size / 2));
+    return roomy != nullptr ? roomy : std::realloc(block, size);
+}
+
+// Raises the maximum of a sequence of plain elements that has a buffer.
+bool grow_in_place(KOLT_Sequence *self, const ElementOps &ops, DDS_UnsignedLong maximum) {
+    void *const buffer =
+        grow_block(self->_contiguous_buffer, self->_maximum * ops.size(), maximum * ops.size());
+    if (buffer == nullptr) {
+        log_out_of_memory(ops, maximum);
+        return false;
+    }
+    std::memset(static_cast<char *>(buffer) + self->_length * ops.size(), 0,
+                (maximum - self->_length) * ops.size());
+    self->_contiguous_buffer = buffer;
+    self->_maximum = maximum;
     return true;
 }
 
@@ -167,6 +198,9 @@ bool sequence_set_maximum(KOLT_Sequence *self, const ElementOps &ops, DDS_Long n
     const auto maximum = static_cast<DDS_UnsignedLong>(new_maximum);
     if (maximum == self->_maximum) {
         return true;
+    }
+    if (ops.plain() && maximum > self->_maximum && self->_contiguous_buffer != nullptr) {
+        return grow_in_place(self, ops, maximum);
     }
 
     char *buffer = nullptr;
