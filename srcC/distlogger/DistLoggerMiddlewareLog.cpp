@@ -15,7 +15,7 @@ using vur_dl::report;
 constexpr char kForwardedCategory[] = "com.vur.kolt.config.Logger";
 
 void print_as_it_stands(const char *text) {
-    const std::size_t length = std::strlen(text);
+    const std::size_t length = text != nullptr ? std::strlen(text) : 0;
     if (length > 0) {
         std::printf("%s%s", text, text[length - 1] == '\n' ? "" : "\n");
     }

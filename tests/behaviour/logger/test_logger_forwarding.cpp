@@ -153,7 +153,8 @@ TEST(LoggerForwarding, TheDevicePrintsWhileThereIsNoLogger) {
     KOLT_Config_LogMessage message{};
     message.level = KOLT_CONFIG_LOG_LEVEL_ERROR;
     StdoutCapture capture;
-    for (const char *text : {"without newline", "with newline\n", "", "two\nlines"}) {
+    for (const char *text : {"without newline", "with newline\n", "",
+                             static_cast<const char *>(nullptr), "two\nlines"}) {
         message.text = text;
         VUR_DL_DistLogger_writeDevice(&VUR_DL_DistLogger_localDevice, &message);
     }
