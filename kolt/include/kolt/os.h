@@ -254,9 +254,9 @@ KOLT_EXPORT void KOLT_Clock_delete(KOLT_Clock *self);
 KOLT_EXPORT int KOLT_Clock_get_time(KOLT_Clock *self, DDS_LongLong *seconds,
                                     DDS_UnsignedLong *fraction);
 
-/* Sleeps at least `duration` on the monotonic clock, signals notwithstanding. Returns at once for
- * NULL and for a duration that is not positive; for the infinite one that is 68 years. Nanoseconds
- * of a second or more count as what they are. */
-KOLT_EXPORT void KOLT_Utility_sleep(const DDS_Duration_t *duration);
+/* Sleeps at least `duration` on the monotonic clock, signals notwithstanding; for the infinite one
+ * that is 68 years. BAD_PARAMETER, at once, for NULL, a negative duration, and nanoseconds of a second
+ * or more. */
+KOLT_EXPORT DDS_ReturnCode_t KOLT_Utility_sleep(const DDS_Duration_t *duration);
 
 KOLT_EXTERN_C_END

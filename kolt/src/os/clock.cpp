@@ -27,6 +27,14 @@ std::uint32_t fraction_of(std::uint64_t nanoseconds) {
                                       std::uint64_t{kNanosecondsPerSecond});
 }
 
+// False for less than nothing, and for nanoseconds of a second or more, among which are the negative
+// ones of a caller's arithmetic.
+bool is_duration(const DDS_Duration_t &duration) {
+    const bool is_infinite =
+        duration.sec == DDS_DURATION_INFINITE_SEC && duration.nanosec == DDS_DURATION_INFINITE_NSEC;
+    return is_infinite || (duration.sec >= 0 && duration.nanosec < kNanosecondsPerSecond);
+}
+
 }  // namespace
 
 KOLT_Clock *KOLT_Clock_new(void) {
@@ -51,9 +59,9 @@ int KOLT_Clock_get_time(KOLT_Clock *self, DDS_LongLong *seconds, DDS_UnsignedLon
     return 0;
 }
 
-void KOLT_Utility_sleep(const DDS_Duration_t *duration) {
-    if (duration == nullptr || duration->sec < 0) {
-        return;
+DDS_ReturnCode_t KOLT_Utility_sleep(const DDS_Duration_t *duration) {
+    if (duration == nullptr || !is_duration(*duration)) {
+        return DDS_RETCODE_BAD_PARAMETER;
     }
     // An absolute time, so that a signal in between does not lengthen the sleep.
     timespec until{};
@@ -63,4 +71,5 @@ void KOLT_Utility_sleep(const DDS_Duration_t *duration) {
     until.tv_nsec = nanoseconds % kNanosecondsPerSecond;
     while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
     }
+    return DDS_RETCODE_OK;
 }

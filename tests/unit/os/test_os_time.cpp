@@ -77,8 +77,20 @@ std::chrono::nanoseconds sleep_for(DDS_Duration_t duration) {
 
 TEST(OsSleep, SleepsAtLeastTheTime) {
     EXPECT_GE(sleep_for({0, 20'000'000}), std::chrono::milliseconds(20));
-    // Nanoseconds beyond a second.
-    EXPECT_GE(sleep_for({0, 1'100'000'000}), std::chrono::milliseconds(1100));
+    EXPECT_GE(sleep_for({1, 100'000'000}), std::chrono::milliseconds(1100));
+    const DDS_Duration_t nothing = {0, 0};
+    EXPECT_EQ(KOLT_Utility_sleep(&nothing), DDS_RETCODE_OK);
+}
+
+// The last is -1 nanosecond, as arithmetic on signed numbers makes it.
+TEST(OsSleep, RefusesWhatIsNoDuration) {
+    EXPECT_EQ(KOLT_Utility_sleep(nullptr), DDS_RETCODE_BAD_PARAMETER);
+    const DDS_Duration_t wrong[] = {
+        {-1, 0}, {0, 1'000'000'000}, {0, static_cast<DDS_UnsignedLong>(-1)}};
+    for (const DDS_Duration_t &duration : wrong) {
+        EXPECT_EQ(KOLT_Utility_sleep(&duration), DDS_RETCODE_BAD_PARAMETER)
+            << duration.sec << " " << duration.nanosec;
+    }
 }
 
 TEST(OsSleep, ReturnsAtOnceForNothing) {
