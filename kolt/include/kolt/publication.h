@@ -23,8 +23,9 @@ KOLT_EXTERN_C_BEGIN
 /* ---- Write parameters ---------------------------------------------------------------------- */
 
 /* Carries the parameters of a write, dispose or (un)register beside the sample. With an invalid
- * source time stamp (the default; `sec` is negative) the time of the call is used. A cookie of
- * length 0 stands for none. */
+ * source time stamp (the default; `sec` is negative) the time of the call is used; other time stamps
+ * reach from 1970 to 2106 (seconds 0 to 4294967294), which is what a message can hold, and give
+ * BAD_PARAMETER beyond. A cookie of length 0 stands for none. */
 typedef struct DDS_WriteParams_t {
     DDS_Time_t source_timestamp;
     DDS_Cookie_t cookie;

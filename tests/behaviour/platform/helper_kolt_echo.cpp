@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Sends back what it gets: usage helper_kolt_echo <domain> xcdr1|xcdr2 <suffix of the topic
+// Sends back what it gets, under the same time stamps: usage helper_kolt_echo <domain> xcdr1|xcdr2 <suffix of the topic
 // names>. Runs until it is ended.
 #include <cstdlib>
 #include <cstring>
@@ -16,7 +16,8 @@ void echo_messages(DDS_DataReader *reader, DDS_DataWriter *writer) {
     while (DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_TRUE, message.get(),
                                                             &info) == DDS_RETCODE_OK) {
         if (info.valid_data) {
-            DDS_DataWriter_write(writer, message.get(), DDS_HANDLE_NIL);
+            DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL,
+                                             &info.source_timestamp);
         } else if (info.instance_state == DDS_NOT_ALIVE_DISPOSED_INSTANCE_STATE) {
             DDS_DataWriter_dispose(writer, message.get(), DDS_HANDLE_NIL);
         }

@@ -53,6 +53,28 @@ TEST(KoltPeers, ThroughTheNetworkAndBack) {
     }
 }
 
+// The last second with a sign on the wire, those around it, and the last that can be sent.
+TEST(KoltPeers, TimeStampsAfter2038Arrive) {
+    Node node(3, own("to_peer"));
+    DDS_DataWriter *const writer = node.writer();
+    DDS_Topic *const back = node.topic_of(message_plugin(), own("from_peer"));
+    DDS_DataReader *const reader = node.reader({}, DDS_Topic_as_topicdescription(back));
+    ChildProcess peer(echo("xcdr2"));
+    ASSERT_TRUE(is_matched(writer));
+    ASSERT_TRUE(is_matched(reader));
+    Record<Message> message(message_type());
+    for (const DDS_Time_t &stamp :
+         {DDS_Time_t{0, 1}, DDS_Time_t{2147483646, 999999999}, DDS_Time_t{2147483647, 999999999},
+          DDS_Time_t{2147483648, 0}, DDS_Time_t{4294967294, 999999999}}) {
+        ASSERT_EQ(DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL, &stamp),
+                  DDS_RETCODE_OK);
+        const auto got = take_at_least(reader, 1);
+        ASSERT_EQ(got.size(), 1U) << stamp.sec;
+        EXPECT_EQ(got[0].info.source_timestamp.sec, stamp.sec);
+        EXPECT_EQ(got[0].info.source_timestamp.nanosec, stamp.nanosec);
+    }
+}
+
 TEST(KoltPeers, LargeSamplesTravelInFragments) {
     Node node(3, own("to_peer"));
     DDS_DataWriter *const writer =

@@ -72,9 +72,11 @@ TEST(KoltPubSub, SourceTimestampIsKept) {
     ASSERT_EQ(got.size(), 1U);
     EXPECT_EQ(got[0].info.source_timestamp.sec, stamp.sec);
     EXPECT_EQ(got[0].info.source_timestamp.nanosec, stamp.nanosec);
-    const DDS_Time_t wrong = {1, 1000000000};
-    EXPECT_EQ(DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL, &wrong),
-              DDS_RETCODE_BAD_PARAMETER);
+    for (const DDS_Time_t &wrong :
+         {DDS_Time_t{1, 1000000000}, DDS_Time_t{4294967295, 0}, DDS_Time_t{1LL << 40, 0}}) {
+        EXPECT_EQ(DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL, &wrong),
+                  DDS_RETCODE_BAD_PARAMETER);
+    }
     EXPECT_EQ(
         DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL, &DDS_TIME_INVALID),
         DDS_RETCODE_BAD_PARAMETER);

@@ -11,6 +11,10 @@ namespace kolt::engine {
 namespace {
 
 constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+// A message has 32 bits for the seconds, without a sign; the last value stands for an invalid time
+// (RTPS 2.3, 9.3.2.1).
+constexpr std::int64_t kSecondsOnTheWire = std::int64_t{1} << 32;
+constexpr std::int64_t kLatestSecond = kSecondsOnTheWire - 2;
 
 constexpr std::array<std::pair<dds_return_t, DDS_ReturnCode_t>, 14> kReturnCodes = {{
     {cyclone::kOk, DDS_RETCODE_OK},
@@ -99,16 +103,19 @@ DDS_Duration_t from_engine_duration(dds_duration_t duration) {
 }
 
 bool is_valid_time(const DDS_Time_t &time) {
-    constexpr std::int64_t kLatest =
-        std::numeric_limits<std::int64_t>::max() / kNanosecondsPerSecond - 1;
-    return time.sec >= 0 && time.sec <= kLatest && time.nanosec < kNanosecondsPerSecond;
+    return time.sec >= 0 && time.sec <= kLatestSecond && time.nanosec < kNanosecondsPerSecond;
 }
 
 dds_time_t to_engine(const DDS_Time_t &time) {
     return time.sec * kNanosecondsPerSecond + time.nanosec;
 }
 
+// The engine takes the seconds on the wire for signed ones: what comes after the year 2038 arrives as
+// a time before 1970.
 DDS_Time_t from_engine_time(dds_time_t time) {
+    if (time < 0) {
+        time += kSecondsOnTheWire * kNanosecondsPerSecond;
+    }
     if (time < 0) {
         return DDS_TIME_INVALID;
     }

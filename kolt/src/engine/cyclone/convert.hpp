@@ -17,7 +17,7 @@ DDS_ReturnCode_t to_return_code(dds_return_t result);
 dds_duration_t to_engine(const DDS_Duration_t &duration);
 DDS_Duration_t from_engine_duration(dds_duration_t duration);
 
-// True for a point in time that a sample can carry (DDS 1.4, 2.3.3).
+// True for a point in time that a sample can carry (DDS 1.4, 2.3.3): up to the year 2106.
 bool is_valid_time(const DDS_Time_t &time);
 dds_time_t to_engine(const DDS_Time_t &time);
 DDS_Time_t from_engine_time(dds_time_t time);

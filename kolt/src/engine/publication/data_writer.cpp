@@ -331,11 +331,17 @@ DDS_ReturnCode_t DataWriter::get_key_value(void *key_holder, DDS_InstanceHandle_
 
 // ---- Writing ------------------------------------------------------------------------------------
 
+DDS_ReturnCode_t bad_timestamp(const char *method) {
+    return fail(DDS_RETCODE_BAD_PARAMETER, method,
+                "bad parameter: source_timestamp: it must lie between the years 1970 and 2106 "
+                "(seconds from 0 to 4294967294), with less than 1000000000 nanoseconds");
+}
+
 DDS_ReturnCode_t DataWriter::send(SerdataRef serdata, std::uint32_t status_info,
                                   const DDS_Time_t &source_timestamp, const char *method) {
     const bool stamped = source_timestamp.sec >= 0;
     if (stamped && !is_valid_time(source_timestamp)) {
-        return fail(DDS_RETCODE_BAD_PARAMETER, method, "bad parameter: source_timestamp");
+        return bad_timestamp(method);
     }
     serdata->statusinfo = status_info;
     serdata->timestamp.v = stamped ? to_engine(source_timestamp) : dds_time();

@@ -25,6 +25,9 @@ struct SerdataDeleter {
 };
 using SerdataRef = std::unique_ptr<Serdata, SerdataDeleter>;
 
+// Logs and returns BAD_PARAMETER for a time stamp that a sample cannot carry.
+DDS_ReturnCode_t bad_timestamp(const char *method);
+
 // The two changes of an instance that are not writes.
 enum class InstanceChange { kDispose, kUnregister };
 

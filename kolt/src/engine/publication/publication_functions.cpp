@@ -199,7 +199,7 @@ DDS_ReturnCode_t DDS_DataWriter_write_w_timestamp(DDS_DataWriter *self, const vo
                                                   DDS_InstanceHandle_t handle,
                                                   const DDS_Time_t *source_timestamp) {
     if (!is_given(source_timestamp)) {
-        return bad_parameter(__func__, "source_timestamp");
+        return bad_timestamp(__func__);
     }
     return write(self, sample, make_params(handle, *source_timestamp), __func__);
 }
@@ -219,7 +219,7 @@ DDS_InstanceHandle_t DDS_DataWriter_register_instance(DDS_DataWriter *self, cons
 DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_timestamp(
     DDS_DataWriter *self, const void *sample, const DDS_Time_t *source_timestamp) {
     if (!is_given(source_timestamp)) {
-        bad_parameter(__func__, "source_timestamp");
+        bad_timestamp(__func__);
         return DDS_HANDLE_NIL;
     }
     return register_instance(self, sample, make_params(DDS_HANDLE_NIL, *source_timestamp),
@@ -245,7 +245,7 @@ DDS_InstanceHandle_t DDS_DataWriter_register_instance_w_params(DDS_DataWriter *s
         DDS_DataWriter *self, const void *sample, DDS_InstanceHandle_t handle,               \
         const DDS_Time_t *source_timestamp) {                                                \
         if (!is_given(source_timestamp)) {                                                   \
-            return bad_parameter(__func__, "source_timestamp");                              \
+            return bad_timestamp(__func__);                                                  \
         }                                                                                    \
         return change(self, what, sample, make_params(handle, *source_timestamp), __func__); \
     }                                                                                        \
