@@ -219,8 +219,8 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_read_or_take_next_sample_untypedI(DD
  * (`valid_data` is false) has its key members set, and only these. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_key_value(DDS_DataReader *self, void *key_holder,
                                                           DDS_InstanceHandle_t handle);
-/* Returns the handle of the key's instance; DDS_HANDLE_NIL when nobody in this process knows it
- * (yet, or any more: see DDS_DataReader_get_key_value), and for an unkeyed type. */
+/* Returns the handle of the key's instance; DDS_HANDLE_NIL when the reader does not know it (yet, or
+ * any more: see DDS_DataReader_get_key_value), and for an unkeyed type. */
 KOLT_EXPORT DDS_InstanceHandle_t DDS_DataReader_lookup_instance(DDS_DataReader *self,
                                                                 const void *key_holder);
 /* Sets `*is_data_consistent` to true: loaned samples are copies that nothing overwrites. */

@@ -161,4 +161,43 @@ TEST(KoltInstances, AnInstanceLivesAsLongAsAWriterHasRegisteredIt) {
     EXPECT_EQ(DDS_DataWriter_register_instance(one, message.get()), handle);
 }
 
+// Two topics have instances of one key, and another topic's are not a reader's or writer's own.
+TEST(KoltInstances, InstancesOfAnotherTopicAreUnknown) {
+    Node node(1);
+    DDS_Topic *const other = node.topic_of(message_plugin(), own("other"));
+    DDS_DataWriter *const writer = node.writer({}, other);
+    DDS_DataReader *const its_reader = node.reader({}, DDS_Topic_as_topicdescription(other));
+    DDS_DataWriter *const foreign_writer = node.writer();
+    DDS_DataReader *const reader = node.reader();
+    ASSERT_TRUE(is_matched(writer));
+    ASSERT_TRUE(is_matched(foreign_writer));
+    ASSERT_EQ(write(writer, 5, 6, 1), DDS_RETCODE_OK);
+    const auto got = take_at_least(its_reader, 1);
+    ASSERT_EQ(got.size(), 1U);
+    const DDS_InstanceHandle_t handle = got[0].info.instance_handle;
+    Record<Message> key(message_type());
+    key->id = {5, 1};
+    key->level = 6;
+    EXPECT_EQ(DDS_DataReader_lookup_instance(its_reader, key.get()), handle);
+    EXPECT_EQ(DDS_DataReader_get_key_value(its_reader, key.get(), handle), DDS_RETCODE_OK);
+
+    EXPECT_EQ(DDS_DataReader_lookup_instance(reader, key.get()), DDS_HANDLE_NIL);
+    EXPECT_EQ(DDS_DataReader_get_key_value(reader, key.get(), handle), DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_DataWriter_lookup_instance(foreign_writer, key.get()), DDS_HANDLE_NIL);
+    EXPECT_EQ(DDS_DataWriter_get_key_value(foreign_writer, key.get(), handle),
+              DDS_RETCODE_BAD_PARAMETER);
+    KOLT_ReadSelection one = selection(false);
+    one.scope = KOLT_READ_INSTANCE;
+    one.handle = handle;
+    DDS_ReturnCode_t code = DDS_RETCODE_OK;
+    access(reader, one, &code);
+    EXPECT_EQ(code, DDS_RETCODE_BAD_PARAMETER);
+    access(its_reader, one, &code);
+    EXPECT_EQ(code, DDS_RETCODE_NO_DATA);
+
+    ASSERT_EQ(write(foreign_writer, 5, 6, 1), DDS_RETCODE_OK);
+    ASSERT_EQ(take_at_least(reader, 1).size(), 1U);
+    EXPECT_EQ(DDS_DataReader_get_key_value(reader, key.get(), handle), DDS_RETCODE_OK);
+}
+
 }  // namespace

@@ -85,6 +85,66 @@ TEST(KoltReading, InstancesCanBeReadOneByOne) {
     EXPECT_EQ(take(reader).size(), 8U);
 }
 
+// Instances that come, and lose their samples, during the walk included.
+TEST(KoltReading, AWalkMeetsEveryInstanceOnce) {
+    Node node(1);
+    DDS_DataWriter *const writer = node.writer();
+    DDS_DataReader *const reader = node.reader();
+    ASSERT_TRUE(is_matched(writer));
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(write(writer, 1, i, i), DDS_RETCODE_OK);
+    }
+    KOLT_ReadSelection next = selection(true);
+    next.scope = KOLT_READ_NEXT_INSTANCE;
+    std::set<int> levels;
+    int later = 200;
+    DDS_ReturnCode_t code = DDS_RETCODE_OK;
+    const auto walk = [&] {
+        next.handle = DDS_HANDLE_NIL;
+        while (true) {
+            const auto got = access(reader, next, &code);
+            if (code != DDS_RETCODE_OK) {
+                break;
+            }
+            ASSERT_EQ(got.size(), 1U);
+            ASSERT_GT(got[0].info.instance_handle, next.handle);
+            EXPECT_TRUE(levels.insert(got[0].level).second);
+            next.handle = got[0].info.instance_handle;
+            if (later < 300) {
+                ASSERT_EQ(write(writer, 1, later, later), DDS_RETCODE_OK);
+                ++later;
+            }
+        }
+        EXPECT_EQ(code, DDS_RETCODE_NO_DATA);
+    };
+    walk();
+    walk();  // those that came behind the walk
+    EXPECT_EQ(levels.size(), 300U);
+    EXPECT_TRUE(take(reader).empty());
+}
+
+// It would take minutes if each step looked at every instance.
+TEST(KoltReading, ALongWalkEnds) {
+    Node node(1);
+    DDS_DataWriter *const writer = node.writer();
+    DDS_DataReader *const reader = node.reader();
+    ASSERT_TRUE(is_matched(writer));
+    constexpr int kCount = 50000;
+    for (int i = 0; i < kCount; ++i) {
+        ASSERT_EQ(write(writer, 1, i, i), DDS_RETCODE_OK);
+    }
+    KOLT_ReadSelection next = selection(false);
+    next.scope = KOLT_READ_NEXT_INSTANCE;
+    int met = 0;
+    DDS_ReturnCode_t code = DDS_RETCODE_OK;
+    for (auto got = access(reader, next, &code); code == DDS_RETCODE_OK;
+         got = access(reader, next, &code)) {
+        next.handle = got.at(0).info.instance_handle;
+        ++met;
+    }
+    EXPECT_EQ(met, kCount);
+}
+
 TEST(KoltReading, NextSampleIsCopied) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();

@@ -10,7 +10,6 @@
 #include "engine/entity/statuses.hpp"
 #include "engine/qos/qos_check.hpp"
 #include "engine/qos/qos_map.hpp"
-#include "engine/subscription/reader_cache.hpp"
 #include "engine/subscription/subscriber.hpp"
 #include "engine/topic/topic.hpp"
 
@@ -96,11 +95,9 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
         dds_create_listener(nullptr), dds_delete_listener);
     ReaderStatuses::listen(listener.get(), &statuses_);
     dds_lset_data_available_arg(listener.get(), on_engine_data, this, true);
-    dds_rhc *const cache = create_reader_cache();
-    const dds_entity_t entity = dds_create_reader_rhc(subscriber_.engine(), topic_.engine(),
-                                                      engine_qos.get(), listener.get(), cache);
+    const dds_entity_t entity = dds_create_reader_rhc(
+        subscriber_.engine(), topic_.engine(), engine_qos.get(), listener.get(), cache_.engine());
     if (entity < 0) {
-        delete_reader_cache(cache);
         return fail(to_return_code(entity), method,
                     "the DDS engine could not create a reader for the topic %s",
                     topic_.name().c_str());

@@ -16,6 +16,7 @@
 #include "engine/entity/listener_slot.hpp"
 #include "engine/entity/status_records.hpp"
 #include "engine/subscription/read_condition.hpp"
+#include "engine/subscription/reader_cache.hpp"
 #include "kolt/subscription.h"
 
 namespace kolt::engine {
@@ -139,10 +140,12 @@ class DataReader final : public Entity {
     // the read unlocks.
     dds_return_t engine_read(const KOLT_ReadSelection &selection, std::uint32_t mask,
                              std::size_t room, bool locked, Batch *batch);
-    // True when the engine knows the one instance that is selected.
-    bool is_instance_known(const KOLT_ReadSelection &selection);
-    // Returns the handles of the instances in the cache, ascending.
-    std::vector<DDS_InstanceHandle_t> cached_instances();
+    // Returns the instances of the reader, by their handles.
+    InstanceIndex &instances();
+    // True for the handle of an instance of the reader.
+    bool is_instance_known(DDS_InstanceHandle_t handle);
+    // Returns the instances in the cache.
+    std::vector<InstanceIndex::Known> cached_instances();
     // Builds the record of a serialised sample, or sets the key members of one without data. False
     // when it is malformed.
     bool deserialize(const Serdata &serdata, bool valid_data, void *record);
@@ -170,6 +173,7 @@ class DataReader final : public Entity {
     ListenerThread::Event data_;
     ListenerThread::Event notification_;
     EntityQos<DDS_DataReaderQos> qos_;
+    ReaderCache cache_;
 
     mutable std::mutex contents_;
     // Guarded by contents_:

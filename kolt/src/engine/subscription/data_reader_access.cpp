@@ -19,14 +19,26 @@ constexpr std::size_t kFirstGuess = 32;
 // The engine's limit of one read.
 constexpr std::size_t kMaxSamples = std::numeric_limits<std::int32_t>::max();
 
-// Collects the keys that the function below has seen, with a reference on each.
+// Collects the keys that the function below has seen, with a reference on each, and the number of
+// samples behind each.
 struct SeenKeys {
-    std::vector<const Serdata *> keys;
+    struct Key {
+        const Serdata *serdata;
+        std::size_t samples;
+    };
+    std::vector<Key> keys;
+    bool is_complete = true;
+
+    void note_sample() {
+        if (!keys.empty()) {
+            ++keys.back().samples;
+        }
+    }
 
     SeenKeys() = default;
     ~SeenKeys() {
-        for (const Serdata *const key : keys) {
-            key->unref();
+        for (const Key &key : keys) {
+            key.serdata->unref();
         }
     }
     SeenKeys(const SeenKeys &) = delete;
@@ -37,15 +49,21 @@ struct SeenKeys {
 thread_local SeenKeys *t_seen = nullptr;
 
 // The filter of a query condition that never matches. When the condition is created, the engine
-// calls it with every instance of the cache, as a key without data, on the thread that creates it.
+// calls it with every instance of the cache, as a key without data, and then with the instance's
+// samples, on the thread that creates it.
 bool collect_keys(const void *view) {
     const Serdata *const serdata = static_cast<const SerdataView *>(view)->get();
-    if (t_seen != nullptr && serdata != nullptr && !serdata->has_data()) {
+    if (t_seen == nullptr || serdata == nullptr) {
+        return false;
+    }
+    if (serdata->has_data()) {
+        t_seen->note_sample();
+    } else {
         try {
-            t_seen->keys.push_back(serdata);
+            t_seen->keys.push_back({serdata, 1});  // there may be a sample without data
             serdata->ref();
         } catch (...) {
-            return false;  // the instance is left out, as if it had come later
+            t_seen->is_complete = false;
         }
     }
     return false;
@@ -146,21 +164,38 @@ DDS_ReturnCode_t DataReader::fetch(const KOLT_ReadSelection &selection, std::siz
         *count = static_cast<std::size_t>(result);
         return DDS_RETCODE_OK;
     }
-    if (result == 0 || is_instance_known(selection)) {
+    if (result == 0) {
         return DDS_RETCODE_NO_DATA;
     }
     return result == cyclone::kPreconditionNotMet ? DDS_RETCODE_BAD_PARAMETER
                                                   : to_return_code(result);
 }
 
-// Tells an instance without samples from a handle of none: the engine's read rejects both.
-bool DataReader::is_instance_known(const KOLT_ReadSelection &selection) {
-    SerdataView key;
-    return selection.scope == KOLT_READ_INSTANCE &&
-           dds_instance_get_key(engine(), selection.handle, &key) >= 0;
+// ---- Instances ----------------------------------------------------------------------------------
+
+// Asks the engine for the instances now and then, since it does not tell of those that it drops. A
+// reader whose application names no instances has no index.
+InstanceIndex &DataReader::instances() {
+    cache_.keep_index();
+    InstanceIndex &index = cache_.index();
+    const std::lock_guard lock(contents_);  // the engine's limit of query conditions
+    if (index.is_stale()) {
+        const std::uint64_t before = index.begin_assign();
+        try {
+            index.assign(cached_instances(), before);
+        } catch (...) {
+            index.set_stale();
+            throw;
+        }
+    }
+    return index;
 }
 
-std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
+bool DataReader::is_instance_known(DDS_InstanceHandle_t handle) {
+    return handle != DDS_HANDLE_NIL && instances().contains(handle);
+}
+
+std::vector<InstanceIndex::Known> DataReader::cached_instances() {
     SeenKeys seen;
     t_seen = &seen;
     const dds_entity_t condition =
@@ -169,18 +204,19 @@ std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
     if (condition > 0) {
         dds_delete(condition);
     }
-    std::vector<DDS_InstanceHandle_t> handles;
-    handles.reserve(seen.keys.size());
-    for (const Serdata *const key : seen.keys) {
-        const SerdataView view(key);
+    if (condition < 0 || !seen.is_complete) {
+        throw std::bad_alloc();
+    }
+    std::vector<InstanceIndex::Known> instances;
+    instances.reserve(seen.keys.size());
+    for (const SeenKeys::Key &key : seen.keys) {
+        const SerdataView view(key.serdata);
         const dds_instance_handle_t handle = dds_lookup_instance(engine(), &view);
         if (handle != DDS_HANDLE_NIL) {
-            handles.push_back(handle);
+            instances.push_back({handle, 0, key.samples});
         }
     }
-    std::sort(handles.begin(), handles.end());
-    handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
-    return handles;
+    return instances;
 }
 
 // Fetches from the next instance in the order of handles. The engine itself does not order
@@ -188,18 +224,17 @@ std::vector<DDS_InstanceHandle_t> DataReader::cached_instances() {
 DDS_ReturnCode_t DataReader::fetch_next_instance(const KOLT_ReadSelection &selection,
                                                  std::size_t limit, Batch *batch,
                                                  std::size_t *count) {
-    std::vector<DDS_InstanceHandle_t> handles;
-    {
-        const std::lock_guard lock(contents_);  // the engine's limit of query conditions
-        handles = cached_instances();
-    }
+    InstanceIndex &index = instances();
     KOLT_ReadSelection one = selection;
     one.scope = KOLT_READ_INSTANCE;
-    for (auto it = std::upper_bound(handles.begin(), handles.end(), selection.handle);
-         it != handles.end(); ++it) {
-        one.handle = *it;
-        if (fetch(one, limit, batch, count) == DDS_RETCODE_OK) {
-            return DDS_RETCODE_OK;
+    for (auto next = index.after(selection.handle); next.handle != DDS_HANDLE_NIL;
+         next = index.after(next.handle)) {
+        one.handle = next.handle;
+        const DDS_ReturnCode_t result = fetch(one, std::min(limit, next.samples), batch, count);
+        if (result == DDS_RETCODE_BAD_PARAMETER) {
+            index.forget(next);
+        } else if (result != DDS_RETCODE_NO_DATA) {
+            return result;
         }
     }
     return DDS_RETCODE_NO_DATA;
@@ -442,15 +477,15 @@ DDS_ReturnCode_t DataReader::get_key_value(void *key_holder, DDS_InstanceHandle_
         return not_enabled(method);
     }
     SerdataView key;
-    if (handle == DDS_HANDLE_NIL || !type_->is_keyed() ||
+    if (!type_->is_keyed() || !is_instance_known(handle) ||
         dds_instance_get_key(engine(), handle, &key) < 0 || key.get() == nullptr) {
         return fail(DDS_RETCODE_BAD_PARAMETER, method, "the handle is not that of an instance");
     }
     return KOLT_Cdr_deserialize_key(type_->programs(), key.get()->bytes(), key.get()->size(),
                                     key_holder) != DDS_BOOLEAN_FALSE
                ? DDS_RETCODE_OK
-               : fail(DDS_RETCODE_BAD_PARAMETER, method,
-                      "the handle is that of an instance of another type");
+               : fail(DDS_RETCODE_ERROR, method,
+                      "the key of the instance could not be deserialised");
 }
 
 DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {
@@ -466,7 +501,8 @@ DDS_InstanceHandle_t DataReader::lookup_instance(const void *key_holder) {
     Serdata *const serdata = Serdata::from_key(&topic_.topic().sertype(), key.data(), key.size());
     const SerdataView view(serdata);
     serdata->unref();
-    return dds_lookup_instance(engine(), &view);
+    const DDS_InstanceHandle_t handle = dds_lookup_instance(engine(), &view);
+    return is_instance_known(handle) ? handle : DDS_HANDLE_NIL;
 }
 
 }  // namespace kolt::engine
