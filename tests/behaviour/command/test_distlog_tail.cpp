@@ -86,6 +86,34 @@ TEST(DistlogTail, BytesThatAreNoUtf8AreReplacedInJson) {
     EXPECT_EQ(tail.wait(), 0);
 }
 
+// A sender cuts texts to their bounds by bytes.
+TEST(DistlogTail, HalfACharacterAtTheEndOfACutTextIsLeftOut) {
+    const FakeParticipant participant(23);
+    FakeSender sender(participant, Ids{-5, 17});
+    ChildProcess lines(tail_command(23, {"--count", "4"}));
+    ChildProcess json(tail_command(23, {"--json", "--count", "4"}));
+    ASSERT_TRUE(sender.wait_for_readers(2));
+    const std::string text(VUR_DL_LOG_MESSAGE_MESSAGE_BOUND - 2, 'x');
+    const std::string category(VUR_DL_LOG_MESSAGE_CATEGORY_BOUND - 1, 'c');
+    ASSERT_TRUE(sender.write(1, 600, (text + "\xe2\x82").c_str(), (category + "\xc3").c_str()));
+    ASSERT_TRUE(sender.write(2, 600, (text + "\xc3\xa4").c_str()));
+    ASSERT_TRUE(sender.write(3, 600, (text + "y\x82").c_str()));
+    ASSERT_TRUE(sender.write(4, 600, "short \xe2\x82"));
+    const auto ends_with = [](const std::optional<std::string> &line, const std::string &end) {
+        return line && line->size() >= end.size() &&
+               line->compare(line->size() - end.size(), end.size(), end) == 0;
+    };
+    EXPECT_TRUE(ends_with(lines.read_line(), " [" + category + "]: " + text));
+    EXPECT_TRUE(ends_with(lines.read_line(), text + "\xc3\xa4"));
+    EXPECT_TRUE(ends_with(lines.read_line(), text + "y\\x82"));
+    EXPECT_TRUE(ends_with(lines.read_line(), "short \\xe2\\x82"));
+    const std::optional<std::string> first = json.read_line();
+    ASSERT_TRUE(first);
+    EXPECT_TRUE(contains(*first, "c\",\"message\":\"x"));
+    EXPECT_TRUE(contains(*first, "x\",\"message_id\":1,"));
+    EXPECT_EQ(lines.wait(), 0);
+}
+
 TEST(DistlogTail, TextCannotMoveTheTerminal) {
     const FakeParticipant participant(112);
     FakeSender sender(participant, Ids{1, 2});

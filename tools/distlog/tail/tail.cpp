@@ -69,25 +69,33 @@ void in_reading_order(std::vector<Received> &batch) {
     });
 }
 
+std::string category_of(const VUR_DL_LogMessage &message) {
+    return std::string(whole_characters(message.category, VUR_DL_LOG_MESSAGE_CATEGORY_BOUND));
+}
+
+std::string text_of(const VUR_DL_LogMessage &message) {
+    return std::string(whole_characters(message.message, VUR_DL_LOG_MESSAGE_MESSAGE_BOUND));
+}
+
 Json to_json(const Received &received) {
     const VUR_DL_LogMessage &message = *received.message;
     return Json{{"host_id", message.hostAndAppId.rtps_host_id},
                 {"app_id", message.hostAndAppId.rtps_app_id},
                 {"level", message.level},
                 {"level_name", level_name(message.level)},
-                {"category", message.category},
-                {"message", message.message},
+                {"category", category_of(message)},
+                {"message", text_of(message)},
                 {"message_id", message.messageId},
                 {"timestamp_ns", received.entry.timestamp}};
 }
 
 std::string to_text(const Received &received, const std::string &sender, bool colour) {
     const VUR_DL_LogMessage &message = *received.message;
-    const std::string category = printable(message.category);
+    const std::string category = printable(category_of(message));
     return fmt::format(
         "{} {} {}{} {}", local_time(received.time),
         level_in_colour(message.level, level_name(message.level), colour, kLevelWidth), sender,
-        category.empty() ? ":" : fmt::format(" [{}]:", category), printable(message.message));
+        category.empty() ? ":" : fmt::format(" [{}]:", category), printable(text_of(message)));
 }
 
 class Tail {

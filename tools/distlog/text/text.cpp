@@ -76,6 +76,23 @@ std::string printable(std::string_view text) {
     return out;
 }
 
+std::string_view whole_characters(std::string_view text, std::size_t bound) {
+    if (text.size() != bound) {
+        return text;
+    }
+    constexpr std::size_t kLongest = 4;
+    for (std::size_t length = 1; length < kLongest && length <= text.size(); ++length) {
+        const std::string_view tail = text.substr(text.size() - length);
+        const auto lead = static_cast<unsigned char>(tail[0]);
+        if ((lead & 0xc0U) == 0x80U) {
+            continue;  // in the midst of a character
+        }
+        const std::size_t needed = lead >= 0xf0U ? 4 : lead >= 0xe0U ? 3 : lead >= 0xc0U ? 2 : 1;
+        return needed > length ? text.substr(0, text.size() - length) : text;
+    }
+    return text;
+}
+
 std::int64_t to_nanoseconds(const DDS_Time_t &time) {
     // Saturates: the seconds come from the network and need not be a sensible time.
     std::int64_t result = 0;
