@@ -9,6 +9,7 @@
 #include "logger_lock.hpp"
 #include "report.hpp"
 #include "state_owner.hpp"
+#include "write_deadline.hpp"
 
 int gVUR_DL_DistLogger_initialized = 0;
 int gVUR_DL_DistLogger_beingDestroyed = 0;
@@ -210,10 +211,41 @@ void report_being_destroyed() {
 
 // ---- Finalisation -------------------------------------------------------------------------------
 
+// The time for the last State to go out. Log calls wait for as long.
+constexpr DDS_Duration_t kLastStateWithin{0, 500'000'000};
+
+DDS_DataWriter *state_writer(VUR_DL_DistLogger &self) {
+    VUR_DL_ADMIN_StateDataWriter *writer = VUR_DL_DDSEntities_getStateWriter(self._ddsEntities);
+    return writer == nullptr ? nullptr : VUR_DL_ADMIN_StateDataWriter_as_datawriter(writer);
+}
+
+DDS_DataWriter *message_writer(VUR_DL_DistLogger &self) {
+    VUR_DL_LogMessageDataWriter *writer = VUR_DL_DDSEntities_getLogMessageWriter(self._ddsEntities);
+    return writer == nullptr ? nullptr : VUR_DL_LogMessageDataWriter_as_datawriter(writer);
+}
+
+DDS_DataWriter *response_writer(VUR_DL_DistLogger &self) {
+    VUR_DL_ADMIN_CommandResponseDataWriter *writer =
+        VUR_DL_DDSEntities_getCommandResponseWriter(self._ddsEntities);
+    return writer == nullptr ? nullptr
+                             : VUR_DL_ADMIN_CommandResponseDataWriter_as_datawriter(writer);
+}
+
+// Ends the writes that wait for a reader, so that nothing that follows waits for them.
+void end_writes(VUR_DL_DistLogger &self) {
+    for (DDS_DataWriter *writer :
+         {message_writer(self), response_writer(self), state_writer(self)}) {
+        if (writer != nullptr) {
+            KOLT_DataWriter_end_writes(writer);
+        }
+    }
+}
+
 // Makes the singleton unreachable and returns it. The caller holds the lock.
 VUR_DL_DistLogger *detach() {
     VUR_DL_DistLogger *self = VUR_DL_DistLogger_instance;
     if (self->_ddsEntities != nullptr) {
+        const vur_dl::WriteDeadline last_state(state_writer(*self), kLastStateWithin);
         VUR_DL_DistLogger_disable();
     }
     vur_dl::watch_threshold_of(nullptr);
@@ -324,6 +356,9 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
         self->ddsLoggerDevice != nullptr) {
         static_cast<void>(
             KOLT_Config_Logger_set_output_device(KOLT_Config_Logger_get_instance(), nullptr));
+    }
+    if (self->_ddsEntities != nullptr) {
+        end_writes(*self);
     }
     vur_dl::command_gate.close();
     if (self->logMessageWriteThread != nullptr) {

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <future>
 #include <map>
 #include <string>
 #include <thread>
@@ -215,6 +216,21 @@ TEST(LiveMessages, AWriteThatTimesOutDelaysItsMessage) {
         ASSERT_TRUE(stream.expect_next());
     }
     stream.end();
+}
+
+// The writer would wait for ever for a reader that stands still. The engine gives that up after ten
+// seconds, when it takes the reader's process for gone: the end of the logger does not wait so long.
+TEST(LiveMessages, FinalisationDoesNotWaitForAReaderThatStandsStill) {
+    constexpr int kMany = 1000;
+    Stream stream(45, {.queue_size = kMany, .profile = "Bounded"});
+    stream.monitor().signal(SIGSTOP);
+    for (int i = 0; i < kMany; ++i) {
+        stream.log(2000);
+    }
+    std::future<int> finalised = std::async(std::launch::async, VUR_DL_DistLogger_finalizeInstance);
+    EXPECT_EQ(finalised.wait_for(std::chrono::seconds(7)), std::future_status::ready);
+    EXPECT_EQ(finalised.get(), 0);
+    stream.monitor().signal(SIGCONT);
 }
 
 }  // namespace
