@@ -39,10 +39,11 @@ build: configure
 	@echo '== Building $(build_dir)'
 	@cmake --build --preset $(PRESET) --parallel $(JOBS)
 
+# Most tests wait for others more than they compute: twice as many of them as processors.
 .PHONY: test
 test: build
 	@echo '== Testing $(build_dir)'
-	@ctest --preset $(PRESET) --parallel $(JOBS)
+	@ctest --preset $(PRESET) --parallel $$((2 * $(JOBS)))
 
 # Only the two programs that the demo shows: a newcomer waits for those, not for the tests.
 .PHONY: demo
