@@ -211,7 +211,8 @@ void report_being_destroyed() {
 
 // ---- Finalisation -------------------------------------------------------------------------------
 
-// The time for the last State to go out. Log calls wait for as long.
+// The time for the last State to go out. Log calls wait for as long, unless another thread owns the
+// State and publishes it.
 constexpr DDS_Duration_t kLastStateWithin{0, 500'000'000};
 
 DDS_DataWriter *state_writer(VUR_DL_DistLogger &self) {
@@ -231,14 +232,21 @@ DDS_DataWriter *response_writer(VUR_DL_DistLogger &self) {
                              : VUR_DL_ADMIN_CommandResponseDataWriter_as_datawriter(writer);
 }
 
-// Ends the writes that wait for a reader, so that nothing that follows waits for them.
+// Ends the writes of messages and responses that wait for a reader, so that nothing that follows waits
+// for them.
 void end_writes(VUR_DL_DistLogger &self) {
-    for (DDS_DataWriter *writer :
-         {message_writer(self), response_writer(self), state_writer(self)}) {
+    for (DDS_DataWriter *writer : {message_writer(self), response_writer(self)}) {
         if (writer != nullptr) {
             KOLT_DataWriter_end_writes(writer);
         }
     }
+}
+
+// Waits until nobody publishes the State any more.
+void end_state(VUR_DL_DistLogger &self) {
+    const vur_dl::WriteDeadline last_state(
+        self._ddsEntities != nullptr ? state_writer(self) : nullptr, kLastStateWithin);
+    vur_dl::state_owner().close();
 }
 
 // Makes the singleton unreachable and returns it. The caller holds the lock.
@@ -367,7 +375,7 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
         self->logMessageWriteThread = nullptr;
         self->q = nullptr;
     }
-    vur_dl::state_owner().close();
+    end_state(*self);
     if (self->_ddsEntities != nullptr) {
         VUR_DL_DDSEntities_destroy(self->_ddsEntities);
         self->_ddsEntities = nullptr;

@@ -77,6 +77,7 @@ class EndpointGroup : public Entity {
   private:
     Group &self() { return static_cast<Group &>(*this); }
     bool autoenables();
+    bool contains(const Endpoint *endpoint);
     // Chooses the caller's QoS, or the one that the sentinels stand for.
     DDS_ReturnCode_t choose_qos(const EndpointQos *given, EndpointTopic &topic,
                                 EndpointQos *chosen);

@@ -152,17 +152,28 @@ auto EndpointGroup<Traits>::create(EndpointTopic *topic, const EndpointQos *qos,
 
 template <typename Traits>
 DDS_ReturnCode_t EndpointGroup<Traits>::remove(Endpoint *endpoint, const char *method) {
+    const auto not_ours = [&] {
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "the %s does not belong to this %s",
+                    Traits::kEndpoint, Traits::kName);
+    };
+    if (!contains(endpoint)) {
+        return not_ours();
+    }
+    // Before obstacles are looked for: a callback in progress may be one, with its loans.
+    endpoint->statuses().silence();
+    if (const char *const obstacle = Traits::obstacle(*endpoint)) {
+        if (endpoint->is_enabled()) {
+            endpoint->announce();
+        }
+        return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%s", obstacle);
+    }
     std::unique_ptr<Endpoint> removed;  // deleted outside the lock
     {
         const std::lock_guard lock(participant_.tree());
-        if (!contains_pointer(endpoints_, endpoint)) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method,
-                        "the %s does not belong to this %s", Traits::kEndpoint, Traits::kName);
-        }
-        if (const char *const obstacle = Traits::obstacle(*endpoint)) {
-            return fail(DDS_RETCODE_PRECONDITION_NOT_MET, method, "%s", obstacle);
-        }
         removed = extract(endpoints_, endpoint);
+    }
+    if (removed == nullptr) {
+        return not_ours();
     }
     note_entity(method, "deleted", Traits::kEndpointOf, removed->topic().name().c_str());
     return DDS_RETCODE_OK;
@@ -190,6 +201,12 @@ auto EndpointGroup<Traits>::lookup(const char *topic_name) -> EndpointRecord * {
         }
     }
     return nullptr;
+}
+
+template <typename Traits>
+bool EndpointGroup<Traits>::contains(const Endpoint *endpoint) {
+    const std::lock_guard lock(participant_.tree());
+    return contains_pointer(endpoints_, endpoint);
 }
 
 template <typename Traits>
