@@ -31,26 +31,27 @@ class HeldWrite {
   public:
     static void arm(const std::string &type) {
         const std::lock_guard lock(mutex());
-        type_ = type;
-        held_ = false;
+        awaited_type = type;
+        is_held = false;
     }
     static void let_go() {
         const std::lock_guard lock(mutex());
-        held_ = false;
+        is_held = false;
         changed().notify_all();
     }
     static bool wait_until_held() {
         return support::eventually([] {
             const std::lock_guard lock(mutex());
-            return held_;
+            return is_held;
         });
     }
     static void pass(DDS_DataWriter *writer) {
         std::unique_lock lock(mutex());
-        if (!type_.empty() && DDS_DataWriter_get_endpoint_type_name(writer) == type_) {
-            type_.clear();
-            held_ = true;
-            changed().wait(lock, [] { return !held_; });
+        if (!awaited_type.empty() &&
+            DDS_DataWriter_get_endpoint_type_name(writer) == awaited_type) {
+            awaited_type.clear();
+            is_held = true;
+            changed().wait(lock, [] { return !is_held; });
         }
     }
 
@@ -63,8 +64,8 @@ class HeldWrite {
         static std::condition_variable instance;
         return instance;
     }
-    static inline std::string type_;
-    static inline bool held_ = false;
+    static inline std::string awaited_type;
+    static inline bool is_held = false;
 };
 
 // Runs something on a thread of its own, and looks whether it comes back.

@@ -36,6 +36,13 @@ void *operator new(std::size_t size) {
     ++g_live;
     return std::memset(block, 0xa5, size);
 }
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
 void operator delete(void *block) noexcept {
     if (block != nullptr) {
         --g_live;
