@@ -31,7 +31,7 @@ void forget_parent() {
 }
 
 // Fails only without memory, and then there is nobody to tell.
-[[maybe_unused]] const int registered = pthread_atfork(nullptr, nullptr, forget_parent);
+[[maybe_unused]] const int kRegistered = pthread_atfork(nullptr, nullptr, forget_parent);
 
 }  // namespace
 

@@ -33,7 +33,7 @@ bool is_declared(std::string_view name) {
 std::string undeclared_reference(std::string_view tag) {
     const std::string text = narrow(tag);
     for (std::size_t at = text.find('&'); at != std::string::npos; at = text.find('&', at + 1)) {
-        const std::string name = text.substr(at + 1, text.find(';', at) - at - 1);
+        std::string name = text.substr(at + 1, text.find(';', at) - at - 1);
         if (!is_declared(name)) {
             return name;
         }
