@@ -128,6 +128,7 @@ KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_requested_incompatible_qos_statu
     DDS_DataReader *self, DDS_RequestedIncompatibleQosStatus *status);
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_subscription_matched_status(
     DDS_DataReader *self, DDS_SubscriptionMatchedStatus *status);
+/* Samples that never came, and those that cannot be deserialised, which a read passes over. */
 KOLT_EXPORT DDS_ReturnCode_t DDS_DataReader_get_sample_lost_status(DDS_DataReader *self,
                                                                    DDS_SampleLostStatus *status);
 /* Copies the instance handles of the writers that the reader is matched with. OUT_OF_RESOURCES when

@@ -312,8 +312,9 @@ TEST(KoltListenerThread, RemovalWaitsForADataRequest) {
         EXPECT_EQ(DDS_DataWriter_set_listener(writer, nullptr, 0), DDS_RETCODE_OK);
         EXPECT_TRUE(requests.ended);
     });
-    // Gives the removal time to return too early; it can do that only later than this otherwise.
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    // From here on the removal has nothing left to do but to wait.
+    EXPECT_TRUE(
+        eventually([&] { return DDS_DataWriter_get_listener(writer).on_data_request == nullptr; }));
     requests.go_on.set_value();
     removing.join();
     writing.join();

@@ -238,4 +238,23 @@ TEST_F(KoltMalformedSamples, EachIsDroppedOnce) {
     EXPECT_EQ(drops.count(), 1);
 }
 
+TEST_F(KoltMalformedSamples, AreCountedAsLost) {
+    for (const long long number : {-1, 2, -3}) {
+        put(1, number);
+    }
+    EXPECT_EQ(get(selection(true)).size(), 1U);
+    EXPECT_NE(
+        DDS_Entity_get_status_changes(DDS_DataReader_as_entity(reader_)) & DDS_SAMPLE_LOST_STATUS,
+        0U);
+    DDS_SampleLostStatus status{};
+    ASSERT_EQ(DDS_DataReader_get_sample_lost_status(reader_, &status), DDS_RETCODE_OK);
+    EXPECT_EQ(status.total_count, 2);
+    EXPECT_EQ(status.total_count_change, 2);
+    put(1, -4);
+    EXPECT_TRUE(get(selection(false)).empty());
+    ASSERT_EQ(DDS_DataReader_get_sample_lost_status(reader_, &status), DDS_RETCODE_OK);
+    EXPECT_EQ(status.total_count, 3);
+    EXPECT_EQ(status.total_count_change, 1);
+}
+
 }  // namespace

@@ -149,7 +149,7 @@ class DataReader final : public Entity {
     // Builds the record of a serialised sample, or sets the key members of one without data. False
     // when it is malformed.
     bool deserialize(const Serdata &serdata, bool valid_data, void *record);
-    // Tells of a sample that cannot be deserialised and is therefore dropped.
+    // Logs that a sample cannot be deserialised and is therefore dropped, and counts it as lost.
     void note_undeserializable(const char *method);
     // Removes samples that a read has left in the cache. False when memory ran out.
     bool remove_from_cache(const Serdatas &samples);

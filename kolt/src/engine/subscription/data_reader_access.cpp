@@ -270,6 +270,7 @@ void DataReader::note_undeserializable(const char *method) {
     KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_COMMUNICATION, KOLT_CONFIG_LOG_LEVEL_WARNING, method,
                      "a sample of the topic %s cannot be deserialised and is dropped",
                      topic_.name().c_str());
+    statuses_.note<SampleLost>({1, 1});
 }
 
 // A query condition selects them: the engine judges the cache when the condition is created, on
