@@ -11,8 +11,9 @@
  *     queue. A message that finds the queue full is dropped; the gap in the message numbers shows
  *     it.
  *  3. A failure prints one line on standard output: "<level name>: <function>: <text>".
- *  4. A forked child of a process in which a logger runs has no logger and gets none: log calls return
- *     at once, and nothing is published in the parent's name. So start the logger after daemon().
+ *  4. A forked child of a process in which a logger runs has no logger and gets none: log calls
+ *     return at once, and nothing is published in the parent's name. So start the logger after
+ *     daemon().
  *     A child that is forked before the logger is created or after it was finalised may create one.
  *  5. The library, once loaded, stays: dlclose() leaves a running logger running.
  *  6. Do not log from a signal handler.
@@ -57,10 +58,13 @@ VUR_DL_EXPORT VUR_DL_DistLogger *VUR_DL_DistLogger_getInstanceI(
     DDS_DomainParticipantFactory *factory);
 /* Tears the logger down: publishes a last, non-operational State, ends the thread, deletes the
  * entities and the stored options. Messages that are still queued are not published. Returns 0 on
- * success, also when there was no logger and in the child of a process with one; 1, with a printed line, when the lock fails. Must not be
- * called from a listener callback of the middleware. */
+ * success, also when there was no logger and in the child of a process with one; 1, with a printed
+ * line, when the lock fails. Does not wait for slow readers: the last State has half a second, and
+ * the engine lingers at most a second for each writer with data that readers have not acknowledged.
+ * Must not be called from a listener callback of the middleware. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_finalizeInstance(void);
-/* Returns 1 while the logger exists and is not being finalised, else 0, as in a forked child. Takes no lock. */
+/* Returns 1 while the logger exists and is not being finalised, else 0, as in a forked child. Takes
+ * no lock. */
 VUR_DL_EXPORT int VUR_DL_DistLogger_isDistLoggerRunning(void);
 /* Return the queue and the write thread of the logger, whose counters an application may watch.
  * Return NULL when there is no logger. The pointers are valid until the logger is finalised. Take

@@ -22,7 +22,8 @@ VUR_DL_EXTERN_C_BEGIN
 
 typedef struct VUR_DL_Options {
     /* The participant in which the logger creates its entities; borrowed, must be enabled when the
-     * logger is created, and must outlive the logger. NULL: the logger creates one of its own in `domainId`. */
+     * logger is created, and must outlive the logger. NULL: the logger creates one of its own in
+     * `domainId`. */
     DDS_DomainParticipant *domainParticipant;
     /* A participant object of another language binding; borrowed, never used by the library. */
     void *cppDomainParticipant;

@@ -20,8 +20,7 @@ class NoCancellation {
 };
 
 // Take and give the logger lock. False when the platform refuses, and in the child of a process with
-// a logger, where it may be taken for ever. Between the two the thread is not
-// cancelled.
+// a logger, where it may be taken for ever. Between the two the thread is not cancelled.
 bool take_logger_lock();
 bool give_logger_lock();
 
