@@ -102,6 +102,10 @@ typedef struct DDS_LivelinessQosPolicy {
     DDS_LivelinessQosPolicyKind kind;
     DDS_Duration_t lease_duration;
 } DDS_LivelinessQosPolicy;
+/* DDS 1.4, 2.2.3.12. Of each instance the reader gets the first sample at once, and of those that come
+ * within minimum_separation after one the last, when that time has passed: so also of a best-effort
+ * writer. An instance that ends, or whose writer is deleted, gives its last sample before. What a
+ * content filter keeps out counts as not written. Time is that of arrival. */
 typedef struct DDS_TimeBasedFilterQosPolicy {
     DDS_Duration_t minimum_separation;
 } DDS_TimeBasedFilterQosPolicy;
@@ -136,6 +140,8 @@ typedef struct DDS_EntityFactoryQosPolicy {
 typedef struct DDS_WriterDataLifecycleQosPolicy {
     DDS_Boolean autodispose_unregistered_instances;
 } DDS_WriterDataLifecycleQosPolicy;
+/* DDS 1.4, 2.2.3.22. So long after an instance has ended, its samples, read or not, leave the reader. A
+ * changed delay holds at once, also for instances that have ended before. */
 typedef struct DDS_ReaderDataLifecycleQosPolicy {
     DDS_Duration_t autopurge_nowriter_samples_delay;
     DDS_Duration_t autopurge_disposed_samples_delay;

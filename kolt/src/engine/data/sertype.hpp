@@ -22,6 +22,10 @@ class Sertype : public ddsi_sertype {
 
     const KOLT_TypePrograms *programs() const { return programs_; }
     bool is_keyed() const { return typekind_no_key == 0; }
+    // Returns the domain of the topics of this type. nullptr before the first one is enabled.
+    ddsi_domaingv *domain() const {
+        return static_cast<ddsi_domaingv *>(ddsrt_atomic_ldvoidp(&gv));
+    }
 
   private:
     explicit Sertype(std::shared_ptr<const TypeAnnouncement> announcement)

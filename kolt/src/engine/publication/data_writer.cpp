@@ -5,6 +5,7 @@
 #include <bit>
 #include <new>
 
+#include "engine/cyclone/awake.hpp"
 #include "engine/cyclone/convert.hpp"
 #include "engine/entity/statuses.hpp"
 #include "engine/publication/local_write.hpp"
@@ -18,24 +19,6 @@ extern "C" dds_return_t ddsi_unblock_throttled_writer(ddsi_domaingv *domain,
                                                       const ddsi_guid *writer);
 
 namespace kolt::engine {
-
-namespace {
-
-// Lets the engine's records that this thread looks at live until it has done.
-class EngineAwake {
-  public:
-    explicit EngineAwake(const ddsi_domaingv *domain) : thread_(lookup_thread_state()) {
-        thread_state_awake(thread_, domain);
-    }
-    ~EngineAwake() { thread_state_asleep(thread_); }
-    EngineAwake(const EngineAwake &) = delete;
-    EngineAwake &operator=(const EngineAwake &) = delete;
-
-  private:
-    thread_state *const thread_;
-};
-
-}  // namespace
 
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
     : Entity(EntityKind::kDataWriter, &handle_._entity, kWriterStatusMask),
@@ -404,8 +387,8 @@ DDS_ReturnCode_t DataWriter::end_writes() {
         return to_return_code(known);
     }
     const ddsi_guid writer = nn_ntoh_guid(std::bit_cast<ddsi_guid>(guid));
-    auto *const domain = static_cast<ddsi_domaingv *>(ddsrt_atomic_ldvoidp(&sertype().gv));
-    const EngineAwake awake(domain);
+    ddsi_domaingv *const domain = sertype().domain();
+    const Awake awake(domain);
     return to_return_code(ddsi_unblock_throttled_writer(domain, &writer));
 }
 

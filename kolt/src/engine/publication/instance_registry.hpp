@@ -8,8 +8,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "engine/data/instance_pin.hpp"
 #include "engine/data/key_bytes.hpp"
-#include "engine/publication/instance_pin.hpp"
 
 namespace kolt::engine {
 

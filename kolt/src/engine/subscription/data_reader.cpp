@@ -29,6 +29,15 @@ void tell_notification(void *reader) {
     static_cast<DataReader *>(reader)->deliver_data_available();
 }
 
+// Returns the policies that KOLT applies itself.
+ReaderCache::Policies cache_policies(const DDS_DataReaderQos &qos) {
+    const DDS_ReaderDataLifecycleQosPolicy &lifecycle = qos.reader_data_lifecycle;
+    return {{to_engine(qos.time_based_filter.minimum_separation),
+             qos.destination_order.kind == DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS},
+            {to_engine(lifecycle.autopurge_nowriter_samples_delay),
+             to_engine(lifecycle.autopurge_disposed_samples_delay)}};
+}
+
 }  // namespace
 
 DataReader::DataReader(Subscriber &subscriber, TopicDescription &topic,
@@ -95,8 +104,11 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
         dds_create_listener(nullptr), dds_delete_listener);
     ReaderStatuses::listen(listener.get(), &statuses_);
     dds_lset_data_available_arg(listener.get(), on_engine_data, this, true);
-    const dds_entity_t entity = dds_create_reader_rhc(
-        subscriber_.engine(), topic_.engine(), engine_qos.get(), listener.get(), cache_.engine());
+    cache_.set_policies(qos_.read(cache_policies));
+    dds_rhc *const cache =
+        cache_.engine(topic_.content_filter(), topic_.topic().sertype().domain());
+    const dds_entity_t entity = dds_create_reader_rhc(subscriber_.engine(), topic_.engine(),
+                                                      engine_qos.get(), listener.get(), cache);
     if (entity < 0) {
         return fail(to_return_code(entity), method,
                     "the DDS engine could not create a reader for the topic %s",
@@ -109,8 +121,20 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
 DDS_ReturnCode_t DataReader::set_qos(const DDS_DataReaderQos &qos, const char *method) {
     const DDS_ReturnCode_t result =
         qos_.set(qos, *this, method, [&](const auto &q) { return to_engine(q, *type_); });
-    // Before it is enabled the representations may still change.
-    return result != DDS_RETCODE_OK || is_enabled() ? result : attach_type(method);
+    if (result != DDS_RETCODE_OK) {
+        return result;
+    }
+    if (!is_enabled()) {
+        return attach_type(method);  // the representations may still change
+    }
+    const bool purged_before = cache_.purges();
+    cache_.set_policies(cache_policies(qos));
+    if (cache_.purges() && !purged_before) {
+        const std::lock_guard lock(contents_);  // the engine's limit of query conditions
+        cache_.adopt(cached_instances());
+    }
+    cache_.begin_to_apply();
+    return DDS_RETCODE_OK;
 }
 
 // ---- Events -------------------------------------------------------------------------------------

@@ -39,6 +39,8 @@ class TopicDescription : public Entity {
     }
     // Returns the topic itself, or the one behind the filter.
     virtual Topic &topic() = 0;
+    // Returns the filter; nullptr for a topic itself.
+    virtual const ContentFilter *content_filter() const { return nullptr; }
 
     // Counts readers and writers for it, and for a topic also filters on it. Guarded by the tree's
     // mutex.
@@ -107,6 +109,7 @@ class ContentFilteredTopic final : public TopicDescription {
     DDS_ContentFilteredTopic *handle() { return &handle_; }
     Topic &topic() override { return related_; }
     ContentFilter &filter() { return *filter_; }
+    const ContentFilter *content_filter() const override { return filter_.get(); }
 
     DDS_ReturnCode_t enable(const char *method) override;
 

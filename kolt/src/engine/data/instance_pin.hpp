@@ -18,6 +18,8 @@ class InstancePin {
     // Refers to the instance of the key, which it makes if there is none. `type` is registered with
     // the domain, which outlives the object.
     InstancePin(const Sertype &type, const Serdata &key);
+    // Refers to an instance that the engine hands over.
+    InstancePin(ddsi_domaingv *domain, ddsi_tkmap_instance *instance);
     ~InstancePin();
     InstancePin(InstancePin &&other) noexcept
         : domain_(other.domain_), instance_(std::exchange(other.instance_, nullptr)) {}
@@ -29,6 +31,8 @@ class InstancePin {
 
     // Returns the handle of the instance; DDS_HANDLE_NIL without one.
     DDS_InstanceHandle_t handle() const;
+    // Returns the engine's instance; nullptr without one.
+    ddsi_tkmap_instance *get() const { return instance_; }
 
   private:
     ddsi_domaingv *domain_ = nullptr;

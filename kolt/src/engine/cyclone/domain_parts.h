@@ -1,0 +1,20 @@
+/* SPDX-License-Identifier: Apache-2.0 */
+/* Parts of a domain of the engine. In C, since the header that describes a domain is not valid C++. */
+#pragma once
+
+#if defined(__cplusplus)
+extern "C" {
+#endif
+
+struct ddsi_domaingv;
+struct ddsi_tkmap;
+struct xeventq;
+
+/* Returns the map of keys to instances. */
+struct ddsi_tkmap *kolt_domain_instances(struct ddsi_domaingv *domain);
+/* Returns the queue of what the engine does at a time. */
+struct xeventq *kolt_domain_events(struct ddsi_domaingv *domain);
+
+#if defined(__cplusplus)
+}
+#endif

@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: Apache-2.0
+// Periods of instances, and the samples that wait for the end of one.
+#include "engine/subscription/time_based_filter.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace kolt::engine {
+
+namespace {
+
+// When a cache without room is tried again.
+constexpr std::int64_t kRetryAfter = 10'000'000;
+
+}  // namespace
+
+void TimeBasedFilter::set(const Rules &rules) {
+    const MonotonicTime latest = later(monotonic_now(), rules.minimum_separation);
+    const std::lock_guard lock(mutex_);
+    rules_ = rules;
+    for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
+        if (!entry->second.is_storing) {
+            set_open_at(entry, std::min(entry->second.open_at, latest));
+        }
+    }
+    is_active_.store(rules.minimum_separation != 0 || !entries_.empty());
+}
+
+MonotonicTime TimeBasedFilter::next_due() const {
+    const std::lock_guard lock(mutex_);
+    return due_.earliest();
+}
+
+// ---- Entries ------------------------------------------------------------------------------------
+
+TimeBasedFilter::Entries::iterator TimeBasedFilter::entry_of(DDS_InstanceHandle_t instance) {
+    const auto [entry, is_new] = entries_.try_emplace(instance);
+    if (is_new) {
+        try {
+            due_.add(entry->second.open_at, instance);
+        } catch (...) {
+            entries_.erase(entry);
+            throw;
+        }
+    }
+    return entry;
+}
+
+TimeBasedFilter::Entries::iterator TimeBasedFilter::settled(Lock &lock,
+                                                            DDS_InstanceHandle_t instance) {
+    auto entry = entries_.end();
+    settled_.wait(lock, [&] {
+        entry = entries_.find(instance);
+        return entry == entries_.end() || !entry->second.is_storing;
+    });
+    return entry;
+}
+
+void TimeBasedFilter::set_open_at(Entries::iterator entry, MonotonicTime time) {
+    due_.move(entry->second.open_at, time, entry->first);
+    entry->second.open_at = time;
+}
+
+void TimeBasedFilter::erase(Entries::iterator entry) {
+    due_.remove(entry->second.open_at, entry->first);
+    entries_.erase(entry);
+}
+
+// ---- Storing ------------------------------------------------------------------------------------
+
+bool TimeBasedFilter::supersedes(const ArrivedSample &sample, const Kept &kept) const {
+    return !kept.has_value() ||
+           (sample.writer.ownership_strength >= kept->writer.ownership_strength &&
+            (!rules_.by_source_timestamp ||
+             sample.serdata->timestamp.v >= kept->serdata->timestamp.v));
+}
+
+bool TimeBasedFilter::store_now(Lock &lock, Entries::iterator entry, Kept &sample) {
+    entry->second.is_storing = true;
+    set_open_at(entry, kNever);
+    lock.unlock();
+    const bool is_stored =
+        put_(cache_, sample->writer, sample->serdata.get(), sample->instance.get());
+    if (is_stored) {
+        sample.reset();
+    }
+    lock.lock();
+    entry->second.is_storing = false;
+    entry->second.is_refused = !is_stored;
+    set_open_at(entry, later(monotonic_now(), is_stored ? rules_.minimum_separation : kRetryAfter));
+    settled_.notify_all();
+    return is_stored;
+}
+
+bool TimeBasedFilter::store_kept(Lock &lock, Entries::iterator entry, Kept &spare) {
+    spare.swap(entry->second.kept);
+    const bool is_stored = store_now(lock, entry, spare);
+    if (!entry->second.kept.has_value()) {
+        spare.swap(entry->second.kept);
+    }
+    return is_stored;
+}
+
+// The engine tries again to store what has been refused.
+bool TimeBasedFilter::store(ArrivedSample sample) {
+    Kept arrived(std::move(sample));
+    Lock lock(mutex_);
+    const auto entry = entry_of(arrived->instance.handle());
+    Entry &state = entry->second;
+    if (state.is_refused) {
+        return false;
+    }
+    if (supersedes(*arrived, state.kept)) {
+        arrived.swap(state.kept);
+    }
+    if (state.is_storing || state.open_at > monotonic_now()) {
+        return true;
+    }
+    arrived.swap(state.kept);
+    const bool is_stored = store_now(lock, entry, arrived);
+    if (!is_stored && !state.kept.has_value()) {
+        erase(entry);
+    }
+    return is_stored;
+}
+
+bool TimeBasedFilter::flush(DDS_InstanceHandle_t instance) {
+    Kept spare;
+    Lock lock(mutex_);
+    const auto entry = settled(lock, instance);
+    return entry == entries_.end() || !entry->second.kept.has_value() ||
+           store_kept(lock, entry, spare);
+}
+
+void TimeBasedFilter::flush_writer(std::uint64_t writer) {
+    DDS_InstanceHandle_t last = DDS_HANDLE_NIL;
+    while (flush_next(writer, &last)) {
+    }
+}
+
+bool TimeBasedFilter::flush_next(std::uint64_t writer, DDS_InstanceHandle_t *last) {
+    Kept spare;
+    Lock lock(mutex_);
+    const auto next = entries_.upper_bound(*last);
+    if (next == entries_.end()) {
+        return false;
+    }
+    *last = next->first;
+    const auto entry = settled(lock, *last);
+    if (entry != entries_.end() && entry->second.kept.has_value() &&
+        entry->second.kept->writer.iid == writer && !store_kept(lock, entry, spare)) {
+        spare.swap(entry->second.kept);
+        entry->second.is_refused = false;
+    }
+    return true;
+}
+
+void TimeBasedFilter::store_due() {
+    const MonotonicTime now = monotonic_now();
+    while (store_first_due(now)) {
+    }
+    const std::lock_guard lock(mutex_);
+    is_active_.store(rules_.minimum_separation != 0 || !entries_.empty());
+}
+
+bool TimeBasedFilter::store_first_due(MonotonicTime now) {
+    Kept spare;
+    Lock lock(mutex_);
+    const DDS_InstanceHandle_t *const due = due_.first(now);
+    if (due == nullptr) {
+        return false;
+    }
+    const auto entry = entries_.find(*due);
+    if (entry->second.kept.has_value()) {
+        store_kept(lock, entry, spare);
+    } else {
+        erase(entry);
+    }
+    return true;
+}
+
+void TimeBasedFilter::clear() {
+    Entries dropped;
+    const std::lock_guard lock(mutex_);
+    due_.clear();
+    entries_.swap(dropped);
+}
+
+}  // namespace kolt::engine
