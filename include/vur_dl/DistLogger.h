@@ -8,8 +8,9 @@
  *  1. Every function here may be called from any thread.
  *  2. A log call stamps the time, filters, and copies the message onto a bounded queue, from which
  *     a thread of the library publishes it. The call never waits for the network or for room in the
- *     queue. A message that finds the queue full is dropped; the gap in the message numbers shows
- *     it.
+ *     queue; while another thread creates or finalises the logger, it waits until that thread has
+ *     published the State: half a second at most when it finalises. A message that finds the queue
+ *     full is dropped; the gap in the message numbers shows it.
  *  3. A failure prints one line on standard output: "<level name>: <function>: <text>".
  *  4. A forked child of a process in which a logger runs has no logger and gets none: log calls
  *     return at once, and nothing is published in the parent's name. So start the logger after

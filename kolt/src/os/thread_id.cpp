@@ -3,6 +3,7 @@
 
 #include "os/thread_id.hpp"
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include "kolt/os.h"
@@ -16,6 +17,15 @@ std::uint64_t fetch_thread_id() {
     cached_thread_id = static_cast<std::uint64_t>(gettid());
     return cached_thread_id;
 }
+
+namespace {
+
+// The thread that forks is another one in the child. Fails only without memory, and then there is
+// nobody to tell.
+[[maybe_unused]] const int kRegistered =
+    pthread_atfork(nullptr, nullptr, [] { cached_thread_id = 0; });
+
+}  // namespace
 
 }  // namespace kolt::os
 

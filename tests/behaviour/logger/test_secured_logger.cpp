@@ -127,12 +127,13 @@ class SecuredLogger : public testing::Test {
         openssl(request);
         openssl({"x509", "-req", "-in", path("id.csr"), "-CA", path("ca.pem"), "-CAkey",
                  path("ca.key"), "-CAcreateserial", "-days", "3650", "-out", path("id.pem")});
-        write("governance.xml", kGovernance);
-        write("permissions.xml", kPermissions);
-        for (const std::string name : {"governance", "permissions"}) {
-            openssl({"smime", "-sign", "-text", "-in", path(name + ".xml"), "-out",
-                     path(name + ".p7s"), "-signer", path("ca.pem"), "-inkey", path("ca.key")});
-        }
+        write_signed("governance", kGovernance);
+        write_signed("permissions", kPermissions);
+    }
+    void write_signed(const std::string &name, const std::string &content) const {
+        write(name + ".xml", content);
+        openssl({"smime", "-sign", "-text", "-in", path(name + ".xml"), "-out", path(name + ".p7s"),
+                 "-signer", path("ca.pem"), "-inkey", path("ca.key")});
     }
     static std::string property(const std::string &name, const std::string &value) {
         return "<element><name>dds.sec." + name + "</name><value>" + value + "</value></element>\n";
@@ -214,6 +215,27 @@ TEST_F(SecuredLogger, AMissingCertificateIsSaid) {
     EXPECT_EQ(capture.count("DL Error: VUR_DL_DDSEntities_create: Unable to create Domain "
                             "Participant"),
               1)
+        << capture.text();
+}
+
+TEST_F(SecuredLogger, AForbiddenTopicIsNamed) {
+    std::string permissions = kPermissions;
+    const std::string every = "<publish><topics><topic>*</topic>";
+    permissions.replace(permissions.find(every), every.size(),
+                        "<publish><topics><topic>another topic</topic>");
+    write_signed("permissions", permissions);
+    write("logger.xml", document("distributed_logger", path("id.pem")));
+    StdoutCapture capture;
+    EXPECT_EQ(VUR_DL_XMLConfig_startFromFile(path("logger.xml").c_str(), nullptr, kDomain, "vault"),
+              0);
+    EXPECT_NE(
+        capture.text().find("DL Error: VUR_DL_DDSEntities_create: Unable to create logMessage "
+                            "DataWriter"),
+        std::string::npos)
+        << capture.text();
+    EXPECT_NE(capture.text().find("the topic vur/distlog: the security permissions of the "
+                                  "participant do not allow it"),
+              std::string::npos)
         << capture.text();
 }
 

@@ -9,6 +9,7 @@
 #include <sched.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -108,6 +109,17 @@ TEST(OsThread, IdentifierIsStableAndItsOwn) {
     EXPECT_EQ(id, static_cast<DDS_UnsignedLongLong>(gettid()));
     EXPECT_EQ(KOLT_Thread_current_id(), id);
     std::thread([&] { EXPECT_NE(KOLT_Thread_current_id(), id); }).join();
+}
+
+TEST(OsThread, AForkedChildHasAnIdentifierOfItsOwn) {
+    ASSERT_EQ(KOLT_Thread_current_id(), static_cast<DDS_UnsignedLongLong>(gettid()));
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(KOLT_Thread_current_id() == static_cast<DDS_UnsignedLongLong>(gettid()) ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 TEST(OsThread, StackSizeIsRoundedUp) {

@@ -86,6 +86,12 @@ DDS_ReturnCode_t to_return_code(dds_return_t result) {
     return DDS_RETCODE_ERROR;
 }
 
+const char *more_about(dds_return_t result) {
+    return result == cyclone::kNotAllowedBySecurity
+               ? ": the security permissions of the participant do not allow it"
+               : "";
+}
+
 dds_duration_t to_engine(const DDS_Duration_t &duration) {
     if (DDS_Duration_is_infinite(&duration)) {
         return cyclone::kInfinity;

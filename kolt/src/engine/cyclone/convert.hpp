@@ -11,6 +11,8 @@ namespace kolt::engine {
 
 // Returns the standard's code for a result of the engine; positive results are OK.
 DDS_ReturnCode_t to_return_code(dds_return_t result);
+// Returns what the code does not say of a failed creation, for the end of a message; "" for nothing.
+const char *more_about(dds_return_t result);
 
 // Translate durations; the engine counts nanoseconds. One that DDS_Duration_t cannot hold becomes
 // infinite.

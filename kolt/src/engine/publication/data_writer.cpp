@@ -85,8 +85,8 @@ DDS_ReturnCode_t DataWriter::enable(const char *method) {
         dds_create_writer(publisher_.engine(), topic_.engine(), engine_qos.get(), listener.get());
     if (entity < 0) {
         return fail(to_return_code(entity), method,
-                    "the DDS engine could not create a writer for the topic %s",
-                    topic_.name().c_str());
+                    "the DDS engine could not create a writer for the topic %s%s",
+                    topic_.name().c_str(), more_about(entity));
     }
     set_engine(entity);
     return DDS_RETCODE_OK;

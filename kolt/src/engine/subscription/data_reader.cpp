@@ -111,8 +111,8 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
                                                       engine_qos.get(), listener.get(), cache);
     if (entity < 0) {
         return fail(to_return_code(entity), method,
-                    "the DDS engine could not create a reader for the topic %s",
-                    topic_.name().c_str());
+                    "the DDS engine could not create a reader for the topic %s%s",
+                    topic_.name().c_str(), more_about(entity));
     }
     set_engine(entity);
     return DDS_RETCODE_OK;

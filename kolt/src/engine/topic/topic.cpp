@@ -64,8 +64,9 @@ DDS_ReturnCode_t Topic::enable(const char *method) {
     const dds_entity_t entity =
         create_engine_topic(participant(), *this, engine_qos.get(), listener.get(), &sertype);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the DDS engine could not create the topic %s",
-                    name().c_str());
+        return fail(to_return_code(entity), method,
+                    "the DDS engine could not create the topic %s%s", name().c_str(),
+                    more_about(entity));
     }
     sertype_ = &Sertype::of(sertype);
     set_engine(entity);
@@ -159,8 +160,9 @@ DDS_ReturnCode_t ContentFilteredTopic::enable(const char *method) {
     const dds_entity_t entity =
         create_engine_topic(participant(), related_, qos.get(), nullptr, &sertype);
     if (entity < 0) {
-        return fail(to_return_code(entity), method, "the DDS engine could not create the topic %s",
-                    name().c_str());
+        return fail(to_return_code(entity), method,
+                    "the DDS engine could not create the topic %s%s", name().c_str(),
+                    more_about(entity));
     }
     dds_topic_filter filter{};
     filter.mode = DDS_TOPIC_FILTER_SAMPLE_ARG;
