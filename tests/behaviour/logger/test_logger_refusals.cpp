@@ -2,6 +2,8 @@
 // Creations that fail, and the reason that the middleware's log gives for it.
 #include <gtest/gtest.h>
 #include <kolt/dds_c.h>
+#include <sys/resource.h>
+#include <unistd.h>
 #include <vur_dl/DistLogger.h>
 
 #include <algorithm>
@@ -60,6 +62,40 @@ TEST(LoggerRefusals, AConfigurationThatCannotBeReadIsNamed) {
 
 TEST(LoggerRefusals, ADomainBeyondTheLastIsNamed) {
     expect_reason(lines_of_failure(231), kNoParticipant, "231");
+}
+
+// Lowers the number of file descriptors that the process may have, for a scope.
+class DescriptorsLeft {
+  public:
+    explicit DescriptorsLeft(int left) {
+        EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &before_), 0);
+        const int lowest_free = dup(STDOUT_FILENO);
+        close(lowest_free);
+        struct rlimit few = before_;
+        few.rlim_cur = static_cast<rlim_t>(lowest_free + left);
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    }
+    ~DescriptorsLeft() { EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before_), 0); }
+    DescriptorsLeft(const DescriptorsLeft &) = delete;
+    DescriptorsLeft &operator=(const DescriptorsLeft &) = delete;
+
+  private:
+    struct rlimit before_ {};
+};
+
+// The engine itself does not survive it when some of them are missing.
+TEST(LoggerRefusals, TooFewFileDescriptorsAreSaid) {
+    for (int left = 0; left < 10; ++left) {
+        StdoutCapture capture;
+        {
+            const DescriptorsLeft few(left);
+            const Logger logger({.domain = 59});
+            EXPECT_EQ(logger.get(), nullptr);
+        }
+        expect_reason(capture.lines(), kNoParticipant, "file descriptors");
+    }
+    const Logger logger({.domain = 59});
+    EXPECT_NE(logger.get(), nullptr);
 }
 
 TEST(LoggerRefusals, AVerbosityThatShowsNoErrorsShowsNoReason) {

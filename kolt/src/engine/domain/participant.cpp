@@ -4,6 +4,7 @@
 
 #include "engine/cyclone/convert.hpp"
 #include "engine/cyclone/log_sink.hpp"
+#include "engine/domain/free_descriptors.hpp"
 #include "engine/entity/owned_list.hpp"
 #include "engine/publication/publisher.hpp"
 #include "engine/qos/qos_check.hpp"
@@ -14,6 +15,10 @@
 namespace kolt::engine {
 
 namespace {
+
+// What the engine opens for a domain (eight at most), and one to read its configuration with. It does
+// not survive being refused some of them.
+constexpr std::size_t kDescriptorsOfADomain = 10;
 
 DDS_UnsignedLong big_endian(const std::uint8_t *bytes) {
     return static_cast<DDS_UnsignedLong>(bytes[0]) << 24 |
@@ -52,8 +57,15 @@ DDS_ReturnCode_t Participant::enable(const char *method) {
     const EngineQos engine_qos =
         own_qos().read([](const DDS_DomainParticipantQos &qos) { return to_engine(qos); });
     install_log_sink();
-    const dds_entity_t entity =
-        dds_create_participant(static_cast<dds_domainid_t>(domain_id()), engine_qos.get(), nullptr);
+    const auto domain = static_cast<dds_domainid_t>(domain_id());
+    if (dds_lookup_participant(domain, nullptr, 0) <= 0 &&
+        !has_free_descriptors<kDescriptorsOfADomain>()) {
+        return fail(DDS_RETCODE_OUT_OF_RESOURCES, method,
+                    "the process has fewer than %zu file descriptors left for the domain %d: raise "
+                    "its limit (ulimit -n) or close some",
+                    kDescriptorsOfADomain, static_cast<int>(domain_id()));
+    }
+    const dds_entity_t entity = dds_create_participant(domain, engine_qos.get(), nullptr);
     if (entity < 0) {
         return fail(to_return_code(entity), method,
                     "the DDS engine could not create a participant in domain %d",
