@@ -5,8 +5,11 @@
 
 #include <fnmatch.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
+
+#include "kolt_internal/xml_attributes.hpp"
 
 namespace kolt::qos {
 namespace {
@@ -50,22 +53,21 @@ std::string tag_of(const DDS_XMLObject *element) {
 // False when the element has an attribute that is not among `known`.
 bool check_attributes(const DDS_XMLObject *element, std::initializer_list<std::string_view> known,
                       ReadError &error) {
-    const char *const *attribute = DDS_XMLObject_get_attributes(element);
-    for (; attribute != nullptr && attribute[0] != nullptr; attribute += 2) {
-        std::string expected;
-        bool is_known = false;
-        for (const std::string_view name : known) {
-            is_known = is_known || name == attribute[0];
-            expected += expected.empty() ? "" : ", ";
-            expected += name;
-        }
-        if (!is_known) {
-            return fail(element, error,
-                        std::string("unknown attribute \"") + attribute[0] + "\" of " +
-                            tag_of(element) + "; expected: " + expected);
-        }
+    const char *unknown =
+        unknown_attribute(DDS_XMLObject_get_attributes(element), [&](std::string_view name) {
+            return std::find(known.begin(), known.end(), name) != known.end();
+        });
+    if (unknown == nullptr) {
+        return true;
     }
-    return true;
+    std::string expected;
+    for (const std::string_view name : known) {
+        expected += expected.empty() ? "" : ", ";
+        expected += name;
+    }
+    return fail(element, error,
+                std::string("unknown attribute \"") + unknown + "\" of " + tag_of(element) +
+                    "; expected: " + expected);
 }
 
 bool read_name(const DDS_XMLObject *element, std::string &name, ReadError &error) {

@@ -5,6 +5,8 @@
 
 #include <limits>
 
+#include "kolt_internal/xml_attributes.hpp"
+
 namespace kolt::qos {
 
 // A property is owned like a record.
@@ -179,13 +181,13 @@ bool ProfileReader::has_no_text(const DDS_XMLObject *element) {
 }
 
 bool ProfileReader::has_no_attributes(const DDS_XMLObject *element) {
-    const char *const *attributes = DDS_XMLObject_get_attributes(element);
-    if (attributes == nullptr) {
+    const char *unknown = unknown_attribute(DDS_XMLObject_get_attributes(element));
+    if (unknown == nullptr) {
         return true;
     }
     return error_.set(DDS_XMLObject_get_line_number(element),
-                      std::string("unknown attribute \"") + attributes[0] + "\" of " +
-                          quoted(element) + "; expected: none");
+                      std::string("unknown attribute \"") + unknown + "\" of " + quoted(element) +
+                          "; expected: none");
 }
 
 bool ProfileReader::unknown_element(const DDS_XMLObject *parent, const DDS_XMLObject *element,

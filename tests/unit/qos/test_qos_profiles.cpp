@@ -208,6 +208,23 @@ TEST_F(QosProfiles, EveryEndpointPolicyIsRead) {
     EXPECT_EQ(reader->reliability.kind, DDS_BEST_EFFORT_RELIABILITY_QOS);
 }
 
+TEST_F(QosProfiles, AttributesOfXmlItselfMayStandAnywhere) {
+    const std::string attributes =
+        " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:schemaLocation=\"a b\" "
+        "xsi:noNamespaceSchemaLocation=\"c\"";
+    ASSERT_EQ(add("<dds" + attributes + "><qos_library name=\"L\"" + attributes + "><qos_profile" +
+                  attributes + " name=\"P\"><datawriter_qos" + attributes + "><history" +
+                  attributes + "><depth" + attributes +
+                  ">5</depth></history></datawriter_qos></qos_profile></qos_library></dds>"),
+              DDS_RETCODE_OK)
+        << log_.text();
+    WriterQos qos;
+    ASSERT_EQ(DDS_DomainParticipantFactory_get_datawriter_qos_from_profile(factory(), qos.get(),
+                                                                           "L", "P"),
+              DDS_RETCODE_OK);
+    EXPECT_EQ(qos->history.depth, 5);
+}
+
 TEST_F(QosProfiles, EntityThatIsNotMentionedHasTheDefault) {
     ASSERT_EQ(add_library("<qos_profile name=\"P\"/>"), DDS_RETCODE_OK);
     WriterQos qos;
