@@ -42,6 +42,9 @@ class XmlConfigDocument {
     DDS_ReturnCode_t parse(const std::string &text) {
         return DDS_XMLParser_parse_string(parser_, text.c_str(), -1, "test.xml");
     }
+    DDS_ReturnCode_t parse_file(const std::string &path) {
+        return DDS_XMLParser_parse_file(parser_, path.c_str());
+    }
     // Parses the content of one element, whose first line is line 3.
     DDS_ReturnCode_t parse_element(const std::string &content) {
         return parse("<dds>\n<distributed_logger>\n" + content + "\n</distributed_logger>\n</dds>");

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "check/check_engine.hpp"
+#include "check/check_libraries.hpp"
 #include "check/check_log.hpp"
 #include "check/check_report.hpp"
 #include "command/failure.hpp"
@@ -143,11 +144,10 @@ void judge_logger(Report &report) {
                             "no element <distributed_logger>: no logger is started from this "
                             "document");
     } else if (document.options()->enabled == 0) {
-        report.problems.add(
-            Severity::kNote, document.name(), document.logger_line(),
-            document.line_of(*check::find_element("distributed_logger", "enabled")) != 0
-                ? "the logger stays off: <enabled> is false"
-                : "the logger stays off: there is no <enabled>true</enabled>");
+        report.problems.add(Severity::kNote, document.name(), document.logger_line(),
+                            document.line_of("enabled") != 0
+                                ? "the logger stays off: <enabled> is false"
+                                : "the logger stays off: there is no <enabled>true</enabled>");
     }
 }
 
@@ -163,6 +163,7 @@ std::unique_ptr<Report> examine(const std::string &file, const CheckOptions &opt
     }
     report->profiles = load_profiles(report->document, log, report->problems);
     if (!report->has_errors()) {
+        check_libraries(report->document, report->problems);
         choose_profile(options, *report);
         judge_logger(*report);
         report->entities = entities_of(*report->document.options(), log);

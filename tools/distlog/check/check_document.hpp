@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The element `distributed_logger` of one configuration document, and the problems around it.
+// One configuration document, its element `distributed_logger`, and the problems around it.
 #pragma once
 
 #include <kolt/xml.h>
@@ -9,14 +9,14 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
-#include "check/check_elements.hpp"
+#include "check/check_logger.hpp"
 #include "check/check_problem.hpp"
 
 namespace distlog::check {
 
 using ParserPtr = std::unique_ptr<DDS_XMLParser, void (*)(DDS_XMLParser *)>;
-using OptionsPtr = std::unique_ptr<VUR_DL_Options, VUR_DL_Options *(*)(VUR_DL_Options *)>;
 
 // Reads one document and keeps its tree, its options and the lines that set them.
 class Document {
@@ -37,15 +37,13 @@ class Document {
     // the defaults of options made in code.
     VUR_DL_Options *options() const { return options_.get(); }
     // Returns the line that sets an option; 0 when none does.
-    std::uint32_t line_of(const Element &element) const;
+    std::uint32_t line_of(std::string_view element) const;
 
   private:
-    void check_root(Problems &problems) const;
-    void check_element(const DDS_XMLObject *object, const Element *element, Problems &problems);
-    void check_children(const DDS_XMLObject *parent, bool in_force, Problems &problems);
-    void check_value(const DDS_XMLObject *object, const Element &element, Problems &problems) const;
+    void check_root(const DDS_XMLObject *logger, Problems &problems) const;
+    void warn_of_unknown(const DDS_XMLObject *object, const DDS_XMLObject *logger,
+                         Problems &problems) const;
     void check_loggers(const DDS_XMLObject *object, const DDS_XMLObject *first, Problems &problems);
-    void read_options(Problems &problems);
     void warn(const DDS_XMLObject *object, std::string text, Problems &problems) const;
 
     std::string path_;

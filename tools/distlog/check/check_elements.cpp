@@ -146,38 +146,40 @@ constexpr std::string_view kLogger = "distributed_logger";
 constexpr std::string_view kBoolean = "true, false, 1, 0";
 
 const Element kElements[] = {
-    {kLogger, "enabled", kBoolean, is_boolean, nullptr,
+    {kLogger, "enabled", DL_XMLCONFIG_ENABLED_TAG, kBoolean, is_boolean, nullptr, 0,
      [](const Options &o) { return Json(o.enabled != 0); },
      [](const Options &o) { return boolean_text(o.enabled); }},
-    {kLogger, "filter_level",
+    {kLogger, "filter_level", DL_XMLCONFIG_FILTER_LEVEL_TAG,
      "SILENT, FATAL, SEVERE, ERROR, WARNING, NOTICE, INFO, DEBUG, TRACE (in capitals, without "
      "blanks around them), or a decimal number of 0 or more",
-     is_integer<convert_level>, number_in<convert_level>,
+     is_integer<convert_level>, number_in<convert_level>, 10,
      [](const Options &o) { return Json(o.filterLevel); },
      [](const Options &o) {
          const std::string name = level_name(o.filterLevel);
          const std::string number = fmt::format("{}", o.filterLevel);
          return name == number ? number : fmt::format("{} ({})", number, name);
      }},
-    {kLogger, "queue_size", "a number from 1 to 2147483647", is_integer<kQueueSize>,
-     number_in<kQueueSize>, [](const Options &o) { return Json(o.queueSize); },
+    {kLogger, "queue_size", DL_XMLCONFIG_QUEUE_SIZE_TAG, "a number from 1 to 2147483647",
+     is_integer<kQueueSize>, number_in<kQueueSize>, 0,
+     [](const Options &o) { return Json(o.queueSize); },
      [](const Options &o) { return fmt::format("{} messages", o.queueSize); }},
-    {kLogger, "echo_to_stdout", kBoolean, is_boolean, nullptr,
+    {kLogger, "echo_to_stdout", DL_XMLCONFIG_ECHO_TO_STDOUT_TAG, kBoolean, is_boolean, nullptr, 0,
      [](const Options &o) { return Json(o.echoToStdout != 0); },
      [](const Options &o) { return boolean_text(o.echoToStdout); }},
-    {kLogger, "log_infrastructure_messages", kBoolean, is_boolean, nullptr,
+    {kLogger, "log_infrastructure_messages", DL_XMLCONFIG_LOG_INFRASTRUCTURE_MESSAGES_TAG, kBoolean,
+     is_boolean, nullptr, 0,
      [](const Options &o) { return Json(o.logInfrastructureMessages != 0); },
      [](const Options &o) { return boolean_text(o.logInfrastructureMessages); }},
-    {kLogger, "thread", "", nullptr, nullptr, nullptr, nullptr},
-    {"thread", "mask",
+    {kLogger, "thread", DL_XMLCONFIG_THREAD_TAG, "", nullptr, nullptr, 0, nullptr, nullptr},
+    {"thread", "mask", DL_XMLCONFIG_THREAD_MASK_TAG,
      "MASK_DEFAULT, FLOATING_POINT, STDIO, REALTIME_PRIORITY, PRIORITY_ENFORCE, joined by '|'",
-     is_mask, nullptr, mask_names,
+     is_mask, nullptr, 0, mask_names,
      [](const Options &o) { return joined(mask_names(o), " | ", "none"); }},
-    {"thread", "priority",
+    {"thread", "priority", DL_XMLCONFIG_THREAD_PRIORITY_TAG,
      "a decimal number, or THREAD_PRIORITY_DEFAULT, THREAD_PRIORITY_HIGH, "
      "THREAD_PRIORITY_ABOVE_NORMAL, THREAD_PRIORITY_NORMAL, THREAD_PRIORITY_BELOW_NORMAL, "
      "THREAD_PRIORITY_LOW",
-     is_integer<kPriority>, number_in<kPriority>,
+     is_integer<kPriority>, number_in<kPriority>, 10,
      [](const Options &o) {
          return unless_default(o.threadSettings.priority, DDS_THREAD_PRIORITY_DEFAULT);
      },
@@ -186,8 +188,9 @@ const Element kElements[] = {
                     ? "the system's"
                     : fmt::format("{}", o.threadSettings.priority);
      }},
-    {"thread", "stack_size", "a number of bytes, 0 or more, or THREAD_STACK_SIZE_DEFAULT",
-     is_integer<kStackSize>, number_in<kStackSize>,
+    {"thread", "stack_size", DL_XMLCONFIG_THREAD_STACK_SIZE_TAG,
+     "a number of bytes, 0 or more, or THREAD_STACK_SIZE_DEFAULT", is_integer<kStackSize>,
+     number_in<kStackSize>, 0,
      [](const Options &o) {
          return unless_default(o.threadSettings.stack_size, DDS_THREAD_STACK_SIZE_DEFAULT);
      },
@@ -196,11 +199,13 @@ const Element kElements[] = {
                     ? "the system's"
                     : fmt::format("{} bytes", o.threadSettings.stack_size);
      }},
-    {"thread", "cpu_list", "", nullptr, nullptr, cpu_numbers,
+    {"thread", "cpu_list", DL_XMLCONFIG_THREAD_CPU_LIST_TAG, "", nullptr, nullptr, 0, cpu_numbers,
      [](const Options &o) { return joined(cpu_numbers(o), ", ", "any"); }},
-    {"cpu_list", "element", "the number of a processor, 0 or more", is_integer<append_cpu>,
-     number_in<append_cpu>, nullptr, nullptr},
-    {"thread", "cpu_rotation", "CPU_NO_ROTATION, CPU_RR_ROTATION", is_rotation, nullptr,
+    {"cpu_list", "element", DL_XMLCONFIG_THREAD_CPU_LIST_TAG,
+     "the number of a processor, 0 or more", is_integer<append_cpu>, number_in<append_cpu>, 0,
+     nullptr, nullptr},
+    {"thread", "cpu_rotation", DL_XMLCONFIG_THREAD_CPU_ROTATION_TAG,
+     "CPU_NO_ROTATION, CPU_RR_ROTATION", is_rotation, nullptr, 0,
      [](const Options &o) { return Json(rotation_name(o)); },
      [](const Options &o) { return std::string(rotation_name(o)); }},
 };
@@ -211,9 +216,9 @@ std::span<const Element> elements() {
     return kElements;
 }
 
-const Element *find_element(std::string_view parent, std::string_view name) {
+const Element *find_element(std::string_view name) {
     for (const Element &element : kElements) {
-        if (element.parent == parent && element.name == name) {
+        if (element.name == name) {
             return &element;
         }
     }

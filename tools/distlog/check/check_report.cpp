@@ -60,7 +60,7 @@ void print_options(const Report &report, Output &output) {
         if (element.text == nullptr) {
             continue;
         }
-        const std::uint32_t line = document.line_of(element);
+        const std::uint32_t line = document.line_of(element.name);
         row(output, path_of(element), line == 0 ? "default" : fmt::format("line {}", line),
             element.text(*document.options()));
     }
@@ -127,7 +127,7 @@ Json options_to_json(const Document &document) {
         if (element.value == nullptr) {
             continue;
         }
-        const std::uint32_t line = document.line_of(element);
+        const std::uint32_t line = document.line_of(element.name);
         object[path_of(element)] = Json{{"value", element.value(*document.options())},
                                         {"source", line == 0 ? "default" : "document"},
                                         {"line", line == 0 ? Json() : Json(line)}};

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// White space around the texts of a document.
+// Tags and texts of a document.
 #pragma once
 
+#include <fmt/format.h>
+#include <kolt/xml.h>
+
+#include <string>
 #include <string_view>
 
 namespace distlog::check {
@@ -13,6 +17,33 @@ inline std::string_view trimmed(std::string_view text) {
     return first == std::string_view::npos
                ? std::string_view()
                : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+}
+
+// Returns the first few characters in quotes, for a message.
+inline std::string quoted(std::string_view text) {
+    constexpr std::size_t kShownText = 64;
+    return fmt::format("\"{}{}\"", text.substr(0, kShownText),
+                       text.size() > kShownText ? "..." : "");
+}
+
+inline std::string_view tag_of(const DDS_XMLObject *object) {
+    return DDS_XMLObject_get_tag_name(object);
+}
+
+template <typename Visit>
+void for_each_child(const DDS_XMLObject *object, Visit visit) {
+    for (const DDS_XMLObject *child = DDS_XMLObject_get_first_child(object); child != nullptr;
+         child = DDS_XMLObject_get_next_sibling(child)) {
+        visit(child);
+    }
+}
+
+// Returns a message about text where only elements count; empty when there is no such text.
+inline std::string useless_text(const DDS_XMLObject *object) {
+    const std::string_view text = trimmed(DDS_XMLObject_get_text(object));
+    return text.empty() ? ""
+                        : fmt::format("text in <{}> has no effect: {}; expected: elements",
+                                      tag_of(object), quoted(text));
 }
 
 }  // namespace distlog::check
