@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// The library and distlog check agree on every document of one table: what is taken, what is in
-// force, and what is to be mended.
+// The library, distlog check and the schema agree on every document of one table: what is taken,
+// what is in force, and what is to be mended. Needs xmllint (Debian package libxml2-utils) and fails
+// without it.
 #include <gtest/gtest.h>
 #include <kolt/domain.h>
 #include <kolt/qos.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <map>
+#include <set>
 #include <string>
 
 #include "behaviour/config/documents_table.h"
@@ -26,6 +30,12 @@ bool is_taken(Expected expected) {
 
 bool is_fine(Expected expected) {
     return expected == Expected::kFine || expected == Expected::kFineButInvalid;
+}
+
+// The rule of the schema, and where XML Schema cannot keep it.
+bool is_valid(Expected expected) {
+    return expected == Expected::kFine || expected == Expected::kCut ||
+           expected == Expected::kUselessButValid || expected == Expected::kRefusedButValid;
 }
 
 // ---- Values that the library sets ---------------------------------------------------------------
@@ -155,6 +165,25 @@ class Documents : public support::DistlogCheckTest {
         }
     }
 
+    // Returns the documents that the schema takes.
+    std::set<std::string> valid_documents() const {
+        std::string command = std::string("xmllint --noout --nonet --schema '") +
+                              std::getenv("VUR_DL_TEST_SOURCE_DIR") + "/xml/distlog.xsd'";
+        for (const std::string &path : paths_) {
+            command += " " + path;
+        }
+        // The exit code says whether all are valid, which is not the question.
+        static_cast<void>(std::system((command + " >xmllint.txt 2>&1").c_str()));
+        std::set<std::string> valid;
+        std::ifstream file("xmllint.txt");
+        for (std::string line; std::getline(file, line);) {
+            if (line.ends_with(" validates")) {
+                valid.insert(line.substr(0, line.find(' ')));
+            }
+        }
+        return valid;
+    }
+
     const std::vector<Row> rows_ = documents::rows();
     std::vector<std::string> paths_;
 };
@@ -222,6 +251,15 @@ TEST_F(Documents, CheckSaysWhatTheLibraryDoes) {
             EXPECT_EQ(reported(report, row.subject), Json::parse(row.value)) << row.subject;
         }
         EXPECT_TRUE(row.message.empty() || has_message(report, row.message)) << row.message;
+    });
+}
+
+TEST_F(Documents, TheSchemaKeepsItsRule) {
+    ASSERT_EQ(std::system("xmllint --version >/dev/null 2>&1"), 0)
+        << "xmllint is not installed (Debian package libxml2-utils)";
+    const std::set<std::string> valid = valid_documents();
+    for_each_row([&](const Row &row, std::size_t i) {
+        EXPECT_EQ(valid.contains(paths_[i]), is_valid(row.expected));
     });
 }
 

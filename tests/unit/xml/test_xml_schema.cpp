@@ -172,9 +172,8 @@ TEST_F(XmlSchema, NamesOfTheLoggersValuesAreAccepted) {
             ++count;
         }
     }
-    // Levels, priorities, stack sizes, rotations, 0 and 1 of three booleans, and those names of the
-    // mask that stand by themselves in its pattern.
-    EXPECT_EQ(count, 9 + 15 + 2 + 6 + 6 + 2);
+    // Levels, priorities, stack sizes, rotations, 0 and 1 of three booleans, and names of the mask.
+    EXPECT_EQ(count, 9 + 15 + 2 + 6 + 6 + 15);
 }
 
 TEST_F(XmlSchema, AgreesOnTheElementOfTheLogger) {
