@@ -175,8 +175,8 @@ class Actor {
     void change_options() {
         const std::shared_lock lock(shared_.options);
         if (VUR_DL_Options *const options = VUR_DL_DistLogger_getOptions(); options != nullptr) {
+            VUR_DL_Options_setEchoToStdout(options, 1);
             VUR_DL_Options_setEchoToStdout(options, 0);
-            VUR_DL_Options_setLogInfrastructureMessages(options, below(2));
         }
     }
     void log() {
