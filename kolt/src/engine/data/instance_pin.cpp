@@ -18,6 +18,10 @@ ddsi_tkmap_instance *reference(ddsi_domaingv *domain, const Serdata &key) {
 
 }  // namespace
 
+[[gnu::noinline]] DDS_InstanceHandle_t handle_of(const ddsi_tkmap_instance *instance) {
+    return instance->m_iid;
+}
+
 InstancePin::InstancePin(const Sertype &type, const Serdata &key)
     : domain_(type.domain()), instance_(reference(domain_, key)) {}
 
@@ -31,10 +35,6 @@ InstancePin::~InstancePin() {
         const Awake awake(domain_);
         ddsi_tkmap_instance_unref(kolt_domain_instances(domain_), instance_);
     }
-}
-
-DDS_InstanceHandle_t InstancePin::handle() const {
-    return instance_ != nullptr ? instance_->m_iid : DDS_HANDLE_NIL;
 }
 
 }  // namespace kolt::engine

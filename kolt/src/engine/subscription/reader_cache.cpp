@@ -143,7 +143,7 @@ bool ReaderCache::Front::arrive(const ddsi_writer_info &writer, ddsi_serdata *sa
 bool ReaderCache::Front::filter(const ddsi_writer_info &writer, ddsi_serdata *sample,
                                 ddsi_tkmap_instance *instance) {
     if (sample->kind != SDK_DATA || sample->statusinfo != 0) {
-        return time_based_filter.flush(instance->m_iid) && put(this, writer, sample, instance);
+        return time_based_filter.flush(handle_of(instance)) && put(this, writer, sample, instance);
     }
     if (content_filter != nullptr &&
         !content_filter->accepts(*static_cast<const Serdata *>(sample))) {
@@ -162,7 +162,7 @@ bool ReaderCache::Front::put(void *self, const ddsi_writer_info &writer, ddsi_se
                              ddsi_tkmap_instance *instance) {
     Front &front = *static_cast<Front *>(self);
     ReaderCache &cache = front.owner;
-    const DDS_InstanceHandle_t handle = instance->m_iid;
+    const DDS_InstanceHandle_t handle = handle_of(instance);
     bool is_noted = cache.has_index() && cache.index().begin_store(handle);
     const bool stored = dds_rhc_store(front.inner, &writer, sample, instance);
     // The application may have begun to use the index meanwhile, without finding the sample.
