@@ -18,8 +18,8 @@
  *     A child that is forked before the logger is created or after it was finalised may create one.
  *  5. The library, once loaded, stays: dlclose() leaves a running logger running.
  *  6. Do not log from a signal handler.
- *  7. A thread that is cancelled (pthread_cancel) within one of these functions goes on until the
- *     function has released what it holds.
+ *  7. A thread that is cancelled (pthread_cancel, deferred as by default) within one of these functions
+ *     goes on until the function has released what it holds.
  */
 #pragma once
 

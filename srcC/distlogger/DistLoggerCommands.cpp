@@ -4,8 +4,8 @@
 
 #include "DistLoggerRecord.hpp"
 #include "fork.hpp"
+#include "kolt_internal/no_cancellation.hpp"
 #include "lock_rules.hpp"
-#include "logger_lock.hpp"
 #include "report.hpp"
 #include "state_owner.hpp"
 #include "vur_dl/EnumTranslators.h"
@@ -123,7 +123,7 @@ void VUR_DL_DistLogger_CommandRequestListener_on_data_available(void *dist_logge
 
 void VUR_DL_DistLogger_processCommand(VUR_DL_DistLogger *self,
                                       const VUR_DL_ADMIN_CommandRequest *request) {
-    const vur_dl::NoCancellation no_cancellation;
+    const kolt::NoCancellation no_cancellation;
     if (vur_dl::is_child_without_logger() || !vur_dl::command_gate.enter()) {
         return;  // there is no logger, or it is being torn down
     }

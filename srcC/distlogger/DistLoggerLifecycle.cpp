@@ -5,6 +5,7 @@
 
 #include "DistLoggerRecord.hpp"
 #include "fork.hpp"
+#include "kolt_internal/no_cancellation.hpp"
 #include "lock_rules.hpp"
 #include "logger_lock.hpp"
 #include "report.hpp"
@@ -398,7 +399,7 @@ int VUR_DL_DistLogger_finalizeInstance(void) {
     if (vur_dl::is_child_without_logger()) {
         return 0;
     }
-    const vur_dl::NoCancellation no_cancellation;
+    const kolt::NoCancellation no_cancellation;
     if (!take_lock_behind_gate(kLockFailure)) {
         return 1;
     }

@@ -207,12 +207,12 @@ void VUR_DL_DistLogger_logMessageWithParams(VUR_DL_DistLogger *self,
     if (vur_dl::is_child_without_logger()) {
         return;
     }
-    if (!vur_dl::take_logger_lock()) {
+    if (!vur_dl::take_logger_lock_to_log()) {
         report("Unable to lock: It is not safe to log message", __func__);
         return;
     }
     log_locked(self, params);
-    if (!vur_dl::give_logger_lock()) {
+    if (!vur_dl::give_logger_lock_after_log()) {
         report("Unable to unlock when logging message.", __func__);
     }
 }

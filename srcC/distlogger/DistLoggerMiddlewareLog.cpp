@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "DistLoggerRecord.hpp"
-#include "logger_lock.hpp"
+#include "kolt_internal/no_cancellation.hpp"
 #include "report.hpp"
 #include "vur_dl/EnumTranslators.h"
 
@@ -31,7 +31,7 @@ KOLT_Config_LoggerDevice VUR_DL_DistLogger_localDevice = {nullptr, VUR_DL_DistLo
 void VUR_DL_DistLogger_writeDevice(KOLT_Config_LoggerDevice *,
                                    const KOLT_Config_LogMessage *message) {
     // Who were cancelled inside would keep finalisation waiting.
-    const vur_dl::NoCancellation no_cancellation;
+    const kolt::NoCancellation no_cancellation;
     if (!VUR_DL_DistLogger_isDistLoggerRunning() || !vur_dl::forwarding_gate.enter()) {
         print_as_it_stands(message->text);
         return;

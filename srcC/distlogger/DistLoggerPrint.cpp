@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "kolt_internal/no_cancellation.hpp"
 #include "vur_dl/DistLogger.h"
 #include "vur_dl/EnumTranslators.h"
 
@@ -15,6 +16,7 @@ constexpr unsigned int kTextIsNull = 4;
 
 unsigned int VUR_DL_DistLogger_printMessage(const char *message, const char *method_name,
                                             int log_level) {
+    const kolt::NoCancellation no_cancellation;  // the caller may hold a lock
     if (message == nullptr || method_name == nullptr) {
         std::printf("DL Error: %s: String passed as parameter is NULL.\n", __func__);
         return kTextIsNull;

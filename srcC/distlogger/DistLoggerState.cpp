@@ -6,7 +6,7 @@
 #include "DDSEntitiesRecord.hpp"
 #include "DistLoggerRecord.hpp"
 #include "fork.hpp"
-#include "logger_lock.hpp"
+#include "kolt_internal/no_cancellation.hpp"
 #include "report.hpp"
 #include "state_owner.hpp"
 #include "vur_dl/EnumTranslators.h"
@@ -139,7 +139,7 @@ bool vur_dl::StateOwner::carry_out(VUR_DL_DistLogger &logger, std::uint32_t wish
     if (is_child_without_logger()) {
         return false;
     }
-    const NoCancellation no_cancellation;
+    const kolt::NoCancellation no_cancellation;
     {
         const std::lock_guard<LeafMutex> lock(mutex_);
         if (!is_open_) {

@@ -2,26 +2,15 @@
 // Taking and giving gVUR_DL_DistLogger_lock, and keeping a thread from being cancelled meanwhile.
 #pragma once
 
-#include <pthread.h>
-
 namespace vur_dl {
-
-// Keeps the calling thread from being cancelled while it lives. A thread that were cancelled within
-// a critical section would leave it locked for ever.
-class NoCancellation {
-  public:
-    NoCancellation() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }
-    ~NoCancellation() { pthread_setcancelstate(before_, nullptr); }
-    NoCancellation(const NoCancellation &) = delete;
-    NoCancellation &operator=(const NoCancellation &) = delete;
-
-  private:
-    int before_ = PTHREAD_CANCEL_ENABLE;
-};
 
 // Take and give the logger lock. False when the platform refuses, and in the child of a process with
 // a logger, where it may be taken for ever. Between the two the thread is not cancelled.
 bool take_logger_lock();
 bool give_logger_lock();
+// The same for the log path, which meets no cancellation point between the two but where it prints, and
+// printing keeps the thread from being cancelled itself.
+bool take_logger_lock_to_log();
+bool give_logger_lock_after_log();
 
 }  // namespace vur_dl

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <new>
 
+#include "kolt_internal/no_cancellation.hpp"
 #include "log/text_buffer.hpp"
 #include "os/owned_lock.hpp"
 
@@ -117,6 +118,7 @@ void write_to_standard_output(const KOLT_Config_LogMessage &message) {
 }  // namespace
 
 void deliver(const KOLT_Config_LogMessage &message) {
+    const NoCancellation no_cancellation;
     Slot *slot = enter();
     if (slot == nullptr) {
         write_to_standard_output(message);
