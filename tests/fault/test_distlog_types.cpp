@@ -47,7 +47,7 @@ FAULT_POINT(void, KOLT_TypePlugin_EndpointData_delete, (KOLT_TypePluginEndpointD
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 template <typename T>
 class DistlogTypesFault : public testing::Test {

@@ -70,7 +70,7 @@ class WriteThread : public testing::Test {
     }
     void TearDown() override {
         if (self_ != nullptr) {
-            __atomic_store_n(&self_->shouldRun, 0, __ATOMIC_RELAXED);
+            std::atomic_ref(self_->shouldRun) = 0;
             LogMessageWriteThread_delete(self_);
         }
     }
@@ -102,7 +102,7 @@ TEST_F(WriteThread, PublishesInOrderWithTheTimeOfTheLogCall) {
 TEST_F(WriteThread, AnIdleThreadEndsSoonAfterItIsToldTo) {
     start();
     const auto before = std::chrono::steady_clock::now();
-    __atomic_store_n(&self_->shouldRun, 0, __ATOMIC_RELAXED);
+    std::atomic_ref(self_->shouldRun) = 0;
     LogMessageWriteThread_delete(self_);
     self_ = nullptr;
     // One wait of 100 ms; the rest is for a machine that has other things to do.
@@ -140,7 +140,7 @@ TEST_F(WriteThread, AMessageThatTimedOutIsWrittenAgainAfterTheNextPush) {
 
 TEST_F(WriteThread, MessagesLeftAtTheEndAreNotPublished) {
     start();
-    __atomic_store_n(&self_->shouldRun, 0, __ATOMIC_RELAXED);
+    std::atomic_ref(self_->shouldRun) = 0;
     // Until the thread has noticed, a push may still be taken; afterwards none is.
     ASSERT_TRUE(support::eventually([&] {
         const std::size_t before = writes.seen.size();
@@ -165,9 +165,8 @@ TEST_F(WriteThread, KeepsTheCommunicationVerbosity) {
 
 TEST_F(WriteThread, ItsIdIsThatOfAThread) {
     start();
-    EXPECT_TRUE(support::eventually(
-        [&] { return __atomic_load_n(&self_->threadId, __ATOMIC_RELAXED) != 0; }));
-    EXPECT_NE(__atomic_load_n(&self_->threadId, __ATOMIC_RELAXED), KOLT_Thread_current_id());
+    EXPECT_TRUE(support::eventually([&] { return std::atomic_ref(self_->threadId).load() != 0; }));
+    EXPECT_NE(std::atomic_ref(self_->threadId).load(), KOLT_Thread_current_id());
 }
 
 TEST(WriteThreadRecord, DeletingNothingDoesNothing) {

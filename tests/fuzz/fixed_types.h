@@ -11,7 +11,7 @@
 
 namespace fuzz {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 // In the order of the corpus: appended to, never reordered.
 inline const std::vector<const DDS_TypeCode *> &fixed_types() {

@@ -17,8 +17,8 @@
 
 namespace {
 
-using namespace fuzz;     // NOLINT
-using namespace support;  // NOLINT
+using namespace fuzz;  // NOLINT
+using namespace support;
 
 // Programs that stay: otherwise every input would compile its type again.
 void keep_programs() {

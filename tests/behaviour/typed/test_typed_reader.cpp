@@ -18,7 +18,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 constexpr DDS_DomainId_t kDomain = 178;
 using Numbers = std::vector<DDS_Long>;

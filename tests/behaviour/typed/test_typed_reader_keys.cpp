@@ -10,7 +10,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 constexpr DDS_DomainId_t kDomain = 182;
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 constexpr DDS_DomainId_t kDomain = 184;
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 bool read(const DDS_TypeCode *type, const std::string &hex, void *record) {
     const Programs programs(type);

@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 struct Case {
     const DDS_TypeCode *type1;

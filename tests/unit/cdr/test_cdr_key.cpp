@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 Bytes key_of_record(const KOLT_TypePrograms *programs, const void *record) {
     Bytes key(256);

@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 // A copy of exactly the size of the input, so that the address sanitizer sees every byte too many.
 struct Exact {

@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 // 7.4.1.1.1: a primitive is aligned to its size, up to 8. 7.4.1.1.4: a string is its length with
 // the terminator, and the terminator. Arrays and sequences are their elements, a sequence after its

@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 // 7.4.1.1.1: nothing is aligned to more than 4. 7.4.3.5.3, rules (12) and (13): arrays and
 // sequences of anything but primitives begin with a DHEADER, their size in bytes. Rule (29): so

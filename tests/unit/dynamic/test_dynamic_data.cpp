@@ -10,7 +10,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 // ---- Life ---------------------------------------------------------------------------------------
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 DDS_PrintFormat format(DDS_PrintFormatKind kind, bool pretty = false, bool root = false,
                        bool enum_as_int = false) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 constexpr DDS_DataRepresentationId_t kRepresentations[] = {DDS_XCDR_DATA_REPRESENTATION,
                                                            DDS_XCDR2_DATA_REPRESENTATION};

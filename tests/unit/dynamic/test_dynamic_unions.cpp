@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 TEST(DynamicDataUnion, SettingABranchSelectsIt) {
     const Data data = make(mutable_request_type());

@@ -13,7 +13,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 TEST_F(SequenceTest, ZeroBytesAreAnEmptySequence) {
     NamedSeq seq{};

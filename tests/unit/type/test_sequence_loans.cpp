@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 using SequenceLoans = SequenceTest;
 

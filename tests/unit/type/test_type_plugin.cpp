@@ -13,7 +13,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 std::atomic<int> g_live{0};
 std::atomic<int> g_fail_after{-1};

@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 constexpr DDS_TypeAllocationParams_t kAllocate = DDS_TYPE_ALLOCATION_PARAMS_DEFAULT;
 constexpr DDS_TypeDeallocationParams_t kDeallocate = DDS_TYPE_DEALLOCATION_PARAMS_DEFAULT;

@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 template <typename T>
 class DistlogPluginKeys : public testing::Test {};

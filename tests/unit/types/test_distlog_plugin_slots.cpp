@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 // ---- What is in the slots -----------------------------------------------------------------------
 

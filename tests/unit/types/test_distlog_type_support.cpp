@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace support;  // NOLINT
+using namespace support;
 
 template <typename T>
 class DistlogTypeSupport : public testing::Test {};
