@@ -20,4 +20,10 @@ class Awake {
     thread_state *const thread_;
 };
 
+// Returns the domain that the calling thread has last been awake in, such as that of the entity which
+// it has just created.
+inline ddsi_domaingv *last_domain() {
+    return static_cast<ddsi_domaingv *>(ddsrt_atomic_ldvoidp(&lookup_thread_state()->gv));
+}
+
 }  // namespace kolt::engine

@@ -2,9 +2,12 @@
 // Participants: enabling, QoS, publishers and subscribers, and the deletion of everything.
 #include "engine/domain/participant.hpp"
 
+#include "engine/cyclone/awake.hpp"
 #include "engine/cyclone/convert.hpp"
+#include "engine/cyclone/domain_parts.h"
 #include "engine/cyclone/log_sink.hpp"
 #include "engine/domain/free_descriptors.hpp"
+#include "engine/domain/inherited_domains.hpp"
 #include "engine/entity/owned_list.hpp"
 #include "engine/publication/publisher.hpp"
 #include "engine/qos/qos_check.hpp"
@@ -35,6 +38,7 @@ Participant::Participant(DDS_DomainId_t domain_id, const DDS_DomainParticipantQo
                          dds_entity_t wrapped)
     : ParticipantScope(domain_id, qos), wrapped_(true) {
     set_engine(wrapped);
+    note_participant(domain_id);
 }
 
 Participant::~Participant() {
@@ -42,6 +46,9 @@ Participant::~Participant() {
 }
 
 void Participant::close(const char *method) {
+    if (is_enabled()) {
+        forget_participant(domain_id());
+    }
     listener().remove();
     if (wrapped_) {
         release_engine();
@@ -57,6 +64,13 @@ DDS_ReturnCode_t Participant::enable(const char *method) {
     const EngineQos engine_qos =
         own_qos().read([](const DDS_DomainParticipantQos &qos) { return to_engine(qos); });
     install_log_sink();
+    if (is_inherited(domain_id())) {
+        return fail(
+            DDS_RETCODE_PRECONDITION_NOT_MET, method,
+            "the parent process had participants in domain %d when it forked this one: fork "
+            "before they are created, or execute a program in the child",
+            static_cast<int>(domain_id()));
+    }
     const auto domain = static_cast<dds_domainid_t>(domain_id());
     if (dds_lookup_participant(domain, nullptr, 0) <= 0 &&
         !has_free_descriptors<kDescriptorsOfADomain>()) {
@@ -71,7 +85,9 @@ DDS_ReturnCode_t Participant::enable(const char *method) {
                     "the DDS engine could not create a participant in domain %d",
                     static_cast<int>(domain_id()));
     }
+    kolt_domain_close_on_exec(last_domain());
     set_engine(entity);
+    note_participant(domain_id());
     return autoenables() ? enable_contained(method) : DDS_RETCODE_OK;
 }
 
