@@ -15,6 +15,7 @@ void echo_messages(DDS_DataReader *reader, DDS_DataWriter *writer) {
     DDS_SampleInfo info{};
     while (DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_TRUE, message.get(),
                                                             &info) == DDS_RETCODE_OK) {
+        is_matched(writer);  // what is written before is for nobody
         if (info.valid_data) {
             DDS_DataWriter_write_w_timestamp(writer, message.get(), DDS_HANDLE_NIL,
                                              &info.source_timestamp);
@@ -29,6 +30,7 @@ void echo_large(DDS_DataReader *reader, DDS_DataWriter *writer) {
     DDS_SampleInfo info{};
     while (DDS_DataReader_read_or_take_next_sample_untypedI(reader, DDS_BOOLEAN_TRUE, large.get(),
                                                             &info) == DDS_RETCODE_OK) {
+        is_matched(writer);
         if (info.valid_data) {
             DDS_DataWriter_write(writer, large.get(), DDS_HANDLE_NIL);
         }

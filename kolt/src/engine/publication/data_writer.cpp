@@ -20,6 +20,14 @@ extern "C" dds_return_t ddsi_unblock_throttled_writer(ddsi_domaingv *domain,
 
 namespace kolt::engine {
 
+namespace {
+
+// How long a writer must have written without a time-out to write again: the engine's lease, within
+// which a reader that stands still is taken for gone.
+constexpr std::int64_t kWritesAgainAfter = 10'000'000'000;
+
+}  // namespace
+
 DataWriter::DataWriter(Publisher &publisher, Topic &topic, const DDS_DataWriterQos &qos)
     : Entity(EntityKind::kDataWriter, &handle_._entity, kWriterStatusMask),
       publisher_(publisher),
@@ -346,12 +354,21 @@ DDS_ReturnCode_t DataWriter::forward_sample(SerdataRef serdata) {
 }
 
 // A reader that is slow is news, each write that it delays is not: the log, forwarded to the network,
-// would feed itself. Told on the listener thread, since the log of a thread that publishes the log is
+// would feed itself. After each time-out the engine lets some writes pass, so only a writer that has
+// not timed out for a while writes again. Told on the listener thread, since the log of a thread that publishes the log is
 // not forwarded.
 void DataWriter::note_outcome(DDS_ReturnCode_t code) {
     const bool times_out = code == DDS_RETCODE_TIMEOUT;
-    if (times_out_.load(std::memory_order_relaxed) == times_out || ended_.load() ||
-        times_out_.exchange(times_out) == times_out) {
+    if ((!times_out && !times_out_.load(std::memory_order_relaxed)) || ended_.load()) {
+        return;
+    }
+    const MonotonicTime now = monotonic_now();
+    if (times_out) {
+        last_time_out_ = now;
+    } else if (now < later(last_time_out_, kWritesAgainAfter)) {
+        return;
+    }
+    if (times_out_.exchange(times_out) == times_out) {
         return;
     }
     ListenerThread &thread = publisher_.participant().listener_thread();

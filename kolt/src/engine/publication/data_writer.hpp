@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "engine/barrier/result.hpp"
+#include "engine/cyclone/timer.hpp"
 #include "engine/data/serdata.hpp"
 #include "engine/entity/entity_cast.hpp"
 #include "engine/entity/entity_qos.hpp"
@@ -118,6 +119,7 @@ class DataWriter final : public Entity {
     std::atomic<bool> autodispose_{true};
     std::atomic<bool> ended_{false};
     std::atomic<bool> times_out_{false};
+    std::atomic<MonotonicTime> last_time_out_{0};
     bool reported_times_out_ = false;  // the listener thread's
     InstanceRegistry instances_;
     ListenerSlot<DDS_DataWriterListener> listener_;
