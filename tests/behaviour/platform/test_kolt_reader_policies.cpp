@@ -201,19 +201,55 @@ TEST(TimeBasedFilter, AFullReaderGetsWhatIsKeptWhenItHasRoom) {
     EXPECT_EQ(numbers_of(take_at_least(reader, 1)), (std::vector<long long>{1}));
 }
 
-TEST(TimeBasedFilter, AWeakerOwnerDoesNotReplaceWhatIsKept) {
-    Node node(1);
-    const auto strong = [](int strength) {
-        return [strength](DDS_DataWriterQos &qos) {
-            qos.ownership.kind = DDS_EXCLUSIVE_OWNERSHIP_QOS;
-            qos.ownership_strength.value = strength;
-        };
+auto owning(int strength) {
+    return [strength](DDS_DataWriterQos &qos) {
+        qos.ownership.kind = DDS_EXCLUSIVE_OWNERSHIP_QOS;
+        qos.ownership_strength.value = strength;
     };
-    DDS_DataWriter *const weak = node.writer(strong(1));
-    DDS_DataWriter *const owner = node.writer(strong(2));
+}
+
+void of_one_owner(DDS_DataReaderQos &qos) {
+    qos.ownership.kind = DDS_EXCLUSIVE_OWNERSHIP_QOS;
+}
+
+TEST(TimeBasedFilter, OfSharedInstancesTheLastWriterCounts) {
+    Node node(1);
+    DDS_DataWriter *const first =
+        node.writer([](DDS_DataWriterQos &qos) { qos.ownership_strength.value = 5; });
+    DDS_DataWriter *const last = node.writer();
+    DDS_DataReader *const reader = node.reader(separated_by(kAnHour));
+    ASSERT_TRUE(is_matched(first) && is_matched(last));
+    ASSERT_EQ(write(first, 1, 1, 0), DDS_RETCODE_OK);
+    ASSERT_EQ(write(first, 1, 1, 1), DDS_RETCODE_OK);
+    ASSERT_EQ(write(last, 1, 1, 2), DDS_RETCODE_OK);
+    EXPECT_EQ(numbers_of(take(reader)), (std::vector<long long>{0}));
+    change(reader, separated_by({0, 0}));
+    EXPECT_EQ(numbers_of(take_at_least(reader, 1)), (std::vector<long long>{2}));
+}
+
+TEST(TimeBasedFilter, ADisposeThatTheReaderIgnoresEndsNoPeriod) {
+    Node node(1);
+    DDS_DataWriter *const weak = node.writer(owning(1));
+    DDS_DataWriter *const owner = node.writer(owning(2));
     DDS_DataReader *const reader = node.reader([](DDS_DataReaderQos &qos) {
         separated_by(kAnHour)(qos);
-        qos.ownership.kind = DDS_EXCLUSIVE_OWNERSHIP_QOS;
+        of_one_owner(qos);
+    });
+    ASSERT_TRUE(is_matched(weak) && is_matched(owner));
+    for (long long i = 0; i < 5; ++i) {
+        ASSERT_EQ(write(owner, 1, 1, i), DDS_RETCODE_OK);
+        ASSERT_EQ(dispose(weak, 1, 1), DDS_RETCODE_OK);
+    }
+    EXPECT_EQ(numbers_of(take(reader)), (std::vector<long long>{0}));
+}
+
+TEST(TimeBasedFilter, AWeakerOwnerDoesNotReplaceWhatIsKept) {
+    Node node(1);
+    DDS_DataWriter *const weak = node.writer(owning(1));
+    DDS_DataWriter *const owner = node.writer(owning(2));
+    DDS_DataReader *const reader = node.reader([](DDS_DataReaderQos &qos) {
+        separated_by(kAnHour)(qos);
+        of_one_owner(qos);
     });
     ASSERT_TRUE(is_matched(weak) && is_matched(owner));
     for (long long i = 0; i < 3; ++i) {
@@ -295,6 +331,47 @@ TEST(ReaderDataLifecycle, ADelayThatIsSetLaterHoldsForWhatIsThere) {
     EXPECT_TRUE(eventually([&] { return held(reader).size() == 2; }));
     ASSERT_EQ(DDS_Publisher_delete_datawriter(node.publisher, writer), DDS_RETCODE_OK);
     EXPECT_TRUE(eventually([&] { return held(reader).empty(); }));
+}
+
+TEST(ReaderDataLifecycle, ADelayThatChangesHoldsForWhatHasEnded) {
+    Node node(1);
+    DDS_DataWriter *const writer = node.writer();
+    DDS_DataReader *const reader = node.reader(purging(kAnHour, DDS_DURATION_INFINITE));
+    ASSERT_TRUE(is_matched(writer));
+    ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
+    ASSERT_EQ(dispose(writer, 1, 1), DDS_RETCODE_OK);
+    change(reader, purging(kAnHour, kAMoment));
+    EXPECT_TRUE(eventually([&] { return held(reader).empty(); }));
+
+    change(reader, purging(kAnHour, {0, 300'000'000}));
+    ASSERT_EQ(write(writer, 1, 2, 1), DDS_RETCODE_OK);
+    ASSERT_EQ(dispose(writer, 1, 2), DDS_RETCODE_OK);
+    change(reader, purging(kAMoment, DDS_DURATION_INFINITE));
+    // An instance that ends later shows that the clock has gone on.
+    DDS_DataWriter *const leaving = node.writer(leaves_instances);
+    ASSERT_TRUE(is_matched(leaving));
+    ASSERT_EQ(write(leaving, 1, 3, 1), DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_Publisher_delete_datawriter(node.publisher, leaving), DDS_RETCODE_OK);
+    EXPECT_TRUE(eventually([&] { return !held(reader).contains(3); }));
+    EXPECT_TRUE(held(reader).contains(2));
+}
+
+TEST(ReaderDataLifecycle, WhatTheReaderIgnoresDoesNotCount) {
+    Node node(1);
+    DDS_DataWriter *const weak = node.writer(owning(1));
+    DDS_DataWriter *const owner = node.writer(owning(2));
+    DDS_DataReader *const reader = node.reader([](DDS_DataReaderQos &qos) {
+        purging(DDS_DURATION_INFINITE, kAMoment)(qos);
+        of_one_owner(qos);
+    });
+    ASSERT_TRUE(is_matched(weak) && is_matched(owner));
+    ASSERT_EQ(write(owner, 1, 1, 1), DDS_RETCODE_OK);
+    ASSERT_EQ(dispose(owner, 1, 1), DDS_RETCODE_OK);
+    EXPECT_TRUE(eventually([&] {
+        EXPECT_EQ(write(weak, 1, 1, 2), DDS_RETCODE_OK);
+        EXPECT_EQ(dispose(weak, 1, 1), DDS_RETCODE_OK);
+        return held(reader).empty();
+    }));
 }
 
 }  // namespace

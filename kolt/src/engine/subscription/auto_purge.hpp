@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/subscription/due_times.hpp"
+#include "engine/subscription/instance_owner.hpp"
 #include "kolt/infrastructure.h"
 
 namespace kolt::engine {
@@ -22,25 +23,29 @@ class AutoPurge {
   public:
     enum Ending { kNoWriters, kDisposed };
 
-    // Nanoseconds from the end of an instance until it is purged; kNever for not at all.
-    using Delays = std::array<std::int64_t, 2>;
-    // Removes the samples of an instance from the cache if the instance has ended that way.
-    using Purge = void (*)(void *cache, DDS_InstanceHandle_t instance, Ending ending);
+    struct Rules {
+        // Nanoseconds from the end of an instance until it is purged; kNever for not at all.
+        std::array<std::int64_t, 2> delays{kNever, kNever};
+        InstanceOwner::Rules ownership;
+    };
+    // Removes the samples of an instance from the cache if the instance has ended that way. False when
+    // it has not.
+    using Purge = bool (*)(void *cache, DDS_InstanceHandle_t instance, Ending ending);
 
     AutoPurge(Purge remove, void *cache) : purge_(remove), cache_(cache) {}
 
     bool is_active() const { return is_active_.load(); }
-    // The delays hold for instances that end from now on, and for those that have ended and would
-    // otherwise stay longer. Without a finite one it looks after nothing.
-    void set(const Delays &delays);
-    // Begins to look after an instance that was in the cache before. May throw std::bad_alloc.
+    // The delays hold for instances that have ended, too. Without a finite one it looks after nothing.
+    void set(const Rules &rules);
+    // Begins to look after an instance that was in the cache before, as if it ended now. May throw
+    // std::bad_alloc.
     void adopt(DDS_InstanceHandle_t instance);
 
-    // Notes a sample that the cache has got. May throw std::bad_alloc.
-    void note_sample(DDS_InstanceHandle_t instance, std::uint64_t writer, bool disposes,
-                     bool unregisters, bool disposes_when_left);
+    // Notes a sample that has come to the cache. May throw std::bad_alloc.
+    void note_sample(DDS_InstanceHandle_t instance, const ddsi_writer_info &writer,
+                     const ddsi_serdata &sample);
     // Notes that a writer is gone.
-    void note_writer_gone(std::uint64_t writer, bool disposes_when_left);
+    void note_writer_gone(const ddsi_writer_info &writer);
     // Purges what is due.
     void purge_due();
     // Returns when something is due; kNever when nothing is.
@@ -51,27 +56,30 @@ class AutoPurge {
         std::vector<std::uint64_t> writers;
         bool may_have_others = false;  // writers from before it was looked after
         bool is_disposed = false;
+        InstanceOwner owner;
+        std::array<MonotonicTime, 2> ended{kNever, kNever};
         std::array<MonotonicTime, 2> due{kNever, kNever};
     };
     using Entries = std::map<DDS_InstanceHandle_t, Entry>;
     using What = std::pair<DDS_InstanceHandle_t, Ending>;
 
-    Entry &entry_of(DDS_InstanceHandle_t instance);
-    void set_due(DDS_InstanceHandle_t instance, Entry &entry, Ending ending, MonotonicTime time);
-    void note_end(DDS_InstanceHandle_t instance, Entry &entry, Ending ending);
+    Entries::iterator entry_of(DDS_InstanceHandle_t instance);
+    // Notes when the instance ended, and when it is to be purged therefore.
+    void set_ended(Entries::iterator entry, Ending ending, MonotonicTime time);
     // Notes that a writer is gone from an instance, which may have been its last.
-    void leave(DDS_InstanceHandle_t instance, Entry &entry, std::uint64_t writer,
-               bool disposes_when_left);
-    // True when the entry says nothing that would be needed later.
-    static bool is_idle(const Entry &entry);
+    void leave(Entries::iterator entry, const ddsi_writer_info &writer);
+    // Forgets the entry if it says nothing that would be needed later; returns the one after it.
+    Entries::iterator next_after(Entries::iterator entry);
     Entries::iterator erase(Entries::iterator entry);
+    // Notes what came of a purge.
+    void note_purge(DDS_InstanceHandle_t instance, Ending ending, bool was_purged);
 
     const Purge purge_;
     void *const cache_;
     std::atomic<bool> is_active_{false};
     mutable std::mutex mutex_;
     // All guarded by mutex_, which is not held while the cache is purged.
-    Delays delays_{kNever, kNever};
+    Rules rules_;
     Entries entries_;
     DueTimes<What> due_;
 };

@@ -32,10 +32,13 @@ void tell_notification(void *reader) {
 // Returns the policies that KOLT applies itself.
 ReaderCache::Policies cache_policies(const DDS_DataReaderQos &qos) {
     const DDS_ReaderDataLifecycleQosPolicy &lifecycle = qos.reader_data_lifecycle;
-    return {{to_engine(qos.time_based_filter.minimum_separation),
-             qos.destination_order.kind == DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS},
-            {to_engine(lifecycle.autopurge_nowriter_samples_delay),
-             to_engine(lifecycle.autopurge_disposed_samples_delay)}};
+    const InstanceOwner::Rules ownership = {
+        qos.ownership.kind == DDS_EXCLUSIVE_OWNERSHIP_QOS,
+        qos.destination_order.kind == DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS};
+    return {{to_engine(qos.time_based_filter.minimum_separation), ownership},
+            {{to_engine(lifecycle.autopurge_nowriter_samples_delay),
+              to_engine(lifecycle.autopurge_disposed_samples_delay)},
+             ownership}};
 }
 
 }  // namespace
@@ -104,7 +107,7 @@ DDS_ReturnCode_t DataReader::enable(const char *method) {
         dds_create_listener(nullptr), dds_delete_listener);
     ReaderStatuses::listen(listener.get(), &statuses_);
     dds_lset_data_available_arg(listener.get(), on_engine_data, this, true);
-    cache_.set_policies(qos_.read(cache_policies));
+    qos_.read([this](const DDS_DataReaderQos &now) { cache_.set_policies(cache_policies(now)); });
     dds_rhc *const cache =
         cache_.engine(topic_.content_filter(), topic_.topic().sertype().domain());
     const dds_entity_t entity = dds_create_reader_rhc(subscriber_.engine(), topic_.engine(),
@@ -127,9 +130,9 @@ DDS_ReturnCode_t DataReader::set_qos(const DDS_DataReaderQos &qos, const char *m
     if (!is_enabled()) {
         return attach_type(method);  // the representations may still change
     }
-    const bool purged_before = cache_.purges();
-    cache_.set_policies(cache_policies(qos));
-    if (cache_.purges() && !purged_before) {
+    // Of two threads' changes the same one holds in the record and here.
+    qos_.read([this](const DDS_DataReaderQos &now) { cache_.set_policies(cache_policies(now)); });
+    if (cache_.purges()) {
         const std::lock_guard lock(contents_);  // the engine's limit of query conditions
         cache_.adopt(cached_instances());
     }

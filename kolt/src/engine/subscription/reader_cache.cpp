@@ -65,7 +65,13 @@ struct ReaderCache::Front : dds_rhc {
     static std::int32_t take(dds_rhc *rhc, bool lock, void **values, dds_sample_info_t *infos,
                              std::uint32_t maximum, std::uint32_t mask,
                              dds_instance_handle_t handle, dds_readcond *condition) {
-        return dds_rhc_take(of(rhc).inner, lock, values, infos, maximum, mask, handle, condition);
+        Front &front = of(rhc);
+        const std::int32_t count =
+            dds_rhc_take(front.inner, lock, values, infos, maximum, mask, handle, condition);
+        if (count > 0 && front.time_based_filter.retry()) {
+            front.call_when_due();
+        }
+        return count;
     }
     static std::int32_t readcdr(dds_rhc *rhc, bool lock, ddsi_serdata **values,
                                 dds_sample_info_t *infos, std::uint32_t maximum,
@@ -104,7 +110,7 @@ struct ReaderCache::Front : dds_rhc {
                 ddsi_tkmap_instance *instance);
     static bool put(void *front, const ddsi_writer_info &writer, ddsi_serdata *sample,
                     ddsi_tkmap_instance *instance);
-    static void purge(void *front, DDS_InstanceHandle_t instance, AutoPurge::Ending ending);
+    static bool purge(void *front, DDS_InstanceHandle_t instance, AutoPurge::Ending ending);
     static MonotonicTime do_what_is_due(void *front);
     void note_for_purge(const ddsi_writer_info &writer, const ddsi_serdata &sample,
                         DDS_InstanceHandle_t instance);
@@ -143,7 +149,8 @@ bool ReaderCache::Front::arrive(const ddsi_writer_info &writer, ddsi_serdata *sa
 bool ReaderCache::Front::filter(const ddsi_writer_info &writer, ddsi_serdata *sample,
                                 ddsi_tkmap_instance *instance) {
     if (sample->kind != SDK_DATA || sample->statusinfo != 0) {
-        return time_based_filter.flush(handle_of(instance)) && put(this, writer, sample, instance);
+        return time_based_filter.end(writer, *sample, handle_of(instance)) &&
+               put(this, writer, sample, instance);
     }
     if (content_filter != nullptr &&
         !content_filter->accepts(*static_cast<const Serdata *>(sample))) {
@@ -182,7 +189,7 @@ void ReaderCache::Front::writer_gone(const ddsi_writer_info &writer) {
     }
     dds_rhc_unregister_wr(inner, &writer);
     if (auto_purge.is_active()) {
-        auto_purge.note_writer_gone(writer.iid, writer.auto_dispose);
+        auto_purge.note_writer_gone(writer);
     }
     call_when_due();
 }
@@ -193,9 +200,7 @@ void ReaderCache::Front::writer_gone(const ddsi_writer_info &writer) {
 void ReaderCache::Front::note_for_purge(const ddsi_writer_info &writer, const ddsi_serdata &sample,
                                         DDS_InstanceHandle_t instance) {
     try {
-        auto_purge.note_sample(
-            instance, writer.iid, (sample.statusinfo & NN_STATUSINFO_DISPOSE) != 0,
-            (sample.statusinfo & NN_STATUSINFO_UNREGISTER) != 0, writer.auto_dispose);
+        auto_purge.note_sample(instance, writer, sample);
     } catch (const std::bad_alloc &) {
         return;
     }
@@ -204,7 +209,7 @@ void ReaderCache::Front::note_for_purge(const ddsi_writer_info &writer, const dd
     }
 }
 
-void ReaderCache::Front::purge(void *self, DDS_InstanceHandle_t instance,
+bool ReaderCache::Front::purge(void *self, DDS_InstanceHandle_t instance,
                                AutoPurge::Ending ending) {
     constexpr std::size_t kRoom = 32;
     std::array<ddsi_serdata *, kRoom> samples{};
@@ -212,6 +217,7 @@ void ReaderCache::Front::purge(void *self, DDS_InstanceHandle_t instance,
     const std::uint32_t state =
         ending == AutoPurge::kDisposed ? cyclone::kNotAliveDisposed : cyclone::kNotAliveNoWriters;
     std::int32_t count = 0;
+    bool was_purged = false;
     do {
         count = dds_rhc_takecdr(static_cast<Front *>(self)->inner, true, samples.data(),
                                 infos.data(), kRoom, cyclone::kReadState | cyclone::kNotReadState,
@@ -219,7 +225,9 @@ void ReaderCache::Front::purge(void *self, DDS_InstanceHandle_t instance,
         for (std::int32_t i = 0; i < count; ++i) {
             ddsi_serdata_unref(samples[static_cast<std::size_t>(i)]);
         }
+        was_purged = was_purged || count > 0;
     } while (count > 0);
+    return was_purged;
 }
 
 // ---- Time ---------------------------------------------------------------------------------------

@@ -23,7 +23,7 @@ class ReaderCache {
   public:
     struct Policies {
         TimeBasedFilter::Rules time_based_filter;
-        AutoPurge::Delays auto_purge{kNever, kNever};
+        AutoPurge::Rules auto_purge;
     };
 
     ReaderCache();

@@ -9,8 +9,8 @@ namespace kolt::engine {
 
 namespace {
 
-// When a cache without room is tried again.
-constexpr std::int64_t kRetryAfter = 10'000'000;
+// When a cache without room is tried again, should nobody take samples from it before.
+constexpr std::int64_t kRetryAfter = 1'000'000'000;
 
 }  // namespace
 
@@ -68,13 +68,6 @@ void TimeBasedFilter::erase(Entries::iterator entry) {
 
 // ---- Storing ------------------------------------------------------------------------------------
 
-bool TimeBasedFilter::supersedes(const ArrivedSample &sample, const Kept &kept) const {
-    return !kept.has_value() ||
-           (sample.writer.ownership_strength >= kept->writer.ownership_strength &&
-            (!rules_.by_source_timestamp ||
-             sample.serdata->timestamp.v >= kept->serdata->timestamp.v));
-}
-
 bool TimeBasedFilter::store_now(Lock &lock, Entries::iterator entry, Kept &sample) {
     entry->second.is_storing = true;
     set_open_at(entry, kNever);
@@ -87,6 +80,9 @@ bool TimeBasedFilter::store_now(Lock &lock, Entries::iterator entry, Kept &sampl
     lock.lock();
     entry->second.is_storing = false;
     entry->second.is_refused = !is_stored;
+    if (!is_stored) {
+        has_refused_.store(true);
+    }
     set_open_at(entry, later(monotonic_now(), is_stored ? rules_.minimum_separation : kRetryAfter));
     settled_.notify_all();
     return is_stored;
@@ -101,35 +97,58 @@ bool TimeBasedFilter::store_kept(Lock &lock, Entries::iterator entry, Kept &spar
     return is_stored;
 }
 
-// The engine tries again to store what has been refused.
+// The engine tries again to store what has been refused. What the cache does not take at all goes there
+// at once: it counts that.
 bool TimeBasedFilter::store(ArrivedSample sample) {
     Kept arrived(std::move(sample));
+    Kept stored_now;
     Lock lock(mutex_);
     const auto entry = entry_of(arrived->instance.handle());
     Entry &state = entry->second;
     if (state.is_refused) {
         return false;
     }
-    if (supersedes(*arrived, state.kept)) {
-        arrived.swap(state.kept);
+    if (!state.owner.accepts(rules_.ownership, arrived->writer, *arrived->serdata)) {
+        lock.unlock();
+        return put_(cache_, arrived->writer, arrived->serdata.get(), arrived->instance.get());
     }
+    state.owner.note(arrived->writer, *arrived->serdata);
+    arrived.swap(state.kept);
     if (state.is_storing || state.open_at > monotonic_now()) {
         return true;
     }
-    arrived.swap(state.kept);
-    const bool is_stored = store_now(lock, entry, arrived);
+    stored_now.swap(state.kept);
+    const bool is_stored = store_now(lock, entry, stored_now);
     if (!is_stored && !state.kept.has_value()) {
         erase(entry);
     }
     return is_stored;
 }
 
-bool TimeBasedFilter::flush(DDS_InstanceHandle_t instance) {
+bool TimeBasedFilter::end(const ddsi_writer_info &writer, const ddsi_serdata &sample,
+                          DDS_InstanceHandle_t instance) {
     Kept spare;
     Lock lock(mutex_);
     const auto entry = settled(lock, instance);
-    return entry == entries_.end() || !entry->second.kept.has_value() ||
-           store_kept(lock, entry, spare);
+    if (entry == entries_.end()) {
+        return true;
+    }
+    Entry &state = entry->second;
+    const bool disposes = (sample.statusinfo & NN_STATUSINFO_DISPOSE) != 0 &&
+                          state.owner.accepts(rules_.ownership, writer, sample);
+    const bool leaves = (sample.statusinfo & NN_STATUSINFO_UNREGISTER) != 0;
+    const bool concerns_kept =
+        state.kept.has_value() && (disposes || (leaves && state.kept->writer.iid == writer.iid));
+    if (concerns_kept && !store_kept(lock, entry, spare)) {
+        return false;
+    }
+    if (leaves) {
+        state.owner.leave(writer.iid);
+    }
+    if (disposes && !state.kept.has_value()) {
+        erase(entry);
+    }
+    return true;
 }
 
 void TimeBasedFilter::flush_writer(std::uint64_t writer) {
@@ -175,6 +194,20 @@ bool TimeBasedFilter::store_first_due(MonotonicTime now) {
         store_kept(lock, entry, spare);
     } else {
         erase(entry);
+    }
+    return true;
+}
+
+bool TimeBasedFilter::retry() {
+    if (!has_refused_.load() || !has_refused_.exchange(false)) {
+        return false;
+    }
+    const MonotonicTime now = monotonic_now();
+    const std::lock_guard lock(mutex_);
+    for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
+        if (entry->second.is_refused && !entry->second.is_storing) {
+            set_open_at(entry, now);
+        }
     }
     return true;
 }

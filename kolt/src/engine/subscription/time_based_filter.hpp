@@ -15,6 +15,7 @@
 
 #include "engine/data/instance_pin.hpp"
 #include "engine/subscription/due_times.hpp"
+#include "engine/subscription/instance_owner.hpp"
 
 namespace kolt::engine {
 
@@ -34,7 +35,7 @@ class TimeBasedFilter {
   public:
     struct Rules {
         std::int64_t minimum_separation = 0;  // nanoseconds
-        bool by_source_timestamp = false;     // destination order
+        InstanceOwner::Rules ownership;
     };
     // Hands a sample to the cache. False when that refuses it, for want of room.
     using Put = bool (*)(void *cache, const ddsi_writer_info &writer, ddsi_serdata *sample,
@@ -50,12 +51,16 @@ class TimeBasedFilter {
     // Stores a sample with data now, or keeps it. False when the cache refuses it, or refused the one
     // before. May throw std::bad_alloc before anything is done.
     bool store(ArrivedSample sample);
-    // Stores what is kept of an instance. False when the cache refuses it.
-    bool flush(DDS_InstanceHandle_t instance);
+    // Stores what is kept of an instance before it ends, if `sample`, which disposes or unregisters it,
+    // does so. False when the cache refuses what is kept.
+    bool end(const ddsi_writer_info &writer, const ddsi_serdata &sample,
+             DDS_InstanceHandle_t instance);
     // Stores what is kept of a writer, or drops it if the cache refuses that.
     void flush_writer(std::uint64_t writer);
     // Stores what is due.
     void store_due();
+    // Makes due what the cache refused, since it may have room now. False when there is nothing.
+    bool retry();
     // Returns when something is due; kNever when nothing is.
     MonotonicTime next_due() const;
     // Drops what is kept.
@@ -69,6 +74,7 @@ class TimeBasedFilter {
         bool is_storing = false;    // a thread has a sample of it on the way to the cache
         bool is_refused = false;    // the cache had no room for what is kept
         Kept kept;
+        InstanceOwner owner;
     };
     using Entries = std::map<DDS_InstanceHandle_t, Entry>;
 
@@ -77,8 +83,6 @@ class TimeBasedFilter {
     Entries::iterator settled(Lock &lock, DDS_InstanceHandle_t instance);
     void set_open_at(Entries::iterator entry, MonotonicTime time);
     void erase(Entries::iterator entry);
-    // True when a sample takes the place of the one that is kept.
-    bool supersedes(const ArrivedSample &sample, const Kept &kept) const;
     // Stores a sample, without the lock meanwhile. One that the cache refuses stays in `sample`.
     bool store_now(Lock &lock, Entries::iterator entry, Kept &sample);
     // The same with the one that is kept, and is kept on if the cache refuses it; unless there is a
@@ -94,6 +98,7 @@ class TimeBasedFilter {
     const Put put_;
     void *const cache_;
     std::atomic<bool> is_active_{false};
+    std::atomic<bool> has_refused_{false};
     mutable std::mutex mutex_;
     // All guarded by mutex_, which is not held while samples are stored or given up.
     std::condition_variable settled_;
