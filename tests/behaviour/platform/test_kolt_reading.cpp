@@ -39,6 +39,20 @@ TEST(KoltReading, ReadLeavesAndTakeRemoves) {
     EXPECT_EQ(code, DDS_RETCODE_BAD_PARAMETER);
 }
 
+TEST(KoltReading, AScopeThatThereIsNotIsRefused) {
+    Node node(1);
+    DDS_DataReader *const reader = node.reader();
+    DDS_DataWriter *const writer = node.writer();
+    ASSERT_TRUE(is_matched(writer));
+    ASSERT_EQ(write(writer, 1, 1, 1), DDS_RETCODE_OK);
+    KOLT_ReadSelection wrong = selection(false);
+    wrong.scope = static_cast<KOLT_ReadScope>(77);
+    DDS_ReturnCode_t code = DDS_RETCODE_OK;
+    access(reader, wrong, &code);
+    EXPECT_EQ(code, DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(take(reader).size(), 1U);
+}
+
 TEST(KoltReading, InstancesCanBeReadOneByOne) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();

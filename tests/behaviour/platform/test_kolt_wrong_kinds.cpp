@@ -125,4 +125,41 @@ TEST_F(KoltWrongKinds, AsAParticipant) {
     });
 }
 
+TEST_F(KoltWrongKinds, AsAnotherCondition) {
+    DDS_ReadCondition *const read = DDS_DataReader_create_readcondition(
+        reader_, DDS_ANY_SAMPLE_STATE, DDS_ANY_VIEW_STATE, DDS_ANY_INSTANCE_STATE);
+    DDS_GuardCondition *const guard = DDS_GuardCondition_new();
+    DDS_StatusCondition *const status =
+        DDS_Entity_get_statuscondition(DDS_DataReader_as_entity(reader_));
+    Strings none({});
+    for (void *const wrong :
+         {static_cast<void *>(read), static_cast<void *>(guard), static_cast<void *>(status)}) {
+        auto *const query = static_cast<DDS_QueryCondition *>(wrong);
+        EXPECT_EQ(DDS_QueryCondition_get_query_expression(query), nullptr);
+        EXPECT_EQ(DDS_QueryCondition_get_query_parameters(query, none.get()),
+                  DDS_RETCODE_BAD_PARAMETER);
+    }
+    for (void *const wrong : {static_cast<void *>(guard), static_cast<void *>(status)}) {
+        auto *const as_read = static_cast<DDS_ReadCondition *>(wrong);
+        EXPECT_EQ(DDS_ReadCondition_get_datareader(as_read), nullptr);
+        EXPECT_EQ(DDS_DataReader_delete_readcondition(reader_, as_read), DDS_RETCODE_BAD_PARAMETER);
+        KOLT_ReadSelection selected = selection(true);
+        selected.condition = as_read;
+        DDS_ReturnCode_t code = DDS_RETCODE_OK;
+        access(reader_, selected, &code);
+        EXPECT_EQ(code, DDS_RETCODE_BAD_PARAMETER);
+    }
+    for (void *const wrong : {static_cast<void *>(read), static_cast<void *>(status)}) {
+        auto *const as_guard = static_cast<DDS_GuardCondition *>(wrong);
+        EXPECT_EQ(DDS_GuardCondition_set_trigger_value(as_guard, DDS_BOOLEAN_TRUE),
+                  DDS_RETCODE_BAD_PARAMETER);
+        EXPECT_EQ(DDS_GuardCondition_delete(as_guard), DDS_RETCODE_BAD_PARAMETER);
+    }
+    EXPECT_EQ(
+        DDS_StatusCondition_set_enabled_statuses(
+            static_cast<DDS_StatusCondition *>(static_cast<void *>(guard)), DDS_STATUS_MASK_ALL),
+        DDS_RETCODE_BAD_PARAMETER);
+    EXPECT_EQ(DDS_GuardCondition_delete(guard), DDS_RETCODE_OK);
+}
+
 }  // namespace

@@ -31,7 +31,7 @@ DDS_ReturnCode_t bad_handle(const char *method, const char *name, const void *ha
     return handle == nullptr
                ? bad_parameter(method, name)
                : fail(DDS_RETCODE_BAD_PARAMETER, method,
-                      "bad parameter: %s: an entity of another kind than the function takes", name);
+                      "bad parameter: %s: of another kind than the function takes", name);
 }
 
 DDS_ReturnCode_t not_enabled(const char *method) {

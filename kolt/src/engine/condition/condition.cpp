@@ -58,7 +58,7 @@ namespace kolt::engine {
 
 // ---- Guard condition ----------------------------------------------------------------------------
 
-GuardCondition::GuardCondition() : Condition(&handle_._condition) {
+GuardCondition::GuardCondition() : Condition(ConditionKind::kGuard, &handle_._condition) {
     install_log_sink();
     engine_ = dds_create_guardcondition(cyclone::kLibrary);
     if (engine_ < 0) {
@@ -72,7 +72,9 @@ GuardCondition::~GuardCondition() {
 }
 
 GuardCondition *GuardCondition::of(DDS_GuardCondition *self) {
-    return self != nullptr ? static_cast<GuardCondition *>(self->_condition._impl) : nullptr;
+    return self != nullptr
+               ? condition_cast<GuardCondition, ConditionKind::kGuard>(&self->_condition)
+               : nullptr;
 }
 
 DDS_ReturnCode_t GuardCondition::set(bool value) {

@@ -16,13 +16,18 @@
 #include "kolt/condition.h"
 
 namespace kolt::engine {
+
 class WaitSet;
-}
+
+enum class ConditionKind { kStatus, kGuard, kRead, kQuery };
+
+}  // namespace kolt::engine
 
 struct KOLT_ConditionImpl {
   public:
     // `self` is the derived object's C record, which that object makes point back to itself.
-    explicit KOLT_ConditionImpl(DDS_Condition *self) : self_(self) {}
+    KOLT_ConditionImpl(kolt::engine::ConditionKind kind, DDS_Condition *self)
+        : kind_(kind), self_(self) {}
     // The derived destructor has called leave_waitsets().
     virtual ~KOLT_ConditionImpl() = default;
     KOLT_ConditionImpl(const KOLT_ConditionImpl &) = delete;
@@ -32,6 +37,7 @@ struct KOLT_ConditionImpl {
         return self != nullptr ? self->_impl : nullptr;
     }
 
+    kolt::engine::ConditionKind kind() const { return kind_; }
     DDS_Condition *self() const { return self_; }
     // Returns the engine entity that waitsets watch; 0 while there is none.
     virtual dds_entity_t watched() const = 0;
@@ -52,6 +58,7 @@ struct KOLT_ConditionImpl {
   private:
     friend class kolt::engine::WaitSet;
 
+    const kolt::engine::ConditionKind kind_;
     DDS_Condition *const self_;
     std::vector<kolt::engine::WaitSet *> waitsets_;  // guarded by the process-wide mutex
 };
@@ -59,6 +66,15 @@ struct KOLT_ConditionImpl {
 namespace kolt::engine {
 
 using Condition = KOLT_ConditionImpl;
+
+// Returns the implementation if the condition is of one of the kinds; nullptr otherwise, as for a guard
+// condition that was cast to a read condition.
+template <typename Impl, ConditionKind... kKinds>
+Impl *condition_cast(DDS_Condition *self) {
+    KOLT_ConditionImpl *const impl = KOLT_ConditionImpl::of(self);
+    return impl != nullptr && ((impl->kind() == kKinds) || ...) ? static_cast<Impl *>(impl)
+                                                                : nullptr;
+}
 
 class GuardCondition final : public Condition {
   public:

@@ -7,7 +7,7 @@
 namespace kolt::engine {
 
 StatusCondition::StatusCondition(Entity &entity)
-    : Condition(&handle_._condition), entity_(entity) {}
+    : Condition(ConditionKind::kStatus, &handle_._condition), entity_(entity) {}
 
 StatusCondition::~StatusCondition() {
     leave_waitsets();
@@ -17,7 +17,9 @@ StatusCondition::~StatusCondition() {
 }
 
 StatusCondition *StatusCondition::of(DDS_StatusCondition *self) {
-    return self != nullptr ? static_cast<StatusCondition *>(self->_condition._impl) : nullptr;
+    return self != nullptr
+               ? condition_cast<StatusCondition, ConditionKind::kStatus>(&self->_condition)
+               : nullptr;
 }
 
 DDS_ReturnCode_t StatusCondition::set_enabled_statuses(DDS_StatusMask mask) {

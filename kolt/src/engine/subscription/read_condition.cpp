@@ -50,15 +50,15 @@ std::size_t claim_slot(const ContentFilter *filter) {
 // ---- Read condition -----------------------------------------------------------------------------
 
 ReadCondition::ReadCondition(DataReader &reader, std::uint32_t engine_mask,
-                             const ReadStates &states, Deferred)
-    : Condition(&handle_._read_condition._condition),
+                             const ReadStates &states, Deferred deferred)
+    : Condition(deferred.kind, &handle_._read_condition._condition),
       reader_(reader),
       engine_mask_(engine_mask),
       states_(states) {}
 
 ReadCondition::ReadCondition(DataReader &reader, std::uint32_t engine_mask,
                              const ReadStates &states)
-    : ReadCondition(reader, engine_mask, states, Deferred{}) {
+    : ReadCondition(reader, engine_mask, states, Deferred{ConditionKind::kRead}) {
     const dds_entity_t engine = dds_create_readcondition(reader.engine(), engine_mask);
     if (engine < 0) {
         throw std::bad_alloc();

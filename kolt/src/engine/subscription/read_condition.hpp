@@ -31,21 +31,26 @@ class ReadCondition : public Condition {
     ReadCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states);
     ~ReadCondition() override;
     static ReadCondition *of(DDS_ReadCondition *self) {
-        return self != nullptr ? static_cast<ReadCondition *>(self->_condition._impl) : nullptr;
+        return self != nullptr
+                   ? condition_cast<ReadCondition, ConditionKind::kRead, ConditionKind::kQuery>(
+                         &self->_condition)
+                   : nullptr;
     }
 
     DDS_ReadCondition *handle() { return &handle_._read_condition; }
     DataReader &reader() const { return reader_; }
     const ReadStates &states() const { return states_; }
-    virtual bool is_query() const { return false; }
+    bool is_query() const { return kind() == ConditionKind::kQuery; }
     dds_entity_t watched() const override { return engine_.load(std::memory_order_acquire); }
     // Returns a lock to hold while the condition is used for reading: the engine entity of a query
     // condition is replaced when its parameters change.
     virtual std::unique_lock<std::mutex> hold() { return {}; }
 
   protected:
-    // Marks the constructor for query conditions, which create the engine's condition themselves.
-    struct Deferred {};
+    // Marks the constructor that leaves it to the caller to create the engine's condition.
+    struct Deferred {
+        ConditionKind kind;
+    };
     ReadCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states,
                   Deferred);
     void set_engine(dds_entity_t engine) { engine_.store(engine, std::memory_order_release); }
@@ -70,14 +75,13 @@ class QueryCondition final : public ReadCondition {
                                                   const char *method);
     ~QueryCondition() override;
     static QueryCondition *of(DDS_QueryCondition *self) {
-        return self != nullptr
-                   ? static_cast<QueryCondition *>(self->_read_condition._condition._impl)
-                   : nullptr;
+        return self != nullptr ? condition_cast<QueryCondition, ConditionKind::kQuery>(
+                                     &self->_read_condition._condition)
+                               : nullptr;
     }
 
     DDS_QueryCondition *handle() { return query_handle(); }
     const ContentFilter &filter() const { return *filter_; }
-    bool is_query() const override { return true; }
     std::unique_lock<std::mutex> hold() override { return std::unique_lock(use_); }
     // Replaces the parameters and judges the samples in the cache anew.
     DDS_ReturnCode_t set_parameters(const DDS_StringSeq &parameters, const char *method);
@@ -85,7 +89,7 @@ class QueryCondition final : public ReadCondition {
   private:
     QueryCondition(DataReader &reader, std::uint32_t engine_mask, const ReadStates &states,
                    std::unique_ptr<ContentFilter> filter, std::size_t slot)
-        : ReadCondition(reader, engine_mask, states, Deferred{}),
+        : ReadCondition(reader, engine_mask, states, Deferred{ConditionKind::kQuery}),
           filter_(std::move(filter)),
           slot_(slot) {}
     DDS_ReturnCode_t make_engine(const char *method);

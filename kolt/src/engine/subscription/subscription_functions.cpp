@@ -215,11 +215,16 @@ DDS_ReturnCode_t check_selection(const DataReader &reader, const KOLT_ReadSelect
     if (selection.max_samples < 1 && selection.max_samples != DDS_LENGTH_UNLIMITED) {
         return bad_parameter(method, "max_samples");
     }
+    if (selection.scope != KOLT_READ_ALL && selection.scope != KOLT_READ_INSTANCE &&
+        selection.scope != KOLT_READ_NEXT_INSTANCE) {
+        return bad_parameter(method, "scope");
+    }
     if (selection.scope == KOLT_READ_INSTANCE && selection.handle == DDS_HANDLE_NIL) {
         return bad_parameter(method, "handle");
     }
+    const ReadCondition *const condition = ReadCondition::of(selection.condition);
     if (selection.condition != nullptr &&
-        &ReadCondition::of(selection.condition)->reader() != &reader) {
+        (condition == nullptr || &condition->reader() != &reader)) {
         return bad_parameter(method, "condition");
     }
     return DDS_RETCODE_OK;
