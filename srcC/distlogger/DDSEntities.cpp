@@ -53,17 +53,17 @@ bool create_participant(VUR_DL_DDSEntities &self, const VUR_DL_Options &options)
 }
 
 // Takes the ids from the participant in use, created or handed in: readers know the logger by them.
-// One that is handed in and not enabled has none yet, and loggers without ids would take each other's
-// commands.
+// One that is not enabled has none yet, and loggers without ids would take each other's commands.
 bool read_ids(VUR_DL_DDSEntities &self) {
     ParticipantQos qos;
     const bool has_ids =
-        self.participantCreatedLocally != 0 ||
         DDS_Entity_is_enabled(DDS_DomainParticipant_as_entity(self.domainParticipant));
     if (!has_ids) {
-        KOLT_Log_message(KOLT_CONFIG_LOG_CATEGORY_ENTITIES, KOLT_CONFIG_LOG_LEVEL_ERROR, kCreate,
-                         "the participant that the options hand in is not enabled and has no ids "
-                         "yet: enable it before the logger is created");
+        KOLT_Log_message(
+            KOLT_CONFIG_LOG_CATEGORY_ENTITIES, KOLT_CONFIG_LOG_LEVEL_ERROR, kCreate,
+            "the participant is not enabled and has no ids yet: enable one that you hand in "
+            "before the logger is created; for the logger's own, let the factory "
+            "enable what it creates (entity_factory)");
     }
     if (!has_ids ||
         DDS_DomainParticipant_get_qos(self.domainParticipant, qos.get()) != DDS_RETCODE_OK) {

@@ -137,6 +137,15 @@ void fill_state(VUR_DL_DistLogger &self) {
     VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(&self);
 }
 
+// The time for each State of the creation to go out, under the lock. It is long: the State of a logger
+// that has missed it is published no more.
+constexpr DDS_Duration_t kFirstStateWithin{2, 0};
+
+DDS_DataWriter *state_writer(VUR_DL_DistLogger &self) {
+    VUR_DL_ADMIN_StateDataWriter *writer = VUR_DL_DDSEntities_getStateWriter(self._ddsEntities);
+    return writer == nullptr ? nullptr : VUR_DL_ADMIN_StateDataWriter_as_datawriter(writer);
+}
+
 void set_state_kind(VUR_DL_DistLogger &self, VUR_DL_ADMIN_StateKind kind) {
     store_relaxed(self.stateKind, kind);
     vur_dl::state_owner().carry_out(self, vur_dl::kRefreshKind);
@@ -149,6 +158,7 @@ bool become_operational(VUR_DL_DistLogger &self) {
         VUR_DL_DistLogger_CommandRequestListener_on_data_available(&self, command_reader(self));
     }
     set_state_kind(self, VUR_DL_STATE_OPERATIONAL);
+    const vur_dl::WriteDeadline first_state(state_writer(self), kFirstStateWithin);
     return VUR_DL_DistLogger_writeState(&self) == 1 || fail("Unable to write State");
 }
 
@@ -193,6 +203,7 @@ void create_singleton(DDS_DomainParticipantFactory *factory) {
     }
     // The State that was published during creation shows the silenced verbosities.
     VUR_DL_DistLogger_updateVURLoggerCategoryAndVerbosityState(self);
+    const vur_dl::WriteDeadline first_state(state_writer(*self), kFirstStateWithin);
     if (VUR_DL_DistLogger_writeState(self) == 0) {
         report("Unable to Write State", kGetInstance, vur_dl::kLevelWarning);
     }
@@ -216,11 +227,6 @@ void report_being_destroyed() {
 // State and publishes it.
 constexpr DDS_Duration_t kLastStateWithin{0, 500'000'000};
 
-DDS_DataWriter *state_writer(VUR_DL_DistLogger &self) {
-    VUR_DL_ADMIN_StateDataWriter *writer = VUR_DL_DDSEntities_getStateWriter(self._ddsEntities);
-    return writer == nullptr ? nullptr : VUR_DL_ADMIN_StateDataWriter_as_datawriter(writer);
-}
-
 DDS_DataWriter *message_writer(VUR_DL_DistLogger &self) {
     VUR_DL_LogMessageDataWriter *writer = VUR_DL_DDSEntities_getLogMessageWriter(self._ddsEntities);
     return writer == nullptr ? nullptr : VUR_DL_LogMessageDataWriter_as_datawriter(writer);
@@ -241,6 +247,13 @@ void end_writes(VUR_DL_DistLogger &self) {
             KOLT_DataWriter_end_writes(writer);
         }
     }
+}
+
+// Waits until no command is carried out any more; one may be publishing the State.
+void end_commands(VUR_DL_DistLogger &self) {
+    const vur_dl::WriteDeadline last_state(
+        self._ddsEntities != nullptr ? state_writer(self) : nullptr, kLastStateWithin);
+    vur_dl::command_gate.close();
 }
 
 // Waits until nobody publishes the State any more.
@@ -369,7 +382,7 @@ VUR_DL_DistLogger *VUR_DL_DistLogger_destroy(VUR_DL_DistLogger *self) {
     if (self->_ddsEntities != nullptr) {
         end_writes(*self);
     }
-    vur_dl::command_gate.close();
+    end_commands(*self);
     if (self->logMessageWriteThread != nullptr) {
         store_relaxed(self->logMessageWriteThread->shouldRun, 0);
         LogMessageWriteThread_delete(self->logMessageWriteThread);
