@@ -31,6 +31,7 @@ struct CheckOptions {
     std::vector<std::string> files;
     std::string library;  // library and name of the profile that the application names in code
     std::string profile;
+    int domain = 0;  // that the application joins
     bool all = false;
     bool json = false;
 };
@@ -168,8 +169,7 @@ std::unique_ptr<Report> examine(const std::string &file, const CheckOptions &opt
         judge_logger(*report);
         report->entities = entities_of(*report->document.options(), log);
         judge_entities(*report);
-        check::check_engine(static_cast<int>(report->document.options()->domainId),
-                            report->document.name(), log, report->problems);
+        check::check_engine(options.domain, report->document.name(), log, report->problems);
     }
     return report;
 }
@@ -226,6 +226,12 @@ void add_check(CLI::App &app, Action &action) {
             "--profile", [options](const std::string &text) { set_profile(*options, text); },
             "The QoS profile that the application names in its code (qosLibrary, qosProfile)")
         ->type_name("LIBRARY::PROFILE");
+    command
+        ->add_option("--domain", options->domain,
+                     "The domain for which the engine's configuration is tried")
+        ->type_name("N")
+        ->check(CLI::Range(0, 230))
+        ->capture_default_str();
     command->add_flag("--all", options->all,
                       "Show policies at the standard's default, too (JSON always has them)");
     command->add_flag("--json", options->json, "One JSON object a line for each document");

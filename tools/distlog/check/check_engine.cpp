@@ -15,10 +15,11 @@ namespace distlog::check {
 namespace {
 
 constexpr char kVariable[] = "CYCLONEDDS_URI";
-// Lets the engine drop, of a thousand packets that it would send, a thousand.
+// Lets the engine drop, of a thousand packets that it would send, a thousand, and take no port that the
+// application may have.
 constexpr char kQuiet[] =
-    "<CycloneDDS><Domain Id='any'><Internal><Test><XmitLossiness>1000</XmitLossiness></Test>"
-    "</Internal></Domain></CycloneDDS>";
+    "<CycloneDDS><Domain Id='any'><Discovery><ParticipantIndex>none</ParticipantIndex></Discovery>"
+    "<Internal><Test><XmitLossiness>1000</XmitLossiness></Test></Internal></Domain></CycloneDDS>";
 
 // The engine's configuration with that in addition, while it lives.
 class QuietConfiguration {
