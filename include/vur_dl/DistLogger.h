@@ -78,8 +78,8 @@ VUR_DL_EXPORT VUR_DL_LogMessageWriteThread *VUR_DL_DistLogger_getLogMessageWrite
 /* One message with everything about it. The record and its texts are read during the call only. */
 typedef struct VUR_DL_DistLogger_MessageParams {
     DDS_Long log_level;   /* 100 fatal to 800 trace, or any other number */
-    const char *message;  /* at most 4096 characters are published */
-    const char *category; /* at most 512 characters are published; "" for none */
+    const char *message;  /* at most 4096 bytes are published, the last character perhaps in part */
+    const char *category; /* at most 512 bytes are published; "" for none */
     DDS_Time_t timestamp; /* source time stamp of the sample; seconds not negative */
 } VUR_DL_DistLogger_MessageParams;
 
@@ -115,6 +115,9 @@ VUR_DL_EXPORT int VUR_DL_DistLogger_get_info_log_level(void);
 VUR_DL_EXPORT int VUR_DL_DistLogger_get_debug_log_level(void);
 
 /* ---- Administration ------------------------------------------------------------------------ */
+
+/* These need the logger: unlike log calls they must not run while, or after, another thread finalises
+ * it. */
 
 /* Returns the filter level in force, which remote commands may have changed. `self` must be the
  * logger. Takes no lock. */

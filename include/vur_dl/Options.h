@@ -22,8 +22,9 @@ VUR_DL_EXTERN_C_BEGIN
 
 typedef struct VUR_DL_Options {
     /* The participant in which the logger creates its entities; borrowed, must be enabled when the
-     * logger is created, and must outlive the logger. NULL: the logger creates one of its own in
-     * `domainId`. */
+     * logger is created, must enable what is created in it, and must outlive the logger. A callback
+     * of its listeners that does not return holds up the logger's State and commands. NULL: the
+     * logger creates one of its own in `domainId`. */
     DDS_DomainParticipant *domainParticipant;
     /* A participant object of another language binding; borrowed, never used by the library. */
     void *cppDomainParticipant;
