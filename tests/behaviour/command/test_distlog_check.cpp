@@ -362,6 +362,39 @@ TEST_F(DistlogCheck, TheEnginesConfigurationIsChecked) {
     }
 }
 
+TEST_F(DistlogCheck, TheEnginesConfigurationIsThatOfTheDomain) {
+    write_document(logger(""));
+    const support::ChildProcess::Environment environment{
+        {"CYCLONEDDS_URI",
+         "<CycloneDDS><Domain Id='5'><General><Interfaces><NetworkInterface name='nosuch0'/>"
+         "</Interfaces></General></Domain><Domain Id='6'><General><Interfaces><NetworkInterface "
+         "name='lo' multicast='false'/></Interfaces></General></Domain></CycloneDDS>"}};
+    EXPECT_EQ(check({"--domain", "5", "a.xml"}, environment).code, 1);
+    EXPECT_EQ(check({"--domain", "6", "a.xml"}, environment).code, 0);
+    EXPECT_NE(check({"--domain", "231", "a.xml"}, environment).code, 0);
+}
+
+// The application is running, and has the ports that the configuration gives it.
+TEST_F(DistlogCheck, TheEnginesConfigurationIsTriedBesideTheApplication) {
+    write_document(logger(""));
+    const support::ChildProcess::Environment environment{
+        {"CYCLONEDDS_URI",
+         "<CycloneDDS><Domain Id='any'><General><Interfaces><NetworkInterface name='lo' "
+         "multicast='false'/></Interfaces><AllowMulticast>false</AllowMulticast></General>"
+         "<Discovery><ParticipantIndex>90</ParticipantIndex></Discovery></Domain></CycloneDDS>"}};
+    support::ChildProcess application({support::binary_path("distlog"), "tail", "--domain", "77"},
+                                      environment);
+    EXPECT_TRUE(support::eventually([&] {
+        support::ChildProcess rival(
+            {support::binary_path("distlog"), "ls", "--domain", "77", "--timeout", "0.1"},
+            environment);
+        rival.wait();
+        return contains(joined(rival.lines(support::ChildProcess::Stream::kErr)),
+                        "unicast sockets");
+    }));
+    EXPECT_EQ(check({"--domain", "77", "a.xml"}, environment).code, 0);
+}
+
 // A socket that the engine is told to look for others at.
 class Listener {
   public:
