@@ -261,6 +261,30 @@ TEST(TimeBasedFilter, AWeakerOwnerDoesNotReplaceWhatIsKept) {
     EXPECT_EQ(numbers_of(take_at_least(reader, 1)), (std::vector<long long>{2}));
 }
 
+TEST(TimeBasedFilter, WhoInheritsAnInstanceIsFilteredToo) {
+    Node node(1);
+    DDS_DataWriter *const weak = node.writer(owning(1));
+    const auto leaving = [](DDS_DataWriterQos &qos) {
+        owning(2)(qos);
+        leaves_instances(qos);
+    };
+    DDS_DataWriter *const owner = node.writer(leaving);
+    DDS_DataReader *const reader = node.reader([](DDS_DataReaderQos &qos) {
+        separated_by(kAnHour)(qos);
+        of_one_owner(qos);
+    });
+    ASSERT_TRUE(is_matched(weak) && is_matched(owner));
+    ASSERT_EQ(write(owner, 1, 1, 0), DDS_RETCODE_OK);
+    ASSERT_EQ(DDS_Publisher_delete_datawriter(node.publisher, owner), DDS_RETCODE_OK);
+    ASSERT_TRUE(is_matched(reader));
+    for (long long i = 1; i < 6; ++i) {
+        ASSERT_EQ(write(weak, 1, 1, i), DDS_RETCODE_OK);
+    }
+    EXPECT_EQ(numbers_of(take(reader)), (std::vector<long long>{0}));
+    change(reader, [](DDS_DataReaderQos &qos) { qos.time_based_filter.minimum_separation = {}; });
+    EXPECT_EQ(numbers_of(take_at_least(reader, 1)), (std::vector<long long>{5}));
+}
+
 // ---- READER_DATA_LIFECYCLE ----------------------------------------------------------------------
 
 TEST(ReaderDataLifecycle, DisposedInstancesArePurged) {

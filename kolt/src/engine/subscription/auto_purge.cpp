@@ -134,6 +134,13 @@ void AutoPurge::note_writer_gone(const ddsi_writer_info &writer) {
     }
 }
 
+void AutoPurge::relinquish(std::uint64_t writer) {
+    const std::lock_guard lock(mutex_);
+    for (auto &[instance, entry] : entries_) {
+        entry.owner.leave(writer);
+    }
+}
+
 // ---- Purging ------------------------------------------------------------------------------------
 
 void AutoPurge::purge_due() {

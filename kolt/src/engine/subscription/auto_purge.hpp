@@ -46,6 +46,8 @@ class AutoPurge {
                      const ddsi_serdata &sample);
     // Notes that a writer is gone.
     void note_writer_gone(const ddsi_writer_info &writer);
+    // Notes that a writer owns no instance any more.
+    void relinquish(std::uint64_t writer);
     // Purges what is due.
     void purge_due();
     // Returns when something is due; kNever when nothing is.

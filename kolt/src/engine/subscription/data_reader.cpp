@@ -35,10 +35,14 @@ ReaderCache::Policies cache_policies(const DDS_DataReaderQos &qos) {
     const InstanceOwner::Rules ownership = {
         qos.ownership.kind == DDS_EXCLUSIVE_OWNERSHIP_QOS,
         qos.destination_order.kind == DDS_BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS};
+    // A missed deadline ends an ownership, and only the cache knows when.
+    const InstanceOwner::Rules known_ownership = {
+        ownership.exclusive && DDS_Duration_is_infinite(&qos.deadline.period) != DDS_BOOLEAN_FALSE,
+        ownership.by_source_timestamp};
     return {{to_engine(qos.time_based_filter.minimum_separation), ownership},
             {{to_engine(lifecycle.autopurge_nowriter_samples_delay),
               to_engine(lifecycle.autopurge_disposed_samples_delay)},
-             ownership}};
+             known_ownership}};
 }
 
 }  // namespace

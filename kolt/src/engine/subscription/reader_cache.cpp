@@ -47,7 +47,10 @@ struct ReaderCache::Front : dds_rhc {
         of(rhc).writer_gone(*writer);
     }
     static void relinquish_ownership(ddsi_rhc *rhc, std::uint64_t writer) {
-        dds_rhc_relinquish_ownership(of(rhc).inner, writer);
+        Front &front = of(rhc);
+        front.time_based_filter.relinquish(writer);
+        front.auto_purge.relinquish(writer);
+        dds_rhc_relinquish_ownership(front.inner, writer);
     }
     static void set_qos(ddsi_rhc *rhc, const dds_qos *qos) { dds_rhc_set_qos(of(rhc).inner, qos); }
     static void free(ddsi_rhc *rhc) {

@@ -98,7 +98,7 @@ bool TimeBasedFilter::store_kept(Lock &lock, Entries::iterator entry, Kept &spar
 }
 
 // The engine tries again to store what has been refused. What the cache does not take at all goes there
-// at once: it counts that.
+// at once: it counts that. An owner that has been silent for a period may have lost the instance.
 bool TimeBasedFilter::store(ArrivedSample sample) {
     Kept arrived(std::move(sample));
     Kept stored_now;
@@ -108,13 +108,15 @@ bool TimeBasedFilter::store(ArrivedSample sample) {
     if (state.is_refused) {
         return false;
     }
-    if (!state.owner.accepts(rules_.ownership, arrived->writer, *arrived->serdata)) {
+    const bool is_open = !state.is_storing && state.open_at <= monotonic_now();
+    const bool is_silent = is_open && !state.kept.has_value();
+    if (!is_silent && !state.owner.accepts(rules_.ownership, arrived->writer, *arrived->serdata)) {
         lock.unlock();
         return put_(cache_, arrived->writer, arrived->serdata.get(), arrived->instance.get());
     }
     state.owner.note(arrived->writer, *arrived->serdata);
     arrived.swap(state.kept);
-    if (state.is_storing || state.open_at > monotonic_now()) {
+    if (!is_open) {
         return true;
     }
     stored_now.swap(state.kept);
@@ -166,12 +168,23 @@ bool TimeBasedFilter::flush_next(std::uint64_t writer, DDS_InstanceHandle_t *las
     }
     *last = next->first;
     const auto entry = settled(lock, *last);
-    if (entry != entries_.end() && entry->second.kept.has_value() &&
-        entry->second.kept->writer.iid == writer && !store_kept(lock, entry, spare)) {
+    if (entry == entries_.end()) {
+        return true;
+    }
+    if (entry->second.kept.has_value() && entry->second.kept->writer.iid == writer &&
+        !store_kept(lock, entry, spare)) {
         spare.swap(entry->second.kept);
         entry->second.is_refused = false;
     }
+    entry->second.owner.leave(writer);
     return true;
+}
+
+void TimeBasedFilter::relinquish(std::uint64_t writer) {
+    const std::lock_guard lock(mutex_);
+    for (auto &[instance, entry] : entries_) {
+        entry.owner.leave(writer);
+    }
 }
 
 void TimeBasedFilter::store_due() {

@@ -57,6 +57,8 @@ class TimeBasedFilter {
              DDS_InstanceHandle_t instance);
     // Stores what is kept of a writer, or drops it if the cache refuses that.
     void flush_writer(std::uint64_t writer);
+    // Notes that a writer owns no instance any more.
+    void relinquish(std::uint64_t writer);
     // Stores what is due.
     void store_due();
     // Makes due what the cache refused, since it may have room now. False when there is nothing.
