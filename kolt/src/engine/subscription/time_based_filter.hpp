@@ -22,7 +22,7 @@ namespace kolt::engine {
 // A sample on its way to a cache, with references on what it consists of.
 struct ArrivedSample {
     struct Unref {
-        void operator()(ddsi_serdata *serdata) const { ddsi_serdata_unref(serdata); }
+        void operator()(ddsi_serdata *sample) const { ddsi_serdata_unref(sample); }
     };
 
     ddsi_writer_info writer;
