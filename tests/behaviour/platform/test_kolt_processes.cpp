@@ -73,8 +73,15 @@ TEST(KoltProcesses, AForkJoinsNoDomainThatItsParentIsIn) {
         return !can_join(kDomain) &&
                capture.has("the parent process had participants in domain 74");
     }));
+}
+
+// The thread sanitizer ends a child of a process with threads that makes some of its own.
+#if !defined(__SANITIZE_THREAD__)
+TEST(KoltProcesses, AForkJoinsAnotherDomainThanItsParent) {
+    const Node node(kDomain);
     EXPECT_TRUE(holds_in_child([] { return can_join(kDomain + 1); }));
 }
+#endif
 
 TEST(KoltProcesses, AForkJoinsADomainThatItsParentHasLeft) {
     { const Node node(kDomain); }
