@@ -119,9 +119,11 @@ TEST(LoggerRefusals, AParticipantThatIsNotEnabledIsRefused) {
     DDS_DomainParticipant *participant = DDS_DomainParticipantFactory_create_participant(
         factory, 59, nullptr, nullptr, DDS_STATUS_MASK_NONE);
     ASSERT_NE(participant, nullptr);
-    {
+    // One that is handed in, and the logger's own.
+    for (DDS_DomainParticipant *const used :
+         {participant, static_cast<DDS_DomainParticipant *>(nullptr)}) {
         StdoutCapture capture;
-        const Logger logger({.domain = 59, .participant = participant});
+        const Logger logger({.domain = 59, .participant = used});
         EXPECT_EQ(logger.get(), nullptr);
         expect_reason(
             capture.lines(),
