@@ -161,6 +161,7 @@ void TimeBasedFilter::flush_writer(std::uint64_t writer) {
 
 bool TimeBasedFilter::flush_next(std::uint64_t writer, DDS_InstanceHandle_t *last) {
     Kept spare;
+    Kept dropped;
     Lock lock(mutex_);
     const auto next = entries_.upper_bound(*last);
     if (next == entries_.end()) {
@@ -171,9 +172,11 @@ bool TimeBasedFilter::flush_next(std::uint64_t writer, DDS_InstanceHandle_t *las
     if (entry == entries_.end()) {
         return true;
     }
-    if (entry->second.kept.has_value() && entry->second.kept->writer.iid == writer &&
-        !store_kept(lock, entry, spare)) {
-        spare.swap(entry->second.kept);
+    const auto keeps_its_sample = [&] {
+        return entry->second.kept.has_value() && entry->second.kept->writer.iid == writer;
+    };
+    if (keeps_its_sample() && !store_kept(lock, entry, spare) && keeps_its_sample()) {
+        dropped.swap(entry->second.kept);
         entry->second.is_refused = false;
     }
     entry->second.owner.leave(writer);
