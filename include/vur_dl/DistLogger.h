@@ -15,7 +15,8 @@
  *  4. A forked child of a process in which a logger runs has no logger and gets none: log calls
  *     return at once, and nothing is published in the parent's name. So start the logger after
  *     daemon().
- *     A child that is forked before the logger is created or after it was finalised may create one.
+ *     A child that is forked before the logger is created or after it was finalised may create one,
+ *     unless the process had another participant in its domain at that time.
  *  5. The library, once loaded, stays: dlclose() leaves a running logger running.
  *  6. Do not log from a signal handler.
  *  7. A thread that is cancelled (pthread_cancel, deferred as by default) within one of these functions

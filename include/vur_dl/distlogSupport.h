@@ -224,9 +224,9 @@ VUR_DL_EXTERN_C_BEGIN
  *   reader.
  * - TDataReader_get_key_value, _lookup_instance: Lead from handle to key and back while the
  *   instance is known: as long as there are samples of it to read, or a writer that has not
- *   unregistered it. For one that is gone they return BAD_PARAMETER and DDS_HANDLE_NIL. Its key is in the
- *   sample that reported its end: the key members of that sample are set although `valid_data` is
- *   false.
+ *   unregistered it. For one that is gone they return BAD_PARAMETER and DDS_HANDLE_NIL. Its key is
+ *   in the sample that reported its end: the key members of that sample are set although
+ *   `valid_data` is false.
  * - The others: Do what DDS_DataReader_<operation> does.
  */
 #define VUR_DL_DATA_READER_DECLARE(T)                                                              \

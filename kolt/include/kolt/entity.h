@@ -18,8 +18,8 @@
  *  4. A listener handles a status when the status is in its mask and the callback is not NULL.
  *     A status that an entity's own listener does not handle goes to the listener of its publisher
  *     or subscriber, and then to that of its participant. A status that none of them handles is
- *     kept until a getter or a later listener of the entity itself asks for it. A callback that is called resets the
- *     changes of its status, as a getter does (DDS 1.4, 2.2.4.1).
+ *     kept until a getter or a later listener of the entity itself asks for it. A callback that is
+ *     called resets the changes of its status, as a getter does (DDS 1.4, 2.2.4.1).
  *  5. Functions that replace or remove a listener, and those that delete an entity, wait for a
  *     callback of that listener or about that entity to end, except when called from a callback of
  *     the same participant: then none comes after it. They must not be called with a lock held that

@@ -107,6 +107,24 @@ TEST(TimeBasedFilter, AnotherParticipantsSamplesToo) {
     EXPECT_EQ(numbers_of(take_at_least(reader, 2)), (std::vector<long long>{0, 0}));
 }
 
+TEST(TimeBasedFilter, TheLastSampleOfABestEffortWriterToo) {
+    Node node(1);
+    DDS_DataWriter *const writer = node.writer(
+        [](DDS_DataWriterQos &qos) { qos.reliability.kind = DDS_BEST_EFFORT_RELIABILITY_QOS; });
+    DDS_DataReader *const reader = node.reader([](DDS_DataReaderQos &qos) {
+        separated_by({0, 200'000'000})(qos);
+        qos.reliability.kind = DDS_BEST_EFFORT_RELIABILITY_QOS;
+    });
+    ASSERT_TRUE(is_matched(writer));
+    for (long long i = 0; i < 20; ++i) {
+        ASSERT_EQ(write(writer, 1, 1, i), DDS_RETCODE_OK);
+    }
+    EXPECT_TRUE(eventually([&] {
+        const auto got = take(reader);
+        return !got.empty() && got.back().number == 19;
+    }));
+}
+
 TEST(TimeBasedFilter, WhatIsKeptComesBeforeTheEndOfItsInstance) {
     Node node(1);
     DDS_DataWriter *const writer = node.writer();

@@ -389,6 +389,7 @@ TEST(Soak, NothingHangsAndNothingRaces) {
     unsigned long steps = 0;
     for (int i = 0; i < kThreads; ++i) {
         threads[static_cast<std::size_t>(i)].join();
+        EXPECT_GT(actors[static_cast<std::size_t>(i)]->steps(), 1U);
         steps += actors[static_cast<std::size_t>(i)]->steps();
     }
     std::cout << steps << " operations" << std::endl;
