@@ -117,4 +117,9 @@ class SerdataView {
     const Serdata *serdata_ = nullptr;
 };
 
+struct SerdataDeleter {
+    void operator()(Serdata *serdata) const { serdata->unref(); }
+};
+using SerdataRef = std::unique_ptr<Serdata, SerdataDeleter>;
+
 }  // namespace kolt::engine

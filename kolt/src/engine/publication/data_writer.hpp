@@ -21,11 +21,6 @@ namespace kolt::engine {
 class Publisher;
 class Topic;
 
-struct SerdataDeleter {
-    void operator()(Serdata *serdata) const { serdata->unref(); }
-};
-using SerdataRef = std::unique_ptr<Serdata, SerdataDeleter>;
-
 // Logs and returns BAD_PARAMETER for a time stamp that a sample cannot carry.
 DDS_ReturnCode_t bad_timestamp(const char *method);
 

@@ -161,7 +161,7 @@ bool ReaderCache::Front::filter(const ddsi_writer_info &writer, ddsi_serdata *sa
     }
     try {
         ArrivedSample arrived{writer, {}, InstancePin(domain, instance)};
-        arrived.serdata.reset(ddsi_serdata_ref(sample));
+        arrived.serdata.reset(static_cast<Serdata *>(ddsi_serdata_ref(sample)));
         return time_based_filter.store(std::move(arrived));
     } catch (const std::bad_alloc &) {
         return put(this, writer, sample, instance);

@@ -9,7 +9,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -21,12 +20,8 @@ namespace kolt::engine {
 
 // A sample on its way to a cache, with references on what it consists of.
 struct ArrivedSample {
-    struct Unref {
-        void operator()(ddsi_serdata *sample) const { ddsi_serdata_unref(sample); }
-    };
-
     ddsi_writer_info writer;
-    std::unique_ptr<ddsi_serdata, Unref> serdata;
+    SerdataRef serdata;
     InstancePin instance;
 };
 
